@@ -1,0 +1,48 @@
+# What every target of this project has in common.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_STANDARD 20)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+# Empty, "address,undefined" or "thread".
+set(QUOREL_SANITIZE "" CACHE STRING "Sanitizers to build with")
+
+find_package(Threads REQUIRED)
+find_package(PkgConfig REQUIRED)
+
+add_library(quorel_options INTERFACE)
+target_include_directories(quorel_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(quorel_options INTERFACE
+  -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+target_link_libraries(quorel_options INTERFACE Threads::Threads)
+if(QUOREL_SANITIZE)
+  target_compile_options(quorel_options INTERFACE -fsanitize=${QUOREL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(quorel_options INTERFACE -fsanitize=${QUOREL_SANITIZE})
+endif()
+
+# quorel_library(name source...): a static library that may end up inside the pane's bundle.
+function(quorel_library name)
+  add_library(${name} STATIC ${ARGN})
+  target_link_libraries(${name} PUBLIC quorel_options)
+endfunction()
+
+# quorel_test(name SOURCES ... [LIBRARIES ...] [WRAPPER command ...]): one GoogleTest program, run as one ctest
+# entry, inside the wrapper command where one is given.
+function(quorel_test name)
+  cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LIBRARIES;WRAPPER" ${ARGN})
+  find_package(GTest REQUIRED)
+  add_executable(${name} ${TEST_SOURCES})
+  target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} quorel_options GTest::gtest_main)
+  add_test(NAME ${name} COMMAND ${TEST_WRAPPER} $<TARGET_FILE:${name}>)
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 120)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT})
+endfunction()

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "configurator/ConfiguratorOutlets.h"
+#include "configurator/VXPrefPanePlugInProtocol.h"
+#include "platform/Platform.h"
+
+namespace quorel {
+
+enum class ComparisonResult { Ascending = -1, Same = 0, Descending = 1 };
+
+/// Orders two Schedules for the table. The context names the column ("Colomn identifier") and the direction
+/// ("Order"). Equal times never compare as the same, in either order of the arguments.
+ComparisonResult sortColomnFunction(const Value& a, const Value& b, const Value& context);
+
+/// Owns the schedule list while the pane is open, shows it in a table, loads the action modules and runs the
+/// edit sheet. Main thread.
+///
+/// Schedules are shared with whoever handed the list over and are never changed in place: each change puts a
+/// changed copy in the entry's place.
+class VXConfigurator : public Object, public TableViewDataSource, public TableViewDelegate {
+public:
+    /// Null when the interface file cannot be loaded. `bundle` is the pane's own; nib and platform outlive the result.
+    static std::shared_ptr<VXConfigurator> init(std::shared_ptr<Bundle> bundle, ConfiguratorNib& nib,
+                                                Platform& platform);
+
+    // Interface file (ScheduleTable.cpp)
+    ConfiguratorOutlets outlets;  ///< filled by the nib, before awakeFromNib
+    void loadNib() {}             ///< nothing: `init` has loaded it
+    void awakeFromNib();
+    const std::shared_ptr<View>& configurationView() const { return outlets.mainView; }
+    const std::shared_ptr<Bundle>& bundle() const { return _bundle; }
+
+    // Schedule list (ScheduleList.cpp)
+    /// Takes an array, or absent for none. An empty list is seeded; Schedules without a module are dropped.
+    void setScheduleArray(const Value& list);
+    const Array& scheduleArray() const { return _scheduleArray; }  ///< in the order of the table
+    Value newEmptySchedule() const;
+    int numberOfActionInScheduleArrayOfType(std::string_view type) const;
+    void addSchedule(const Object* sender);
+    void editSchedule(const Object* sender);
+    void deleteSchedule(const Object* sender);
+
+    // Lock and table (ScheduleTable.cpp)
+    void setLocked(bool locked);
+    bool isLocked() const { return _locked; }
+    void makeColomnCheckBox(std::string_view identifier);
+    void makeColomnActionCell(std::string_view identifier);
+    int numberOfRowsInTableView(TableView& table) override;
+    Value tableViewObjectValueForTableColumnRow(TableView& table, const TableColumn& column, int row) override;
+    void tableViewSetObjectValueForTableColumnRow(TableView& table, const Value& value, const TableColumn& column,
+                                                  int row) override;
+    bool tableViewShouldEditTableColumnRow(TableView& table, const TableColumn& column, int row) override;
+    void tableViewSelectionDidChange() override;
+    bool selectionShouldChangeInTableView(TableView& table) override;
+    bool tableViewShouldSelectTableColumn(TableView& table, const TableColumn& column) override;
+    bool tableViewWriteRowsToPasteboard(TableView& table, const std::vector<int>& rows,
+                                        Pasteboard& pasteboard) override;
+    DragOperation tableViewValidateDropProposedRowProposedDropOperation(TableView& table, int row,
+                                                                        DropOperation operation) override;
+    bool tableViewAcceptDropRowDropOperation(TableView& table, int row, DropOperation operation) override;
+
+    // Action modules (ActionModules.cpp)
+    void loadModules();
+    void unloadModules();
+    using Plugins = std::map<std::string, std::shared_ptr<VXPrefPanePlugInProtocol>, std::less<>>;
+    using PluginNames = std::map<std::string, std::string, std::less<>>;
+    /// Action-type identifier → module; absent after unloadModules.
+    const std::optional<Plugins>& plugins() const { return _plugins; }
+    /// Display name → action-type identifier.
+    const PluginNames& pluginNames() const { return _pluginNames; }
+
+    // Edit sheet (EditSheet.cpp)
+    /// Fills the sheet from the Schedule and runs it; returns when it has been closed.
+    void openEditSheetFor(const Value& schedule);
+    void selectActionType(const Object* sender);  ///< a null sender keeps the module's flags
+    void resizeEditSheetUsingHeight(double height);
+    void checkAllDays(const Object* sender);
+    void checkboxAction(const Object* sender);
+    void saveSchedule(const Object* sender);
+    void closeEditSheet(const Object* sender);
+    bool isEditing() const { return _isEditing; }
+    bool isAdding() const { return _isAdding; }
+
+private:
+    VXConfigurator(std::shared_ptr<Bundle> bundle, Platform& platform);
+
+    VXPrefPanePlugInProtocol* moduleOfType(std::string_view identifier) const;  ///< null when none is registered
+    VXPrefPanePlugInProtocol* chosenModule() const;  ///< of the pop-up's selected title; null when there is none
+    bool hasRow(int row) const;
+    void clearSelection();
+    void postEdited();
+
+    std::shared_ptr<Bundle> _bundle;
+    Platform& _platform;
+    Array _scheduleArray;
+    std::optional<Plugins> _plugins;
+    PluginNames _pluginNames;
+    bool _locked = true;
+    bool _isEditing = false;
+    bool _isAdding = false;
+    int _draggedRow = 0;
+    Size _editSheetMinSize;
+};
+
+}  // namespace quorel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/NotificationCenter.h"
+
+namespace quorel {
+
+/// What the communication center asks of the object that stands for this program.
+/// `pong` may be asked on any thread.
+class VXCommunicationProtocol;
+
+/// The channel between the product's programs: pings and notifications to the daemon and to a user's agent.
+/// Every operation may be called from any thread, blocks, and reports failure by its result alone.
+class VXCommunicationCenter {
+public:
+    virtual ~VXCommunicationCenter() = default;
+
+    /// The instance that the composition root installed, or null.
+    static VXCommunicationCenter* sharedInstance();
+    /// Not owned. Install before the first pane is created, and for good.
+    static void setSharedInstance(VXCommunicationCenter* instance);
+
+    /// The observer's `pong` answers the pings of other programs. Not owned.
+    virtual void setObserver(std::weak_ptr<VXCommunicationProtocol> observer) = 0;
+    /// Opens this program's own end, on which it can be pinged. Failure leaves the other operations usable.
+    virtual void createServerConnection() = 0;
+
+    /// At once false when nobody has the daemon's name; false after one second when its owner is silent.
+    /// Never starts the program.
+    virtual bool pingDaemon() = 0;
+    virtual bool pingAgentOfUser(unsigned userId) = 0;
+
+    /// Returns when the receiver has handled the notification, has refused it, or has fallen silent.
+    /// True only in the first case.
+    virtual bool postNotificationToDaemon(const Notification& notification) = 0;
+    virtual bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) = 0;
+};
+
+}  // namespace quorel

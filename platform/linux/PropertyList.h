@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/PropertyListFiles.h"
+#include "platform/Value.h"
+
+namespace quorel {
+
+/// Limits on property lists from outside: what is larger or deeper is refused before it is unfolded.
+inline constexpr std::size_t kMaximumPropertyListBytes = 16 * 1024 * 1024;
+inline constexpr int kMaximumPropertyListDepth = 64;
+
+/// XML or binary, within the limits; absent otherwise. Any thread, never throws.
+Value decodePropertyList(std::string_view bytes);
+
+/// XML. Nothing when the value is absent, holds something absent, or passes the limits. Any thread.
+std::optional<std::string> encodePropertyList(const Value& value);
+
+/// Reads files below a root directory: "/Library/x" is `root` + "/Library/x".
+class RootedPropertyListFiles : public PropertyListFiles {
+public:
+    explicit RootedPropertyListFiles(std::string root = {}) : _root(std::move(root)) {}
+    Value dictionaryWithContentsOfFile(std::string_view path) const override;
+
+private:
+    std::string _root;
+};
+
+}  // namespace quorel
