@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/headless/Application.h"
+#include "platform/headless/Bundle.h"
+#include "platform/headless/Dispatch.h"
+#include "platform/headless/Services.h"
+#include "platform/headless/TableView.h"
+
+namespace quorel::headless {
+
+/// A whole host in memory, on which the logic runs complete. One thread.
+struct HeadlessPlatform {
+    Application application;
+    Authorization authorization;
+    Bundles bundles;
+    Cells cells;
+    Clock clock;
+    Dispatch dispatch;
+    NotificationCenter defaultCenter;
+    PropertyListFiles files;
+    UserDefaults standardUserDefaults;
+    Workspace sharedWorkspace;
+    Platform platform{application, authorization,        bundles,         cells, clock, dispatch, defaultCenter,
+                      files,       standardUserDefaults, sharedWorkspace, 501};
+};
+
+}  // namespace quorel::headless
