@@ -24,6 +24,14 @@ inline constexpr std::string_view kWakeUpType = "com.quorel.plugin.WakeUp";
 
 }  // namespace schedule
 
+namespace schedule {
+/// The table's column that sums up the action. No Schedule has such a key.
+inline constexpr std::string_view kInfos = "Infos";
+}  // namespace schedule
+
+/// The type of what the table's rows are dragged as; inside one table only.
+inline constexpr const char* kSchedulePasteboard = "SchedulePasteboard";
+
 /// Posted after every edit of the list, without object or user information.
 inline constexpr std::string_view kMOLConfiguratorHasBeenEditedNotification =
     "kMOLConfiguratorHasBeenEditedNotification";

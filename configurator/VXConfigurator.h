@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "configurator/ConfiguratorOutlets.h"
 #include "configurator/VXPrefPanePlugInProtocol.h"
@@ -58,7 +60,12 @@ public:
     bool tableViewShouldEditTableColumnRow(TableView& table, const TableColumn& column, int row) override;
     void tableViewSelectionDidChange() override;
     bool selectionShouldChangeInTableView(TableView& table) override;
+
+    // Sort (ScheduleSort.cpp)
+    /// A click on a header: sorts, each time in the other direction, and is never answered with a selection.
     bool tableViewShouldSelectTableColumn(TableView& table, const TableColumn& column) override;
+
+    // Drag and drop (DragAndDrop.cpp)
     bool tableViewWriteRowsToPasteboard(TableView& table, const std::vector<int>& rows,
                                         Pasteboard& pasteboard) override;
     DragOperation tableViewValidateDropProposedRowProposedDropOperation(TableView& table, int row,
@@ -91,8 +98,12 @@ private:
     VXConfigurator(std::shared_ptr<Bundle> bundle, Platform& platform);
 
     VXPrefPanePlugInProtocol* moduleOfType(std::string_view identifier) const;  ///< null when none is registered
+    VXPrefPanePlugInProtocol* moduleOfType(const Value& identifier) const;      ///< null for whatever is no text, too
     VXPrefPanePlugInProtocol* chosenModule() const;  ///< of the pop-up's selected title; null when there is none
-    bool hasRow(int row) const;
+    bool hasRow(int row) const;                      ///< the table may ask for rows that are gone
+    const Value& scheduleAt(int row) const;          ///< of a row that exists
+    Value actionSummaryOf(const Value& schedule);
+    const Value& timeTextOf(const Value& schedule);
     void clearSelection();
     void postEdited();
 
@@ -104,7 +115,10 @@ private:
     bool _locked = true;
     bool _isEditing = false;
     bool _isAdding = false;
-    int _draggedRow = 0;
+    int _draggedRow = -1;
+    /// Texts of the times on show: writing one anew for each cell is what a long table would spend its time on.
+    /// Forgotten with each list, since the user may have changed the style meanwhile.
+    std::unordered_map<std::int64_t, Value> _timeTexts;
     Size _editSheetMinSize;
 };
 

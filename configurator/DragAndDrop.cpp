@@ -1,0 +1,34 @@
+#include "configurator/Schedule.h"
+#include "configurator/VXConfigurator.h"
+
+namespace quorel {
+
+// The dragged row travels beside the pasteboard, so that only the table it came from can take it.
+
+bool VXConfigurator::tableViewWriteRowsToPasteboard(TableView&, const std::vector<int>& rows, Pasteboard& pasteboard) {
+    if (_locked || rows.empty()) return false;
+    _draggedRow = rows.front();
+    pasteboard.declareTypesOwner({kSchedulePasteboard}, this);
+    pasteboard.setDataForType({}, kSchedulePasteboard);
+    return rows.size() == 1;
+}
+
+DragOperation VXConfigurator::tableViewValidateDropProposedRowProposedDropOperation(TableView&, int, DropOperation) {
+    return kDragOperationGeneric;
+}
+
+bool VXConfigurator::tableViewAcceptDropRowDropOperation(TableView&, int row, DropOperation) {
+    const int rows = static_cast<int>(_scheduleArray.size());
+    if (!hasRow(_draggedRow) || row < 0 || row > rows) return false;
+    const Value dragged = scheduleAt(_draggedRow);
+    const int place = _draggedRow > row ? row : row - 1;
+    _scheduleArray.erase(_scheduleArray.begin() + _draggedRow);
+    // The first row dropped on its own position has no place to go to; being taken out is what the drop rule
+    // has for it.
+    const bool hasPlace = place >= 0;
+    if (hasPlace) _scheduleArray.insert(_scheduleArray.begin() + place, dragged);
+    outlets.tableView->reloadData();
+    return hasPlace;
+}
+
+}  // namespace quorel

@@ -1,0 +1,188 @@
+#include <algorithm>
+
+#include "configurator/Schedule.h"
+#include "configurator/VXConfigurator.h"
+#include "kit/Additions.h"
+#include "platform/Dictionary.h"
+
+namespace quorel {
+
+namespace {
+
+constexpr double kTitleBarHeight = 22;
+
+bool firstTime = false;  // true once any sheet of the process was resized
+
+bool isTicked(const Button& checkBox) {
+    return checkBox.state() != kStateOff;
+}
+
+int stateOf(bool ticked) {
+    return ticked ? kStateOn : kStateOff;
+}
+
+std::string_view dotImageName(bool startup, bool wakeUp) {
+    if (startup) return wakeUp ? "MixedDot.png" : "StartupDot.png";
+    return wakeUp ? "WakeUpDot.png" : "NoneDot.png";
+}
+
+}  // namespace
+
+void VXConfigurator::openEditSheetFor(const Value& scheduleToEdit) {
+    const Value schedule = scheduleToEdit;  // outlives its place in the list, which a save fills anew
+    outlets.progressMain->startAnimation();
+    if (_plugins) {
+        for (const auto& [identifier, module] : *_plugins) module->setParameters(module->defaultParameters());
+    }
+    auto* module = moduleOfType(schedule[schedule::kActionType]);
+    if (module) {
+        if (const auto name = module->pluginName()) outlets.popUpType->selectItemWithTitle(*name);
+        if (!_isAdding) module->setParameters(schedule[schedule::kActionParameters]);
+        module->fillSetupInterfaceFromParameters();
+    }
+    outlets.timeControl->setDateValue(dateFromHourMinsFromDate(schedule[schedule::kActionHour].intValue(),
+                                                               schedule[schedule::kActionMinute].intValue(),
+                                                               _platform.clock.currentDate()));
+    for (std::size_t day = 0; day < schedule::kActiveOnDays.size(); ++day) {
+        outlets.activeOn[day]->setState(schedule[schedule::kActiveOnDays[day]].intValue());
+    }
+    outlets.wakeUpEdit->setState(stateOf(module && module->needsWakeUp()));
+    outlets.startupEdit->setState(stateOf(module && module->needsStartup()));
+    selectActionType(nullptr);
+    checkboxAction(nullptr);
+    outlets.progressMain->stopAnimation();
+
+    const auto sheet = outlets.editSheet;
+    if (!sheet) return;
+    const auto parent = _platform.application.mainWindow();
+    _platform.application.beginSheetModalForWindow(*sheet, parent.get());
+    _platform.application.runModalForWindow(*sheet);
+    _platform.application.endSheet(*sheet);
+    sheet->orderOut(this);
+}
+
+void VXConfigurator::selectActionType(const Object* sender) {
+    outlets.progressEdit->startAnimation();
+    auto* module = chosenModule();
+    std::shared_ptr<View> options;
+    bool wakeUp = false;
+    bool startup = false;
+    bool wakeUpChanges = false;
+    bool startupChanges = false;
+    if (module) {
+        module->fillSetupInterfaceFromParameters();
+        if (sender) {
+            module->setNeedsWakeUp(module->needsWakeUpByDefault());
+            module->setNeedsStartup(module->needsStartupByDefault());
+        }
+        wakeUp = module->needsWakeUp();
+        startup = module->needsStartup();
+    }
+    outlets.wakeUpEdit->setState(stateOf(wakeUp));
+    outlets.startupEdit->setState(stateOf(startup));
+    if (module) {
+        // A module says that a flag is fixed by ignoring its setter.
+        module->setNeedsWakeUp(!wakeUp);
+        module->setNeedsStartup(!startup);
+        wakeUpChanges = module->needsWakeUp() != wakeUp;
+        startupChanges = module->needsStartup() != startup;
+    }
+    outlets.wakeUpEdit->setEnabled(wakeUpChanges);
+    outlets.startupEdit->setEnabled(startupChanges);
+    if (module) {
+        module->setNeedsWakeUp(wakeUp);
+        module->setNeedsStartup(startup);
+    }
+    if (outlets.editCustomView) clear(*outlets.editCustomView);
+    if (module) options = module->setupView();
+    if (!options) options = outlets.blankOptionsView;
+    resizeEditSheetUsingHeight(options ? options->frame().height : 0);
+    if (options && outlets.editCustomView) outlets.editCustomView->addSubview(options);
+    checkboxAction(nullptr);
+    outlets.progressEdit->stopAnimation();
+}
+
+void VXConfigurator::resizeEditSheetUsingHeight(double height) {
+    double newHeight = _editSheetMinSize.height + height;
+    // Only the first sheet of the process is given its title bar's height.
+    if (firstTime) newHeight -= kTitleBarHeight;
+    firstTime = true;
+    if (!outlets.editSheet) return;
+    const auto mainWindow = _platform.application.mainWindow();
+    const Rect parent = mainWindow ? mainWindow->frame() : Rect();
+    const Rect frame{outlets.editSheet->frame().x, parent.y + parent.height - kTitleBarHeight - newHeight,
+                     _editSheetMinSize.width, newHeight};
+    outlets.editSheet->setFrameDisplayAnimate(frame, true, true);
+}
+
+void VXConfigurator::checkAllDays(const Object*) {
+    for (const auto& day : outlets.activeOn) day->setState(kStateOn);
+    checkboxAction(nullptr);
+}
+
+void VXConfigurator::checkboxAction(const Object*) {
+    const auto& days = outlets.activeOn;
+    const bool allTicked = std::all_of(days.begin(), days.end(), [](const auto& day) { return isTicked(*day); });
+    outlets.selectAllButton->setEnabled(!allTicked);
+    if (outlets.popUpType->indexOfSelectedItem() < 0) return;
+
+    bool startup = false;
+    bool wakeUp = false;
+    if (auto* module = chosenModule()) {
+        module->setNeedsStartup(isTicked(*outlets.startupEdit));
+        module->setNeedsWakeUp(isTicked(*outlets.wakeUpEdit));
+        if (module->respondsToCheckboxAction()) module->checkboxAction(nullptr);
+        startup = module->needsStartup();
+        wakeUp = module->needsWakeUp();
+    }
+    outlets.actionStateEdit->setImage(imageNamedInBundleOfInstance(dotImageName(startup, wakeUp), *this));
+}
+
+void VXConfigurator::saveSchedule(const Object*) {
+    auto* module = chosenModule();
+    if (module) {
+        module->fillParametersFromSetupInterface();
+        module->setNeedsWakeUp(isTicked(*outlets.wakeUpEdit));
+        module->setNeedsStartup(isTicked(*outlets.startupEdit));
+    }
+
+    const int row = outlets.tableView->selectedRow();
+    Dictionary saved;
+    if (_isEditing) {
+        if (hasRow(row)) saved = scheduleAt(row).dictionary();
+    } else if (_isAdding) {
+        saved = newEmptySchedule().dictionary();
+    }
+    if (module) {
+        saved.set(schedule::kActionType, module->pluginIdentifier());
+        if (Value parameters = module->parameters(); parameters.isPresent()) {
+            saved.set(schedule::kActionParameters, std::move(parameters));
+        }
+    }
+    const CalendarDate time = outlets.timeControl->dateValue();
+    saved.set(schedule::kIsEnabled, 1);
+    saved.set(schedule::kActionHour, hour(time));
+    saved.set(schedule::kActionMinute, minute(time));
+    for (std::size_t day = 0; day < schedule::kActiveOnDays.size(); ++day) {
+        saved.set(schedule::kActiveOnDays[day], stateOf(isTicked(*outlets.activeOn[day])));
+    }
+    if (_isEditing) {
+        if (hasRow(row)) _scheduleArray[static_cast<std::size_t>(row)] = Value(std::move(saved));
+    } else if (_isAdding) {
+        _scheduleArray.push_back(Value(std::move(saved)));
+    }
+
+    if (_plugins) {
+        for (const auto& [identifier, each] : *_plugins) each->setParameters(Value());
+    }
+    closeEditSheet(nullptr);
+    outlets.tableView->reloadData();
+    postEdited();
+    _isEditing = _isAdding = false;
+}
+
+void VXConfigurator::closeEditSheet(const Object*) {
+    _platform.application.stopModal();
+}
+
+}  // namespace quorel

@@ -1,0 +1,120 @@
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "configurator/Schedule.h"
+#include "configurator/VXConfigurator.h"
+#include "platform/Dictionary.h"
+
+namespace quorel {
+
+namespace {
+
+/// Answers whether a type has a module. Lists hold few types, each mostly one shared text: those seen last are known
+/// by their address. The texts stay alive elsewhere.
+template <class IsRegistered>
+class TypeFilter {
+public:
+    explicit TypeFilter(IsRegistered isRegistered) : _isRegistered(std::move(isRegistered)) {}
+
+    bool operator()(const Value& schedule) {
+        const Value& type = _typeOf(schedule);
+        if (!type.isText()) return false;
+        const std::string* text = &type.text();
+        for (const Seen& seen : _seen) {
+            if (seen.text == text) return seen.registered;
+        }
+        Seen& oldest = _seen[_next++ % _seen.size()];
+        oldest = {text, _isRegistered(type)};
+        return oldest.registered;
+    }
+
+private:
+    struct Seen {
+        const std::string* text = nullptr;
+        bool registered = false;
+    };
+    IsRegistered _isRegistered;
+    KeyReader _typeOf{schedule::kActionType};
+    std::array<Seen, 4> _seen;
+    std::size_t _next = 0;
+};
+
+}  // namespace
+
+void VXConfigurator::setScheduleArray(const Value& list) {
+    _timeTexts.clear();
+    _scheduleArray.clear();
+    Array schedules = list.array();
+    if (schedules.empty()) {
+        // The second call sees the first one's type.
+        _scheduleArray.push_back(newEmptySchedule());
+        _scheduleArray.push_back(newEmptySchedule());
+        schedules = _scheduleArray;
+    }
+    TypeFilter hasModule([this](const Value& type) { return moduleOfType(type) != nullptr; });
+    std::erase_if(schedules, [&](const Value& schedule) { return !hasModule(schedule); });
+    _scheduleArray = std::move(schedules);
+    outlets.tableView->reloadData();
+}
+
+int VXConfigurator::numberOfActionInScheduleArrayOfType(std::string_view type) const {
+    KeyReader typeOf(schedule::kActionType);
+    return static_cast<int>(std::count_if(_scheduleArray.begin(), _scheduleArray.end(), [&](const Value& schedule) {
+        const Value& own = typeOf(schedule);
+        return own.isText() && own.text() == type;
+    }));
+}
+
+Value VXConfigurator::newEmptySchedule() const {
+    const bool wakesUp = numberOfActionInScheduleArrayOfType(schedule::kSleepType) >
+                         numberOfActionInScheduleArrayOfType(schedule::kWakeUpType);
+    const std::string_view type = wakesUp ? schedule::kWakeUpType : schedule::kSleepType;
+    Dictionary fresh{{schedule::kIsEnabled, 1},
+                     {schedule::kActionType, type},
+                     {schedule::kActionHour, wakesUp ? "7" : "23"},
+                     {schedule::kActionMinute, "00"}};
+    for (const auto day : schedule::kActiveOnDays) fresh.set(day, true);
+    if (auto* module = moduleOfType(type)) fresh.set(schedule::kActionParameters, module->defaultParameters());
+    return Value(std::move(fresh));
+}
+
+void VXConfigurator::addSchedule(const Object*) {
+    _isEditing = false;
+    _isAdding = true;
+    openEditSheetFor(newEmptySchedule());
+}
+
+void VXConfigurator::editSchedule(const Object*) {
+    const int row = outlets.tableView->selectedRow();
+    if (!hasRow(row) || _locked) return;
+    _isEditing = true;
+    _isAdding = false;
+    openEditSheetFor(scheduleAt(row));
+}
+
+void VXConfigurator::deleteSchedule(const Object*) {
+    const int row = outlets.tableView->selectedRow();
+    if (_scheduleArray.size() < 2 || !hasRow(row)) {
+        _platform.application.beep();
+        return;
+    }
+    _scheduleArray.erase(_scheduleArray.begin() + row);
+    outlets.tableView->reloadData();
+    postEdited();
+}
+
+bool VXConfigurator::hasRow(int row) const {
+    return row >= 0 && static_cast<std::size_t>(row) < _scheduleArray.size();
+}
+
+const Value& VXConfigurator::scheduleAt(int row) const {
+    return _scheduleArray[static_cast<std::size_t>(row)];
+}
+
+void VXConfigurator::postEdited() {
+    _platform.defaultCenter.postNotification(
+        {std::string(kMOLConfiguratorHasBeenEditedNotification), std::nullopt, Value()});
+}
+
+}  // namespace quorel

@@ -1,0 +1,153 @@
+#include "configurator/Schedule.h"
+#include "configurator/VXConfigurator.h"
+#include "kit/Additions.h"
+#include "kit/VXConfiguratorCell.h"
+#include "platform/Dictionary.h"
+
+namespace quorel {
+
+namespace {
+
+constexpr double kRowHeight = 28;
+
+}  // namespace
+
+std::shared_ptr<VXConfigurator> VXConfigurator::init(std::shared_ptr<Bundle> bundle, ConfiguratorNib& nib,
+                                                     Platform& platform) {
+    std::shared_ptr<VXConfigurator> configurator(new VXConfigurator(std::move(bundle), platform));
+    if (!nib.loadNibNamedOwner("Configurator", *configurator)) return nullptr;
+    return configurator;
+}
+
+VXConfigurator::VXConfigurator(std::shared_ptr<Bundle> bundle, Platform& platform)
+    : _bundle(std::move(bundle)), _platform(platform) {}
+
+void VXConfigurator::awakeFromNib() {
+    outlets.progressMain->startAnimation();
+    loadModules();
+
+    TableView& table = *outlets.tableView;
+    table.setTarget(this);
+    table.setDoubleAction([this] { editSchedule(outlets.tableView.get()); });
+    table.setRowHeight(kRowHeight);
+    table.setAllowsColumnSelection(true);  // or header clicks would not be told
+    table.setDelegate(this);
+    table.setVerticalMotionCanBeginDrag(false);
+    table.registerForDraggedTypes({kSchedulePasteboard});
+    setLocked(false);
+
+    const Rect sheet = outlets.editSheet ? outlets.editSheet->frame() : Rect();
+    const double customHeight = outlets.editCustomView ? outlets.editCustomView->frame().height : 0;
+    _editSheetMinSize = {sheet.width, sheet.height - customHeight};
+    outlets.progressMain->stopAnimation();
+    outlets.timeControl->setDelegate(this);
+}
+
+void VXConfigurator::setLocked(bool locked) {
+    _locked = locked;
+    outlets.addButton->setEnabled(!locked);
+    tableViewSelectionDidChange();
+    makeColomnCheckBox(schedule::kIsEnabled);
+    makeColomnActionCell(schedule::kInfos);
+    for (const auto day : schedule::kActiveOnDays) makeColomnCheckBox(day);
+    clearSelection();
+}
+
+void VXConfigurator::makeColomnCheckBox(std::string_view identifier) {
+    const auto column = outlets.tableView->tableColumnWithIdentifier(identifier);
+    if (!column) return;
+    const auto cell = _platform.cells.makeButtonCell("");
+    cell->setButtonType(ButtonType::Switch);
+    cell->setControlSize(ControlSize::Small);
+    cell->setImagePosition(ImagePosition::ImageOnly);
+    cell->setTarget(this);
+    cell->setEnabled(!_locked);
+    column->setDataCell(cell);
+}
+
+void VXConfigurator::makeColomnActionCell(std::string_view identifier) {
+    const auto column = outlets.tableView->tableColumnWithIdentifier(identifier);
+    if (!column) return;
+    const auto cell = _platform.cells.makeConfiguratorCell("");
+    cell->setTarget(this);
+    cell->setEnabled(!_locked);
+    column->setDataCell(cell);
+}
+
+void VXConfigurator::clearSelection() {
+    TableView& table = *outlets.tableView;
+    for (int selected = table.numberOfSelectedRows(); selected > 0; --selected) table.deselectRow(table.selectedRow());
+}
+
+int VXConfigurator::numberOfRowsInTableView(TableView&) {
+    return static_cast<int>(_scheduleArray.size());
+}
+
+Value VXConfigurator::tableViewObjectValueForTableColumnRow(TableView&, const TableColumn& column, int row) {
+    if (!hasRow(row)) return {};
+    const std::string identifier = column.identifier();
+    // By value: a module is asked about a Schedule that stays whole, whatever happens to the list meanwhile.
+    const Value schedule = scheduleAt(row);
+    return identifier == schedule::kInfos ? actionSummaryOf(schedule) : schedule[identifier];
+}
+
+Value VXConfigurator::actionSummaryOf(const Value& schedule) {
+    static const Ref<DictionaryKeys> keys(
+        new DictionaryKeys({summary::kAction, summary::kName, summary::kStartup, summary::kTime, summary::kWakeUp}));
+    auto* module = moduleOfType(schedule[schedule::kActionType]);
+    if (!module) return {};
+    module->setParameters(schedule[schedule::kActionParameters]);
+    Value name = module->pluginName().value_or(std::string());
+    Value action = module->actionString();
+    const Value& time = timeTextOf(schedule);
+    const bool startup = module->needsStartup();
+    const bool wakeUp = module->needsWakeUp();
+    std::vector<Value> values;
+    values.reserve(keys->size());
+    values.push_back(std::move(action));
+    values.push_back(std::move(name));
+    values.push_back(startup);
+    values.push_back(time);
+    values.push_back(wakeUp);
+    return Dictionary(keys, std::move(values));
+}
+
+const Value& VXConfigurator::timeTextOf(const Value& schedule) {
+    const int hour = schedule[schedule::kActionHour].intValue();
+    const int minute = schedule[schedule::kActionMinute].intValue();
+    Value& text = _timeTexts[(std::int64_t{hour} << 32) | static_cast<std::uint32_t>(minute)];
+    if (text.isAbsent()) {
+        text = _platform.clock.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
+    }
+    return text;
+}
+
+void VXConfigurator::tableViewSetObjectValueForTableColumnRow(TableView&, const Value&, const TableColumn& column,
+                                                              int row) {
+    const std::string identifier = column.identifier();
+    // The summary is no flag, and its column's name no key of a Schedule.
+    if (!hasRow(row) || identifier == schedule::kInfos) return;
+    Value& entry = _scheduleArray[static_cast<std::size_t>(row)];
+    const int flag = entry[identifier].intValue();
+    if (flag == 0 || flag == 1) entry = entry.with(identifier, 1 - flag);
+    outlets.tableView->reloadData();
+    postEdited();
+}
+
+bool VXConfigurator::tableViewShouldEditTableColumnRow(TableView&, const TableColumn&, int) {
+    return false;
+}
+
+void VXConfigurator::tableViewSelectionDidChange() {
+    const bool selected = outlets.tableView->selectedRow() != -1;
+    outlets.deleteButton->setEnabled(selected);
+    outlets.editButton->setEnabled(selected);
+}
+
+bool VXConfigurator::selectionShouldChangeInTableView(TableView&) {
+    if (!_locked) return true;
+    clearSelection();
+    return false;
+}
+
+}  // namespace quorel
