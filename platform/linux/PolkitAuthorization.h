@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Authorization.h"
+
+namespace quorel {
+
+/// The polkit action that stands for the right "system.privilege.admin".
+inline constexpr const char* kModifyPreferencesAction = "com.quorel.modify-preferences";
+
+/// Asks polkit, over the system bus, about this very process: it is named by its own unique bus name, which no other
+/// process can take over as it could a process number. Polkit's answer decides for every user, root too.
+/// Knows the one right "system.privilege.admin". Any thread; references are not to be shared between threads.
+class PolkitAuthorization : public Authorization {
+public:
+    /// Starts nothing but polkit itself, where the bus can; fails within a few seconds.
+    AuthorizationStatus AuthorizationCreate(AuthorizationFlags flags, AuthorizationRef& authorization) override;
+    /// Without interaction answers within a few seconds; with it, refuses after five minutes without an answer.
+    AuthorizationStatus AuthorizationCopyRights(AuthorizationRef authorization,
+                                                std::span<const AuthorizationItem> rights,
+                                                AuthorizationFlags flags) override;
+    /// With kAuthorizationFlagDestroyRights, polkit forgets what it granted for a while through this reference.
+    AuthorizationStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags flags) override;
+};
+
+}  // namespace quorel
