@@ -1,0 +1,26 @@
+/*
+ * Reading the parameters of a module. They come out of a file, so anything may stand under a key.
+ * Functions only: two bundles in one process cannot share a class.
+ */
+#import <Foundation/Foundation.h>
+
+/* Keys under which both modules keep their flags. */
+static NSString *const kNeedsStartup = @"Needs Startup";
+static NSString *const kNeedsWakeUp = @"Needs Wake Up";
+
+/* The number under the key, a text's leading one included; `otherwise` where there is nothing of the kind. */
+static inline int VXIntParameter(NSDictionary *parameters, NSString *key, int otherwise) {
+    id value = [parameters objectForKey:key];
+    if ([value isKindOfClass:[NSNumber class]] || [value isKindOfClass:[NSString class]]) return [value intValue];
+    return otherwise;
+}
+
+static inline bool VXFlagParameter(NSDictionary *parameters, NSString *key, bool otherwise) {
+    return VXIntParameter(parameters, key, otherwise) != 0;
+}
+
+/* A copy to write into; empty where there was no dictionary. Keys that the module does not know are kept. */
+static inline NSMutableDictionary *VXMutableParameters(NSDictionary *parameters) {
+    if (![parameters isKindOfClass:[NSDictionary class]]) return [[NSMutableDictionary alloc] init];
+    return [parameters mutableCopy];
+}

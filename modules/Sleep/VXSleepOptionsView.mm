@@ -1,0 +1,99 @@
+#import "modules/Sleep/VXSleepOptionsView.h"
+
+#include <algorithm>
+
+/* The width that the edit sheet offers, and the height of one line of controls with its margins. */
+static const CGFloat kWidth = 440;
+static const CGFloat kHeight = 34;
+static const CGFloat kGap = 6;
+
+@implementation VXSleepOptionsView
+
+- (id)initWithCheckBoxTitle:(NSString *)title unit:(NSString *)unit toolTip:(NSString *)toolTip {
+    if (!(self = [super initWithFrame:NSMakeRect(0, 0, kWidth, kHeight)])) return nil;
+
+    _checkBox = [[NSButton alloc] initWithFrame:NSZeroRect];
+    [_checkBox setButtonType:NSSwitchButton];
+    [_checkBox setTitle:title];
+    [_checkBox setTarget:self];
+    [_checkBox setAction:@selector(checkBoxChanged:)];
+
+    _field = [[NSTextField alloc] initWithFrame:NSMakeRect(0, 0, 44, 22)];
+    [_field setAlignment:NSRightTextAlignment];
+    [_field setToolTip:toolTip];
+    [_field setDelegate:(id)self];
+
+    _stepper = [[NSStepper alloc] initWithFrame:NSMakeRect(0, 0, 19, 24)];
+    [_stepper setMinValue:kLeastIdleMinutes];
+    [_stepper setMaxValue:kMostIdleMinutes];
+    [_stepper setValueWraps:NO];
+    [_stepper setToolTip:toolTip];
+    [_stepper setTarget:self];
+    [_stepper setAction:@selector(stepperChanged:)];
+
+    _unit = [[NSTextField alloc] initWithFrame:NSZeroRect];
+    [_unit setStringValue:unit];
+    [_unit setEditable:NO];
+    [_unit setSelectable:NO];
+    [_unit setBezeled:NO];
+    [_unit setDrawsBackground:NO];
+
+    // From left to right, each as wide as its text asks.
+    [_checkBox sizeToFit];
+    [_unit sizeToFit];
+    CGFloat x = 0;
+    for (NSControl *control in @[ _checkBox, _field, _stepper, _unit ]) {
+        const NSSize size = [control frame].size;
+        [control setFrameOrigin:NSMakePoint(x, (kHeight - size.height) / 2)];
+        [self addSubview:control];
+        x += size.width + (control == _field ? 2 : kGap);
+    }
+    [self setMinutes:kLeastIdleMinutes];
+    return self;
+}
+
+- (void)dealloc {
+    [_field setDelegate:nil];
+    [_checkBox release];
+    [_field release];
+    [_stepper release];
+    [_unit release];
+    [super dealloc];
+}
+
+- (BOOL)onlyWhenIdle {
+    return [_checkBox state] != NSOffState;
+}
+
+- (void)setOnlyWhenIdle:(BOOL)idle {
+    [_checkBox setState:idle ? NSOnState : NSOffState];
+    [self checkBoxChanged:nil];
+}
+
+- (int)minutes {
+    int typed = 0;
+    if ([[NSScanner scannerWithString:[_field stringValue]] scanInt:&typed]) _minutes = typed;
+    [self setMinutes:_minutes];
+    return _minutes;
+}
+
+- (void)setMinutes:(int)minutes {
+    _minutes = std::clamp(minutes, kLeastIdleMinutes, kMostIdleMinutes);
+    [_field setStringValue:[NSString stringWithFormat:@"%d", _minutes]];
+    [_stepper setIntValue:_minutes];
+}
+
+- (void)checkBoxChanged:(id)sender {
+    [_field setEnabled:[self onlyWhenIdle]];
+    [_stepper setEnabled:[self onlyWhenIdle]];
+}
+
+- (void)stepperChanged:(id)sender {
+    [self setMinutes:[_stepper intValue]];
+}
+
+- (void)controlTextDidEndEditing:(NSNotification *)notification {
+    [self minutes];
+}
+
+@end

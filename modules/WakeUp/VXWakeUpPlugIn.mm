@@ -1,0 +1,103 @@
+#import <Quorel/VXPrefPanePlugInProtocol.h>
+
+#include "modules/Parameters.h"
+
+/* Has the computer running at the given time. Waking up is what it is; that it also starts a computer which is off is
+ * the user's choice. */
+@interface VXWakeUpPlugIn : NSObject <VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages> {
+    NSMutableDictionary *_parameters;
+}
+@end
+
+@implementation VXWakeUpPlugIn
+
++ (BOOL)initializeClass:(NSBundle *)bundle {
+    return bundle != nil;
+}
+
++ (void)terminateClass {
+}
+
+- (id)init {
+    if ((self = [super init])) [self setParameters:nil];
+    return self;
+}
+
+- (void)dealloc {
+    [_parameters release];
+    [super dealloc];
+}
+
+- (NSString *)localized:(NSString *)key {
+    return [[NSBundle bundleForClass:[self class]] localizedStringForKey:key value:@"" table:nil];
+}
+
+- (BOOL)isBaseModule {
+    return YES;
+}
+
+- (NSString *)pluginIdentifier {
+    return @"com.quorel.plugin.WakeUp";
+}
+
+- (NSString *)pluginName {
+    return [self localized:@"Reveil"];
+}
+
+- (void)loadNib {
+}
+
+- (NSView *)setupView {
+    return nil;
+}
+
+- (BOOL)needsWakeUp {
+    return YES;
+}
+
+- (void)setNeedsWakeUp:(BOOL)needs {
+}
+
+- (BOOL)needsWakeUpByDefault {
+    return YES;
+}
+
+- (BOOL)needsStartup {
+    return [[_parameters objectForKey:kNeedsStartup] boolValue];
+}
+
+- (void)setNeedsStartup:(BOOL)needs {
+    [_parameters setObject:@(static_cast<bool>(needs)) forKey:kNeedsStartup];
+}
+
+- (BOOL)needsStartupByDefault {
+    return NO;
+}
+
+- (NSDictionary *)defaultParameters {
+    return @{kNeedsStartup : @(false), kNeedsWakeUp : @(true)};
+}
+
+- (NSDictionary *)parameters {
+    return [[_parameters copy] autorelease];
+}
+
+- (void)setParameters:(NSDictionary *)parameters {
+    NSMutableDictionary *own = VXMutableParameters(parameters);
+    [own setObject:@(VXFlagParameter(own, kNeedsStartup, false)) forKey:kNeedsStartup];
+    [own setObject:@(true) forKey:kNeedsWakeUp];
+    [_parameters release];
+    _parameters = own;
+}
+
+- (void)fillSetupInterfaceFromParameters {
+}
+
+- (void)fillParametersFromSetupInterface {
+}
+
+- (NSString *)actionString {
+    return [self localized:[self needsStartup] ? @"Demarre ou reveille l'ordinateur" : @"Reveille l'ordinateur"];
+}
+
+@end
