@@ -2,8 +2,10 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "configurator/VXConfigurator.h"
 #include "kit/VXCommunicationCenter.h"
@@ -74,7 +76,7 @@ public:
     // Sheets (Sheets.cpp)
     void about() override;
     void about(const Object* sender);
-    void openSheetOver(const std::shared_ptr<Window>& sheet, std::shared_ptr<Window> window);
+    void openSheetOver(std::shared_ptr<Window> sheet, std::shared_ptr<Window> window);
     void closeSheet(const Object* sender);
     std::shared_ptr<Window> vxPrefPaneWindow() const override { return _vxPrefPaneWindow.lock(); }
     void setVxPrefPaneWindow(const std::shared_ptr<Window>& window) override { _vxPrefPaneWindow = window; }
@@ -82,8 +84,15 @@ public:
 private:
     explicit VXPrefPaneController(Platform& platform) : _platform(platform) {}
     std::string localized(std::string_view key) const;
+    void assertMainThread() const;  ///< in debug builds
+    void takeDefaults();
+    void showDaemonAlive(bool alive);
+    void showUserAgentAlive(bool alive);
+    void runUpdateCheck(const Object* sender);  ///< on the check's own queue
+    void offerNewerVersion(const std::optional<std::string>& version);
 
     Platform& _platform;
+    const std::thread::id _mainThread = std::this_thread::get_id();
     std::shared_ptr<VXConfigurator> _configurator;
     std::weak_ptr<Window> _vxPrefPaneWindow;
     Value _preferences;                            ///< as last read or built; absent when dropped

@@ -1,0 +1,78 @@
+#include "pane/Preferences.h"
+
+#include <cstdint>
+
+#include "kit/MOLLog.h"
+#include "kit/VXUpdateChecker.h"
+#include "pane/VXPrefPaneController.h"
+#include "platform/Dictionary.h"
+
+namespace quorel {
+
+namespace {
+
+constexpr int kHighestFrequency = 2;
+
+/// Names the version text by a number that is the same in every process: a save without an edit then equals what
+/// is stored. Nobody reads a version out of it.
+std::int64_t identityOf(std::string_view versionText) {
+    std::uint64_t hash = 14695981039346656037u;  // FNV-1a
+    for (const char c : versionText) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+    return static_cast<std::int64_t>(hash);
+}
+
+int stateOf(bool on) {
+    return on ? kStateOn : kStateOff;
+}
+
+}  // namespace
+
+void VXPrefPaneController::getPrefs() {
+    assertMainThread();
+    _preferences = _platform.files.dictionaryWithContentsOfFile(preferences::kFile);
+    if (!_preferences.isDictionary()) {
+        takeDefaults();
+        return;
+    }
+    // Any number but 0 means "check"; the menu-bar option is on for 1 alone.
+    outlets.checkUpdateAtStartup->setState(stateOf(_preferences[preferences::kCheckUpdates].intValue() != 0));
+    const int frequency = _preferences[preferences::kCheckUpdatesFrequency].intValue();
+    outlets.popUpUpdate->selectItemAtIndex(frequency > kHighestFrequency ? 0 : frequency);
+    outlets.menuCheck->setState(stateOf(_preferences[preferences::kShowInMenuBar].intValue() == 1));
+    outlets.networkAdminCheck->setState(kStateOff);
+    outlets.networkAdminCheck->setHidden(true);
+    if (_configurator) _configurator->setScheduleArray(_preferences[preferences::kScheduleArray]);
+    outlets.applyButton->setEnabled(false);
+    outlets.revertButton->setEnabled(false);
+}
+
+void VXPrefPaneController::takeDefaults() {
+    MOLLog("No preferences. Creating defaults...");
+    _preferences = Value(Dictionary());
+    outlets.checkUpdateAtStartup->setState(kStateOn);
+    outlets.popUpUpdate->selectItemAtIndex(0);
+    outlets.menuCheck->setState(kStateOn);
+    outlets.networkAdminCheck->setState(kStateOn);
+    if (_configurator) _configurator->setScheduleArray(Value());
+}
+
+void VXPrefPaneController::savePrefs() {
+    assertMainThread();
+    const auto* checker = VXUpdateChecker::sharedInstance();
+    const auto version = checker ? checker->versionString() : std::nullopt;
+    _preferences = Value(Dictionary{
+        {preferences::kCheckUpdates, outlets.checkUpdateAtStartup->state()},
+        {preferences::kCheckUpdatesFrequency, outlets.popUpUpdate->indexOfSelectedItem()},
+        {preferences::kShowInMenuBar, outlets.menuCheck->state()},
+        {preferences::kEnableNetworkAdministration, 0},
+        {preferences::kPrefsVersion, version ? identityOf(*version) : std::int64_t{0}},
+        {preferences::kScheduleArray, _configurator ? _configurator->scheduleArray() : Array()},
+    });
+
+    auto* center = VXCommunicationCenter::sharedInstance();
+    if (!center || !center->pingDaemon()) return;
+    center->postNotificationToDaemon({std::string(kDaemonMustReloadPrefs), std::string(kDaemonName), _preferences});
+    getPrefs();
+}
+
+}  // namespace quorel
