@@ -1,0 +1,154 @@
+#include "tests/configurator/ConfiguratorTest.h"
+
+namespace quorel::test {
+namespace {
+
+class ActionModulesTest : public ConfiguratorTest {
+protected:
+    std::shared_ptr<FakeModuleClass> add(const std::string& file, const char* identifier, const char* name) {
+        return installModule(host.bundles, makeModule(identifier, name), kFolder, file);
+    }
+    headless::Bundle& bundleOf(const std::string& file) {
+        return dynamic_cast<headless::Bundle&>(*host.bundles.byPath.at(kFolder + "/" + file + ".vxplugin"));
+    }
+    std::vector<std::string> registered() const {
+        std::vector<std::string> identifiers;
+        for (const auto& [identifier, module] : *configurator->plugins()) identifiers.push_back(identifier);
+        return identifiers;
+    }
+    using Items = std::vector<std::optional<std::string>>;
+    const std::string kFolder = "/pane/PlugIns";
+    const std::string kSharedFolder = "/Library/Application Support/Quorel";
+};
+
+TEST_F(ActionModulesTest, SkipsWhatIsNoModuleAndGoesOn) {
+    struct NoModule : Object {};
+    const auto moduleClass = add("A", "a", "A");
+    struct {
+        const char* why;
+        std::function<void()> spoil;
+        int initialized, created;
+    } const cases[] = {
+        {"cannot be opened", [&] { host.bundles.byPath.erase(kFolder + "/A.vxplugin"); }, 0, 0},
+        {"no class named", [&] { bundleOf("A").info = Value(); }, 0, 0},
+        {"class name is no text",
+         [&] {
+             bundleOf("A").info = Value(Dictionary{{"VXEditClass", 1}});
+         },
+         0, 0},
+        {"no such class", [&] { bundleOf("A").classes.clear(); }, 0, 0},
+        {"does not conform", [&] { bundleOf("A").classes["EditClass"] = std::make_shared<NoModule>(); }, 0, 0},
+        {"refuses", [&] { moduleClass->accepts = false; }, 1, 0},
+        {"makes no object", [&] { moduleClass->module = nullptr; }, 1, 1},
+        {"no identifier", [&] { moduleClass->module->identifier.clear(); }, 1, 1},
+        {"no display name", [&] { moduleClass->module->name = std::nullopt; }, 1, 1},
+        {"another extension", [&] { host.bundles.directories[kFolder] = {kFolder + "/A.bundle"}; }, 0, 0},
+    };
+    for (const auto& [why, spoil, initialized, created] : cases) {
+        host.bundles.directories.clear();
+        const auto module = makeModule("a", "A");
+        moduleClass->module = module;
+        moduleClass->accepts = true;
+        moduleClass->initialized = moduleClass->created = 0;
+        host.bundles.byPath.clear();
+        installModule(host.bundles, module, kFolder, "A");
+        bundleOf("A").classes["EditClass"] = moduleClass;
+        spoil();
+        add("B", "b", "B");
+        start();
+        EXPECT_EQ(registered(), std::vector<std::string>{"b"}) << why;
+        EXPECT_EQ(configurator->pluginNames().size(), 1u) << why;
+        EXPECT_EQ(ui.popUpType->numberOfItems(), 2) << why;
+        EXPECT_EQ(moduleClass->initialized, initialized) << why;
+        EXPECT_EQ(moduleClass->created, created) << why;
+        EXPECT_TRUE(module->calls.empty()) << why;
+    }
+}
+
+TEST_F(ActionModulesTest, CodeThatFailsToLoadIsNoReasonToSkip) {
+    add("A", "a", "A");
+    bundleOf("A").loadable = false;
+    start();
+    EXPECT_EQ(registered(), std::vector<std::string>{"a"});
+    EXPECT_EQ(bundleOf("A").loads, 1);
+}
+
+TEST_F(ActionModulesTest, FirstOfAnIdentifierWinsLastOfANameLeads) {
+    const auto first = add("1", "same", "First");
+    const auto second = add("2", "same", "Second");
+    const auto earlier = add("3", "x", "Twin");
+    const auto later = add("4", "b", "Twin");
+    start();
+    EXPECT_EQ(configurator->plugins()->at("same"), first->module);
+    EXPECT_EQ(second->initialized, 1);
+    EXPECT_TRUE(second->module->calls.empty());
+    EXPECT_EQ(first->module->calls, std::vector<std::string>{"loadNib"});
+    EXPECT_EQ(registered(), (std::vector<std::string>{"b", "same", "x"}));
+    EXPECT_EQ(configurator->pluginNames(), (VXConfigurator::PluginNames{{"First", "same"}, {"Twin", "b"}}));
+    EXPECT_EQ(ui.popUpType->items, (Items{"Twin", "First", "Twin", std::nullopt}));
+}
+
+TEST_F(ActionModulesTest, PopUpListsBaseModulesFirst) {
+    struct {
+        std::vector<bool> base;
+        Items items;
+    } const cases[] = {
+        {{}, {std::nullopt}},
+        {{true, true}, {"0", "1", std::nullopt}},
+        {{false, false}, {std::nullopt, "0", "1"}},
+        {{false, true, false, true}, {"1", "3", std::nullopt, "0", "2"}},
+    };
+    for (const auto& [base, items] : cases) {
+        host.bundles.directories.clear();
+        for (std::size_t i = 0; i < base.size(); ++i) {
+            const std::string name = std::to_string(i);
+            add(name, name.c_str(), name.c_str())->module->base = base[i];
+        }
+        start();
+        configurator->loadModules();  // starts over
+        EXPECT_EQ(ui.popUpType->items, items);
+    }
+}
+
+TEST_F(ActionModulesTest, LoadingAgainReplacesModules) {
+    const auto moduleClass = add("A", "a", "A");
+    start();
+    const std::weak_ptr<FakeModule> old = moduleClass->module;
+    moduleClass->module = makeModule("b", "B");
+    configurator->loadModules();
+    EXPECT_TRUE(old.expired());
+    EXPECT_EQ(registered(), std::vector<std::string>{"b"});
+    EXPECT_EQ(configurator->pluginNames(), (VXConfigurator::PluginNames{{"B", "b"}}));
+    EXPECT_EQ(moduleClass->initialized, 2);
+}
+
+TEST_F(ActionModulesTest, UnloadingReleasesAndTerminatesInBothFolders) {
+    const auto own = add("A", "a", "A");
+    const auto refused = add("B", "b", "B");
+    refused->accepts = false;
+    const auto shared = installModule(host.bundles, makeModule("c", "C"), kSharedFolder, "C");
+    add("D", "d", "D");
+    bundleOf("D").classes.clear();
+    start();
+    EXPECT_EQ(shared->initialized, 0);
+    const std::weak_ptr<FakeModule> released = own->module;
+    own->module = nullptr;
+    configurator->unloadModules();
+    EXPECT_FALSE(configurator->plugins());
+    EXPECT_TRUE(released.expired());
+    EXPECT_EQ(configurator->pluginNames().size(), 1u);
+    EXPECT_EQ(ui.popUpType->items, (Items{"A", std::nullopt}));
+    EXPECT_EQ(own->terminated, 1);
+    EXPECT_EQ(refused->terminated, 1);
+    EXPECT_EQ(shared->terminated, 1);
+    EXPECT_EQ(shared->initialized, 0);
+
+    configurator->setScheduleArray(listOf("a"));
+    EXPECT_TRUE(configurator->scheduleArray().empty());
+    host.application.duringNextModal([&] { ui.saveButton->act(); });
+    configurator->addSchedule(nullptr);
+    EXPECT_EQ(configurator->scheduleArray().size(), 1u);
+}
+
+}  // namespace
+}  // namespace quorel::test

@@ -1,0 +1,78 @@
+#include "platform/Dictionary.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+namespace quorel {
+namespace {
+
+TEST(DictionaryTest, BehavesLikeASortedMap) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 50; ++round) {
+        Dictionary dictionary;
+        std::map<std::string, int> model;
+        std::vector<std::pair<Dictionary, std::map<std::string, int>>> snapshots;
+        for (int step = 0; step < 60; ++step) {
+            const std::string key(1 + random() % 2, static_cast<char>('a' + random() % 5));
+            if (random() % 3) {
+                dictionary.set(key, step);
+                model[key] = step;
+            } else {
+                dictionary.set(key, {});
+                model.erase(key);
+            }
+            if (step % 10 == 0) snapshots.emplace_back(dictionary, model);
+        }
+        snapshots.emplace_back(dictionary, model);
+        for (const auto& [content, expected] : snapshots) {
+            ASSERT_EQ(content.size(), expected.size());
+            std::size_t index = 0;
+            for (const auto& [key, value] : expected) {
+                EXPECT_EQ(content.keyAt(index), key);
+                EXPECT_EQ(content.valueAt(index++), Value(value));
+                EXPECT_EQ(content[key], Value(value));
+            }
+            EXPECT_TRUE(content["none"].isAbsent());
+        }
+    }
+}
+
+TEST(DictionaryTest, CopiesShareTheirKeysUntilTheyChange) {
+    const Dictionary original{{"a", 1}, {"b", 2}};
+    Dictionary copy = original;
+    copy.set("a", 5);
+    EXPECT_EQ(copy.keys(), original.keys());
+    copy.set("c", 3);
+    EXPECT_FALSE(copy.keys() == original.keys());
+    EXPECT_EQ(original, (Dictionary{{"b", 2}, {"a", 1}}));
+    EXPECT_EQ(copy, (Dictionary{{"a", 5}, {"b", 2}, {"c", 3}}));
+    copy.set("c", {});
+    copy.set("a", 1);
+    EXPECT_EQ(copy, original);
+    EXPECT_EQ(Dictionary(), (Dictionary{{"a", Value()}}));
+}
+
+TEST(KeyReaderTest, ReadsFromDictionariesOfAnyShape) {
+    const Value sharing(Dictionary{{"a", 1}, {"k", 2}});
+    struct {
+        Value from, expected;
+    } const cases[] = {
+        {sharing, 2},
+        {sharing.with("k", 3), 3},
+        {sharing.with("0", 0), 2},
+        {sharing.with("k", {}), {}},
+        {Dictionary{{"k", "alone"}}, "alone"},
+        {Dictionary(), {}},
+        {Value(), {}},
+        {Array{sharing}, {}},
+        {"k", {}},
+        {sharing, 2},
+    };
+    KeyReader read("k");
+    for (const auto& [from, expected] : cases) EXPECT_EQ(read(from), expected);
+}
+
+}  // namespace
+}  // namespace quorel
