@@ -12,13 +12,14 @@ inline constexpr const char* kModifyPreferencesAction = "com.quorel.modify-prefe
 /// Knows the one right "system.privilege.admin". Any thread; references are not to be shared between threads.
 class PolkitAuthorization : public Authorization {
 public:
-    /// Starts nothing but polkit itself, where the bus can; fails within a few seconds.
+    /// Reaches polkit, which the bus may have to start; a silent one fails after a few seconds.
     AuthorizationStatus AuthorizationCreate(AuthorizationFlags flags, AuthorizationRef& authorization) override;
     /// Without interaction answers within a few seconds; with it, refuses after five minutes without an answer.
     AuthorizationStatus AuthorizationCopyRights(AuthorizationRef authorization,
                                                 std::span<const AuthorizationItem> rights,
                                                 AuthorizationFlags flags) override;
-    /// With kAuthorizationFlagDestroyRights, polkit forgets what it granted for a while through this reference.
+    /// With kAuthorizationFlagDestroyRights, polkit forgets what it granted for a while through this reference; it
+    /// refuses to outside a login session, and the status says so. The reference is gone in any case.
     AuthorizationStatus AuthorizationFree(AuthorizationRef authorization, AuthorizationFlags flags) override;
 };
 

@@ -1,0 +1,56 @@
+#!/usr/bin/env python3
+"""Stands for the desktop's password dialog of one process: auth_agent.py PID (answer|cancel|ignore).
+
+Says "ready" once registered and "asked ACTION" for each question. Answering without a password is root's privilege.
+"""
+import os
+import sys
+
+import dbus
+import dbus.mainloop.glib
+import dbus.service
+from gi.repository import GLib
+
+PATH = "/test/Agent"
+
+
+class Cancelled(dbus.DBusException):
+    _dbus_error_name = "org.freedesktop.PolicyKit1.Error.Cancelled"
+
+
+class Agent(dbus.service.Object):
+    def __init__(self, bus, authority, manner):
+        super().__init__(bus, PATH)
+        self.authority = authority
+        self.manner = manner
+
+    @dbus.service.method("org.freedesktop.PolicyKit1.AuthenticationAgent", in_signature="sssa{ss}sa(sa{sv})",
+                         async_callbacks=("done", "failed"))
+    def BeginAuthentication(self, action, message, icon, details, cookie, identities, done, failed):
+        print("asked", action, flush=True)
+        if self.manner == "answer":
+            self.authority.AuthenticationAgentResponse2(dbus.UInt32(os.getuid()), cookie, identities[0],
+                                                        reply_handler=done, error_handler=failed)
+        elif self.manner == "cancel":
+            failed(Cancelled("the user pressed Cancel"))
+
+    @dbus.service.method("org.freedesktop.PolicyKit1.AuthenticationAgent", in_signature="s")
+    def CancelAuthentication(self, cookie):
+        print("cancelled", flush=True)
+
+
+def start_time(pid):
+    with open(f"/proc/{pid}/stat") as file:
+        return int(file.read().rpartition(")")[2].split()[19])
+
+
+pid = int(sys.argv[1])
+dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+bus = dbus.SystemBus()
+authority = dbus.Interface(bus.get_object("org.freedesktop.PolicyKit1", "/org/freedesktop/PolicyKit1/Authority"),
+                           "org.freedesktop.PolicyKit1.Authority")
+agent = Agent(bus, authority, sys.argv[2])
+subject = ("unix-process", {"pid": dbus.UInt32(pid), "start-time": dbus.UInt64(start_time(pid))})
+authority.RegisterAuthenticationAgent(subject, "en_GB.UTF-8", PATH)
+print("ready", flush=True)
+GLib.MainLoop().run()
