@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <iterator>
 #include <utility>
 
 #include "configurator/Schedule.h"
@@ -44,17 +46,21 @@ private:
 
 void VXConfigurator::setScheduleArray(const Value& list) {
     _timeTexts.clear();
-    _scheduleArray.clear();
-    Array schedules = list.array();
-    if (schedules.empty()) {
-        // The second call sees the first one's type.
+    const Array* schedules = &list.array();
+    Array seed;
+    if (schedules->empty()) {
+        // The second one is of the type that the first one is not.
+        _scheduleArray.clear();
         _scheduleArray.push_back(newEmptySchedule());
         _scheduleArray.push_back(newEmptySchedule());
-        schedules = _scheduleArray;
+        seed = _scheduleArray;
+        schedules = &seed;
     }
     TypeFilter hasModule([this](const Value& type) { return moduleOfType(type) != nullptr; });
-    std::erase_if(schedules, [&](const Value& schedule) { return !hasModule(schedule); });
-    _scheduleArray = std::move(schedules);
+    Array kept;
+    kept.reserve(schedules->size());
+    std::copy_if(schedules->begin(), schedules->end(), std::back_inserter(kept), std::ref(hasModule));
+    _scheduleArray = std::move(kept);
     outlets.tableView->reloadData();
 }
 

@@ -12,9 +12,12 @@ public:
     RefCounted(const RefCounted&) = delete;
     RefCounted& operator=(const RefCounted&) = delete;
 
+    void retain() const { _count.fetch_add(1, std::memory_order_relaxed); }
+    /// True when nobody is left: the caller deletes the object, as what it is.
+    bool release() const { return _count.fetch_sub(1, std::memory_order_acq_rel) == 1; }
+    bool isUnique() const { return _count.load(std::memory_order_acquire) == 1; }
+
 private:
-    template <class T>
-    friend class Ref;
     mutable std::atomic<unsigned> _count{0};
 };
 
@@ -31,19 +34,19 @@ public:
         return *this;
     }
     ~Ref() {
-        if (_object && _object->_count.fetch_sub(1, std::memory_order_acq_rel) == 1) delete _object;
+        if (_object && _object->release()) delete _object;
     }
 
     T* get() const { return _object; }
     T& operator*() const { return *_object; }
     T* operator->() const { return _object; }
     explicit operator bool() const { return _object != nullptr; }
-    bool unique() const { return _object && _object->_count.load(std::memory_order_acquire) == 1; }
+    bool unique() const { return _object && _object->isUnique(); }
     friend bool operator==(const Ref& a, const Ref& b) { return a._object == b._object; }
 
 private:
     void retain() const {
-        if (_object) _object->_count.fetch_add(1, std::memory_order_relaxed);
+        if (_object) _object->retain();
     }
     T* _object = nullptr;
 };

@@ -9,42 +9,37 @@
 namespace quorel {
 
 template <class T>
-struct Shared : RefCounted {
+struct Value::Shared : RefCounted {
     explicit Shared(T value) : content(std::move(value)) {}
     T content;
 };
 
-struct Value::Text : Shared<std::string> {
-    using Shared::Shared;
-};
-struct Value::Bytes : Shared<Data> {
-    using Shared::Shared;
-};
-struct Value::List : Shared<Array> {
-    using Shared::Shared;
-};
-struct Value::Table : Shared<Dictionary> {
-    using Shared::Shared;
-};
+template <class T>
+Value::Content Value::share(T content) {
+    const auto* shared = new Shared<T>(std::move(content));
+    shared->retain();
+    return {.shared = shared};
+}
 
-Value::Value() = default;
-Value::Value(bool value) : _content(value) {}
-Value::Value(int value) : _content(std::int64_t{value}) {}
-Value::Value(std::int64_t value) : _content(value) {}
-Value::Value(double value) : _content(value) {}
-Value::Value(Date value) : _content(value) {}
+template <class T>
+const T& Value::sharedContent(Kind kind) const {
+    static const T empty;
+    return _kind == kind ? static_cast<const Shared<T>*>(_content.shared)->content : empty;
+}
+
+void Value::destroyShared() {
+    if (isText()) delete static_cast<const Shared<std::string>*>(_content.shared);
+    if (isData()) delete static_cast<const Shared<quorel::Data>*>(_content.shared);
+    if (isArray()) delete static_cast<const Shared<quorel::Array>*>(_content.shared);
+    if (isDictionary()) delete static_cast<const Shared<quorel::Dictionary>*>(_content.shared);
+}
+
 Value::Value(const char* text) : Value(std::string(text)) {}
 Value::Value(std::string_view text) : Value(std::string(text)) {}
-Value::Value(std::string text) : _content(Ref<const Text>(new Text(std::move(text)))) {}
-Value::Value(Data data) : _content(Ref<const Bytes>(new Bytes(std::move(data)))) {}
-Value::Value(Array array) : _content(Ref<const List>(new List(std::move(array)))) {}
-Value::Value(Dictionary dictionary) : _content(Ref<const Table>(new Table(std::move(dictionary)))) {}
-
-Value::Value(const Value&) = default;
-Value::Value(Value&&) noexcept = default;
-Value& Value::operator=(const Value&) = default;
-Value& Value::operator=(Value&&) noexcept = default;
-Value::~Value() = default;
+Value::Value(std::string text) : _kind(Kind::Text), _content(share(std::move(text))) {}
+Value::Value(Data data) : _kind(Kind::Data), _content(share(std::move(data))) {}
+Value::Value(Array array) : _kind(Kind::Array), _content(share(std::move(array))) {}
+Value::Value(Dictionary dictionary) : _kind(Kind::Dictionary), _content(share(std::move(dictionary))) {}
 
 namespace {
 
@@ -73,50 +68,38 @@ int intFromText(std::string_view text) {
 }  // namespace
 
 int Value::intValue() const {
-    if (isInteger()) return static_cast<int>(static_cast<std::uint32_t>(integer()));
-    if (isBoolean()) return std::get<bool>(_content) ? 1 : 0;
+    if (isInteger() || isBoolean()) return static_cast<int>(static_cast<std::uint32_t>(_content.integer));
     if (isText()) return intFromText(text());
-    if (isReal()) return intFromReal(real());
+    if (isReal()) return intFromReal(_content.real);
     return 0;
 }
 
 std::int64_t Value::integer() const {
-    const auto* value = std::get_if<std::int64_t>(&_content);
-    return value ? *value : 0;
+    return isInteger() ? _content.integer : 0;
 }
 
 double Value::real() const {
-    const auto* value = std::get_if<double>(&_content);
-    return value ? *value : 0;
+    return isReal() ? _content.real : 0;
 }
 
 Date Value::date() const {
-    const auto* value = std::get_if<Date>(&_content);
-    return value ? *value : Date{};
+    return {isDate() ? _content.real : 0};
 }
 
 const std::string& Value::text() const {
-    static const std::string empty;
-    const auto* value = std::get_if<Ref<const Text>>(&_content);
-    return value ? (*value)->content : empty;
+    return sharedContent<std::string>(Kind::Text);
 }
 
 const Data& Value::data() const {
-    static const Data empty;
-    const auto* value = std::get_if<Ref<const Bytes>>(&_content);
-    return value ? (*value)->content : empty;
+    return sharedContent<Data>(Kind::Data);
 }
 
 const Array& Value::array() const {
-    static const Array empty;
-    const auto* value = std::get_if<Ref<const List>>(&_content);
-    return value ? (*value)->content : empty;
+    return sharedContent<Array>(Kind::Array);
 }
 
 const Dictionary& Value::dictionary() const {
-    static const Dictionary empty;
-    const auto* value = std::get_if<Ref<const Table>>(&_content);
-    return value ? (*value)->content : empty;
+    return sharedContent<Dictionary>(Kind::Dictionary);
 }
 
 const Value& Value::operator[](std::string_view key) const {
@@ -130,17 +113,16 @@ Value Value::with(std::string_view key, Value value) const {
 }
 
 bool Value::isIdenticalTo(const Value& other) const {
-    if (_content.index() != other._content.index()) return false;
-    if (isText()) return &text() == &other.text();
-    if (isData()) return &data() == &other.data();
-    if (isArray()) return &array() == &other.array();
-    if (isDictionary()) return &dictionary() == &other.dictionary();
-    return _content == other._content;
+    if (_kind != other._kind) return false;
+    if (isAbsent()) return true;
+    if (isShared()) return _content.shared == other._content.shared;
+    if (isReal() || isDate()) return _content.real == other._content.real;
+    return _content.integer == other._content.integer;
 }
 
 bool operator==(const Value& a, const Value& b) {
     if (a.isIdenticalTo(b)) return true;
-    if (a._content.index() != b._content.index()) return false;
+    if (a._kind != b._kind) return false;
     if (a.isText()) return a.text() == b.text();
     if (a.isData()) return a.data() == b.data();
     if (a.isArray()) return a.array() == b.array();

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <variant>
+#include <utility>
 #include <vector>
 
 #include "platform/Ref.h"
@@ -27,17 +27,24 @@ struct Date {
 /// Comparing and destroying follow the nesting with the stack: whoever builds values from outside bounds the depth.
 class Value {
 public:
-    Value();  ///< absent
-    Value(const Value& other);
-    Value(Value&& other) noexcept;
-    Value& operator=(const Value& other);
-    Value& operator=(Value&& other) noexcept;
-    ~Value();
-    Value(bool value);
-    Value(int value);
-    Value(std::int64_t value);
-    Value(double value);
-    Value(Date value);
+    Value() = default;  ///< absent
+    Value(const Value& other) noexcept : _kind(other._kind), _content(other._content) {
+        if (isShared()) _content.shared->retain();
+    }
+    Value(Value&& other) noexcept : _kind(std::exchange(other._kind, Kind::Absent)), _content(other._content) {}
+    Value& operator=(Value other) noexcept {
+        std::swap(_kind, other._kind);
+        std::swap(_content, other._content);
+        return *this;
+    }
+    ~Value() {
+        if (isShared() && _content.shared->release()) destroyShared();
+    }
+    Value(bool value) : _kind(Kind::Boolean), _content{.integer = value} {}
+    Value(int value) : Value(std::int64_t{value}) {}
+    Value(std::int64_t value) : _kind(Kind::Integer), _content{.integer = value} {}
+    Value(double value) : _kind(Kind::Real), _content{.real = value} {}
+    Value(Date value) : _kind(Kind::Date), _content{.real = value.secondsSinceReference} {}
     Value(const char* text);
     Value(std::string_view text);
     Value(std::string text);
@@ -46,16 +53,16 @@ public:
     Value(Dictionary dictionary);
     Value(const void*) = delete;  // would silently become a boolean
 
-    bool isAbsent() const { return holds<std::monostate>(); }
-    bool isPresent() const { return !isAbsent(); }
-    bool isBoolean() const { return holds<bool>(); }
-    bool isInteger() const { return holds<std::int64_t>(); }
-    bool isReal() const { return holds<double>(); }
-    bool isDate() const { return holds<Date>(); }
-    bool isText() const { return holds<Ref<const Text>>(); }
-    bool isData() const { return holds<Ref<const Bytes>>(); }
-    bool isArray() const { return holds<Ref<const List>>(); }
-    bool isDictionary() const { return holds<Ref<const Table>>(); }
+    bool isAbsent() const { return _kind == Kind::Absent; }
+    bool isPresent() const { return _kind != Kind::Absent; }
+    bool isBoolean() const { return _kind == Kind::Boolean; }
+    bool isInteger() const { return _kind == Kind::Integer; }
+    bool isReal() const { return _kind == Kind::Real; }
+    bool isDate() const { return _kind == Kind::Date; }
+    bool isText() const { return _kind == Kind::Text; }
+    bool isData() const { return _kind == Kind::Data; }
+    bool isArray() const { return _kind == Kind::Array; }
+    bool isDictionary() const { return _kind == Kind::Dictionary; }
 
     /// The one reading of a value as a number, for all readers: integers truncated to 32 bits, reals towards
     /// zero and kept in range, booleans 0 or 1, texts by their leading decimal integer, all else 0.
@@ -80,18 +87,25 @@ public:
     friend bool operator==(const Value& a, const Value& b);
 
 private:
-    struct Text;
-    struct Bytes;
-    struct List;
-    struct Table;
+    /// From Text on, the content is shared.
+    enum class Kind : std::uint8_t { Absent, Boolean, Integer, Real, Date, Text, Data, Array, Dictionary };
     template <class T>
-    bool holds() const {
-        return std::holds_alternative<T>(_content);
-    }
+    struct Shared;
+    union Content {
+        std::int64_t integer;
+        double real;
+        const RefCounted* shared;
+    };
 
-    std::variant<std::monostate, bool, std::int64_t, double, Date, Ref<const Text>, Ref<const Bytes>, Ref<const List>,
-                 Ref<const Table>>
-        _content;
+    template <class T>
+    static Content share(T content);
+    template <class T>
+    const T& sharedContent(Kind kind) const;
+    bool isShared() const { return _kind >= Kind::Text; }
+    void destroyShared();
+
+    Kind _kind = Kind::Absent;
+    Content _content{.integer = 0};
 };
 
 }  // namespace quorel

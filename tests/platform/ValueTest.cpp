@@ -105,6 +105,10 @@ TEST(ValueTest, EqualWhereverTheContentLies) {
     EXPECT_TRUE(one["list"].isIdenticalTo(copy["list"]));
     EXPECT_TRUE(Value(1).isIdenticalTo(1));
     EXPECT_FALSE(Value(1).isIdenticalTo(true));
+    Value number = 5;
+    const Value taken = std::move(number);
+    EXPECT_EQ(number, Value());  // NOLINT: what was moved from is absent
+    EXPECT_EQ(taken, Value(5));
 }
 
 TEST(ValueTest, WrongKindsAnswerEmptyContents) {
