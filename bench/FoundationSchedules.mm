@@ -1,0 +1,236 @@
+#include "bench/FoundationSchedules.h"
+
+#import <Foundation/Foundation.h>
+#include <malloc.h>
+
+#include <algorithm>
+
+#include "bench/Content.h"
+
+@interface PeerModule : NSObject {
+    NSDictionary *_parameters;
+}
+- (void)setParameters:(NSDictionary *)parameters;
+- (NSString *)pluginName;
+- (NSString *)actionString;
+- (BOOL)needsStartup;
+- (BOOL)needsWakeUp;
+@end
+
+@implementation PeerModule
+- (void)setParameters:(NSDictionary *)parameters {
+    [parameters retain];
+    [_parameters release];
+    _parameters = parameters;
+}
+- (NSString *)pluginName {
+    return @"Sleep";
+}
+- (NSString *)actionString {
+    return @"Puts the computer to sleep";
+}
+- (BOOL)needsStartup {
+    return [[_parameters objectForKey:@"startup"] intValue] != 0;
+}
+- (BOOL)needsWakeUp {
+    return [[_parameters objectForKey:@"wake"] intValue] != 0;
+}
+- (void)dealloc {
+    [_parameters release];
+    [super dealloc];
+}
+@end
+
+namespace quorel::bench {
+
+namespace {
+
+NSString *text(std::string_view content) {
+    return [[[NSString alloc] initWithBytes:content.data() length:content.size()
+                                   encoding:NSUTF8StringEncoding] autorelease];
+}
+
+/// A property list in the binary form, of the Schedules with these numbers.
+NSData *makeFile(int first, int end) {
+    NSMutableArray *list = [NSMutableArray array];
+    for (int i = first; i < end; ++i) {
+        const Content content = Content::ofNumber(i);
+        NSMutableDictionary *record = [NSMutableDictionary dictionary];
+        [record setObject:text(content.type) forKey:@"Action Type"];
+        [record setObject:[NSDictionary dictionaryWithObjectsAndKeys:[NSNumber numberWithInt:content.parameter], @"n",
+                                                                     [NSNumber numberWithBool:NO], @"startup",
+                                                                     [NSNumber numberWithBool:NO], @"wake", nil]
+                   forKey:@"Action Parameters"];
+        [record setObject:[NSNumber numberWithInt:content.hour] forKey:@"Action Hour"];
+        [record setObject:text(std::to_string(content.minute)) forKey:@"Action Minute"];
+        [record setObject:[NSNumber numberWithInt:content.enabled ? 1 : 0] forKey:@"Is Enabled"];
+        for (unsigned day = 0; day < 7; ++day) {
+            [record setObject:[NSNumber numberWithBool:(content.days >> day & 1) != 0]
+                       forKey:text(schedule::kActiveOnDays[day])];
+        }
+        [list addObject:record];
+    }
+    return [NSPropertyListSerialization dataFromPropertyList:list
+                                                      format:NSPropertyListBinaryFormat_v1_0
+                                            errorDescription:nullptr];
+}
+
+NSComparisonResult compareTimes(id a, id b, void *) {
+    const int hourOfA = [[a objectForKey:@"Action Hour"] intValue];
+    const int hourOfB = [[b objectForKey:@"Action Hour"] intValue];
+    if (hourOfA != hourOfB) return hourOfA < hourOfB ? NSOrderedAscending : NSOrderedDescending;
+    const int minuteOfA = [[a objectForKey:@"Action Minute"] intValue];
+    const int minuteOfB = [[b objectForKey:@"Action Minute"] intValue];
+    if (minuteOfA == minuteOfB) return NSOrderedSame;  // the ruled answer would not end every sort
+    return minuteOfA < minuteOfB ? NSOrderedAscending : NSOrderedDescending;
+}
+
+NSComparisonResult compareFlags(id a, id b, void *column) {
+    const bool flagOfA = ([[a objectForKey:static_cast<NSString *>(column)] intValue] & 0xff) != 0;
+    const bool flagOfB = ([[b objectForKey:static_cast<NSString *>(column)] intValue] & 0xff) != 0;
+    if (flagOfA == flagOfB) return NSOrderedSame;
+    return flagOfA ? NSOrderedAscending : NSOrderedDescending;
+}
+
+NSString *shortTime(int hour, int minute) {
+    NSCalendarDate *now = [NSCalendarDate calendarDate];
+    NSCalendarDate *date = [NSCalendarDate dateWithYear:[now yearOfCommonEra]
+                                                  month:static_cast<NSUInteger>([now monthOfYear])
+                                                    day:static_cast<NSUInteger>([now dayOfMonth])
+                                                   hour:static_cast<NSUInteger>(hour)
+                                                 minute:static_cast<NSUInteger>(minute)
+                                                 second:0
+                                               timeZone:[now timeZone]];
+    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
+    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
+    [formatter setDateStyle:NSDateFormatterNoStyle];
+    [formatter setTimeStyle:NSDateFormatterShortStyle];
+    return [formatter stringFromDate:date];
+}
+
+}  // namespace
+
+std::string shortTimeByFormatter(int hour, int minute) {
+    @autoreleasepool {
+        return [shortTime(hour, minute) UTF8String];
+    }
+}
+
+struct FoundationSchedules::Parts {
+    NSArray *list = nil;
+    NSMutableArray *scheduleArray = nil;
+    NSMutableDictionary *plugins = nil;
+    double bytesPerSchedule = 0;
+};
+
+FoundationSchedules::FoundationSchedules(int count) : _parts(std::make_unique<Parts>()) {
+    constexpr int kSchedulesPerFile = 1000;  // reading a large file at once takes Foundation minutes
+    _parts->plugins = [NSMutableDictionary new];
+    NSMutableArray *list = [[NSMutableArray alloc] initWithCapacity:static_cast<NSUInteger>(count)];
+    for (int first = 0; first < count; first += kSchedulesPerFile) {
+        NSData *file = nil;
+        @autoreleasepool {
+            file = [makeFile(first, std::min(first + kSchedulesPerFile, count)) retain];
+        }
+        const auto before = mallinfo2();
+        @autoreleasepool {
+            [list addObjectsFromArray:[NSPropertyListSerialization propertyListFromData:file
+                                                                       mutabilityOption:NSPropertyListImmutable
+                                                                                 format:nullptr
+                                                                       errorDescription:nullptr]];
+        }
+        const auto after = mallinfo2();
+        _parts->bytesPerSchedule +=
+            static_cast<double>(after.uordblks + after.hblkhd - before.uordblks - before.hblkhd) / count;
+        [file release];
+    }
+    _parts->list = list;
+    @autoreleasepool {
+        for (const auto type : {schedule::kSleepType, schedule::kWakeUpType}) {
+            [_parts->plugins setObject:[[PeerModule new] autorelease] forKey:text(type)];
+        }
+    }
+    handOver();
+}
+
+FoundationSchedules::~FoundationSchedules() {
+    [_parts->list release];
+    [_parts->scheduleArray release];
+    [_parts->plugins release];
+}
+
+double FoundationSchedules::bytesPerSchedule() const {
+    return _parts->bytesPerSchedule;
+}
+
+// Kept linear: taking entries out of the middle one by one would make this quadratic.
+std::size_t FoundationSchedules::handOver() {
+    @autoreleasepool {
+        NSMutableArray *kept = [[NSMutableArray alloc] initWithCapacity:[_parts->list count]];
+        for (NSDictionary *schedule in _parts->list) {
+            if ([_parts->plugins objectForKey:[schedule objectForKey:@"Action Type"]]) [kept addObject:schedule];
+        }
+        [_parts->scheduleArray release];
+        _parts->scheduleArray = kept;
+        return [kept count];
+    }
+}
+
+void FoundationSchedules::sort(const char *column) {
+    @autoreleasepool {
+        const bool byTime = std::string_view(column) == kInfosColumn;
+        [_parts->scheduleArray sortUsingFunction:byTime ? compareTimes : compareFlags context:text(column)];
+    }
+}
+
+void FoundationSchedules::toggle(std::size_t first, std::size_t rows, const char *column) {
+    @autoreleasepool {
+        NSString *key = text(column);
+        const std::size_t all = [_parts->scheduleArray count];
+        for (std::size_t i = 0; i < rows; ++i) {
+            const std::size_t row = (first + i) % all;
+            NSMutableDictionary *copy = [[_parts->scheduleArray objectAtIndex:row] mutableCopy];
+            const int flag = [[copy objectForKey:key] intValue];
+            if (flag == 0 || flag == 1) [copy setObject:[NSNumber numberWithInt:1 - flag] forKey:key];
+            [_parts->scheduleArray replaceObjectAtIndex:row withObject:copy];
+            [copy release];
+            [[NSNotificationCenter defaultCenter] postNotificationName:@"kMOLConfiguratorHasBeenEditedNotification"
+                                                                object:nil];
+        }
+    }
+}
+
+int FoundationSchedules::count(const char *type) {
+    @autoreleasepool {
+        NSString *wanted = text(type);
+        int found = 0;
+        for (NSDictionary *schedule in _parts->scheduleArray) {
+            if ([[schedule objectForKey:@"Action Type"] isEqualToString:wanted]) ++found;
+        }
+        return found;
+    }
+}
+
+std::size_t FoundationSchedules::summaries(std::size_t first, std::size_t rows) {
+    @autoreleasepool {
+        const std::size_t all = [_parts->scheduleArray count];
+        std::size_t length = 0;
+        for (std::size_t i = 0; i < rows; ++i) {
+            NSDictionary *schedule = [_parts->scheduleArray objectAtIndex:(first + i) % all];
+            PeerModule *module = [_parts->plugins objectForKey:[schedule objectForKey:@"Action Type"]];
+            [module setParameters:[schedule objectForKey:@"Action Parameters"]];
+            NSMutableDictionary *summary = [NSMutableDictionary dictionary];
+            [summary setObject:[module pluginName] forKey:@"Name"];
+            [summary setObject:[module actionString] forKey:@"Action"];
+            [summary setObject:shortTime([[schedule objectForKey:@"Action Hour"] intValue],
+                                         [[schedule objectForKey:@"Action Minute"] intValue])
+                        forKey:@"Time"];
+            [summary setObject:[NSNumber numberWithBool:[module needsStartup]] forKey:@"Startup"];
+            [summary setObject:[NSNumber numberWithBool:[module needsWakeUp]] forKey:@"Wake Up"];
+            length += [[summary objectForKey:@"Time"] length];
+        }
+        return length;
+    }
+}
+
+}  // namespace quorel::bench
