@@ -13,10 +13,10 @@ public:
     ~FoundationSchedules();
     double bytesPerSchedule() const;
     std::size_t handOver();
-    void sort(const char* column);
+    void sort(const char* column);  ///< each time in the other direction
     void toggle(std::size_t first, std::size_t rows, const char* column);
     int count(const char* type);
-    std::size_t summaries(std::size_t first, std::size_t rows);
+    std::string summaries(std::size_t first, std::size_t rows);  ///< their times
 
 private:
     struct Parts;

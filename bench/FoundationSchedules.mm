@@ -75,21 +75,32 @@ NSData *makeFile(int first, int end) {
                                             errorDescription:nullptr];
 }
 
-NSComparisonResult compareTimes(id a, id b, void *) {
-    const int hourOfA = [[a objectForKey:@"Action Hour"] intValue];
-    const int hourOfB = [[b objectForKey:@"Action Hour"] intValue];
-    if (hourOfA != hourOfB) return hourOfA < hourOfB ? NSOrderedAscending : NSOrderedDescending;
-    const int minuteOfA = [[a objectForKey:@"Action Minute"] intValue];
-    const int minuteOfB = [[b objectForKey:@"Action Minute"] intValue];
-    if (minuteOfA == minuteOfB) return NSOrderedSame;  // the ruled answer would not end every sort
-    return minuteOfA < minuteOfB ? NSOrderedAscending : NSOrderedDescending;
+struct SortContext {
+    NSString *column;
+    bool reversed;
+};
+
+NSComparisonResult ordered(bool aFirst, const SortContext *context) {
+    return aFirst != context->reversed ? NSOrderedAscending : NSOrderedDescending;
 }
 
-NSComparisonResult compareFlags(id a, id b, void *column) {
-    const bool flagOfA = ([[a objectForKey:static_cast<NSString *>(column)] intValue] & 0xff) != 0;
-    const bool flagOfB = ([[b objectForKey:static_cast<NSString *>(column)] intValue] & 0xff) != 0;
+// Equal times compare as the same here: with the ruled answer not every sort would come to an end.
+NSComparisonResult compareTimes(id a, id b, void *context) {
+    const int hourOfA = [[a objectForKey:@"Action Hour"] intValue];
+    const int hourOfB = [[b objectForKey:@"Action Hour"] intValue];
+    if (hourOfA != hourOfB) return ordered(hourOfA < hourOfB, static_cast<SortContext *>(context));
+    const int minuteOfA = [[a objectForKey:@"Action Minute"] intValue];
+    const int minuteOfB = [[b objectForKey:@"Action Minute"] intValue];
+    if (minuteOfA == minuteOfB) return NSOrderedSame;
+    return ordered(minuteOfA < minuteOfB, static_cast<SortContext *>(context));
+}
+
+NSComparisonResult compareFlags(id a, id b, void *context) {
+    const auto *sortContext = static_cast<SortContext *>(context);
+    const bool flagOfA = ([[a objectForKey:sortContext->column] intValue] & 0xff) != 0;
+    const bool flagOfB = ([[b objectForKey:sortContext->column] intValue] & 0xff) != 0;
     if (flagOfA == flagOfB) return NSOrderedSame;
-    return flagOfA ? NSOrderedAscending : NSOrderedDescending;
+    return ordered(flagOfA, sortContext);
 }
 
 NSString *shortTime(int hour, int minute) {
@@ -120,6 +131,7 @@ struct FoundationSchedules::Parts {
     NSArray *list = nil;
     NSMutableArray *scheduleArray = nil;
     NSMutableDictionary *plugins = nil;
+    bool reversed = false;
     double bytesPerSchedule = 0;
 };
 
@@ -178,8 +190,10 @@ std::size_t FoundationSchedules::handOver() {
 
 void FoundationSchedules::sort(const char *column) {
     @autoreleasepool {
+        SortContext context{text(column), _parts->reversed};
+        _parts->reversed = !_parts->reversed;
         const bool byTime = std::string_view(column) == kInfosColumn;
-        [_parts->scheduleArray sortUsingFunction:byTime ? compareTimes : compareFlags context:text(column)];
+        [_parts->scheduleArray sortUsingFunction:byTime ? compareTimes : compareFlags context:&context];
     }
 }
 
@@ -211,10 +225,10 @@ int FoundationSchedules::count(const char *type) {
     }
 }
 
-std::size_t FoundationSchedules::summaries(std::size_t first, std::size_t rows) {
+std::string FoundationSchedules::summaries(std::size_t first, std::size_t rows) {
     @autoreleasepool {
         const std::size_t all = [_parts->scheduleArray count];
-        std::size_t length = 0;
+        std::string times;
         for (std::size_t i = 0; i < rows; ++i) {
             NSDictionary *schedule = [_parts->scheduleArray objectAtIndex:(first + i) % all];
             PeerModule *module = [_parts->plugins objectForKey:[schedule objectForKey:@"Action Type"]];
@@ -227,9 +241,9 @@ std::size_t FoundationSchedules::summaries(std::size_t first, std::size_t rows) 
                         forKey:@"Time"];
             [summary setObject:[NSNumber numberWithBool:[module needsStartup]] forKey:@"Startup"];
             [summary setObject:[NSNumber numberWithBool:[module needsWakeUp]] forKey:@"Wake Up"];
-            length += [[summary objectForKey:@"Time"] length];
+            times += [[summary objectForKey:@"Time"] UTF8String];
         }
-        return length;
+        return times;
     }
 }
 

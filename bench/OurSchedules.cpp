@@ -125,17 +125,17 @@ int OurSchedules::count(const char* type) {
     return _parts->configurator->numberOfActionInScheduleArrayOfType(type);
 }
 
-std::size_t OurSchedules::summaries(std::size_t first, std::size_t rows) {
+std::string OurSchedules::summaries(std::size_t first, std::size_t rows) {
     auto& configurator = *_parts->configurator;
     const auto column = _parts->ui.table->tableColumnWithIdentifier(kInfosColumn);
     const std::size_t all = configurator.scheduleArray().size();
-    std::size_t length = 0;
+    std::string times;
     for (std::size_t i = 0; i < rows; ++i) {
         const Value summary = configurator.tableViewObjectValueForTableColumnRow(*_parts->ui.table, *column,
                                                                                  static_cast<int>((first + i) % all));
-        length += summary["Time"].text().size();
+        times += summary["Time"].text();
     }
-    return length;
+    return times;
 }
 
 }  // namespace quorel::bench

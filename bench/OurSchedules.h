@@ -12,11 +12,11 @@ public:
     explicit OurSchedules(int count);
     ~OurSchedules();
     double bytesPerSchedule() const;
-    std::size_t handOver();  ///< how many are kept
-    void sort(const char* column);
+    std::size_t handOver();         ///< how many are kept
+    void sort(const char* column);  ///< each time in the other direction
     void toggle(std::size_t first, std::size_t rows, const char* column);
     int count(const char* type);
-    std::size_t summaries(std::size_t first, std::size_t rows);  ///< a number that depends on the texts
+    std::string summaries(std::size_t first, std::size_t rows);  ///< their times
 
 private:
     struct Parts;

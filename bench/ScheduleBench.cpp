@@ -1,7 +1,10 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
+#include <cstdio>
 #include <map>
+#include <string>
+#include <vector>
 
 #include "bench/Content.h"
 #include "bench/FoundationSchedules.h"
@@ -94,7 +97,37 @@ QUOREL_BENCHMARK(toggle);
 QUOREL_BENCHMARK(count);
 QUOREL_BENCHMARK(cellValues);
 
+/// Both sides come to the same results, or their times say nothing.
+bool agree() {
+    constexpr int kCount = 1000;
+    OurSchedules ours(kCount);
+    FoundationSchedules foundation(kCount);
+    const auto results = [](auto& schedules) {
+        std::vector<std::string> all{std::to_string(schedules.handOver()),
+                                     std::to_string(schedules.count("com.quorel.plugin.Sleep"))};
+        const auto add = [&] { all.push_back(schedules.summaries(0, kCount)); };
+        add();
+        for (const char* column : {kInfosColumn, kFlagColumn, kInfosColumn}) {
+            schedules.sort(column);
+            add();
+        }
+        schedules.toggle(0, kScreenful, kFlagColumn);
+        schedules.sort(kFlagColumn);
+        add();
+        return all;
+    };
+    return results(ours) == results(foundation);
+}
+
 }  // namespace
 }  // namespace quorel::bench
 
-BENCHMARK_MAIN();
+int main(int argumentCount, char** arguments) {
+    if (!quorel::bench::agree()) {
+        std::fputs("The two sides disagree about what the Schedules are.\n", stderr);
+        return 1;
+    }
+    benchmark::Initialize(&argumentCount, arguments);
+    if (benchmark::ReportUnrecognizedArguments(argumentCount, arguments)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+}
