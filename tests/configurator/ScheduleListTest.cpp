@@ -150,11 +150,13 @@ TEST_F(ScheduleListTest, DeleteRefusesTheLastScheduleAndNoSelection) {
         ui.table->selectRows(selection);
         const bool removes = std::string(list) != left;
         const int beeps = host.application.beeps;
+        const int reloads = ui.table->reloads;
         const std::size_t posts = posted();
         configurator->deleteSchedule(nullptr);
         EXPECT_EQ(tags(), left);
         EXPECT_EQ(host.application.beeps - beeps, removes ? 0 : 1);
         EXPECT_EQ(posted() - posts, removes ? 1u : 0u);
+        EXPECT_EQ(ui.table->reloads - reloads, removes ? 1 : 0);
     }
     const Notification& notification = host.defaultCenter.posted.front();
     EXPECT_EQ(notification.name, "kMOLConfiguratorHasBeenEditedNotification");
