@@ -29,17 +29,17 @@ const T& Value::sharedContent(Kind kind) const {
 
 void Value::destroyShared() {
     if (isText()) delete static_cast<const Shared<std::string>*>(_content.shared);
-    if (isData()) delete static_cast<const Shared<quorel::Data>*>(_content.shared);
-    if (isArray()) delete static_cast<const Shared<quorel::Array>*>(_content.shared);
-    if (isDictionary()) delete static_cast<const Shared<quorel::Dictionary>*>(_content.shared);
+    if (isData()) delete static_cast<const Shared<Data>*>(_content.shared);
+    if (isArray()) delete static_cast<const Shared<Array>*>(_content.shared);
+    if (isDictionary()) delete static_cast<const Shared<Dictionary>*>(_content.shared);
 }
 
 Value::Value(const char* text) : Value(std::string(text)) {}
 Value::Value(std::string_view text) : Value(std::string(text)) {}
-Value::Value(std::string text) : _kind(Kind::Text), _content(share(std::move(text))) {}
-Value::Value(Data data) : _kind(Kind::Data), _content(share(std::move(data))) {}
-Value::Value(Array array) : _kind(Kind::Array), _content(share(std::move(array))) {}
-Value::Value(Dictionary dictionary) : _kind(Kind::Dictionary), _content(share(std::move(dictionary))) {}
+Value::Value(std::string text) : _kind(Kind::kText), _content(share(std::move(text))) {}
+Value::Value(Data data) : _kind(Kind::kData), _content(share(std::move(data))) {}
+Value::Value(Array array) : _kind(Kind::kArray), _content(share(std::move(array))) {}
+Value::Value(Dictionary dictionary) : _kind(Kind::kDictionary), _content(share(std::move(dictionary))) {}
 
 namespace {
 
@@ -87,19 +87,19 @@ Date Value::date() const {
 }
 
 const std::string& Value::text() const {
-    return sharedContent<std::string>(Kind::Text);
+    return sharedContent<std::string>(Kind::kText);
 }
 
 const Data& Value::data() const {
-    return sharedContent<Data>(Kind::Data);
+    return sharedContent<Data>(Kind::kData);
 }
 
 const Array& Value::array() const {
-    return sharedContent<Array>(Kind::Array);
+    return sharedContent<Array>(Kind::kArray);
 }
 
 const Dictionary& Value::dictionary() const {
-    return sharedContent<Dictionary>(Kind::Dictionary);
+    return sharedContent<Dictionary>(Kind::kDictionary);
 }
 
 const Value& Value::operator[](std::string_view key) const {

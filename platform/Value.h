@@ -31,7 +31,7 @@ public:
     Value(const Value& other) noexcept : _kind(other._kind), _content(other._content) {
         if (isShared()) _content.shared->retain();
     }
-    Value(Value&& other) noexcept : _kind(std::exchange(other._kind, Kind::Absent)), _content(other._content) {}
+    Value(Value&& other) noexcept : _kind(std::exchange(other._kind, Kind::kAbsent)), _content(other._content) {}
     Value& operator=(Value other) noexcept {
         std::swap(_kind, other._kind);
         std::swap(_content, other._content);
@@ -40,11 +40,11 @@ public:
     ~Value() {
         if (isShared() && _content.shared->release()) destroyShared();
     }
-    Value(bool value) : _kind(Kind::Boolean), _content{.integer = value} {}
+    Value(bool value) : _kind(Kind::kBoolean), _content{.integer = value} {}
     Value(int value) : Value(std::int64_t{value}) {}
-    Value(std::int64_t value) : _kind(Kind::Integer), _content{.integer = value} {}
-    Value(double value) : _kind(Kind::Real), _content{.real = value} {}
-    Value(Date value) : _kind(Kind::Date), _content{.real = value.secondsSinceReference} {}
+    Value(std::int64_t value) : _kind(Kind::kInteger), _content{.integer = value} {}
+    Value(double value) : _kind(Kind::kReal), _content{.real = value} {}
+    Value(Date value) : _kind(Kind::kDate), _content{.real = value.secondsSinceReference} {}
     Value(const char* text);
     Value(std::string_view text);
     Value(std::string text);
@@ -53,16 +53,16 @@ public:
     Value(Dictionary dictionary);
     Value(const void*) = delete;  // would silently become a boolean
 
-    bool isAbsent() const { return _kind == Kind::Absent; }
-    bool isPresent() const { return _kind != Kind::Absent; }
-    bool isBoolean() const { return _kind == Kind::Boolean; }
-    bool isInteger() const { return _kind == Kind::Integer; }
-    bool isReal() const { return _kind == Kind::Real; }
-    bool isDate() const { return _kind == Kind::Date; }
-    bool isText() const { return _kind == Kind::Text; }
-    bool isData() const { return _kind == Kind::Data; }
-    bool isArray() const { return _kind == Kind::Array; }
-    bool isDictionary() const { return _kind == Kind::Dictionary; }
+    bool isAbsent() const { return _kind == Kind::kAbsent; }
+    bool isPresent() const { return _kind != Kind::kAbsent; }
+    bool isBoolean() const { return _kind == Kind::kBoolean; }
+    bool isInteger() const { return _kind == Kind::kInteger; }
+    bool isReal() const { return _kind == Kind::kReal; }
+    bool isDate() const { return _kind == Kind::kDate; }
+    bool isText() const { return _kind == Kind::kText; }
+    bool isData() const { return _kind == Kind::kData; }
+    bool isArray() const { return _kind == Kind::kArray; }
+    bool isDictionary() const { return _kind == Kind::kDictionary; }
 
     /// The one reading of a value as a number, for all readers: integers truncated to 32 bits, reals towards
     /// zero and kept in range, booleans 0 or 1, texts by their leading decimal integer, all else 0.
@@ -87,8 +87,8 @@ public:
     friend bool operator==(const Value& a, const Value& b);
 
 private:
-    /// From Text on, the content is shared.
-    enum class Kind : std::uint8_t { Absent, Boolean, Integer, Real, Date, Text, Data, Array, Dictionary };
+    /// From kText on, the content is shared.
+    enum class Kind : std::uint8_t { kAbsent, kBoolean, kInteger, kReal, kDate, kText, kData, kArray, kDictionary };
     template <class T>
     struct Shared;
     union Content {
@@ -101,10 +101,10 @@ private:
     static Content share(T content);
     template <class T>
     const T& sharedContent(Kind kind) const;
-    bool isShared() const { return _kind >= Kind::Text; }
+    bool isShared() const { return _kind >= Kind::kText; }
     void destroyShared();
 
-    Kind _kind = Kind::Absent;
+    Kind _kind = Kind::kAbsent;
     Content _content{.integer = 0};
 };
 
