@@ -33,7 +33,7 @@ public:
     void setParameters(const Value& parameters) override { current = parameters; }
 };
 
-/// As they come out of a file: keys and repeated texts are shared.
+/// Keys and repeated texts are shared.
 Value makeList(int count) {
     Array list;
     list.reserve(static_cast<std::size_t>(count));
