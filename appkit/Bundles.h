@@ -1,0 +1,35 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#include "appkit/Views.h"
+#include "platform/Bundle.h"
+
+namespace quorel::appkit {
+
+/// Bundles on disk. Main thread.
+class Bundle : public quorel::Bundle {
+public:
+    explicit Bundle(NSBundle *bundle) : _bundle(bundle) {}
+    std::string bundlePath() const override;
+    std::string builtInPlugInsPath() const override;
+    Value objectForInfoDictionaryKey(std::string_view key) const override;
+    bool load() override;
+    std::shared_ptr<Object> classNamed(std::string_view name) override;
+    std::string localizedStringForKeyValueTable(std::string_view key, std::string_view value,
+                                                std::string_view table) const override;
+    std::shared_ptr<Image> imageNamed(std::string_view name) const override;
+    NSBundle *nativeBundle() const { return _bundle.get(); }
+
+private:
+    Retained<NSBundle> _bundle;
+};
+
+class Bundles : public quorel::Bundles {
+public:
+    std::shared_ptr<quorel::Bundle> bundleWithPath(std::string_view path) override;
+    std::vector<std::string> pathsForResourcesOfTypeInDirectory(std::string_view extension,
+                                                                std::string_view directory) override;
+};
+
+}  // namespace quorel::appkit

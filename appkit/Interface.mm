@@ -1,0 +1,71 @@
+#import "appkit/Interface.h"
+
+static NSString *localized(NSString *key, NSBundle *bundle) {
+    return [key length] ? [bundle localizedStringForKey:key value:@"" table:nil] : key;
+}
+
+static void localizeToolTip(NSView *view, NSBundle *bundle) {
+    NSString *toolTip = localized([view toolTip], bundle);
+    if (![toolTip length]) return;
+    [view setToolTip:toolTip];
+    if ([view respondsToSelector:@selector(setAccessibilityLabel:)]) {
+        [view performSelector:@selector(setAccessibilityLabel:) withObject:toolTip];
+    }
+}
+
+static void localizeTable(NSTableView *table, NSBundle *bundle) {
+    for (NSTableColumn *column in [table tableColumns]) {
+        NSCell *header = [column headerCell];
+        [header setStringValue:localized([header stringValue], bundle)];
+    }
+}
+
+void VXLocalizeView(NSView *view, NSBundle *bundle) {
+    localizeToolTip(view, bundle);
+#ifdef GNUSTEP
+    // The rounded bezel of the interface files is the usual one elsewhere; here it would stand out from the host's.
+    if ([view isKindOfClass:[NSButton class]] && [(NSButton *)view bezelStyle] == NSRoundedBezelStyle) {
+        [(NSButton *)view setBezelStyle:NSRegularSquareBezelStyle];
+    }
+#endif
+    if ([view isKindOfClass:[NSPopUpButton class]]) return;  // its items are the business of code
+    if ([view isKindOfClass:[NSButton class]]) {
+        NSButton *button = (NSButton *)view;
+        [button setTitle:localized([button title], bundle)];
+    } else if ([view isKindOfClass:[NSTextField class]]) {
+        NSTextField *field = (NSTextField *)view;
+        if (![field isEditable]) [field setStringValue:localized([field stringValue], bundle)];
+    } else if ([view isKindOfClass:[NSTableView class]]) {
+        localizeTable((NSTableView *)view, bundle);
+    } else {
+        if ([view isKindOfClass:[NSBox class]]) {
+            NSBox *box = (NSBox *)view;
+            [box setTitle:localized([box title], bundle)];
+        }
+        for (NSView *subview in [view subviews]) VXLocalizeView(subview, bundle);
+    }
+}
+
+void VXLocalizeWindow(NSWindow *window, NSBundle *bundle) {
+    [window setTitle:localized([window title], bundle)];
+    VXLocalizeView([window contentView], bundle);
+}
+
+static NSImage *imageNamed(NSString *name, NSBundle *bundle) {
+    NSString *path = name ? [bundle pathForResource:name ofType:@"png"] : nil;
+    return path ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
+}
+
+void VXSetButtonImages(NSButton *button, NSString *name, NSString *alternateName, NSBundle *bundle) {
+    [button setImage:imageNamed(name, bundle)];
+    [button setAlternateImage:imageNamed(alternateName, bundle)];
+    [button setImagePosition:NSImageOnly];
+}
+
+void VXLinkKeyViews(NSArray *views) {
+    NSView *previous = [views lastObject];
+    for (NSView *view in views) {
+        [previous setNextKeyView:view];
+        previous = view;
+    }
+}

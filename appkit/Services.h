@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/NotificationCenter.h"
+#include "platform/UserDefaults.h"
+
+namespace quorel::appkit {
+
+/// Small services of the frameworks. Main thread.
+
+class UserDefaults : public quorel::UserDefaults {
+public:
+    Value objectForKey(std::string_view key) const override;
+    void setObjectForKey(const Value &value, std::string_view key) override;
+    void removeObjectForKey(std::string_view key) override;
+    void synchronize() override;
+};
+
+class NotificationCenter : public quorel::NotificationCenter {
+public:
+    void addObserver(std::string_view name, Observer observer) override;
+    void postNotification(const Notification &notification) override;
+};
+
+class Clock : public quorel::Clock {
+public:
+    CalendarDate currentDate() const override;
+    std::string shortTimeString(const CalendarDate &date) const override;
+};
+
+}  // namespace quorel::appkit

@@ -1,0 +1,253 @@
+#import "appkit/VXConfigurator.h"
+
+#import "appkit/Interface.h"
+#import "appkit/VXTimeControl.h"
+
+#include "appkit/Sender.h"
+#include "appkit/Table.h"
+#include "appkit/Values.h"
+#include "configurator/Schedule.h"
+
+namespace appkit = quorel::appkit;
+
+@implementation VXConfigurator
+
+- (id)initWithConfigurator:(quorel::VXConfigurator *)configurator bundle:(NSBundle *)bundle {
+    if ((self = [super init])) {
+        _configurator = configurator;
+        _bundle = bundle;
+    }
+    return self;
+}
+
+- (NSArray *)dayBoxes {
+    return [NSArray arrayWithObjects:activeOnMonday, activeOnTuesday, activeOnWednesday, activeOnThursday,
+                                     activeOnFriday, activeOnSaturday, activeOnSunday, nil];
+}
+
+- (BOOL)isComplete {
+    return mainView && tableView && addButton && deleteButton && editButton && progressMain && timeControl &&
+           [[self dayBoxes] count] == 7 && selectAllButton && popUpType && startupEdit && wakeUpEdit &&
+           actionStateEdit && progressEdit;
+}
+
+- (void)awakeFromNib {
+    if (!_configurator->outlets.mainView && [self isComplete]) {
+        [self prepareInterface];
+        [self connectOutlets];
+        _configurator->awakeFromNib();
+    }
+}
+
+- (void)prepareInterface {
+    VXLocalizeView(mainView, _bundle);
+    VXLocalizeWindow(editSheet, _bundle);
+    VXSetButtonImages(addButton, @"Add", nil, _bundle);
+    VXSetButtonImages(deleteButton, @"Remove", nil, _bundle);
+    VXSetButtonImages(editButton, @"Edit", nil, _bundle);
+    [progressMain setDisplayedWhenStopped:NO];
+    [progressEdit setDisplayedWhenStopped:NO];
+    [self nameDays];
+#ifdef GNUSTEP
+    [self replaceTimeControl];
+#endif
+    [editSheet setInitialFirstResponder:timeControl];
+}
+
+/* Headers and check boxes bear the short names that the user's locale has for the days. */
+- (void)nameDays {
+    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
+    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
+    NSArray *names = [formatter shortWeekdaySymbols];  // Sunday first
+    if ([names count] != 7) return;
+    NSUInteger day = 1;
+    NSEnumerator *boxes = [[self dayBoxes] objectEnumerator];
+    for (const auto identifier : quorel::schedule::kActiveOnDays) {
+        NSString *name = [names objectAtIndex:day++ % 7];
+        [[[tableView tableColumnWithIdentifier:appkit::nsString(identifier)] headerCell] setStringValue:name];
+        [(NSButton *)[boxes nextObject] setTitle:name];
+    }
+}
+
+#ifdef GNUSTEP
+
+/* The framework's date picker cannot be edited here. */
+- (void)replaceTimeControl {
+    VXTimeControl *control = [[[VXTimeControl alloc] initWithFrame:[timeControl frame]] autorelease];
+    [control setAutoresizingMask:[timeControl autoresizingMask]];
+    [[timeControl superview] replaceSubview:timeControl with:control];
+    timeControl = control;
+}
+
+#endif
+
+/* What is below `view` and takes the keyboard, in the order of the subviews. */
+static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
+    for (NSView *subview in [view subviews]) {
+        const bool editable = ![subview isKindOfClass:[NSTextField class]] || [(NSTextField *)subview isEditable];
+        if ([subview isKindOfClass:[NSControl class]] && editable) {
+            [keyViews addObject:subview];
+        } else {
+            collectKeyViews(subview, keyViews);
+        }
+    }
+}
+
+/* Tab follows the reading order, through the module's options as well. */
+- (void)optionsDidChange {
+    NSMutableArray *keyViews = [NSMutableArray arrayWithObject:timeControl];
+    [keyViews addObjectsFromArray:[self dayBoxes]];
+    [keyViews addObject:selectAllButton];
+    [keyViews addObject:popUpType];
+    collectKeyViews(editCustomView, keyViews);
+    [keyViews addObjectsFromArray:[NSArray arrayWithObjects:startupEdit, wakeUpEdit, cancelButton, saveButton, nil]];
+    VXLinkKeyViews(keyViews);
+}
+
+- (void)connectOutlets {
+    auto &outlets = _configurator->outlets;
+    outlets.mainView = appkit::wrapped<appkit::View>(mainView);
+    outlets.tableView = std::make_shared<appkit::TableView>(tableView, self);
+    outlets.addButton = appkit::wrapped<appkit::Button>(addButton);
+    outlets.deleteButton = appkit::wrapped<appkit::Button>(deleteButton);
+    outlets.editButton = appkit::wrapped<appkit::Button>(editButton);
+    outlets.progressMain = appkit::wrapped<appkit::ProgressIndicator>(progressMain);
+    outlets.editSheet = appkit::wrapped<appkit::Window>(editSheet);
+    outlets.editCustomView = appkit::wrapped<appkit::View>(editCustomView);
+    outlets.blankOptionsView = appkit::wrapped<appkit::View>(blankOptionsView);
+    outlets.timeControl = appkit::wrapped<appkit::DatePicker>(timeControl);
+    NSEnumerator *boxes = [[self dayBoxes] objectEnumerator];
+    for (auto &day : outlets.activeOn) day = appkit::wrapped<appkit::Button>((NSButton *)[boxes nextObject]);
+    outlets.selectAllButton = appkit::wrapped<appkit::Button>(selectAllButton);
+    outlets.popUpType = appkit::wrapped<appkit::PopUpButton>(popUpType);
+    outlets.startupEdit = appkit::wrapped<appkit::Button>(startupEdit);
+    outlets.wakeUpEdit = appkit::wrapped<appkit::Button>(wakeUpEdit);
+    outlets.actionStateEdit = appkit::wrapped<appkit::ImageView>(actionStateEdit);
+    outlets.progressEdit = appkit::wrapped<appkit::ProgressIndicator>(progressEdit);
+}
+
+// Actions
+
+- (IBAction)addSchedule:(id)sender {
+    _configurator->addSchedule(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)editSchedule:(id)sender {
+    _configurator->editSchedule(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)deleteSchedule:(id)sender {
+    // The key is as good as the button, no better.
+    if ([deleteButton isEnabled]) _configurator->deleteSchedule(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)selectActionType:(id)sender {
+    _configurator->selectActionType(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)checkAllDays:(id)sender {
+    _configurator->checkAllDays(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)checkboxAction:(id)sender {
+    _configurator->checkboxAction(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)saveSchedule:(id)sender {
+    _configurator->saveSchedule(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)closeEditSheet:(id)sender {
+    _configurator->closeEditSheet(appkit::senderFrom(sender).get());
+}
+
+- (void)toggleEnabled:(id)sender {
+    if (_configurator->isLocked()) return;
+    NSTableColumn *column = [tableView tableColumnWithIdentifier:appkit::nsString(quorel::schedule::kIsEnabled)];
+    [self tableView:tableView setObjectValue:nil forTableColumn:column row:[tableView selectedRow]];
+}
+
+// Data source
+
+- (NSInteger)numberOfRowsInTableView:(NSTableView *)table {
+    return _configurator->numberOfRowsInTableView(*_configurator->outlets.tableView);
+}
+
+- (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)column row:(NSInteger)row {
+    const appkit::TableColumn wrapper(column);
+    const quorel::Value value = _configurator->tableViewObjectValueForTableColumnRow(
+        *_configurator->outlets.tableView, wrapper, static_cast<int>(row));
+    if (value.isAbsent() || value.isDictionary()) return appkit::objectFromValue(value);
+    // Whatever a file holds under a flag: a check box understands numbers.
+    return [NSNumber numberWithInt:value.intValue()];
+}
+
+- (void)tableView:(NSTableView *)table
+    setObjectValue:(id)object
+    forTableColumn:(NSTableColumn *)column
+               row:(NSInteger)row {
+    const appkit::TableColumn wrapper(column);
+    _configurator->tableViewSetObjectValueForTableColumnRow(*_configurator->outlets.tableView,
+                                                            appkit::valueFromObject(object), wrapper,
+                                                            static_cast<int>(row));
+}
+
+- (BOOL)tableView:(NSTableView *)table writeRows:(NSArray *)rows toPasteboard:(NSPasteboard *)pasteboard {
+    std::vector<int> indexes;
+    for (NSNumber *row in rows) indexes.push_back([row intValue]);
+    appkit::Pasteboard wrapper(pasteboard);
+    return _configurator->tableViewWriteRowsToPasteboard(*_configurator->outlets.tableView, indexes, wrapper);
+}
+
+static quorel::DropOperation dropOperationFrom(NSTableViewDropOperation operation) {
+    return operation == NSTableViewDropOn ? quorel::DropOperation::On : quorel::DropOperation::Above;
+}
+
+- (NSDragOperation)tableView:(NSTableView *)table
+                validateDrop:(id<NSDraggingInfo>)info
+                 proposedRow:(NSInteger)row
+       proposedDropOperation:(NSTableViewDropOperation)operation {
+    return _configurator->tableViewValidateDropProposedRowProposedDropOperation(
+        *_configurator->outlets.tableView, static_cast<int>(row), dropOperationFrom(operation));
+}
+
+- (BOOL)tableView:(NSTableView *)table
+       acceptDrop:(id<NSDraggingInfo>)info
+              row:(NSInteger)row
+    dropOperation:(NSTableViewDropOperation)operation {
+    return _configurator->tableViewAcceptDropRowDropOperation(
+        *_configurator->outlets.tableView, static_cast<int>(row), dropOperationFrom(operation));
+}
+
+// Delegate
+
+- (BOOL)tableView:(NSTableView *)table shouldEditTableColumn:(NSTableColumn *)column row:(NSInteger)row {
+    const appkit::TableColumn wrapper(column);
+    return _configurator->tableViewShouldEditTableColumnRow(*_configurator->outlets.tableView, wrapper,
+                                                            static_cast<int>(row));
+}
+
+- (void)tableViewSelectionDidChange:(NSNotification *)notification {
+    _configurator->tableViewSelectionDidChange();
+}
+
+- (BOOL)selectionShouldChangeInTableView:(NSTableView *)table {
+    return _configurator->selectionShouldChangeInTableView(*_configurator->outlets.tableView);
+}
+
+- (BOOL)tableView:(NSTableView *)table shouldSelectTableColumn:(NSTableColumn *)column {
+    const appkit::TableColumn wrapper(column);
+    return _configurator->tableViewShouldSelectTableColumn(*_configurator->outlets.tableView, wrapper);
+}
+
+@end
+
+namespace quorel::appkit {
+
+bool ConfiguratorNib::loadNibNamedOwner(std::string_view name, quorel::VXConfigurator &owner) {
+    ::VXConfigurator *nibOwner = [[[::VXConfigurator alloc] initWithConfigurator:&owner bundle:_bundle] autorelease];
+    NSDictionary *table = [NSDictionary dictionaryWithObject:nibOwner forKey:NSNibOwner];
+    return [_bundle loadNibFile:nsString(name) externalNameTable:table withZone:NULL] && [nibOwner isComplete];
+}
+
+}  // namespace quorel::appkit

@@ -1,0 +1,136 @@
+#import "appkit/VXPrefPaneController.h"
+
+#import "appkit/Interface.h"
+
+#include "appkit/Composition.h"
+#include "appkit/Controls.h"
+#include "appkit/Sender.h"
+#include "pane/VXPrefPaneController.h"
+
+namespace appkit = quorel::appkit;
+
+struct VXPaneState {
+    std::shared_ptr<quorel::VXPrefPaneController> controller;
+    /// Held for as long as the host names it: the controller remembers windows weakly.
+    std::shared_ptr<appkit::Window> hostWindow;
+    bool selected = false;
+};
+
+@implementation VXPrefPaneController
+
+- (id)initWithBundle:(NSBundle *)bundle {
+    if (!(self = [super initWithBundle:bundle])) return nil;
+    _state = new VXPaneState;
+    auto &services = appkit::Composition::ofBundle(bundle);
+    _state->controller =
+        quorel::VXPrefPaneController::initWithBundle(services.bundle, services.configuratorNib, services.platform);
+    if (!_state->controller) {
+        [self release];
+        return nil;
+    }
+    return self;
+}
+
+- (void)dealloc {
+    delete _state;
+    [super dealloc];
+}
+
+- (void)awakeFromNib {
+    if (_state->controller->outlets.applyButton) return;
+    [self prepareInterface];
+    auto &outlets = _state->controller->outlets;
+    outlets.configView = appkit::wrapped<appkit::View>(configView);
+    outlets.aboutSheet = appkit::wrapped<appkit::Window>(aboutSheet);
+    outlets.applyButton = appkit::wrapped<appkit::Button>(applyButton);
+    outlets.revertButton = appkit::wrapped<appkit::Button>(revertButton);
+    outlets.authButton = appkit::wrapped<appkit::Button>(authButton);
+    outlets.checkUpdateAtStartup = appkit::wrapped<appkit::Button>(checkUpdateAtStartup);
+    outlets.lockDescLabel = appkit::wrapped<appkit::TextField>(lockDescLabel);
+    outlets.popUpUpdate = appkit::wrapped<appkit::PopUpButton>(popUpUpdate);
+    outlets.menuCheck = appkit::wrapped<appkit::Button>(menuCheck);
+    outlets.networkAdminCheck = appkit::wrapped<appkit::Button>(networkAdminCheck);
+    outlets.statusDaemon = appkit::wrapped<appkit::TextField>(statusDaemon);
+    outlets.statusDaemonImageView = appkit::wrapped<appkit::ImageView>(statusDaemonImageView);
+    outlets.statusUserAgent = appkit::wrapped<appkit::TextField>(statusUserAgent);
+    outlets.statusUserAgentImageView = appkit::wrapped<appkit::ImageView>(statusUserAgentImageView);
+    outlets.theVersion = appkit::wrapped<appkit::TextField>(theVersion);
+    _state->controller->awakeFromNib();
+}
+
+- (void)prepareInterface {
+    NSBundle *bundle = [self bundle];
+    VXLocalizeWindow(_window, bundle);
+    VXLocalizeWindow(aboutSheet, bundle);
+    VXSetButtonImages(authButton, @"Locked", @"Unlocked", bundle);
+    NSString *icon = [bundle pathForResource:@"Quorel" ofType:@"png"];
+    [theIcon setImage:[[[NSImage alloc] initWithContentsOfFile:icon] autorelease]];
+    NSString *copyright = [bundle objectForInfoDictionaryKey:@"NSHumanReadableCopyright"];
+    [theCopyright setStringValue:copyright ? copyright : @""];
+}
+
+// The host's calls
+
+- (void)didSelect {
+    [super didSelect];
+    if (!_state->selected) {
+        // From now on the polling keeps the controller, whose controls must not lose their target.
+        _state->selected = true;
+        [self retain];
+    }
+    _state->controller->didSelect();
+}
+
+- (void)willUnselect {
+    _state->controller->willUnselect();
+    [super willUnselect];
+}
+
+- (void)about {
+    _state->controller->about();
+}
+
+- (NSWindow *)vxPrefPaneWindow {
+    return _state->hostWindow ? _state->hostWindow->nativeWindow() : nil;
+}
+
+- (void)setVxPrefPaneWindow:(NSWindow *)window {
+    _state->hostWindow = appkit::wrapped<appkit::Window>(window);
+    _state->controller->setVxPrefPaneWindow(_state->hostWindow);
+}
+
+- (BOOL)pong {
+    return _state->controller->pong();
+}
+
+// The controls' actions
+
+- (IBAction)applyNow:(id)sender {
+    _state->controller->applyNow(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)revert:(id)sender {
+    _state->controller->revert(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)toggleAuth:(id)sender {
+    _state->controller->toggleAuth(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)checkboxAction:(id)sender {
+    _state->controller->checkboxAction(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)checkUpdates:(id)sender {
+    _state->controller->checkUpdates(appkit::senderFrom(sender));
+}
+
+- (IBAction)about:(id)sender {
+    _state->controller->about(appkit::senderFrom(sender).get());
+}
+
+- (IBAction)closeSheet:(id)sender {
+    _state->controller->closeSheet(appkit::senderFrom(sender).get());
+}
+
+@end
