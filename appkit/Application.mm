@@ -1,5 +1,7 @@
 #import "appkit/Application.h"
 
+#include <algorithm>
+
 #import "appkit/Strings.h"
 #import "appkit/Views.h"
 
@@ -12,6 +14,36 @@ NSWindow *nativeWindowOf(quorel::Window *window) {
     return native ? native->nativeWindow() : nil;
 }
 
+#ifdef GNUSTEP
+
+// The framework's sheets do not fit here: its beginSheet runs a modal loop of its own, its endSheet ends one more. So a
+// sheet is a window that is placed by hand, as elsewhere the framework sees to: in the middle of its parent, or of the
+// screen when it has none, and never beyond the screen's edges.
+void beginSheet(NSWindow *sheet, NSWindow *parent) {
+    if (!parent) [sheet center];
+    NSRect frame = [sheet frame];
+    if (parent) frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
+    const NSRect screen = [[NSScreen mainScreen] visibleFrame];
+    frame.origin.x = std::max(std::min(frame.origin.x, NSMaxX(screen) - frame.size.width), NSMinX(screen));
+    frame.origin.y = std::max(std::min(frame.origin.y, NSMaxY(screen) - frame.size.height), NSMinY(screen));
+    [sheet setFrameOrigin:frame.origin];
+    [sheet makeKeyAndOrderFront:nil];
+}
+
+void endSheet(NSWindow *) {}
+
+#else
+
+void beginSheet(NSWindow *sheet, NSWindow *parent) {
+    [NSApp beginSheet:sheet modalForWindow:parent modalDelegate:nil didEndSelector:NULL contextInfo:NULL];
+}
+
+void endSheet(NSWindow *sheet) {
+    [NSApp endSheet:sheet];
+}
+
+#endif
+
 }  // namespace
 
 std::shared_ptr<quorel::Window> Application::mainWindow() const {
@@ -23,11 +55,7 @@ std::shared_ptr<quorel::Window> Application::modalWindow() const {
 }
 
 void Application::beginSheetModalForWindow(quorel::Window &sheet, quorel::Window *window) {
-    [NSApp beginSheet:nativeWindowOf(&sheet)
-        modalForWindow:nativeWindowOf(window)
-         modalDelegate:nil
-        didEndSelector:NULL
-           contextInfo:NULL];
+    beginSheet(nativeWindowOf(&sheet), nativeWindowOf(window));
 }
 
 void Application::runModalForWindow(quorel::Window &window) {
@@ -35,11 +63,11 @@ void Application::runModalForWindow(quorel::Window &window) {
 }
 
 void Application::stopModal() {
-    [NSApp stopModal];
+    if ([NSApp modalWindow]) [NSApp stopModal];  // without a loop some frameworks raise
 }
 
 void Application::endSheet(quorel::Window &sheet) {
-    [NSApp endSheet:nativeWindowOf(&sheet)];
+    appkit::endSheet(nativeWindowOf(&sheet));
 }
 
 int Application::runAlertPanel(std::string_view title, std::string_view message, std::string_view defaultButton,

@@ -14,3 +14,8 @@ void VXSetButtonImages(NSButton *button, NSString *name, NSString *alternateName
 
 /* Makes Tab go through the views in this order, and round. */
 void VXLinkKeyViews(NSArray *views);
+
+#ifdef GNUSTEP
+/* A sheet is a window like others here, and without a window manager nothing sets it off from what it lies on. */
+void VXDrawSheetBorder(NSWindow *sheet);
+#endif

@@ -33,8 +33,10 @@ void VXLocalizeView(NSView *view, NSBundle *bundle) {
         NSButton *button = (NSButton *)view;
         [button setTitle:localized([button title], bundle)];
     } else if ([view isKindOfClass:[NSTextField class]]) {
-        NSTextField *field = (NSTextField *)view;
-        if (![field isEditable]) [field setStringValue:localized([field stringValue], bundle)];
+        NSTextField *label = (NSTextField *)view;  // the interface files have no others
+        [label setStringValue:localized([label stringValue], bundle)];
+        [label setEditable:NO];
+        [label setSelectable:NO];
     } else if ([view isKindOfClass:[NSTableView class]]) {
         localizeTable((NSTableView *)view, bundle);
     } else {
@@ -69,3 +71,16 @@ void VXLinkKeyViews(NSArray *views) {
         previous = view;
     }
 }
+
+#ifdef GNUSTEP
+
+void VXDrawSheetBorder(NSWindow *sheet) {
+    NSView *content = [sheet contentView];
+    NSBox *border = [[[NSBox alloc] initWithFrame:[content bounds]] autorelease];
+    [border setTitlePosition:NSNoTitle];
+    [border setBorderType:NSLineBorder];
+    [border setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
+    [content addSubview:border positioned:NSWindowBelow relativeTo:nil];
+}
+
+#endif

@@ -36,11 +36,15 @@ namespace appkit = quorel::appkit;
         [self prepareInterface];
         [self connectOutlets];
         _configurator->awakeFromNib();
+#ifdef GNUSTEP
+        [self giveOptionsRoom];
+#endif
     }
 }
 
 - (void)prepareInterface {
     VXLocalizeView(mainView, _bundle);
+    VXLocalizeView(blankOptionsView, _bundle);
     VXLocalizeWindow(editSheet, _bundle);
     VXSetButtonImages(addButton, @"Add", nil, _bundle);
     VXSetButtonImages(deleteButton, @"Remove", nil, _bundle);
@@ -50,6 +54,8 @@ namespace appkit = quorel::appkit;
     [self nameDays];
 #ifdef GNUSTEP
     [self replaceTimeControl];
+    [self fitColumns];
+    VXDrawSheetBorder(editSheet);
 #endif
     [editSheet setInitialFirstResponder:timeControl];
 }
@@ -70,6 +76,21 @@ namespace appkit = quorel::appkit;
 }
 
 #ifdef GNUSTEP
+
+/* From its second opening on the sheet is lower by the height of a title bar, which sheets lose elsewhere. Here they
+ * have none to lose: it would be cut off the options view. */
+- (void)giveOptionsRoom {
+    NSRect frame = [editCustomView frame];
+    frame.size.height += 22;
+    [editCustomView setFrame:frame];
+}
+
+/* Loading has stretched the last column, as if there were no scroller. */
+- (void)fitColumns {
+    NSArray *columns = [tableView tableColumns];
+    NSTableColumn *last = [columns lastObject];
+    [last setWidth:[[columns objectAtIndex:[columns count] - 2] width]];
+}
 
 /* The framework's date picker cannot be edited here. */
 - (void)replaceTimeControl {

@@ -9,7 +9,7 @@
 /* Shows the about sheet; returns when it has been closed. */
 - (void)about;
 - (NSWindow *)vxPrefPaneWindow;
-/* The window over which the pane runs its sheets. Not retained: take it back before it goes. */
+/* The window over which the pane runs its sheets, until it closes. */
 - (void)setVxPrefPaneWindow:(NSWindow *)window;
 - (NSView *)mainView;
 - (void)setMainView:(NSView *)view;

@@ -11,7 +11,7 @@ namespace appkit = quorel::appkit;
 
 struct VXPaneState {
     std::shared_ptr<quorel::VXPrefPaneController> controller;
-    /// Held for as long as the host names it: the controller remembers windows weakly.
+    /// The controller remembers it weakly; it is let go of when it closes.
     std::shared_ptr<appkit::Window> hostWindow;
     bool selected = false;
 };
@@ -32,6 +32,7 @@ struct VXPaneState {
 }
 
 - (void)dealloc {
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
     delete _state;
     [super dealloc];
 }
@@ -67,6 +68,9 @@ struct VXPaneState {
     [theIcon setImage:[[[NSImage alloc] initWithContentsOfFile:icon] autorelease]];
     NSString *copyright = [bundle objectForInfoDictionaryKey:@"NSHumanReadableCopyright"];
     [theCopyright setStringValue:copyright ? copyright : @""];
+#ifdef GNUSTEP
+    VXDrawSheetBorder(aboutSheet);
+#endif
 }
 
 // The host's calls
@@ -95,8 +99,19 @@ struct VXPaneState {
 }
 
 - (void)setVxPrefPaneWindow:(NSWindow *)window {
+    NSNotificationCenter *center = [NSNotificationCenter defaultCenter];
+    [center removeObserver:self name:NSWindowWillCloseNotification object:nil];
     _state->hostWindow = appkit::wrapped<appkit::Window>(window);
     _state->controller->setVxPrefPaneWindow(_state->hostWindow);
+    if (!window) return;
+    [center addObserver:self
+               selector:@selector(hostWindowWillClose:)
+                   name:NSWindowWillCloseNotification
+                 object:window];
+}
+
+- (void)hostWindowWillClose:(NSNotification *)notification {
+    [self setVxPrefPaneWindow:nil];
 }
 
 - (BOOL)pong {

@@ -71,7 +71,8 @@ public:
     explicit Window(NSWindow *window) : _window(window) {}
     Rect frame() const override { return rectFrom([_window.get() frame]); }
     void setFrameDisplayAnimate(const Rect &frame, bool display, bool animate) override {
-        [_window.get() setFrame:nsRect(frame) display:display animate:animate];
+        // An animation that nobody can see would only end too late.
+        [_window.get() setFrame:nsRect(frame) display:display animate:animate && [_window.get() isVisible]];
     }
     void orderOut(const Object *) override { [_window.get() orderOut:nil]; }
     NSWindow *nativeWindow() const { return _window.get(); }
