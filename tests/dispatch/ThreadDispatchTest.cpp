@@ -1,0 +1,234 @@
+#include "platform/linux/ThreadDispatch.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <future>
+#include <numeric>
+#include <thread>
+#include <vector>
+
+#include "tests/support/MainQueue.h"
+
+// The sanitizer's threads go on for a second after exit by default.
+extern "C" const char* __tsan_default_options() {
+    return "atexit_sleep_ms=50";
+}
+
+namespace quorel::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kLimit = 30s;
+
+bool holdsWithin(const std::function<bool()>& condition, std::chrono::seconds limit = kLimit) {
+    const auto end = Clock::now() + limit;
+    while (!condition()) {
+        if (Clock::now() > end) return false;
+        std::this_thread::sleep_for(1ms);
+    }
+    return true;
+}
+
+/// What a block waits for until the test lets it go.
+class Gate {
+public:
+    void open() { _promise.set_value(); }
+    void pass() const { _future.wait(); }
+
+private:
+    std::promise<void> _promise;
+    std::shared_future<void> _future = _promise.get_future().share();
+};
+
+class ThreadDispatchTest : public testing::Test {
+protected:
+    MainQueue mainQueue;
+    ThreadDispatch dispatch{mainQueue};
+};
+
+TEST_F(ThreadDispatchTest, BlocksOfAQueueRunOneAtATimeInOrder) {
+    constexpr int kQueues = 8;
+    constexpr int kBlocks = 2000;
+    std::vector<std::vector<int>> seen(kQueues);  // unguarded: the queue is the guard
+    std::vector<std::shared_ptr<DispatchQueue>> queues;
+    for (int q = 0; q < kQueues; ++q) queues.push_back(dispatch.createQueue("order"));
+    for (int i = 0; i < kBlocks; ++i) {
+        for (std::size_t q = 0; q < queues.size(); ++q) {
+            const auto block = [&seen, q, i] { seen[q].push_back(i); };
+            if (i % 7 == 3) {
+                queues[q]->sync(block);
+            } else {
+                queues[q]->async(block);
+            }
+        }
+    }
+    for (const auto& queue : queues) queue->sync([] {});
+    std::vector<int> inOrder(kBlocks);
+    std::iota(inOrder.begin(), inOrder.end(), 0);
+    for (const auto& order : seen) EXPECT_EQ(order, inOrder);
+}
+
+TEST_F(ThreadDispatchTest, SyncRunsOnTheCallersThread) {
+    const auto queue = dispatch.createQueue("sync");
+    std::thread::id idle, contended, background;
+    queue->sync([&] { idle = std::this_thread::get_id(); });
+    Gate gate;
+    queue->async([&] {
+        gate.pass();
+        background = std::this_thread::get_id();
+    });
+    std::thread opener([&] {
+        std::this_thread::sleep_for(5ms);
+        gate.open();
+    });
+    queue->sync([&] { contended = std::this_thread::get_id(); });
+    opener.join();
+    EXPECT_EQ(idle, std::this_thread::get_id());
+    EXPECT_EQ(contended, std::this_thread::get_id());
+    EXPECT_NE(background, std::thread::id());
+    EXPECT_NE(background, std::this_thread::get_id());
+}
+
+TEST_F(ThreadDispatchTest, SyncFromManyThreadsIsExclusive) {
+    const auto queue = dispatch.createQueue("exclusive");
+    int count = 0;  // unguarded
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 500; ++i) {
+                queue->sync([&] { ++count; });
+                queue->async([&] { ++count; });
+            }
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    queue->sync([] {});
+    EXPECT_EQ(count, 8 * 500 * 2);
+}
+
+TEST_F(ThreadDispatchTest, AfterWaitsAndKeepsTheOrderOfTime) {
+    const auto queue = dispatch.createQueue("after");
+    const auto start = Clock::now();
+    std::vector<int> order;
+    std::vector<Clock::duration> waited;
+    std::atomic<int> ran{0};
+    const auto add = [&](std::chrono::nanoseconds delay, int name) {
+        queue->after(delay, [&, name] {
+            order.push_back(name);
+            waited.push_back(Clock::now() - start);
+            ++ran;
+        });
+    };
+    add(std::chrono::nanoseconds::max(), 99);  // holds nothing up
+    add(60ms, 3);
+    add(20ms, 2);
+    add(std::chrono::nanoseconds::min(), 1);
+    ASSERT_TRUE(holdsWithin([&] { return ran == 3; }));
+    queue->sync([] {});
+    EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+    EXPECT_GE(waited[1], 20ms);
+    EXPECT_GE(waited[2], 60ms);
+}
+
+TEST_F(ThreadDispatchTest, PendingBlocksKeepTheirQueue) {
+    std::weak_ptr<DispatchQueue> waiting;
+    Gate gate;
+    std::atomic<int> ran{0};
+    {
+        const auto queue = dispatch.createQueue("kept");
+        waiting = queue;
+        queue->async([&] { gate.pass(); });
+        queue->async([&] { ++ran; });
+        queue->after(5ms, [&] { ++ran; });
+    }
+    EXPECT_FALSE(waiting.expired());
+    gate.open();
+    EXPECT_TRUE(holdsWithin([&] { return ran == 2; }));
+    EXPECT_TRUE(holdsWithin([&] { return waiting.expired(); }));
+}
+
+TEST_F(ThreadDispatchTest, WhatABlockHoldsGoesBeforeTheNextBlock) {
+    const auto queue = dispatch.createQueue("released");
+    auto held = std::make_shared<int>();
+    const std::weak_ptr<int> watched = held;
+    Gate gate;
+    queue->async([&] { gate.pass(); });
+    queue->async([held = std::move(held)] {});
+    bool gone = false;
+    queue->async([&] { gone = watched.expired(); });
+    gate.open();
+    queue->sync([] {});
+    EXPECT_TRUE(gone);
+}
+
+TEST_F(ThreadDispatchTest, BlockedQueuesHoldUpNoOthers) {
+    // Each waits for the next one, so that all of them occupy a thread at once.
+    constexpr std::size_t kWaiting = 40;
+    std::vector<std::promise<void>> reached(kWaiting);
+    Gate gate;
+    std::atomic<int> left{0};
+    for (auto& promise : reached) {
+        dispatch.createQueue("blocked")->async([&] {
+            promise.set_value();
+            gate.pass();
+            ++left;
+        });
+    }
+    for (auto& promise : reached) EXPECT_EQ(promise.get_future().wait_for(kLimit), std::future_status::ready);
+    gate.open();
+    EXPECT_TRUE(holdsWithin([&] { return left == kWaiting; }));
+}
+
+TEST_F(ThreadDispatchTest, MoreBlocksThanThreadsAllRun) {
+    Gate gate;
+    std::atomic<int> ran{0};
+    for (int i = 0; i < 300; ++i) {
+        dispatch.createQueue("many")->async([&] {
+            gate.pass();
+            ++ran;
+        });
+    }
+    int onTime = 0;
+    dispatch.createQueue("idle")->sync([&] { ++onTime; });  // with every thread taken
+    EXPECT_EQ(onTime, 1);
+    EXPECT_EQ(ran, 0);
+    gate.open();
+    EXPECT_TRUE(holdsWithin([&] { return ran == 300; }));
+}
+
+TEST(ThreadDispatchExitTest, TheProcessMayExitAtAnyMoment) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    for (int run = 0; run < 50; ++run) {
+        EXPECT_EXIT(
+            {
+                MainQueue mainQueue;
+                ThreadDispatch dispatch(mainQueue);
+                std::atomic<int> ran{0};
+                std::function<void(std::chrono::nanoseconds)> poll = [&](std::chrono::nanoseconds pause) {
+                    const auto queue = dispatch.createQueue("poll");
+                    queue->sync([&] { ++ran; });
+                    dispatch.createQueue("next")->after(pause, [&poll, pause] { poll(pause); });
+                };
+                for (int chain = 0; chain < 6; ++chain) poll(chain * 20us);
+                const auto crowded = dispatch.createQueue("crowded");
+                for (int i = 0; i < 100; ++i) crowded->async([] { std::this_thread::sleep_for(100us); });
+                dispatch.createQueue("waits for a queue")->async([&] { crowded->sync([] {}); });
+                dispatch.createQueue("waits for main")->async([&] { mainQueue.sync([] {}); });
+                dispatch.createQueue("far away")->after(1h, [] {});
+                if (!holdsWithin([&] { return ran > 10 + 5 * run; })) std::abort();
+                if (run % 5 == 4) {
+                    dispatch.createQueue("leaves")->async([] { std::exit(0); });
+                    std::this_thread::sleep_for(kLimit);
+                }
+                std::exit(0);
+            },
+            testing::ExitedWithCode(0), "");
+    }
+}
+
+}  // namespace
+}  // namespace quorel::test
