@@ -1,0 +1,233 @@
+"""A virtual display, the settings application on it, and a person's hands and eyes for both.
+
+What is on the screen, and where, the application tells itself: a small bundle that it loads (inspector/) answers over a
+socket. Everything that is done goes through the X server, as from a mouse and a keyboard.
+"""
+import json
+import os
+import shutil
+import socket
+import subprocess
+import time
+
+APPLICATION = "/usr/lib/GNUstep/Applications/SystemPreferences.app/SystemPreferences"
+CONFIG = "/etc/GNUstep/GNUstep.conf"
+DAYS = ("Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Sunday")
+
+
+def wait_for(condition, what, seconds=20):
+    """The condition's first answer that is true, as soon as there is one."""
+    deadline = time.monotonic() + seconds
+    while True:
+        answer = condition()
+        if answer:
+            return answer
+        if time.monotonic() > deadline:
+            raise TimeoutError(what() if callable(what) else what)
+        time.sleep(0.03)
+
+
+def end(process):
+    if process.poll() is None:
+        process.terminate()
+        try:
+            process.wait(10)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+
+
+class VirtualDisplay:
+    """An X server without a screen, of the size that the pane must fit."""
+
+    def __init__(self):
+        reader, writer = os.pipe()
+        self.process = subprocess.Popen(["Xvfb", "-displayfd", str(writer), "-screen", "0", "1024x768x24",
+                                         "-nolisten", "tcp"], pass_fds=[writer], stderr=subprocess.DEVNULL)
+        os.close(writer)
+        with os.fdopen(reader) as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        self.name = f":{number}"
+
+    def screenshot(self, path):
+        subprocess.run(["import", "-display", self.name, "-window", "root", path], check=True)
+
+    def close(self):
+        end(self.process)
+
+
+class SettingsApplication:
+    """SystemPreferences with the pane in a settings home of its own.
+
+    `home` is the folder that takes the place of the user's ~/GNUstep; what lies in it stays. `info` adds keys to the
+    pane's information dictionary, `extra_modules` bundles to its plug-ins.
+    """
+
+    def __init__(self, build, home, environment, info=(), languages=("English",), inspect=True, extra_modules=(),
+                 user=None):
+        self.home = home
+        self.socket = f"{home}/inspector"
+        bundles = f"{home}/Library/Bundles"
+        pane = f"{bundles}/Quorel.prefPane"
+        os.makedirs(f"{home}/Defaults", exist_ok=True)
+        shutil.rmtree(pane, ignore_errors=True)
+        shutil.copytree(f"{build}/Quorel.prefPane", pane)
+        for module in extra_modules:
+            shutil.copytree(module, f"{pane}/PlugIns/{os.path.basename(module)}")
+        self._add_keys(f"{pane}/Resources/Info-gnustep.plist", dict(info))
+        self._write_config(f"{home}/GNUstep.conf")
+        command = [APPLICATION, "-NSLanguages", "(" + ", ".join(languages) + ")"]
+        environment = dict(environment, GNUSTEP_CONFIG_FILE=f"{home}/GNUstep.conf")
+        if inspect:
+            inspector = os.path.abspath(f"{build}/demo/Inspector.bundle")
+            command += ["-GSAppKitUserBundles", f'("{inspector}")']
+            environment["QUOREL_INSPECTOR"] = self.socket
+        if user is not None:
+            subprocess.run(["chown", "-R", str(user), home], check=True)
+        self.log_path = f"{home}/log"
+        with open(self.log_path, "w") as log:
+            self.process = subprocess.Popen(command, env=environment, stdout=log, stderr=log, user=user)
+        self.screen = Screen(self, environment) if inspect else None
+
+    @staticmethod
+    def _add_keys(path, keys):
+        with open(path) as file:
+            text = file.read()
+        lines = "".join(f'    {key} = "{value}";\n' for key, value in keys.items())
+        with open(path, "w") as file:
+            file.write(text[:text.rindex("}")] + lines + "}\n")
+
+    def _write_config(self, path):
+        """The system's configuration with the user's folders moved into the home."""
+        with open(CONFIG) as file:
+            lines = [line for line in file if not line.startswith("GNUSTEP_USER_CONFIG_FILE")]
+        with open(path, "w") as file:
+            for line in lines:
+                key, _, value = line.partition("=")
+                if key.startswith("GNUSTEP_USER_"):
+                    line = f"{key}={self.home}/{value.removeprefix('GNUstep/')}"
+                file.write(line)
+
+    def log(self):
+        with open(self.log_path, errors="replace") as file:
+            return file.read()
+
+    def close(self):
+        end(self.process)
+
+
+class Screen:
+    """What the application shows, and what a person does to it."""
+
+    def __init__(self, application, environment):
+        self.application = application
+        self.environment = environment
+        self.stream = None
+
+    # Looking
+
+    def look(self):
+        """Every visible view of every visible window, as the application describes it."""
+        if self.stream is None:
+            wait_for(self._connect, "the application has no inspector")
+        self.stream.write("look\n")
+        self.stream.flush()
+        answer = self.stream.readline()
+        if not answer:
+            raise RuntimeError("the application has ended:\n" + self.application.log())
+        return json.loads(answer)["windows"]
+
+    def _connect(self):
+        if self.application.process.poll() is not None:
+            raise RuntimeError("the application has ended:\n" + self.application.log())
+        connection = socket.socket(socket.AF_UNIX)
+        try:
+            connection.connect(self.application.socket)
+        except OSError:
+            connection.close()
+            return False
+        self.stream = connection.makefile("rw")
+        return True
+
+    def find(self, **facts):
+        """The first view with these facts, or None. A fact is a value or a function of it."""
+        for window in self.look():
+            for view in window["views"]:
+                if all(name in view and (fact(view[name]) if callable(fact) else view[name] == fact)
+                       for name, fact in facts.items()):
+                    return view
+        return None
+
+    def wait(self, **facts):
+        return wait_for(lambda: self.find(**facts), lambda: f"nothing on the screen is {facts}")
+
+    def table(self):
+        return self.find(**{"class": "VXScheduleTableView"})
+
+    def rows(self):
+        """The schedule table: for each row the values under the columns' identifiers."""
+        table = self.table()
+        return [{name: cell["value"] for name, cell in row["cells"].items()} for row in table["rows"]] if table else []
+
+    def wait_rows(self, condition):
+        return wait_for(lambda: (rows := self.rows()) and condition(rows) and rows,
+                        lambda: f"the table stays at {self.rows()}")
+
+    def modal(self):
+        """The window whose modal loop runs, or None."""
+        return next((window for window in self.look() if window["modal"]), None)
+
+    # Doing
+
+    def xdotool(self, *words):
+        subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True)
+
+    def click(self, place, times=1):
+        """On a view or a frame."""
+        x, y, width, height = place["frame"] if isinstance(place, dict) else place
+        self.xdotool("mousemove", int(x + width / 2), int(y + height / 2), "click", "--repeat", times, "--delay", 60, 1)
+
+    def click_cell(self, row, column, times=1):
+        self.click(self.table()["rows"][row]["cells"][column], times)
+
+    def click_header(self, column):
+        self.click(self.table()["headers"][column])
+
+    def drag_row(self, row, below):
+        """From a row to the gap below another; row -1 stands for the gap at the top."""
+        rows = self.table()["rows"]
+        x, y, width, height = rows[row]["cells"]["Infos"]["frame"]
+        x, y = int(x + width / 2), int(y + height / 2)
+        top = rows[0]["cells"]["Infos"]["frame"][1]
+        step = height + 2
+        target = int(top + (below + 1) * step)
+        moves = ["mousemove", x, y, "sleep", 0.1, "mousedown", 1, "sleep", 0.1]
+        for distance in range(1, 13):
+            moves += ["mousemove", x + distance, y, "sleep", 0.01]
+        for part in range(1, 11):
+            moves += ["mousemove", x + 12, round(y + (target - y) * part / 10), "sleep", 0.02]
+        self.xdotool(*moves, "sleep", 0.1, "mouseup", 1)
+
+    def key(self, *names):
+        self.xdotool("key", "--delay", 30, *names)
+
+    def type(self, text):
+        self.xdotool("type", "--delay", 30, text)
+
+    def open_pane(self):
+        """Clicks the pane's icon until the pane is there: a first click may only bring the window to the front."""
+        def opened():
+            if self.table():
+                return True
+            icon = self.find(**{"class": "SPIcon", "title": "Quorel"})
+            if icon:
+                self.click(icon)
+            wait_until = time.monotonic() + 1.5
+            while time.monotonic() < wait_until:
+                if self.table():
+                    return True
+                time.sleep(0.05)
+            return False
+        wait_for(opened, "the pane did not open")
