@@ -1,0 +1,198 @@
+#include "tests/pane/PaneTest.h"
+
+namespace quorel::test {
+namespace {
+
+class LockTest : public PaneTest {
+protected:
+    const std::string kMarkerKey = "NSDocumentBooo";
+    Value marker() const { return host.standardUserDefaults.objectForKey(kMarkerKey); }
+    std::vector<AuthorizationFlags> askedFlags() const {
+        std::vector<AuthorizationFlags> flags;
+        for (const auto& asked : host.authorization.asked) flags.push_back(asked.flags);
+        return flags;
+    }
+};
+
+TEST_F(LockTest, EveryControlFollowsTheLock) {
+    for (const bool file : {false, true}) {
+        for (const bool check : {false, true}) {
+            host.standardUserDefaults.values.clear();
+            host.authorization.granted = true;
+            store(file ? Value(storedDefaults()).with("Check Updates", check) : Value());
+            ui.networkAdminCheck->setHidden(false);
+            open();
+            const bool checks = check || !file;
+            bool wasUnlocked = false;
+            for (const bool unlocked : {false, true, false, true}) {
+                if (unlocked != (ui.authButton->state() == kStateOn)) ui.authButton->click();
+                SCOPED_TRACE(testing::Message() << "file " << file << " check " << check << " unlocked " << unlocked);
+                EXPECT_EQ(pane->prefsAreUnlocked(), unlocked);
+                EXPECT_EQ(ui.authButton->state(), unlocked ? kStateOn : kStateOff);
+                EXPECT_EQ(ui.lockDescLabel->stringValue(), unlocked ? "[Cadenas ouvert]" : "[Cadenas ferme]");
+                EXPECT_EQ(pane->configurator()->isLocked(), !unlocked);
+                EXPECT_EQ(configuratorUi.addButton->isEnabled(), unlocked);
+                EXPECT_EQ(ui.menuCheck->isEnabled(), unlocked);
+                EXPECT_EQ(ui.checkUpdateAtStartup->isEnabled(), unlocked);
+                EXPECT_EQ(ui.popUpUpdate->isEnabled(), unlocked && checks);
+                EXPECT_FALSE(ui.networkAdminCheck->isEnabled());
+                wasUnlocked |= unlocked;  // locking leaves hidden what unlocking hid
+                EXPECT_EQ(ui.networkAdminCheck->isHidden(), file || wasUnlocked);
+            }
+        }
+    }
+}
+
+TEST_F(LockTest, TheLabelIsOnScreenBeforeTheDialog) {
+    open();
+    std::vector<std::string> seen;
+    ui.lockDescLabel->onDisplay = [&] { seen.push_back("drawn " + ui.lockDescLabel->stringValue()); };
+    host.authorization.duringDialog = [&] {
+        seen.push_back("dialog " + ui.lockDescLabel->stringValue());
+        EXPECT_TRUE(marker().isAbsent());
+    };
+    for (const bool granted : {false, true}) {
+        host.authorization.grantedWhenAsked = granted;
+        ui.authButton->click();
+        EXPECT_EQ(seen, (std::vector<std::string>{"drawn [Authentification en cours]",
+                                                  "dialog [Authentification en cours]"}));
+        EXPECT_EQ(ui.lockDescLabel->stringValue(), granted ? "[Cadenas ouvert]" : "[Cadenas ferme]");
+        seen.clear();
+    }
+    ui.authButton->click();  // locking says nothing of the kind
+    EXPECT_TRUE(seen.empty());
+}
+
+TEST_F(LockTest, OnlyTheExactMarkerUnlocks) {
+    create();
+    const std::string exact = "<rtwzKa38Pmxq 42>";
+    const struct {
+        Value marker;
+        bool unlocked;
+    } cases[] = {
+        {exact, true},
+        {Value(), false},
+        {"", false},
+        {exact + " ", false},
+        {exact.substr(1), false},
+        {"<rtwzka38pmxq 42>", false},
+        {exact + std::string(1, '\0'), false},
+        {Data(exact.begin(), exact.end()), false},
+        {Array{exact}, false},
+        {true, false},
+        {42, false},
+    };
+    for (const auto& [value, unlocked] : cases) {
+        host.standardUserDefaults.values[kMarkerKey] = value;
+        EXPECT_EQ(pane->prefsAreUnlocked(), unlocked);
+        pane->didSelect();
+        EXPECT_EQ(configuratorUi.addButton->isEnabled(), unlocked);
+    }
+    EXPECT_EQ(host.authorization.created, 0);
+}
+
+TEST_F(LockTest, WhatTheAuthorityIsAsked) {
+    struct {
+        bool reachable, granted, grantedWhenAsked;
+        bool unlocked;
+        std::vector<AuthorizationFlags> asked;
+    } const cases[] = {
+        {false, true, true, false, {3}},
+        {true, true, false, true, {0}},
+        {true, false, true, true, {0, 3}},
+        {true, false, false, false, {0, 3}},
+    };
+    for (const unsigned user : {501u, 0u}) {  // root is asked like anybody
+        host.platform.effectiveUserId = user;
+        for (const auto& [reachable, granted, grantedWhenAsked, unlocked, asked] : cases) {
+            host.standardUserDefaults = {};
+            host.authorization = {};
+            host.authorization.reachable = reachable;
+            host.authorization.granted = granted;
+            host.authorization.grantedWhenAsked = grantedWhenAsked;
+            open();
+            EXPECT_EQ(host.authorization.created, 0);
+            ui.authButton->click();
+            EXPECT_EQ(pane->prefsAreUnlocked(), unlocked);
+            EXPECT_EQ(host.authorization.created, 1);
+            EXPECT_EQ(host.authorization.createFlags, 0u);
+            EXPECT_EQ(askedFlags(), asked);
+            for (const auto& [rights, flags] : host.authorization.asked) {
+                ASSERT_EQ(rights.size(), 1u);
+                EXPECT_EQ(rights[0].name, "system.privilege.admin");
+                EXPECT_TRUE(rights[0].value.empty());
+                EXPECT_EQ(rights[0].flags, 0u);
+            }
+            // What a later launch finds.
+            EXPECT_EQ(host.standardUserDefaults.onDisk.contains(kMarkerKey), unlocked);
+            EXPECT_EQ(configuratorUi.addButton->isEnabled(), unlocked);
+        }
+    }
+    EXPECT_TRUE(host.application.alerts.empty());
+    EXPECT_EQ(host.application.beeps, 0);
+    for (const auto& line : logged()) EXPECT_EQ(line, "No preferences. Creating defaults...");
+}
+
+TEST_F(LockTest, AnAuthorityThatComesBackIsAskedAnew) {
+    host.authorization.reachable = false;
+    host.authorization.granted = true;
+    open();
+    ui.authButton->click();
+    EXPECT_FALSE(pane->prefsAreUnlocked());
+    host.authorization.reachable = true;
+    ui.authButton->click();
+    EXPECT_TRUE(pane->prefsAreUnlocked());
+}
+
+TEST_F(LockTest, LockingKeepsTheReference) {
+    host.authorization.grantedWhenAsked = true;
+    open();
+    ui.authButton->click();
+    ui.authButton->click();
+    EXPECT_TRUE(marker().isAbsent());
+    EXPECT_FALSE(host.standardUserDefaults.onDisk.contains(kMarkerKey));
+    host.authorization.duringDialog = [] { ADD_FAILURE() << "earlier authentication still counts"; };
+    ui.authButton->click();
+    EXPECT_TRUE(pane->prefsAreUnlocked());
+    EXPECT_EQ(host.authorization.created, 1);
+    EXPECT_EQ(host.authorization.freed, 0);
+
+    pane->deAuthorize();
+    EXPECT_EQ(host.authorization.freed, 1);
+    EXPECT_EQ(host.authorization.freeFlags, 8u);
+    EXPECT_TRUE(pane->isAuthorized());
+    EXPECT_EQ(host.authorization.created, 2);
+}
+
+TEST_F(LockTest, StaysUnlockedAcrossLaunches) {
+    host.authorization.granted = true;
+    open();
+    ui.authButton->click();
+    host.authorization.asked.clear();
+    host.standardUserDefaults.values = host.standardUserDefaults.onDisk;
+    open();
+    EXPECT_EQ(ui.lockDescLabel->stringValue(), "[Cadenas ouvert]");
+    EXPECT_TRUE(pane->unlockPrefs());  // nobody is asked, but the marker is written again
+    EXPECT_TRUE(host.authorization.asked.empty());
+    EXPECT_FALSE(canApply());
+}
+
+TEST_F(LockTest, LockingDropsNoEdits) {
+    unlockBeforehand();
+    store(storedDefaults());
+    open();
+    ui.menuCheck->click();
+    EXPECT_TRUE(canApply());
+    ui.authButton->click();
+    EXPECT_FALSE(canApply());
+    host.authorization.granted = true;
+    ui.authButton->click();
+    EXPECT_FALSE(canApply());
+    ui.authButton->click();
+    center.daemonAlive = true;
+    pane->willUnselect();
+    EXPECT_EQ(center.toDaemon.at(0).userInfo["Show In Menu Bar"], Value(0));
+}
+
+}  // namespace
+}  // namespace quorel::test

@@ -1,0 +1,213 @@
+#include "tests/pane/PaneTest.h"
+
+namespace quorel::test {
+namespace {
+
+using PreferencesTest = PaneTest;
+
+TEST_F(PreferencesTest, ReadsOptionsFromWhateverKindOfValue) {
+    const std::int64_t big = std::int64_t{1} << 32;
+    struct {
+        Value value;
+        bool check;
+        int frequency;
+        bool menu;
+    } const cases[] = {
+        {Value(), false, 0, false},  // absent
+        {0, false, 0, false},       {1, true, 1, true},          {2, true, 2, false},
+        {3, true, 0, false},        {1000, true, 0, false},      {-1, true, -1, false},
+        {big, false, 0, false},     {big + 1, true, 1, true},    {true, true, 1, true},
+        {false, false, 0, false},   {1.9, true, 1, true},        {0.9, false, 0, false},
+        {"1", true, 1, true},       {"2 weeks", true, 2, false}, {"", false, 0, false},
+        {"yes", false, 0, false},   {Array{1}, false, 0, false}, {Dictionary{{"1", 1}}, false, 0, false},
+        {Date{1}, false, 0, false}, {Data{1}, false, 0, false},
+    };
+    open();
+    int row = 0;
+    for (const auto& [value, check, frequency, menu] : cases) {
+        store(Dictionary{
+            {"Check Updates", value}, {"Check Updates Frequency", value}, {"Show In Menu Bar", value}, {"Other", 1}});
+        ui.checkUpdateAtStartup->setState(!check);
+        ui.popUpUpdate->selectItemAtIndex(frequency == 2 ? 1 : 2);
+        ui.menuCheck->setState(!menu);
+        pane->getPrefs();
+        EXPECT_EQ(ui.checkUpdateAtStartup->state(), check) << row;
+        EXPECT_EQ(ui.popUpUpdate->indexOfSelectedItem(), frequency) << row;
+        EXPECT_EQ(ui.menuCheck->state(), menu) << row;
+        ++row;
+    }
+    store(Dictionary{{"Check Updates Frequency", -5}});  // an item that no pop-up has
+    ui.popUpUpdate->selectItemAtIndex(2);
+    pane->getPrefs();
+    EXPECT_EQ(ui.popUpUpdate->indexOfSelectedItem(), 2);
+    store(Dictionary());  // a file that holds nothing is not a missing file
+    pane->getPrefs();
+    EXPECT_EQ(ui.menuCheck->state(), kStateOff);
+    EXPECT_EQ(logged().size(), 1u);
+}
+
+TEST_F(PreferencesTest, NetworkAdministrationIsNeverReadAndNeverSaved) {
+    open();
+    for (const Value& value : {Value(), Value(1), Value(true), Value("on")}) {
+        ui.networkAdminCheck->setState(kStateOn);
+        ui.networkAdminCheck->setHidden(false);
+        store(Dictionary{{"Enable Network Administration", value}});
+        pane->getPrefs();
+        EXPECT_EQ(ui.networkAdminCheck->state(), kStateOff);
+        EXPECT_TRUE(ui.networkAdminCheck->isHidden());
+        center.daemonAlive = true;
+        ui.networkAdminCheck->setState(kStateOn);
+        pane->savePrefs();
+        EXPECT_EQ(center.toDaemon.back().userInfo["Enable Network Administration"], Value(0));
+    }
+}
+
+TEST_F(PreferencesTest, WithoutAFileShowsDefaults) {
+    create();
+    pane->didSelect();
+    EXPECT_EQ(ui.networkAdminCheck->isHidden(), false);
+    for (const Value& content : {Value(), Value(Array{1}), Value("text"), Value(true)}) {
+        for (const bool before : {false, true}) {
+            store(content);
+            setCanApply(before);
+            ui.checkUpdateAtStartup->setState(kStateOff);
+            ui.menuCheck->setState(kStateOff);
+            ui.networkAdminCheck->setState(kStateOff);
+            ui.popUpUpdate->selectItemAtIndex(2);
+            pane->configurator()->setScheduleArray(Value(Array{schedule("a")}));
+            const auto files = host.files.files;
+            logged().clear();
+            pane->getPrefs();
+            EXPECT_EQ(ui.checkUpdateAtStartup->state(), kStateOn);
+            EXPECT_EQ(ui.popUpUpdate->indexOfSelectedItem(), 0);
+            EXPECT_EQ(ui.menuCheck->state(), kStateOn);
+            EXPECT_EQ(ui.networkAdminCheck->state(), kStateOn);
+            EXPECT_FALSE(ui.networkAdminCheck->isHidden());
+            const Array& list = pane->configurator()->scheduleArray();
+            ASSERT_EQ(list.size(), 2u);
+            EXPECT_EQ(list[0]["Action Type"].text(), schedule::kSleepType);
+            EXPECT_EQ(list[1]["Action Type"].text(), schedule::kWakeUpType);
+            EXPECT_EQ(canApply(), before);
+            EXPECT_EQ(logged(), std::vector<std::string>{"No preferences. Creating defaults..."});
+            EXPECT_EQ(host.files.files, files);
+        }
+    }
+    EXPECT_TRUE(host.application.alerts.empty());
+}
+
+TEST_F(PreferencesTest, SendsExactlyWhatIsOnScreen) {
+    store(Dictionary(storedDefaults()));
+    open();
+    center.daemonAlive = true;
+    struct {
+        int check, frequency, menu;
+        std::string_view list;
+    } const cases[] = {{1, 0, 1, "ab"}, {0, 2, 0, "b"}, {1, -1, 0, ""}, {0, 1, 1, "cba"}};
+    Value identity;
+    for (const auto& [check, frequency, menu, list] : cases) {
+        Array schedules;
+        for (const char tag : list) schedules.push_back(schedule(std::string(1, tag)));
+        // An extra key, and network administration switched on: neither survives.
+        store(Dictionary{{"Check Updates", check},
+                         {"Check Updates Frequency", frequency},
+                         {"Show In Menu Bar", menu},
+                         {"Enable Network Administration", 1},
+                         {"Extra", "lost"},
+                         {"Schedule Array", schedules}});
+        pane->getPrefs();
+        if (list.empty()) schedules = pane->configurator()->scheduleArray();  // seeded
+        pane->applyNow(nullptr);
+        const Notification& sent = center.toDaemon.back();
+        EXPECT_EQ(sent.name, "DaemonMustReloadPrefs");
+        EXPECT_EQ(sent.object, "com.quorel.Daemon");
+        EXPECT_TRUE(sent.userInfo["Prefs Version"].isInteger());
+        if (identity.isPresent()) {
+            EXPECT_EQ(sent.userInfo["Prefs Version"], identity);
+        }
+        identity = sent.userInfo["Prefs Version"];
+        EXPECT_EQ(sent.userInfo, Value(Dictionary{{"Check Updates", check},
+                                                  {"Check Updates Frequency", frequency},
+                                                  {"Show In Menu Bar", menu},
+                                                  {"Enable Network Administration", 0},
+                                                  {"Prefs Version", identity},
+                                                  {"Schedule Array", schedules}}));
+    }
+    EXPECT_TRUE(center.toAgent.empty());
+
+    checker.version = "1.1";
+    pane->applyNow(nullptr);
+    EXPECT_NE(center.toDaemon.back().userInfo["Prefs Version"], identity);
+    checker.version = std::nullopt;
+    pane->applyNow(nullptr);
+    EXPECT_EQ(center.toDaemon.back().userInfo["Prefs Version"], Value(0));
+}
+
+TEST_F(PreferencesTest, SavesNothingWithoutADaemon) {
+    unlockBeforehand();
+    store(storedDefaults());
+    open();
+    ui.menuCheck->click();
+    configuratorUi.table->clickCell(0, "Is Enabled");
+    const int reads = host.files.reads;
+    const int pings = center.daemonPings;
+    ui.applyButton->click();
+    EXPECT_EQ(center.daemonPings, pings + 1);
+    EXPECT_TRUE(center.toDaemon.empty());
+    EXPECT_EQ(host.files.reads, reads);
+    EXPECT_EQ(ui.menuCheck->state(), kStateOff);
+    EXPECT_EQ(pane->configurator()->scheduleArray().at(0)["Is Enabled"], Value(0));
+    EXPECT_TRUE(canApply());
+    EXPECT_TRUE(host.application.alerts.empty());
+    EXPECT_TRUE(logged().empty());
+    center.daemonAlive = true;  // nothing was lost
+    ui.applyButton->click();
+    EXPECT_EQ(center.toDaemon.at(0).userInfo["Show In Menu Bar"], Value(0));
+}
+
+TEST_F(PreferencesTest, ReadsBackAtOnceWhetherTheDaemonHasStoredOrNot) {
+    struct {
+        const char* what;
+        bool hadFile, stores;
+        int menu;
+        bool canApplyAfter;
+    } const cases[] = {
+        {"stored at once", true, true, kStateOff, false},
+        {"still the old file", true, false, kStateOn, false},
+        {"first save, stored at once", false, true, kStateOff, false},
+        {"first save, still no file", false, false, kStateOn, true},
+    };
+    unlockBeforehand();
+    for (const auto& [what, hadFile, stores, menu, canApplyAfter] : cases) {
+        store(hadFile ? Value(storedDefaults()) : Value());
+        center.daemonAlive = true;
+        center.onDaemon = [&, storing = stores](const Notification& sent) {
+            EXPECT_EQ(ui.menuCheck->state(), kStateOff);
+            if (storing) store(sent.userInfo);
+        };
+        open();
+        ui.menuCheck->setState(kStateOn);
+        ui.menuCheck->click();
+        ui.applyButton->click();
+        EXPECT_EQ(ui.menuCheck->state(), menu) << what;
+        EXPECT_EQ(canApply(), canApplyAfter) << what;
+    }
+}
+
+TEST_F(PreferencesTest, SavingAgainSendsWhatIsStored) {
+    const Value odd = schedule("a").with("Action Hour", "7x").with("Unknown", Data{1, 2});
+    store(Value(storedDefaults()).with("Schedule Array", Array{odd, schedule("?", "gone")}));
+    center.daemonAlive = true;
+    center.onDaemon = [&](const Notification& sent) { store(sent.userInfo); };
+    open();
+    pane->willUnselect();
+    const Value stored = host.files.files[std::string(preferences::kFile)];
+    ASSERT_EQ(stored["Schedule Array"].array().size(), 1u);
+    EXPECT_TRUE(stored["Schedule Array"].array()[0].isIdenticalTo(odd));
+    pane->didSelect();
+    pane->willUnselect();
+    ASSERT_EQ(center.toDaemon.size(), 2u);
+    EXPECT_EQ(center.toDaemon[1].userInfo, stored);
+}
+
+}  // namespace
+}  // namespace quorel::test
