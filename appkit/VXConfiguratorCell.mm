@@ -55,8 +55,8 @@ NSString *fitted(NSString *text, CGFloat width, NSDictionary *attributes) {
 }
 
 NSDictionary *attributesOf(NSFont *font, NSColor *colour) {
-    return [NSDictionary dictionaryWithObjectsAndKeys:font, NSFontAttributeName, colour,
-                                                      NSForegroundColorAttributeName, nil];
+    return [NSDictionary
+        dictionaryWithObjectsAndKeys:font, NSFontAttributeName, colour, NSForegroundColorAttributeName, nil];
 }
 
 /// Kept for the life of the process: every row of the table shows one of three.
@@ -153,11 +153,11 @@ NSImage *imageNamed(NSString *name, Class owner) {
         right -= kDotSize;
         const NSRect place = NSMakeRect(right, std::round(NSMidY(frame) - kDotSize / 2), kDotSize, kDotSize);
         [dot drawInRect:place
-               fromRect:NSZeroRect
-              operation:NSCompositeSourceOver
-               fraction:[self isEnabled] ? 1.0 : 0.4
-         respectFlipped:YES
-                  hints:nil];
+                  fromRect:NSZeroRect
+                 operation:NSCompositeSourceOver
+                  fraction:[self isEnabled] ? 1.0 : 0.4
+            respectFlipped:YES
+                     hints:nil];
         right -= kGap;
     }
 
