@@ -29,8 +29,10 @@ std::string info(NSBundle *bundle, NSString *key) {
 struct Services {
     explicit Services(NSBundle *bundle)
         : files(info(bundle, @"QuorelRoot")),
-          updateChecker({info(bundle, @"QuorelUpdateFeed"), info(bundle, @"CFBundleShortVersionString"),
-                         info(bundle, @"CFBundleVersion"), {}}),
+          updateChecker({info(bundle, @"QuorelUpdateFeed"),
+                         info(bundle, @"CFBundleShortVersionString"),
+                         info(bundle, @"CFBundleVersion"),
+                         {}}),
           configuratorNib(bundle),
           composition{std::make_shared<Bundle>(bundle), configuratorNib, platform} {
         VXCommunicationCenter::setSharedInstance(&communicationCenter);
@@ -48,10 +50,8 @@ struct Services {
     RootedPropertyListFiles files;
     UserDefaults standardUserDefaults;
     Workspace sharedWorkspace;
-    Platform platform{application,   authorization, bundles,
-                      cells,         clock,         dispatch,
-                      defaultCenter, files,         standardUserDefaults,
-                      sharedWorkspace, geteuid()};
+    Platform platform{application, authorization,        bundles,         cells,    clock, dispatch, defaultCenter,
+                      files,       standardUserDefaults, sharedWorkspace, geteuid()};
     BusCommunicationCenter communicationCenter;
     CurlUpdateChecker updateChecker;
     ConfiguratorNib configuratorNib;

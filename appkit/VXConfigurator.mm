@@ -196,8 +196,8 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
 
 - (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)column row:(NSInteger)row {
     const appkit::TableColumn wrapper(column);
-    const quorel::Value value = _configurator->tableViewObjectValueForTableColumnRow(
-        *_configurator->outlets.tableView, wrapper, static_cast<int>(row));
+    const quorel::Value value = _configurator->tableViewObjectValueForTableColumnRow(*_configurator->outlets.tableView,
+                                                                                     wrapper, static_cast<int>(row));
     if (value.isAbsent() || value.isDictionary()) return appkit::objectFromValue(value);
     // Whatever a file holds under a flag: a check box understands numbers.
     return [NSNumber numberWithInt:value.intValue()];
@@ -208,9 +208,8 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
     forTableColumn:(NSTableColumn *)column
                row:(NSInteger)row {
     const appkit::TableColumn wrapper(column);
-    _configurator->tableViewSetObjectValueForTableColumnRow(*_configurator->outlets.tableView,
-                                                            appkit::valueFromObject(object), wrapper,
-                                                            static_cast<int>(row));
+    _configurator->tableViewSetObjectValueForTableColumnRow(
+        *_configurator->outlets.tableView, appkit::valueFromObject(object), wrapper, static_cast<int>(row));
 }
 
 - (BOOL)tableView:(NSTableView *)table writeRows:(NSArray *)rows toPasteboard:(NSPasteboard *)pasteboard {
@@ -236,8 +235,8 @@ static quorel::DropOperation dropOperationFrom(NSTableViewDropOperation operatio
        acceptDrop:(id<NSDraggingInfo>)info
               row:(NSInteger)row
     dropOperation:(NSTableViewDropOperation)operation {
-    return _configurator->tableViewAcceptDropRowDropOperation(
-        *_configurator->outlets.tableView, static_cast<int>(row), dropOperationFrom(operation));
+    return _configurator->tableViewAcceptDropRowDropOperation(*_configurator->outlets.tableView, static_cast<int>(row),
+                                                              dropOperationFrom(operation));
 }
 
 // Delegate

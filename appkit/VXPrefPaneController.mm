@@ -104,10 +104,7 @@ struct VXPaneState {
     _state->hostWindow = appkit::wrapped<appkit::Window>(window);
     _state->controller->setVxPrefPaneWindow(_state->hostWindow);
     if (!window) return;
-    [center addObserver:self
-               selector:@selector(hostWindowWillClose:)
-                   name:NSWindowWillCloseNotification
-                 object:window];
+    [center addObserver:self selector:@selector(hostWindowWillClose:) name:NSWindowWillCloseNotification object:window];
 }
 
 - (void)hostWindowWillClose:(NSNotification *)notification {
