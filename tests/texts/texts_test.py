@@ -1,0 +1,80 @@
+#!/usr/bin/env python3
+"""Every text that a bundle looks up is in its tables, in both languages, and nothing else is: texts_test.py SOURCE-ROOT"""
+import glob
+import os
+import re
+import sys
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+ROOT = os.path.abspath(sys.argv[1])
+LANGUAGES = ("French", "English")
+# Names and texts that are the same in every language, and are not looked up in vain.
+AS_THEY_STAND = {"", "OK", "Quorel"}
+# The controls that the pane's classes make are named in code; a literal in such a call is a key.
+CALLS = re.compile(r"\b(?:localized|VXLocalized\w*)(?:\(|:)((?:[^()\";\[\]]|\[[^\[\]]*\]|\"(?:[^\"\\]|\\.)*\")*)")
+LISTS = re.compile(r"for \(const char\* key : \{([^}]*)\}")
+LITERAL = re.compile(r'"((?:[^"\\]|\\.)*)"')
+ENTRY = re.compile(r'^"((?:[^"\\]|\\.)*)" = "((?:[^"\\]|\\.)*)";$')
+
+BUNDLES = {
+    "pane": (["pane/*.cpp", "configurator/*.cpp", "appkit/*.mm"], ["resources/interface/*.xib"], "resources/texts"),
+    "Sleep": (["modules/Sleep/*.mm"], [], "modules/Sleep"),
+    "WakeUp": (["modules/WakeUp/*.mm"], [], "modules/WakeUp"),
+    "sample": (["tests/sample_module/*.m", "tests/sample_module/*.mm"], [], "tests/sample_module"),
+}
+
+
+def files(patterns):
+    return [path for pattern in patterns for path in sorted(glob.glob(f"{ROOT}/{pattern}"))]
+
+
+def keys_in_code(patterns):
+    keys = set()
+    for path in files(patterns):
+        with open(path, encoding="utf-8") as file:
+            text = file.read()
+        for argument in CALLS.findall(text) + LISTS.findall(text):
+            keys.update(LITERAL.findall(argument))
+    return keys
+
+
+def keys_in_interfaces(patterns):
+    return {element.get(attribute) for path in files(patterns) for element in ElementTree.parse(path).iter()
+            for attribute in ("title", "toolTip") if element.get(attribute)}
+
+
+def table(folder, language):
+    entries = {}
+    with open(f"{ROOT}/{folder}/{language}.lproj/Localizable.strings", encoding="utf-8-sig") as file:
+        for line in file:
+            if match := ENTRY.match(line.strip()):
+                assert match[1] not in entries, f"{match[1]} stands twice in {folder}, {language}"
+                entries[match[1]] = match[2]
+            else:
+                assert not line.strip() or line.startswith("/*"), f"unreadable in {folder}, {language}: {line}"
+    return entries
+
+
+class TextsTest(unittest.TestCase):
+    def test_tables_hold_what_is_looked_up(self):
+        for name, (code, interfaces, folder) in BUNDLES.items():
+            wanted = (keys_in_code(code) | keys_in_interfaces(interfaces)) - AS_THEY_STAND
+            self.assertGreater(len(wanted), 2, f"no keys found in {name}: this test no longer sees them")
+            for language in LANGUAGES:
+                with self.subTest(bundle=name, language=language):
+                    entries = table(folder, language)
+                    self.assertEqual(sorted(wanted - entries.keys()), [], "keys without a text")
+                    self.assertEqual(sorted(entries.keys() - wanted), [], "texts that nobody looks up")
+                    self.assertEqual([key for key, text in entries.items() if not text], [], "empty texts")
+
+    def test_texts_keep_their_placeholders(self):
+        for name, (_, _, folder) in BUNDLES.items():
+            for language in LANGUAGES:
+                for key, text in table(folder, language).items():
+                    with self.subTest(bundle=name, language=language, key=key):
+                        self.assertEqual(re.findall("%.", text), re.findall("%.", key))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
