@@ -17,7 +17,11 @@ inline constexpr const char* kPing = "Ping";
 inline constexpr const char* kPostNotification = "PostNotification";
 inline constexpr const char* kPaneName = "com.quorel.PrefPane";
 
+inline constexpr const char* kBusy = "com.quorel.Error.Busy";
 inline constexpr const char* kFailed = "com.quorel.Error.Failed";
+inline constexpr const char* kInvalidPreferences = "com.quorel.Error.InvalidPreferences";
+inline constexpr const char* kNotAuthorized = "com.quorel.Error.NotAuthorized";
+inline constexpr const char* kStorageFailed = "com.quorel.Error.StorageFailed";
 inline constexpr const char* kUnknownNotification = "com.quorel.Error.UnknownNotification";
 
 }  // namespace wire

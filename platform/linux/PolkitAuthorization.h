@@ -4,12 +4,10 @@
 
 namespace quorel {
 
-/// The polkit action that stands for the right "system.privilege.admin".
-inline constexpr const char* kModifyPreferencesAction = "com.quorel.modify-preferences";
-
 /// Asks polkit, over the system bus, about this very process: it is named by its own unique bus name, which no other
 /// process can take over as it could a process number. Polkit's answer decides for every user, root too.
-/// Knows the one right "system.privilege.admin". Any thread; references are not to be shared between threads.
+/// Knows the one right "system.privilege.admin", which kModifyPreferencesAction stands for. Any thread; references are
+/// not to be shared between threads.
 class PolkitAuthorization : public Authorization {
 public:
     /// Reaches polkit, which the bus may have to start; a silent one fails after a few seconds.

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/Value.h"
+
+namespace quorel {
+
+/// What is wrong with preferences that somebody wants stored, naming the key; nothing when they are fine. The keys
+/// must be the six of the file, each of its kind; a Schedule may hold any entries. Depth and size have been bounded by
+/// whoever decoded them.
+std::optional<std::string> faultInPreferences(const Value& preferences);
+
+}  // namespace quorel
