@@ -12,6 +12,9 @@ void VXLocalizeWindow(NSWindow *window, NSBundle *bundle);
 /* Shows an image of the bundle on a button in place of a title. */
 void VXSetButtonImages(NSButton *button, NSString *name, NSString *alternateName, NSBundle *bundle);
 
+/* Lets a button up before its action opens a sheet: it would look pressed for as long as the sheet is open. */
+void VXLetGoOfButton(id sender);
+
 /* Makes Tab go through the views in this order, and round. */
 void VXLinkKeyViews(NSArray *views);
 

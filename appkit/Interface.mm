@@ -64,6 +64,10 @@ void VXSetButtonImages(NSButton *button, NSString *name, NSString *alternateName
     [button setImagePosition:NSImageOnly];
 }
 
+void VXLetGoOfButton(id sender) {
+    if ([sender isKindOfClass:[NSButton class]]) [(NSButton *)sender highlight:NO];
+}
+
 void VXLinkKeyViews(NSArray *views) {
     NSView *previous = [views lastObject];
     for (NSView *view in views) {

@@ -150,10 +150,12 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
 // Actions
 
 - (IBAction)addSchedule:(id)sender {
+    VXLetGoOfButton(sender);
     _configurator->addSchedule(appkit::senderFrom(sender).get());
 }
 
 - (IBAction)editSchedule:(id)sender {
+    VXLetGoOfButton(sender);
     _configurator->editSchedule(appkit::senderFrom(sender).get());
 }
 

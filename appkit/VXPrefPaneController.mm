@@ -138,6 +138,7 @@ struct VXPaneState {
 }
 
 - (IBAction)about:(id)sender {
+    VXLetGoOfButton(sender);
     _state->controller->about(appkit::senderFrom(sender).get());
 }
 
