@@ -121,7 +121,6 @@ NSArray *halvesOfTheDay() {
     [field setAlignment:NSCenterTextAlignment];
     [field setToolTip:toolTip];
     [field setDelegate:(id)self];
-    [[field cell] setSendsActionOnEndEditing:NO];
     [self addSubview:field];
     return field;
 }

@@ -27,6 +27,7 @@ static const CGFloat kGap = 6;
     [_stepper setMinValue:kLeastIdleMinutes];
     [_stepper setMaxValue:kMostIdleMinutes];
     [_stepper setValueWraps:NO];
+    [_stepper setAutorepeat:NO];  // repeats at once where it does: one click would be two steps
     [_stepper setToolTip:toolTip];
     [_stepper setTarget:self];
     [_stepper setAction:@selector(stepperChanged:)];
@@ -48,6 +49,9 @@ static const CGFloat kGap = 6;
         [self addSubview:control];
         x += size.width + (control == _field ? 2 : kGap);
     }
+    [self setNextKeyView:_checkBox];
+    [_checkBox setNextKeyView:_field];
+    [_field setNextKeyView:_stepper];
     [self setMinutes:kLeastIdleMinutes];
     return self;
 }

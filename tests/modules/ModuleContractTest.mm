@@ -1,0 +1,276 @@
+#import <Quorel/VXPrefPanePlugInProtocol.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+
+typedef NSObject<VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages> Module;
+
+namespace {
+
+NSBundle *bundleAt(const std::string &path) {
+    return [NSBundle bundleWithPath:[NSString stringWithUTF8String:path.c_str()]];
+}
+
+Class classIn(NSBundle *bundle) {
+    [bundle load];
+    NSString *name = [[bundle infoDictionary] objectForKey:@"VXEditClass"];
+    return name ? [bundle classNamed:name] : nil;
+}
+
+/// By name: a @protocol expression of clang's is none that this runtime can compare where no class adopts it.
+Protocol *contract() {
+    return NSProtocolFromString(@"VXPrefPanePlugInProtocol");
+}
+
+struct Expected {
+    const char *path;
+    const char *identifier;
+    const char *name;
+    bool base;
+    bool startupIsFree;
+    bool wakeUpIsFree;
+    bool wakeUpByDefault;
+    bool hasView;
+};
+
+class OneModule : public testing::Test {
+   protected:
+    static void SetUpTestSuite() { [NSApplication sharedApplication]; }
+};
+
+class ModuleContract : public OneModule, public testing::WithParamInterface<Expected> {
+   protected:
+    void SetUp() override {
+        bundle = bundleAt(GetParam().path);
+        Class moduleClass = classIn(bundle);
+        ASSERT_TRUE(moduleClass);
+        ASSERT_TRUE([moduleClass conformsToProtocol:contract()]);
+        ASSERT_TRUE([moduleClass initializeClass:bundle]);
+        module = [[[moduleClass alloc] init] autorelease];
+    }
+    ~ModuleContract() override { [pool drain]; }
+
+    /// Whether the setter of a flag changes it; left as it was.
+    bool startupChanges() {
+        const BOOL was = [module needsStartup];
+        [module setNeedsStartup:!was];
+        const bool changed = [module needsStartup] != was;
+        [module setNeedsStartup:was];
+        return changed;
+    }
+    bool wakeUpChanges() {
+        const BOOL was = [module needsWakeUp];
+        [module setNeedsWakeUp:!was];
+        const bool changed = [module needsWakeUp] != was;
+        [module setNeedsWakeUp:was];
+        return changed;
+    }
+
+    /// Fit for a preferences file, and for the questions of table and sheet.
+    void expectUsable() {
+        NSString *error = nil;
+        EXPECT_TRUE([NSPropertyListSerialization dataFromPropertyList:[module parameters]
+                                                               format:NSPropertyListXMLFormat_v1_0
+                                                     errorDescription:&error]);
+        EXPECT_GT([[module actionString] length], 0u);
+        [module fillSetupInterfaceFromParameters];
+        NSDictionary *before = [module parameters];
+        [module fillParametersFromSetupInterface];
+        EXPECT_TRUE([[module parameters] isEqual:before]) << [[before description] UTF8String];
+        EXPECT_EQ([module needsWakeUp] != NO, GetParam().wakeUpByDefault);
+    }
+
+    NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
+    NSBundle *bundle = nil;
+    Module *module = nil;
+};
+
+TEST_P(ModuleContract, SaysWhoItIs) {
+    EXPECT_STREQ([[module pluginIdentifier] UTF8String], GetParam().identifier);
+    EXPECT_STREQ([[module pluginName] UTF8String], GetParam().name);
+    EXPECT_EQ([module isBaseModule] != NO, GetParam().base);
+    EXPECT_FALSE([module setupView]);
+    [module loadNib];
+    EXPECT_EQ([module setupView] != nil, GetParam().hasView);
+    if ([module setupView]) EXPECT_LE(NSWidth([[module setupView] frame]), 440);
+}
+
+TEST_P(ModuleContract, KeepsBothFlagsInItsParameters) {
+    [module setParameters:[module defaultParameters]];
+    EXPECT_EQ(startupChanges(), GetParam().startupIsFree);
+    EXPECT_EQ(wakeUpChanges(), GetParam().wakeUpIsFree);
+    EXPECT_EQ([module needsWakeUp], [module needsWakeUpByDefault]);
+    EXPECT_EQ([module needsStartup], [module needsStartupByDefault]);
+
+    [module setNeedsStartup:YES];
+    NSDictionary *parameters = [module parameters];
+    [module setNeedsStartup:NO];
+    EXPECT_FALSE([module needsStartup]);
+    [module setParameters:parameters];
+    EXPECT_EQ([module needsStartup] != NO, GetParam().startupIsFree);
+    [module setParameters:nil];
+    EXPECT_FALSE([module needsStartup]);
+}
+
+TEST_P(ModuleContract, GetsOverWhateverStandsInTheFile) {
+    [module loadNib];
+    NSMutableArray *odd = [NSMutableArray arrayWithObjects:@"", @"%@ %n", @(-5), @(1e300), @[ @1 ],
+                                                           @{@"a" : @1}, [NSData data], [NSDate date], nil];
+    for (id value in odd) {
+        SCOPED_TRACE([[value description] UTF8String]);
+        [module setParameters:value];
+        expectUsable();
+        for (NSString *key in [module defaultParameters]) {
+            [module setParameters:[NSDictionary dictionaryWithObject:value forKey:key]];
+            expectUsable();
+        }
+    }
+    [module setParameters:nil];
+    expectUsable();
+}
+
+/// The kinds of arguments that a format takes, in their order.
+std::string arguments(NSString *format) {
+    const std::string text = [format UTF8String];
+    const std::regex argument("%[0-9.]*([@a-z%])");
+    std::string all;
+    for (std::sregex_iterator each(text.begin(), text.end(), argument), end; each != end; ++each) all += (*each)[1];
+    return all;
+}
+
+void collectTexts(NSView *view, NSMutableSet *texts) {
+    if ([view toolTip]) [texts addObject:[view toolTip]];
+    if ([view isKindOfClass:[NSPopUpButton class]]) return;
+    if ([view isKindOfClass:[NSButton class]]) [texts addObject:[(NSButton *)view title]];
+    if ([view isKindOfClass:[NSTextField class]] && ![(NSTextField *)view isEditable]) {
+        [texts addObject:[(NSTextField *)view stringValue]];
+    }
+    for (NSView *each in [view subviews]) collectTexts(each, texts);
+}
+
+TEST_P(ModuleContract, SpeaksBothLanguages) {
+    const auto table = [&](NSString *language) {
+        return [NSDictionary dictionaryWithContentsOfFile:[bundle pathForResource:@"Localizable"
+                                                                           ofType:@"strings"
+                                                                      inDirectory:nil
+                                                                  forLocalization:language]];
+    };
+    NSDictionary *english = table(@"English");
+    NSDictionary *french = table(@"French");
+    EXPECT_GT([english count], 0u);
+    EXPECT_TRUE([[NSSet setWithArray:[english allKeys]] isEqual:[NSSet setWithArray:[french allKeys]]]);
+    for (NSString *key in english) {
+        EXPECT_GT([[english objectForKey:key] length], 0u) << [key UTF8String];
+        EXPECT_GT([[french objectForKey:key] length], 0u) << [key UTF8String];
+        EXPECT_EQ(arguments([english objectForKey:key]), arguments(key)) << [key UTF8String];
+        EXPECT_EQ(arguments([french objectForKey:key]), arguments(key)) << [key UTF8String];
+    }
+
+    [module loadNib];
+    NSMutableSet *texts = [NSMutableSet setWithObject:[module pluginName]];
+    for (const BOOL startup : {NO, YES}) {
+        [module setParameters:nil];
+        [module setNeedsStartup:startup];
+        [module fillSetupInterfaceFromParameters];
+        collectTexts([module setupView], texts);
+    }
+    for (NSString *text in texts) EXPECT_TRUE([[english allValues] containsObject:text]) << [text UTF8String];
+}
+
+constexpr Expected kModules[] = {
+    {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", true, false, false, false, true},
+    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", true, true, false, true, false},
+    {SAMPLE_MODULE "/SayMessage.vxplugin", "org.example.SayMessage", "Say a message", false, true, false, true, true}};
+INSTANTIATE_TEST_SUITE_P(Modules, ModuleContract, testing::ValuesIn(kModules), [](const auto &info) {
+    const std::string path = info.param.path;
+    const std::size_t name = path.rfind('/') + 1;
+    return path.substr(name, path.rfind('.') - name);
+});
+
+TEST_F(OneModule, SleepBringsTheMinutesIntoRange) {
+    @autoreleasepool {
+        Module *sleep = [[[classIn(bundleAt(BUILT_IN_MODULES "/Sleep.vxplugin")) alloc] init] autorelease];
+        [sleep loadNib];
+        NSTextField *field = nil;
+        for (NSView *each in [[sleep setupView] subviews]) {
+            if ([each isKindOfClass:[NSTextField class]] && [(NSTextField *)each isEditable])
+                field = (NSTextField *)each;
+        }
+        ASSERT_TRUE(field);
+        const std::pair<const char *, int> cases[] = {{"30", 30},  {"0", 1}, {"-3", 1},   {"1000", 999},
+                                                      {"abc", 42}, {"", 42}, {"12x", 12}, {"99999999999", 999}};
+        for (const auto &[typed, minutes] : cases) {
+            [sleep setParameters:@{@"Idle Minutes" : @42}];
+            [sleep fillSetupInterfaceFromParameters];
+            [field setStringValue:[NSString stringWithUTF8String:typed]];
+            [sleep fillParametersFromSetupInterface];
+            EXPECT_EQ([[[sleep parameters] objectForKey:@"Idle Minutes"] intValue], minutes) << typed;
+            EXPECT_EQ([field intValue], minutes) << typed;
+        }
+    }
+}
+
+TEST_F(OneModule, SampleShowsAndKeepsItsParameters) {
+    @autoreleasepool {
+        Module *say = [[[classIn(bundleAt(SAMPLE_MODULE "/SayMessage.vxplugin")) alloc] init] autorelease];
+        [say loadNib];
+        [say setParameters:@{@"Message" : @"100 %@ \"now\"", @"Times" : @3}];
+        EXPECT_STREQ([[say actionString] UTF8String], "Says \"100 %@ \"now\"\", times: 3");
+
+        // What the sheet does on a click of the start-up box.
+        NSMutableSet *before = [NSMutableSet set];
+        collectTexts([say setupView], before);
+        [say setNeedsStartup:YES];
+        [say checkboxAction:nil];
+        NSMutableSet *after = [NSMutableSet set];
+        collectTexts([say setupView], after);
+        EXPECT_FALSE([before isEqual:after]);
+
+        for (NSView *each in [[say setupView] subviews]) {
+            if ([each isKindOfClass:[NSPopUpButton class]]) {
+                [(NSPopUpButton *)each selectItemAtIndex:9];
+            } else if ([(NSTextField *)each isEditable]) {
+                [(NSTextField *)each setStringValue:@"Bonjour"];
+            }
+        }
+        [say fillParametersFromSetupInterface];
+        NSDictionary *expected =
+            @{@"Message" : @"Bonjour",
+              @"Times" : @10,
+              @"Needs Startup" : @(true),
+              @"Needs Wake Up" : @(true)};
+        EXPECT_TRUE([[say parameters] isEqual:expected]) << [[[say parameters] description] UTF8String];
+    }
+}
+
+// Each gets past all steps before the one at which it is to be dropped.
+TEST(BrokenModules, FailAtTheStepTheyAreNamedAfter) {
+    @autoreleasepool {
+        const auto load = [](const char *name) {
+            return classIn(bundleAt(std::string(BROKEN_MODULES "/") + name + ".vxplugin"));
+        };
+        EXPECT_TRUE(bundleAt(BROKEN_MODULES "/NoCode.vxplugin"));
+        EXPECT_FALSE(load("NoCode"));
+        EXPECT_FALSE(load("NoEditClass"));
+        EXPECT_TRUE(NSClassFromString(@"NoEditClassModule"));
+
+        Class notConforming = load("NotConforming");
+        ASSERT_TRUE(notConforming);
+        EXPECT_FALSE([notConforming conformsToProtocol:contract()]);
+        EXPECT_TRUE([notConforming initializeClass:nil]);
+
+        Class refusing = load("Refusing");
+        EXPECT_TRUE([refusing conformsToProtocol:contract()]);
+        EXPECT_FALSE([refusing initializeClass:nil]);
+
+        Class nameless = load("Nameless");
+        EXPECT_TRUE([nameless conformsToProtocol:contract()]);
+        EXPECT_TRUE([nameless initializeClass:nil]);
+        Module *module = [[[nameless alloc] init] autorelease];
+        EXPECT_GT([[module pluginIdentifier] length], 0u);
+        EXPECT_FALSE([module pluginName]);
+    }
+}
+
+}  // namespace
