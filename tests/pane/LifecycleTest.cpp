@@ -186,10 +186,12 @@ TEST_F(LifecycleTest, LeavingAlwaysSaves) {
         store(storedDefaults());
         open();
         if (edited) ui.menuCheck->setState(kStateOff);
+        const int reads = host.files.reads;
         setCanApply(edited);
         center.daemonAlive = alive;
         center.toDaemon.clear();
         pane->willUnselect();
+        EXPECT_EQ(host.files.reads - reads, alive ? 1 : 0);
         ASSERT_EQ(center.toDaemon.size(), alive ? 1u : 0u);
         if (alive) {
             EXPECT_EQ(center.toDaemon[0].userInfo["Show In Menu Bar"], Value(edited ? 0 : 1));

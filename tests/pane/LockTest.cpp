@@ -162,22 +162,5 @@ TEST_F(LockTest, StaysUnlockedAcrossLaunches) {
     EXPECT_FALSE(canApply());
 }
 
-TEST_F(LockTest, LockingDropsNoEdits) {
-    unlockBeforehand();
-    store(storedDefaults());
-    open();
-    ui.menuCheck->click();
-    EXPECT_TRUE(canApply());
-    ui.authButton->click();
-    EXPECT_FALSE(canApply());
-    host.authorization.granted = true;
-    ui.authButton->click();
-    EXPECT_FALSE(canApply());
-    ui.authButton->click();
-    center.daemonAlive = true;
-    pane->willUnselect();
-    EXPECT_EQ(center.toDaemon.at(0).userInfo["Show In Menu Bar"], Value(0));
-}
-
 }  // namespace
 }  // namespace quorel::test

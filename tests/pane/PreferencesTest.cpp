@@ -46,22 +46,6 @@ TEST_F(PreferencesTest, ReadsOptionsFromWhateverKindOfValue) {
     EXPECT_EQ(logged().size(), 1u);
 }
 
-TEST_F(PreferencesTest, NetworkAdministrationIsNeverReadAndNeverSaved) {
-    open();
-    for (const Value& value : {Value(), Value(1), Value(true), Value("on")}) {
-        ui.networkAdminCheck->setState(kStateOn);
-        ui.networkAdminCheck->setHidden(false);
-        store(Dictionary{{"Enable Network Administration", value}});
-        pane->getPrefs();
-        EXPECT_EQ(ui.networkAdminCheck->state(), kStateOff);
-        EXPECT_TRUE(ui.networkAdminCheck->isHidden());
-        center.daemonAlive = true;
-        ui.networkAdminCheck->setState(kStateOn);
-        pane->savePrefs();
-        EXPECT_EQ(center.toDaemon.back().userInfo["Enable Network Administration"], Value(0));
-    }
-}
-
 TEST_F(PreferencesTest, WithoutAFileShowsDefaults) {
     create();
     pane->didSelect();
@@ -94,7 +78,6 @@ TEST_F(PreferencesTest, WithoutAFileShowsDefaults) {
 }
 
 TEST_F(PreferencesTest, SendsExactlyWhatIsOnScreen) {
-    store(Dictionary(storedDefaults()));
     open();
     center.daemonAlive = true;
     struct {
@@ -112,7 +95,12 @@ TEST_F(PreferencesTest, SendsExactlyWhatIsOnScreen) {
                          {"Enable Network Administration", 1},
                          {"Extra", "lost"},
                          {"Schedule Array", schedules}});
+        ui.networkAdminCheck->setState(kStateOn);
+        ui.networkAdminCheck->setHidden(false);
         pane->getPrefs();
+        EXPECT_EQ(ui.networkAdminCheck->state(), kStateOff);
+        EXPECT_TRUE(ui.networkAdminCheck->isHidden());
+        ui.networkAdminCheck->setState(kStateOn);
         if (list.empty()) schedules = pane->configurator()->scheduleArray();  // seeded
         pane->applyNow(nullptr);
         const Notification& sent = center.toDaemon.back();
@@ -136,23 +124,6 @@ TEST_F(PreferencesTest, SendsExactlyWhatIsOnScreen) {
     checker.version = std::nullopt;
     pane->applyNow(nullptr);
     EXPECT_EQ(center.toDaemon.back().userInfo["Prefs Version"], Value(0));
-}
-
-TEST_F(PreferencesTest, SavesNothingWithoutADaemonAndLosesNothing) {
-    unlockBeforehand();
-    store(storedDefaults());
-    open();
-    ui.menuCheck->click();
-    configuratorUi.table->clickCell(0, "Is Enabled");
-    const int reads = host.files.reads;
-    ui.applyButton->click();
-    EXPECT_TRUE(center.toDaemon.empty());
-    EXPECT_EQ(host.files.reads, reads);
-    EXPECT_TRUE(logged().empty());
-    center.daemonAlive = true;
-    ui.applyButton->click();
-    EXPECT_EQ(center.toDaemon.at(0).userInfo["Show In Menu Bar"], Value(0));
-    EXPECT_EQ(center.toDaemon.at(0).userInfo["Schedule Array"].array().at(0)["Is Enabled"], Value(0));
 }
 
 TEST_F(PreferencesTest, ReadsBackAtOnceWhetherTheDaemonHasStoredOrNot) {
