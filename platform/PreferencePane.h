@@ -17,7 +17,7 @@ public:
     virtual void willUnselect() {}
     virtual unsigned shouldUnselect() const { return UnselectNow; }
 
-    const std::shared_ptr<View>& mainView() const { return _mainView; }
+    std::shared_ptr<View> mainView() const { return _mainView.lock(); }
     void setMainView(const std::shared_ptr<View>& view) { _mainView = view; }
     const std::shared_ptr<Bundle>& bundle() const { return _bundle; }
 
@@ -31,7 +31,7 @@ protected:
 
 private:
     std::shared_ptr<Bundle> _bundle;
-    std::shared_ptr<View> _mainView;
+    std::weak_ptr<View> _mainView;
 };
 
 }  // namespace quorel

@@ -26,8 +26,10 @@ protected:
         using Bundle::Bundle;
         std::string localizedStringForKeyValueTable(std::string_view key, std::string_view value,
                                                     std::string_view table) const override {
+            if (onLookup) onLookup(key);
             return std::string(value) + std::string(table) + "[" + std::string(key) + "]";
         }
+        std::function<void(std::string_view key)> onLookup;
     };
 
     PaneTest() {

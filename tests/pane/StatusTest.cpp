@@ -41,17 +41,6 @@ TEST_F(StatusTest, ThePauseIsCountedFromTheEndOfACycle) {
     }
 }
 
-TEST_F(StatusTest, ChangesShowWithinOnePeriod) {
-    open();
-    for (const char* expected : {"+-", "++", "-+", "--", "++"}) {
-        host.dispatch.advance(4s);
-        center.daemonAlive = expected[0] == '+';
-        center.agentAlive = expected[1] == '+';
-        host.dispatch.advance(10s);
-        EXPECT_EQ(lights(), expected);
-    }
-}
-
 TEST_F(StatusTest, DaemonFirstAndOnQueuesOfTheirOwn) {
     std::vector<std::size_t> ahead;
     center.onPing = [&] { ahead.push_back(static_cast<std::size_t>(center.daemonPings) - center.agentPings.size()); };
@@ -94,15 +83,6 @@ TEST_F(StatusTest, TenThousandCyclesPileNothingUp) {
     EXPECT_EQ(host.dispatch.pendingTimers(), 2u);
     EXPECT_EQ(host.dispatch.liveQueues(), queues);
     EXPECT_EQ(pane.use_count(), holders);
-}
-
-TEST_F(StatusTest, WithoutAChannelNothingRuns) {
-    VXCommunicationCenter::setSharedInstance(nullptr);
-    open();
-    EXPECT_EQ(lights(), "--");
-    host.dispatch.advance(10s);
-    EXPECT_EQ(lights(), "--");
-    EXPECT_EQ(host.dispatch.labels.size(), 4u);
 }
 
 }  // namespace
