@@ -59,7 +59,11 @@ TableView::~TableView() {
 
 void TableView::setDoubleAction(std::function<void()> action) {
     [_doubleAction release];
-    _doubleAction = [[VXActionTarget alloc] initWithAction:std::move(action)];
+    NSTableView *table = native();
+    // Two quick clicks on a header are a double action too, but on no row.
+    _doubleAction = [[VXActionTarget alloc] initWithAction:[table, action = std::move(action)] {
+        if ([table clickedRow] >= 0) action();
+    }];
     [native() setTarget:_doubleAction];
     [native() setDoubleAction:@selector(perform:)];
 }

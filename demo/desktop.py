@@ -187,7 +187,8 @@ class Screen:
     def click(self, place, times=1):
         """On a view or a frame."""
         x, y, width, height = place["frame"] if isinstance(place, dict) else place
-        self.xdotool("mousemove", int(x + width / 2), int(y + height / 2), "click", "--repeat", times, "--delay", 60, 1)
+        self.xdotool("mousemove", int(x + width / 2), int(y + height / 2), "sleep", 0.02,
+                     *["mousedown", 1, "sleep", 0.05, "mouseup", 1, "sleep", 0.05] * times)
 
     def click_cell(self, row, column, times=1):
         self.click(self.table()["rows"][row]["cells"][column], times)
@@ -202,7 +203,7 @@ class Screen:
         x, y = int(x + width / 2), int(y + height / 2)
         top = rows[0]["cells"]["Infos"]["frame"][1]
         step = height + 2
-        target = int(top + (below + 1) * step)
+        target = int(top + (below + 1) * step) + (3 if below < 0 else 0)  # the header is no place to drop at
         moves = ["mousemove", x, y, "sleep", 0.1, "mousedown", 1, "sleep", 0.1]
         for distance in range(1, 13):
             moves += ["mousemove", x + distance, y, "sleep", 0.01]
@@ -231,3 +232,15 @@ class Screen:
                 time.sleep(0.05)
             return False
         wait_for(opened, "the pane did not open")
+        self.settle()
+
+    def settle(self):
+        """Waits until nothing moves any more: the window grows with the pane it is shown."""
+        def frames():
+            return [view["frame"] for window in self.look() for view in window["views"]]
+
+        def still():
+            before = frames()
+            time.sleep(0.15)
+            return frames() == before
+        wait_for(still, "the screen does not come to rest")

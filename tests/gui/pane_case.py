@@ -1,0 +1,127 @@
+"""What the tests of the pane on screen share: a desktop with the product's programs for each test case."""
+import os
+import plistlib
+import shutil
+import sys
+import tempfile
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path[:0] = [f"{HERE}/../../demo", f"{HERE}/../support"]
+from desktop import SettingsApplication, VirtualDisplay, wait_for  # noqa: E402
+from private_system import PrivateSystem  # noqa: E402
+
+BUILD = os.path.abspath(sys.argv[1]) if len(sys.argv) > 1 else ""
+DAYS = ("Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Sunday")
+UNLOCKED = '{ NSDocumentBooo = "<rtwzKa38Pmxq 42>"; }'
+
+
+def schedule(kind, hour, minute, days=DAYS, enabled=1, **more):
+    return {"Is Enabled": enabled, "Action Type": f"com.quorel.plugin.{kind}", "Action Hour": hour,
+            "Action Minute": minute, **{f"Active On {day}": int(day in days) for day in DAYS}, **more}
+
+
+def preferences(*schedules, **changes):
+    return {"Check Updates": 0, "Check Updates Frequency": 1, "Show In Menu Bar": 1,
+            "Enable Network Administration": 0, "Prefs Version": 1, "Schedule Array": list(schedules), **changes}
+
+
+class PaneCase(unittest.TestCase):
+    """Each test has buses, polkit and a folder of its own; programs and application are started as it asks."""
+
+    rule = ""  # of polkit
+
+    def setUp(self):
+        self.place = tempfile.mkdtemp()
+        os.chmod(self.place, 0o755)
+        self.addCleanup(shutil.rmtree, self.place)
+        self.root = f"{self.place}/root"
+        self.file = f"{self.root}/Library/Preferences/com.quorel.plist"
+        os.makedirs(os.path.dirname(self.file))
+        self.system = PrivateSystem()
+        self.addCleanup(self.system.close)
+        self.system.start_session_bus()
+        self.system.start_polkit(self.rule)
+        self.display = VirtualDisplay()
+        self.addCleanup(self.display.close)
+        self.application = None
+
+    def run(self, result=None):
+        self.result = result
+        return super().run(result)
+
+    def store(self, content):
+        with open(self.file, "wb") as file:
+            if isinstance(content, bytes):
+                file.write(content)
+            else:
+                plistlib.dump(content, file)
+
+    def stored(self):
+        try:
+            with open(self.file, "rb") as file:
+                return plistlib.load(file)
+        except OSError:
+            return None
+
+    def wait_stored(self, condition):
+        return wait_for(lambda: (now := self.stored()) and condition(now) and now,
+                        lambda: f"the file stays {self.stored()}")
+
+    def start_daemon(self):
+        self.daemon = self.system.start_daemon(f"{BUILD}/daemon/quorel-daemon", self.root)
+        return self.daemon
+
+    def start_agent(self, *arguments):
+        self.agent = self.system.start_agent(f"{BUILD}/agent/quorel-agent", self.root, *arguments)
+        return self.agent
+
+    def open_pane(self, unlocked=True, open_it=True, info=(), **how):
+        """Starts the application, once more with what the last one left, and clicks the pane's icon."""
+        home = f"{self.place}/home"
+        defaults = f"{home}/Defaults/SystemPreferences.plist"
+        if unlocked and not os.path.exists(defaults):
+            os.makedirs(os.path.dirname(defaults))
+            with open(defaults, "w") as file:
+                file.write(UNLOCKED)
+        environment = dict(self.system.environment(), DISPLAY=self.display.name, LC_ALL="C.UTF-8",
+                           PATH=f"{self.place}/bin:{os.environ['PATH']}")
+        self.application = SettingsApplication(BUILD, home, environment, info={"QuorelRoot": self.root, **dict(info)},
+                                               **how)
+        self.addCleanup(self.application.close)
+        self.screen = self.application.screen
+        if open_it:
+            self.screen.open_pane()
+        return self.screen
+
+    def button(self, title):
+        return self.screen.wait(title=title, **{"class": lambda name: name.endswith("Button")})
+
+    def by_tip(self, tip):
+        return self.screen.wait(toolTip=tip)
+
+    def wait_enabled(self, title, enabled=True):
+        return self.screen.wait(title=title, enabled=enabled)
+
+    def apply(self):
+        self.screen.click(self.wait_enabled("Apply"))
+
+    def times(self):
+        """Of the rows, as "7:00"."""
+        return [row["Infos"]["Time"].split("\u202f")[0] for row in self.screen.rows()]
+
+    def wait_times(self, *times):
+        wait_for(lambda: self.times() == list(times), lambda: f"the table stays at {self.times()}, not {times}")
+
+    def wait_sheet(self):
+        return wait_for(self.screen.modal, "no sheet opens")
+
+    def wait_no_sheet(self):
+        wait_for(lambda: not self.screen.modal(), "the sheet stays open")
+
+
+def main():
+    if os.getuid() != 0:
+        print("Skipped: only root can cover polkit's folders in a mount namespace.")
+        sys.exit(77)
+    unittest.main(argv=sys.argv[:1])

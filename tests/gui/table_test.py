@@ -1,0 +1,113 @@
+#!/usr/bin/env python3
+"""The schedule table and the options, used with mouse and keyboard: table_test.py BUILD"""
+from pane_case import PaneCase, main, preferences, schedule
+
+TYPES = ("com.quorel.plugin.Sleep", "com.quorel.plugin.WakeUp")
+
+
+def hours(stored):
+    return [entry["Action Hour"] for entry in stored["Schedule Array"]]
+
+
+class TableTest(PaneCase):
+    def setUp(self):
+        super().setUp()
+        self.store(preferences(schedule("Sleep", "22", "30"), schedule("WakeUp", 6, 15, days=("Monday",)),
+                               schedule("Sleep", 13, 0, enabled=0, Remark="kept"), schedule("WakeUp", 9, 5)))
+
+    def test_an_option_goes_to_the_file_and_back(self):
+        self.start_daemon()
+        screen = self.open_pane()
+        self.assertFalse(screen.find(title="Apply")["enabled"])
+        self.assertFalse(screen.find(toolTip="How often to check")["enabled"])
+        screen.click(self.button("Check for updates"))
+        screen.wait(toolTip="How often to check", enabled=True)
+        screen.click(self.button("Show in the menu bar"))
+        self.apply()
+        stored = self.wait_stored(lambda now: now["Show In Menu Bar"] == 0)
+        self.assertEqual((stored["Check Updates"], stored["Check Updates Frequency"]), (1, 1))
+        self.assertEqual(stored["Schedule Array"][2]["Remark"], "kept")
+        self.assertEqual(set(stored), set(preferences()))
+        self.wait_enabled("Apply", False)
+        self.wait_enabled("Revert", False)
+
+        screen.click(self.button("Show in the menu bar"))
+        screen.click(self.wait_enabled("Revert"))
+        screen.wait(title="Show in the menu bar", state=0)
+        self.wait_enabled("Apply", False)
+
+    def test_ticks_sorts_drags_and_applies(self):
+        self.start_daemon()
+        screen = self.open_pane()
+        self.wait_times("10:30", "6:15", "1:00", "9:05")
+        screen.click_cell(2, "Is Enabled")
+        screen.wait_rows(lambda rows: rows[2]["Is Enabled"] == 1)
+        self.wait_enabled("Revert")
+        screen.click_cell(1, "Active On Tuesday")
+        screen.wait_rows(lambda rows: rows[1]["Active On Tuesday"] == 1)
+
+        screen.click_header("Infos")
+        self.wait_times("6:15", "9:05", "1:00", "10:30")
+        screen.click_header("Infos")
+        self.wait_times("10:30", "1:00", "9:05", "6:15")
+        # The direction belongs to the process, not to the column.
+        screen.click_header("Active On Wednesday")
+        screen.wait_rows(lambda rows: rows[0]["Active On Wednesday"] == 1 and rows[3]["Active On Wednesday"] == 0)
+        screen.click_header("Active On Wednesday")
+        self.wait_times("6:15", "10:30", "1:00", "9:05")
+
+        screen.drag_row(0, 2)
+        self.wait_times("10:30", "1:00", "6:15", "9:05")
+        screen.drag_row(3, 0)
+        self.wait_times("10:30", "9:05", "1:00", "6:15")
+        screen.drag_row(1, 3)
+        self.wait_times("10:30", "1:00", "6:15", "9:05")
+        self.apply()
+        stored = self.wait_stored(lambda now: hours(now) == ["22", 13, 6, 9])
+        self.assertEqual(stored["Schedule Array"][1]["Is Enabled"], 1)
+        self.assertEqual(stored["Schedule Array"][2]["Active On Tuesday"], 1)
+
+    def test_the_first_row_dropped_on_itself_leaves_a_pane_that_works(self):
+        screen = self.open_pane()
+        screen.drag_row(0, -1)
+        self.wait_times("6:15", "1:00", "9:05")
+        screen.click_header("Infos")
+        self.wait_times("6:15", "9:05", "1:00")
+
+    def test_without_a_mouse(self):
+        self.start_daemon()
+        screen = self.open_pane()
+        screen.click_cell(1, "Infos")
+        screen.wait(toolTip="Edit the selected schedule", enabled=True)
+        screen.key("Down")
+        screen.key("space")
+        screen.wait_rows(lambda rows: rows[2]["Is Enabled"] == 1)
+        screen.key("Return")
+        self.wait_sheet()
+        screen.key("Escape")
+        self.wait_no_sheet()
+        screen.key("Delete")
+        self.wait_times("10:30", "6:15", "9:05")
+        self.apply()
+        self.wait_stored(lambda now: hours(now) == ["22", 6, 9])
+
+    def test_the_last_schedule_stays(self):
+        self.store(preferences(schedule("Sleep", 22, 0)))
+        screen = self.open_pane()
+        screen.click_cell(0, "Infos")
+        screen.click(screen.wait(toolTip="Delete the selected schedule", enabled=True))
+        screen.key("Delete")
+        screen.click_cell(0, "Is Enabled")
+        screen.wait_rows(lambda rows: len(rows) == 1 and rows[0]["Is Enabled"] == 0)
+
+    def test_leaving_the_pane_saves(self):
+        self.start_daemon()
+        screen = self.open_pane()
+        screen.click_cell(0, "Is Enabled")
+        screen.wait_rows(lambda rows: rows[0]["Is Enabled"] == 0)
+        screen.click(self.button("Show All"))
+        self.wait_stored(lambda now: now["Schedule Array"][0]["Is Enabled"] == 0)
+
+
+if __name__ == "__main__":
+    main()
