@@ -44,10 +44,7 @@ public:
             return answer.refuse(wire::kUnknownNotification, "The daemon takes no such notification.");
         if (!desk->admit(notification.sender)) return answer.refuse(wire::kBusy, "Too many calls are waiting.");
         try {
-            std::thread([desk, notification, answer] {
-                desk->handle(notification, answer);
-                desk->dismiss(notification.sender);
-            }).detach();
+            std::thread([desk, notification, answer] { desk->handle(notification, answer); }).detach();
         } catch (const std::exception&) {
             desk->dismiss(notification.sender);
             answer.refuse(wire::kBusy, "No more calls can be taken.");
@@ -80,11 +77,31 @@ private:
         _callers.erase(sender);
     }
 
+    /// A call's place among those under way. It is left before the call is answered: the sender's next one may be on
+    /// its way by then.
+    struct Place {
+        ~Place() { leave(); }
+        void leave() {
+            if (taken) desk.dismiss(sender);
+            taken = false;
+        }
+        Desk& desk;
+        const std::string& sender;
+        bool taken = true;
+    };
+
     void handle(const BusNotification& notification, const BusAnswer& answer) try {
+        Place place{*this, notification.sender};
         const auto userId = userIdOfCaller(notification.sender);
-        if (!userId) return answer.refuse(wire::kNotAuthorized, "The sender is unknown.");
+        if (!userId) return;  // nobody would hear the answer
+        const auto accept = [&](const char* outcome) {
+            MOLLog("Preferences of user %u %s.", *userId, outcome);
+            place.leave();
+            answer.accept();
+        };
         const auto refuse = [&](const char* errorName, const std::string& text) {
             MOLLog("Preferences of user %u are refused: %s", *userId, text.c_str());
+            place.leave();
             answer.refuse(errorName, text);
         };
         if (!admitUser(notification.sender, *userId)) return refuse(wire::kBusy, "Too many calls are waiting.");
@@ -95,18 +112,14 @@ private:
         if (const auto fault = faultInPreferences(preferences)) return refuse(wire::kInvalidPreferences, *fault);
         const auto bytes = encodePropertyList(preferences);
         if (!bytes) return refuse(wire::kInvalidPreferences, "The file would be larger than 16 MiB.");
-        if (_store.read() == preferences) {
-            MOLLog("Preferences of user %u are those in place.", *userId);
-            return answer.accept();
-        }
+        if (_store.read() == preferences) return accept("are those in place");
         const Verdict verdict = checkCaller(notification.sender, *userId);
         if (verdict != Verdict::Allowed) return refuse(wire::kNotAuthorized, textOf(verdict));
 
         const std::lock_guard lock(_writing);
         if (_closed) return refuse(wire::kFailed, "The daemon is ending.");
         if (const auto reason = _store.write(*bytes); !reason.empty()) return refuse(wire::kStorageFailed, reason);
-        MOLLog("Preferences of user %u are stored.", *userId);
-        answer.accept();
+        accept("are stored");
     } catch (const std::exception& exception) {  // memory has run out; the answer says that it failed
         MOLLog("Preferences are lost: %s", exception.what());
     }

@@ -1,15 +1,16 @@
 #!/usr/bin/env python3
-"""What polkit says is what the administrator lock gets: authorization_test.py PROBE ACTION-FILE"""
+"""What polkit says is what the administrator lock gets: authorization_test.py PROBE"""
 import os
 import subprocess
 import sys
 import time
 import unittest
 
-from polkit_session import PolkitSession
+SUPPORT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support")
+sys.path.insert(0, SUPPORT)
+from private_system import PrivateSystem
 
-HERE = os.path.dirname(os.path.abspath(__file__))
-PROBE, ACTION_FILE = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
+PROBE = os.path.abspath(sys.argv[1])
 NOBODY = 65534
 RIGHT = "system.privilege.admin"
 GRANTED, INVALID_SET, INVALID_REFERENCE, DENIED, CANCELED, NOT_WITHOUT_ASKING = 0, -60001, -60002, -60005, -60006, -60007
@@ -42,16 +43,18 @@ class Probe:
 
 
 class AuthorizationTest(unittest.TestCase):
-    def start(self, user=NOBODY, **how):
-        self.session = PolkitSession(ACTION_FILE, **how)
-        self.addCleanup(self.session.close)
-        probe = Probe(self.session.environment(), user)
+    def start(self, user=NOBODY, rule="", with_polkit=True):
+        self.system = PrivateSystem()
+        self.addCleanup(self.system.close)
+        if with_polkit:
+            self.system.start_polkit(rule)
+        probe = Probe(self.system.environment(), user)
         self.addCleanup(probe.close)
         return probe
 
     def answer_with(self, manner, probe):
-        agent = subprocess.Popen([sys.executable, f"{HERE}/auth_agent.py", str(probe.process.pid), manner],
-                                 env=self.session.environment(), stdout=subprocess.PIPE, text=True)
+        agent = subprocess.Popen([sys.executable, f"{SUPPORT}/auth_agent.py", str(probe.process.pid), manner],
+                                 env=self.system.environment(), stdout=subprocess.PIPE, text=True)
         def end():
             agent.terminate()
             agent.wait()
@@ -92,7 +95,7 @@ class AuthorizationTest(unittest.TestCase):
         self.assertEqual(agent.stdout.readline(), "asked com.quorel.modify-preferences\n")
         self.assertEqual(probe(f"copy {RIGHT} 0"), GRANTED)
         # Another process of the same user gains nothing by it.
-        other = Probe(self.session.environment(), NOBODY)
+        other = Probe(self.system.environment(), NOBODY)
         self.addCleanup(other.close)
         other("create")
         self.assertEqual(other(f"copy {RIGHT} 0"), NOT_WITHOUT_ASKING)
@@ -110,7 +113,7 @@ class AuthorizationTest(unittest.TestCase):
         probe("create")
         probe.begin(f"copy {RIGHT} 3")
         self.assertEqual(agent.stdout.readline(), "asked com.quorel.modify-preferences\n")
-        self.session.processes[-1].kill()
+        self.system.polkit.kill()
         self.assertNotEqual(probe.result(), GRANTED)
 
     def test_create_fails_without_polkit_and_without_bus(self):
@@ -118,8 +121,7 @@ class AuthorizationTest(unittest.TestCase):
         started = time.monotonic()
         self.assertNotEqual(probe("create"), 0)
         self.assertEqual(probe(f"copy {RIGHT} 3"), INVALID_REFERENCE)
-        self.session.processes[0].terminate()
-        self.session.processes[0].wait()
+        self.system.end(self.system.bus)
         self.assertNotEqual(probe("create"), 0)
         self.assertLess(time.monotonic() - started, 5)
 

@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Stands for the desktop's password dialog of one process: auth_agent.py PID (answer|cancel|ignore).
+"""Stands for the desktop's password dialog of one process: auth_agent.py PID (answer|later|cancel|ignore).
 
-Says "ready" once registered and "asked ACTION" for each question. Answering without a password is root's privilege.
+Says "ready" once registered and "asked ACTION" for each question; "later" answers when it gets SIGUSR1. Answering
+without a password is root's privilege.
 """
 import os
+import signal
 import sys
 
 import dbus
@@ -28,9 +30,16 @@ class Agent(dbus.service.Object):
                          async_callbacks=("done", "failed"))
     def BeginAuthentication(self, action, message, icon, details, cookie, identities, done, failed):
         print("asked", action, flush=True)
-        if self.manner == "answer":
+
+        def answer():
             self.authority.AuthenticationAgentResponse2(dbus.UInt32(os.getuid()), cookie, identities[0],
                                                         reply_handler=done, error_handler=failed)
+            return GLib.SOURCE_REMOVE
+
+        if self.manner == "answer":
+            answer()
+        elif self.manner == "later":
+            GLib.unix_signal_add(GLib.PRIORITY_DEFAULT, signal.SIGUSR1, answer)
         elif self.manner == "cancel":
             failed(Cancelled("the user pressed Cancel"))
 

@@ -1,0 +1,114 @@
+#!/usr/bin/env python3
+"""What the daemon stores and what it refuses, for a caller that may."""
+import os
+import plistlib
+import signal
+import subprocess
+
+from daemon_case import (BUSY, DAEMON, INVALID, NOBODY, PREFERENCES, UNKNOWN, DaemonCase, main, preferences,
+                         wait_until, xml)
+
+
+class SavingTest(DaemonCase):
+    def setUp(self):
+        super().setUp()
+        self.start_daemon()
+        self.root_caller = self.caller()
+
+    def save(self, payload, **how):
+        return self.root_caller.save(payload, **how)
+
+    def test_stores_what_it_is_sent(self):
+        for number, payload in enumerate((xml(PREFERENCES), xml(preferences(Schedule_Array=[])),
+                                          plistlib.dumps(PREFERENCES, fmt=plistlib.FMT_BINARY))):
+            with self.subTest(number):
+                self.assertEqual(self.save(payload), ("", ""))
+                self.assertEqual(self.stored(), plistlib.loads(payload))
+                self.assertEqual(os.stat(self.file).st_mode & 0o7777, 0o644)
+                self.assertEqual(os.listdir(self.folder), ["com.quorel.plist"])
+        self.assertEqual(self.logged().count("Preferences of user 0 are stored."), 3)
+
+    def test_what_the_pane_sends_arrives(self):
+        sent = f"{self.system.place}/sent"
+        with open(sent, "wb") as file:
+            file.write(xml(PREFERENCES))
+        self.assertTrue(self.probe("save", sent)[0])
+        self.assertEqual(self.stored(), PREFERENCES)
+
+    def test_refuses_and_names_the_fault(self):
+        self.save(xml(PREFERENCES))
+        before = self.identity()
+        large = preferences(Schedule_Array=[{"k": "x" * 1000}] * 20_000)
+        for payload, fault in (
+                (b"", "no property list"),
+                (b"junk", "no property list"),
+                (xml(PREFERENCES)[:-20], "no property list"),
+                (b"<plist>" + b"<array>" * 100_000, "no property list"),
+                (xml(large), "16 MiB"),
+                (plistlib.dumps(preferences(Schedule_Array=[{"k": "&" * 4_000_000}]), fmt=plistlib.FMT_BINARY),
+                 "16 MiB"),
+                (xml([PREFERENCES]), "no dictionary"),
+                (xml(preferences(Prefs_Version=None)), '"Prefs Version" is missing'),
+                (xml(preferences(Extra=1)), '"Extra" is unknown'),
+                (xml(preferences(Check_Updates=True)), '"Check Updates" is no integer'),
+                (xml(preferences(Schedule_Array=[{}, 1])), '"Schedule Array", entry 2 is no dictionary')):
+            with self.subTest(fault=fault, payload=payload[:60]):
+                error, text = self.save(payload)
+                self.assertEqual(error, INVALID)
+                self.assertIn(fault, text)
+                self.assertIn(f"Preferences of user 0 are refused: {text}", self.logged())
+        self.assertEqual(self.identity(), before)
+
+    def test_takes_its_own_notification_alone(self):
+        for how in ({"name": "UserAgentMustCheckUpdates"}, {"receiver": "com.quorel.UserAgent"}):
+            self.assertEqual(self.save(xml(PREFERENCES), **how)[0], UNKNOWN)
+        self.assertFalse(os.path.exists(self.folder))
+
+    def test_equal_preferences_take_no_permission_and_no_write(self):
+        self.save(xml(PREFERENCES))
+        before = self.identity()
+        nobody = self.caller(NOBODY)  # without polkit nobody else gets anywhere
+        for payload in (xml(PREFERENCES), plistlib.dumps(PREFERENCES, fmt=plistlib.FMT_BINARY)):
+            self.assertEqual(nobody.save(payload), ("", ""))
+        self.assertEqual(self.identity(), before)
+        self.assertNotEqual(nobody.save(xml(preferences(Show_In_Menu_Bar=0))), ("", ""))
+        self.assertEqual(self.identity(), before)
+
+    def test_damaged_file_is_replaced(self):
+        os.makedirs(self.folder)
+        for damage in (b"", b"junk", xml(PREFERENCES)[:100], xml([1])):
+            with open(self.file, "wb") as file:
+                file.write(damage)
+            self.assertEqual(self.save(xml(PREFERENCES)), ("", ""))
+            self.assertEqual(self.stored(), PREFERENCES)
+
+    def test_second_daemon_ends_with_an_error(self):
+        second = subprocess.run([DAEMON, "--root", self.root], env=self.system.environment(), stderr=subprocess.PIPE,
+                                timeout=10)
+        self.assertNotEqual(second.returncode, 0)
+        self.assertIn(b"cannot start", second.stderr)
+        self.assertTrue(self.probe("ping")[0])
+
+    def test_only_the_starting_user_may_be_the_daemon(self):
+        self.system.end(self.daemon)
+        other = subprocess.run([DAEMON, "--root", self.root], env=self.system.environment(), stderr=subprocess.PIPE,
+                               user=NOBODY, timeout=10)
+        self.assertNotEqual(other.returncode, 0)
+        self.assertIn(b"refused", other.stderr)
+
+    def test_ends(self):
+        for number in (signal.SIGTERM, signal.SIGINT):
+            self.daemon.send_signal(number)
+            self.assertEqual(self.daemon.wait(5), 0)
+            self.start_daemon()
+        self.system.bus.terminate()
+        self.assertNotEqual(self.daemon.wait(5), 0)
+        self.assertIn("The bus has gone.", self.logged())
+
+    def test_wrong_arguments(self):
+        for arguments in (["--root"], ["--other", "x"], ["x"]):
+            ended = subprocess.run([DAEMON, *arguments], stderr=subprocess.DEVNULL, timeout=10)
+            self.assertEqual(ended.returncode, 2)
+
+
+main()

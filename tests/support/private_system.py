@@ -1,0 +1,190 @@
+"""The product's surroundings on private sockets: a bus of the system's kind, a session bus, the real polkitd, and the
+programs. Everything ends with close(); several may follow each other.
+
+polkitd reads fixed folders. They are covered by empty ones, in a mount namespace that only this process and its
+children see: whoever calls start_polkit must run inside "unshare --mount", as root.
+"""
+import os
+import pwd
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+import dbus
+
+RESOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../resources/linux")
+
+BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>{kind}</type>
+  <listen>unix:path={socket}</listen>
+  <auth>EXTERNAL</auth>
+  {policy}
+</busconfig>
+"""
+
+# As the system's own configuration has it: neither names nor calls unless another file allows them.
+SYSTEM_POLICY = """<policy context="default">
+    <allow user="*"/>
+    <deny own="*"/>
+    <deny send_type="method_call"/>
+    <allow send_type="signal"/>
+    <allow send_requested_reply="true" send_type="method_return"/>
+    <allow send_requested_reply="true" send_type="error"/>
+    <allow receive_type="method_call"/>
+    <allow receive_type="method_return"/>
+    <allow receive_type="error"/>
+    <allow receive_type="signal"/>
+    <allow send_destination="org.freedesktop.DBus"/>
+  </policy>
+  <include ignore_missing="yes">/usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf</include>
+  <include>{product_policy}</include>"""
+
+SESSION_POLICY = """<policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>"""
+
+POLKIT = "org.freedesktop.PolicyKit1"
+POLKITD = "/usr/lib/polkit-1/polkitd"
+ACTIONS = "/usr/share/polkit-1/actions"
+RULES = ("/etc/polkit-1/rules.d", "/usr/share/polkit-1/rules.d")
+
+SECONDS_TO_START = 10
+SECONDS_TO_END = 5
+
+
+def wait_until(condition, what, seconds=SECONDS_TO_START):
+    """Waits for a state, and answers with what the condition answered."""
+    deadline = time.monotonic() + seconds
+    while not (result := condition()):
+        if time.monotonic() > deadline:
+            raise RuntimeError(f"not within {seconds} s: {what}")
+        time.sleep(0.005)
+    return result
+
+
+class PrivateSystem:
+    """Has a system bus at once. Only the user who starts it may be the product's daemon on it."""
+
+    def __init__(self):
+        self.place = tempfile.mkdtemp()
+        os.chmod(self.place, 0o755)
+        self.processes = []
+        self.mounts = []
+        self.addresses = {}
+        self.polkit = None
+        self._watchers = {}
+        try:
+            self.bus = self._start_bus("system", SYSTEM_POLICY.format(product_policy=self._own_policy()))
+        except BaseException:
+            self.close()
+            raise
+
+    def environment(self):
+        """What a program must be started with."""
+        names = {"system": "DBUS_SYSTEM_BUS_ADDRESS", "session": "DBUS_SESSION_BUS_ADDRESS"}
+        return dict(os.environ, **{names[kind]: address for kind, address in self.addresses.items()})
+
+    def connect(self, kind="system"):
+        return dbus.bus.BusConnection(self.addresses[kind])
+
+    def owner(self, name, kind="system"):
+        """The unique name of who owns the name; nothing when nobody does."""
+        if kind not in self._watchers:
+            self._watchers[kind] = self.connect(kind)
+        watcher = self._watchers[kind]
+        return watcher.get_name_owner(name) if watcher.name_has_owner(name) else None
+
+    def start_session_bus(self):
+        return self._start_bus("session", SESSION_POLICY)
+
+    def start_polkit(self, rule=""):
+        """Knows the product's action alone, and this rule."""
+        for name, folder in (("actions", ACTIONS), ("rules", RULES[0]), ("no-rules", RULES[1])):
+            cover = f"{self.place}/{name}"
+            os.mkdir(cover)
+            self.mount("--bind", cover, folder)
+        shutil.copy(f"{RESOURCES}/com.quorel.policy", ACTIONS)
+        with open(f"{RULES[0]}/50-test.rules", "w") as file:
+            file.write(rule)
+        self.polkit = self.start([POLKITD, "--no-debug"], name=POLKIT, stdout=subprocess.DEVNULL,
+                                 stderr=subprocess.DEVNULL)
+        return self.polkit
+
+    def start_daemon(self, program, root, **options):
+        return self.start([program, "--root", root], name="com.quorel.Daemon", **options)
+
+    def start_agent(self, program, root, *arguments, **options):
+        return self.start([program, "--root", root, *arguments], name="com.quorel.UserAgent", kind="session",
+                          **options)
+
+    def start(self, arguments, name=None, kind="system", **options):
+        """Starts a program; where a name is given, waits until the program owns it."""
+        before = self.owner(name, kind) if name else None
+        process = subprocess.Popen(arguments, env=self.environment(), **options)
+        self.processes.append(process)
+
+        def is_up():
+            if process.poll() is not None:
+                raise RuntimeError(f"{arguments[0]} ended with {process.returncode}")
+            return self.owner(name, kind) not in (None, before)
+
+        if name:
+            wait_until(is_up, f"{arguments[0]} owns {name}")
+        return process
+
+    def end(self, process):
+        """Ends one of the programs, a stopped one too; answers with its status."""
+        if process.poll() is None:
+            process.terminate()
+            process.send_signal(signal.SIGCONT)
+            try:
+                process.wait(SECONDS_TO_END)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+        for stream in (process.stdin, process.stdout, process.stderr):
+            if stream:
+                stream.close()
+        if process in self.processes:
+            self.processes.remove(process)
+        return process.returncode
+
+    def mount(self, *arguments):
+        """The last argument is where."""
+        subprocess.run(["mount", *arguments], check=True)
+        self.mounts.append(arguments[-1])
+
+    def close(self):
+        for watcher in self._watchers.values():
+            watcher.close()
+        self._watchers.clear()
+        for process in reversed(list(self.processes)):
+            self.end(process)
+        while self.mounts:
+            subprocess.run(["umount", self.mounts.pop()], check=True)
+        shutil.rmtree(self.place, ignore_errors=True)
+
+    def _own_policy(self):
+        with open(f"{RESOURCES}/com.quorel.Daemon.conf") as file:
+            policy = file.read()
+        path = f"{self.place}/com.quorel.Daemon.conf"
+        with open(path, "w") as file:
+            file.write(policy.replace('user="root"', f'user="{pwd.getpwuid(os.getuid()).pw_name}"'))
+        return path
+
+    def _start_bus(self, kind, policy):
+        config, socket = f"{self.place}/{kind}.conf", f"{self.place}/{kind}"
+        with open(config, "w") as file:
+            file.write(BUS.format(kind=kind, socket=socket, policy=policy))
+        bus = subprocess.Popen(["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"],
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.processes.append(bus)
+        if not bus.stdout.readline():
+            raise RuntimeError("the bus did not start")
+        self.addresses[kind] = f"unix:path={socket}"
+        return bus
