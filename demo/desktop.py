@@ -55,6 +55,12 @@ class VirtualDisplay:
     def screenshot(self, path):
         subprocess.run(["import", "-display", self.name, "-window", "root", path], check=True)
 
+    def picture(self, view):
+        """The pixels of a view."""
+        x, y, width, height = map(int, view["frame"])
+        return subprocess.run(["import", "-display", self.name, "-window", "root", "-crop",
+                               f"{width}x{height}+{x}+{y}", "rgb:-"], check=True, stdout=subprocess.PIPE).stdout
+
     def close(self):
         end(self.process)
 
