@@ -44,8 +44,10 @@ SYSTEM_POLICY = """<policy context="default">
   <include>{product_policy}</include>"""
 
 SESSION_POLICY = """<policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
+    <allow user="*"/>
     <allow own="*"/>
+    <allow send_destination="*"/>
+    <allow receive_sender="*"/>
   </policy>"""
 
 POLKIT = "org.freedesktop.PolicyKit1"
