@@ -144,6 +144,8 @@ class SettingsApplication:
             return file.read()
 
     def close(self):
+        if self.screen and self.screen.stream:
+            self.screen.stream.close()
         end(self.process)
 
 
@@ -178,6 +180,7 @@ class Screen:
             connection.close()
             return False
         self.stream = connection.makefile("rw")
+        connection.close()  # with the stream
         return True
 
     def find(self, **facts):
