@@ -265,6 +265,7 @@ class SheetTest(PaneCase):
     def test_texts_in_both_languages(self):
         texts = {"English": ("Apply", "Check for updates", "About…", "Time:", "Save"),
                  "French": ("Appliquer", "Vérifier les mises à jour", "À propos…", "Heure :", "Enregistrer")}
+        self.store(preferences(*self.schedules, schedule("Sleep", 9, 0, **{"Action Type": "org.example.SayMessage"})))
         for language, (apply, check, about, time, save) in texts.items():
             with self.subTest(language=language):
                 screen = self.open_pane(languages=(language,),
@@ -272,7 +273,7 @@ class SheetTest(PaneCase):
                 self.button(apply)
                 self.button(check)
                 self.assert_nothing_cut()
-                for row in range(2):
+                for row in range(3):
                     self.open_row(row)
                     screen.wait(value=time)
                     self.button(save)
