@@ -17,7 +17,8 @@ inline constexpr int kMaximumPropertyListDepth = 64;
 /// XML or binary, within the limits; absent otherwise. Any thread, never throws.
 Value decodePropertyList(std::string_view bytes);
 
-/// XML. Nothing when the value is absent, holds something absent, or passes the limits. Any thread.
+/// XML. Nothing when the value is absent, holds something absent, passes the limits, or holds a text that XML
+/// cannot carry or a date outside the years 1 to 9999. Dates are written in whole seconds. Any thread.
 std::optional<std::string> encodePropertyList(const Value& value);
 
 /// Reads files below a root directory: "/Library/x" is `root` + "/Library/x".
