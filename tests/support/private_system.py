@@ -43,8 +43,11 @@ SYSTEM_POLICY = """<policy context="default">
   <include ignore_missing="yes">/usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf</include>
   <include>{product_policy}</include>"""
 
+# For several users, since the programs of one may be tried by another.
 SESSION_POLICY = """<policy context="default">
+    <allow user="*"/>
     <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
     <allow own="*"/>
   </policy>"""
 
