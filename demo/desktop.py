@@ -70,8 +70,7 @@ class SettingsApplication:
                  bundles=(), **as_user):
         self.home = home
         self.socket = f"{home}/inspector"
-        bundles = f"{home}/Library/Bundles"
-        pane = f"{bundles}/Quorel.prefPane"
+        pane = f"{home}/Library/Bundles/Quorel.prefPane"
         os.makedirs(f"{home}/Defaults", exist_ok=True)
         shutil.rmtree(pane, ignore_errors=True)
         shutil.copytree(f"{build}/Quorel.prefPane", pane)
