@@ -6,7 +6,7 @@ import signal
 import subprocess
 import time
 
-from daemon_case import FAILED, PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, wait_until, xml
+from daemon_case import PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, xml
 
 KILLS = 200
 SECONDS_OF_KILLING = 20
