@@ -23,6 +23,12 @@ PREFERENCES = "Library/Preferences/com.quorel.plist"
 INSTALLED = "1.0.0"
 DAY = 24 * 60 * 60
 UP_TO_DATE, NEWER, UNREACHABLE = "Up to date", "New version available", "Update check failed"
+# Writes down what it is given, one argument a line, and the signals that it cannot get.
+XDG_OPEN = """#!/usr/bin/python3
+import signal, sys
+with open("{place}/opened", "a") as file:
+    print(*sys.argv[1:], *signal.pthread_sigmask(signal.SIG_BLOCK, []), sep="\\n", file=file)
+"""
 
 
 class NotificationServer(dbus.service.Object):
@@ -32,12 +38,19 @@ class NotificationServer(dbus.service.Object):
         self.name = dbus.service.BusName(NOTIFICATIONS, connection)
         super().__init__(connection, "/org/freedesktop/Notifications")
 
+    def end(self):
+        if self.name:
+            self.remove_from_connection()
+            self.name = None  # and is given back
+
     @dbus.service.method(NOTIFICATIONS, out_signature="as")
     def GetCapabilities(self):
         return dbus.Array(self.capabilities, signature="s")
 
-    @dbus.service.method(NOTIFICATIONS, in_signature="susssasa{sv}i", out_signature="u")
-    def Notify(self, program, replaces, icon, title, body, actions, hints, duration):
+    @dbus.service.method(NOTIFICATIONS, in_signature="susssasa{sv}i", out_signature="u",
+                         sender_keyword="sender")
+    def Notify(self, program, replaces, icon, title, body, actions, hints, duration, sender):
+        self.client = sender
         self.shown.append((int(replaces), str(title), str(body), [str(action) for action in actions]))
         return replaces or 7
 
@@ -56,9 +69,8 @@ class AgentTest(unittest.TestCase):
         self.state = f"{place}/state/quorel/last-update-check"
         os.makedirs(f"{place}/root/Library/Preferences")
         os.makedirs(f"{place}/bin")
-        # Writes down what it is given, one argument a line.
         with open(f"{place}/bin/xdg-open", "w") as file:
-            file.write(f'#!/bin/sh\nprintf "%s\\n" "$@" >> {place}/opened\n')
+            file.write(XDG_OPEN.format(place=place))
         os.chmod(f"{place}/bin/xdg-open", 0o755)
         self.session.environment.update(PATH=f"{place}/bin:{os.environ['PATH']}", XDG_STATE_HOME=f"{place}/state")
         self.set_preferences(0)
@@ -88,13 +100,9 @@ class AgentTest(unittest.TestCase):
         self.assertEqual(agent.wait(20), 0)
         return time.monotonic() - began
 
-    def show_notifications(self):
-        server = NotificationServer(self.connection)
-
-        def end():
-            server.remove_from_connection()
-            del server.name
-        self.addCleanup(end)
+    def show_notifications(self, connection=None):
+        server = NotificationServer(connection or self.connection)
+        self.addCleanup(server.end)
         return server
 
     def call(self, method, signature="", *arguments):
@@ -160,7 +168,7 @@ class AgentTest(unittest.TestCase):
         forger = self.session.connect("session")
         signal_message = dbus.lowlevel.SignalMessage("/org/freedesktop/Notifications", NOTIFICATIONS, "ActionInvoked")
         signal_message.append(7, "download", signature="us")
-        signal_message.set_destination(self.connection.get_name_owner(NAME))
+        signal_message.set_destination(notifications.client)
         forger.send_message(signal_message)
         forger.flush()
         notifications.ActionInvoked(8, "download")  # somebody else's
@@ -188,6 +196,34 @@ class AgentTest(unittest.TestCase):
         eventually("the log tells", lambda: self.session.log("agent.log").endswith("\n"))
         self.assertIn("Version 9.0-%n%s can be downloaded. https://example.org/download",
                       self.session.log("agent.log"))
+
+    def test_a_new_notification_server_gets_new_notifications(self):
+        self.feed.answers["/"] = record()
+        self.start_agent()
+        for _ in range(2):
+            server = self.show_notifications(self.session.connect("session"))
+            self.ask()
+            eventually("the user is told", lambda: server.shown)
+            self.assertEqual(server.shown[0][0], 0)  # none to replace
+            server.end()
+
+    def test_asking_joins_a_periodic_check(self):
+        released = threading.Event()
+        self.addCleanup(released.set)
+
+        def answer_when_released(request):
+            released.wait(30)
+            request.answer(record(INSTALLED))
+        self.feed.answers["/"] = answer_when_released
+        self.set_preferences(1)
+        notifications = self.show_notifications()
+        self.start_agent()
+        eventually("the feed is asked", lambda: self.feed.requests)
+        self.ask()
+        released.set()
+        eventually("the user is told", lambda: notifications.shown)
+        self.assertEqual(notifications.shown[0][1], UP_TO_DATE)
+        self.assertEqual(len(self.feed.requests), 1)
 
     def test_answers_and_ends_while_a_check_runs(self):
         released = threading.Event()

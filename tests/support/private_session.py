@@ -51,6 +51,7 @@ class PrivateSession:
         os.chmod(self.place, 0o755)
         os.mkdir(f"{self.place}/services")
         self.test = test
+        self.started = 0
         self.address = {bus: f"unix:path={self.place}/{bus}" for bus in ("session", "system")}
         self.environment = {
             "PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": self.place,
@@ -76,7 +77,9 @@ class PrivateSession:
 
     def start(self, *command, log=None, **how):
         """A process with pipes as input and output. What it logs lands in the file `log` of the folder."""
-        with open(f"{self.place}/{log}" if log else os.devnull, "w") as errors:
+        self.started += 1
+        log = log or f"{self.started}.log"
+        with open(f"{self.place}/{log}", "w") as errors:
             process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=errors,
                                        text=True, env=self.environment, **how)
 
@@ -85,6 +88,8 @@ class PrivateSession:
             process.wait()
             process.stdin.close()
             process.stdout.close()
+            # Not every end has a status that tells.
+            self.test.assertNotIn("Sanitizer:", self.log(log))
         self.test.addCleanup(end)
         return process
 
