@@ -33,8 +33,11 @@ std::size_t characterLength(std::string_view text) {
     return overlong || surrogate || beyond ? 0 : length;
 }
 
-bool isForbiddenControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+/// What XML has no way to write, about the character at the front.
+bool isForbidden(std::string_view text) {
+    const char c = text.front();
+    const bool control = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+    return control || text.starts_with("\xef\xbf\xbe") || text.starts_with("\xef\xbf\xbf");
 }
 
 }  // namespace
@@ -42,7 +45,7 @@ bool isForbiddenControl(char c) {
 bool isPropertyListText(std::string_view text) {
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
-        if (length == 0 || isForbiddenControl(text.front())) return false;
+        if (length == 0 || isForbidden(text)) return false;
         text.remove_prefix(length);
     }
     return true;

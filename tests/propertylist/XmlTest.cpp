@@ -176,6 +176,7 @@ TEST(XmlTest, WritesNothingThatCouldNotBeRead) {
         Dictionary{{"k", Array{1, Value()}}},
         std::string("a\0b", 3),
         "\xff",
+        "\xef\xbf\xbe",
         "\x1b",
         Dictionary{{"\xff", 1}},
         Date{1e18},
