@@ -51,28 +51,6 @@ bool isPropertyListText(std::string_view text) {
     return true;
 }
 
-bool appendUtf8(std::string& text, std::uint32_t codePoint) {
-    const auto put = [&](std::uint32_t byte) { text.push_back(static_cast<char>(byte)); };
-    const auto putTail = [&](unsigned shift) { put(0x80 | (codePoint >> shift & 0x3f)); };
-    if (codePoint > 0x10ffff || (codePoint >= 0xd800 && codePoint < 0xe000)) return false;
-    if (codePoint < 0x80) {
-        put(codePoint);
-        return true;
-    }
-    if (codePoint < 0x800) {
-        put(0xc0 | codePoint >> 6);
-    } else if (codePoint < 0x10000) {
-        put(0xe0 | codePoint >> 12);
-        putTail(6);
-    } else {
-        put(0xf0 | codePoint >> 18);
-        putTail(12);
-        putTail(6);
-    }
-    putTail(0);
-    return true;
-}
-
 std::optional<sys_seconds> calendarTime(Date date) {
     const double whole = std::floor(date.secondsSinceReference);
     const auto first = static_cast<double>((kEarliest - kReference).count());
