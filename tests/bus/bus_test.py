@@ -140,14 +140,13 @@ class BusTest(unittest.TestCase):
     def test_what_becomes_of_a_notification(self):
         self.start_buses()
         self.start_receiver("system", DAEMON)
-        caller = Caller(self.session, silence=300, handling=3000)
+        caller = Caller(self.session, silence=1000, handling=3000)
         for name, expected, least, most, logged in (
                 ("Accept", 1, 0, 1, ""),
-                ("Accept 8000000", 1, 0, 10, ""),
                 ("Refuse", 0, 0, 1, f"Refuse was refused: {DAEMON} 0 :1."),
                 ("Drop", 0, 0, 1, "Drop was refused: The notification was not handled."),
                 ("Late", 1, 1.4, 3, ""),     # kept alive by pings
-                ("Hold", 0, 2.9, 4, "Hold was not handled: no answer.")):
+                ("Hold", 0, 2.9, 4.5, "Hold was not handled: no answer.")):
             with self.subTest(name):
                 before = len(self.session.log("caller"))
                 result, milliseconds = caller(f"post-daemon {name}")
@@ -156,6 +155,8 @@ class BusTest(unittest.TestCase):
                 self.assertLess(milliseconds, most * 1000)
                 log = self.session.log("caller")[before:]
                 self.assertEqual(log[:len(logged)] if logged else log, logged)
+        # Patient, since the bus itself takes a while to pass on what is large.
+        self.assertEqual(Caller(self.session, silence=20000)("post-daemon Accept 8000000")[0], 1)
         self.assertEqual(caller("ping-daemon")[0], 1)
 
     def test_only_the_users_own_agent_counts(self):
@@ -181,14 +182,16 @@ class BusTest(unittest.TestCase):
             with self.subTest(observer):
                 caller = Caller(self.session)
                 caller(f"open {observer}")
+                caller(f"open {observer}")  # once more changes nothing
                 self.assertEqual(self.ping(connection, PANE), expected)
                 with self.assertRaises(dbus.DBusException) as refused:
                     connection.call_blocking(PANE, "/com/quorel/Communication", "com.quorel.Communication1",
                                              "PostNotification", "ssay", ("Any", PANE, b""), timeout=5)
                 self.assertEqual(refused.exception.get_dbus_name(), "com.quorel.Error.UnknownNotification")
                 # A second pane does without the name, and stays usable.
-                second = Caller(self.session)
+                second = Caller(self.session, log="second")
                 second("open true")
+                self.assertEqual(self.session.log("second"), "")
                 self.assertEqual(self.ping(connection, PANE), expected)
                 for pane in (second, caller):
                     pane.process.stdin.close()
@@ -227,7 +230,7 @@ class BusTest(unittest.TestCase):
             self.assertEqual(process.wait(30), 0)  # what a sanitizer has found shows here
             process.stdin = open(os.devnull, "w")
 
-    def test_many_pings_leave_nothing_behind(self):
+    def test_many_calls_leave_nothing_behind(self):
         self.start_buses()
         receiver = self.start_receiver("system", DAEMON)
         caller = Caller(self.session, silence=20000)
@@ -239,11 +242,12 @@ class BusTest(unittest.TestCase):
                     lines = dict(line.split(":", 1) for line in file)
                 result.append((len(os.listdir(f"/proc/{process.pid}/fd")), int(lines["VmRSS"].split()[0])))
             return result
-        self.assertEqual(caller("ping-daemon-often 1000")[0], 1000)
+        self.assertEqual(caller("together 1 500")[0], 1000)
         before = footprint()
         result, milliseconds = caller("ping-daemon-often 10000")
+        self.assertEqual(caller("together 1 3000")[0], 6000)
         after = footprint()
-        print(f"10000 pings: {milliseconds / 10000:.3f} ms each; files and KiB {before} -> {after}")
+        print(f"10000 pings: {milliseconds / 10000:.3f} ms each; files and KiB, notifications included: {before} -> {after}")
         self.assertEqual(result, 10000)
         for (files, memory), (files_then, memory_then) in zip(before, after):
             self.assertEqual(files_then, files)
