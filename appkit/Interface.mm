@@ -27,6 +27,10 @@ void VXLocalizeView(NSView *view, NSBundle *bundle) {
     if ([view isKindOfClass:[NSButton class]] && [(NSButton *)view bezelStyle] == NSRoundedBezelStyle) {
         [(NSButton *)view setBezelStyle:NSRegularSquareBezelStyle];
     }
+    // The menu that comes with an interface file is endlessly wide once another item than the first was chosen.
+    if ([view isKindOfClass:[NSPopUpButton class]]) {
+        [(NSPopUpButton *)view setMenu:[[[NSMenu alloc] init] autorelease]];
+    }
 #endif
     if ([view isKindOfClass:[NSPopUpButton class]]) return;  // its items are the business of code
     if ([view isKindOfClass:[NSButton class]]) {

@@ -3,6 +3,7 @@
 What is on the screen, and where, the application tells itself: a small bundle that it loads (inspector/) answers over a
 socket. Everything that is done goes through the X server, as from a mouse and a keyboard.
 """
+import glob
 import json
 import os
 import shutil
@@ -56,6 +57,28 @@ class VirtualDisplay:
 
     def close(self):
         end(self.process)
+
+
+class DesktopServers:
+    """The pasteboard and the notification center that applications share, reached through the folder TEMP.
+
+    An application starts them itself where there are none. Those that it shares with others, though, go down with the
+    display of whoever began them.
+    """
+
+    def __init__(self, environment, user=None):
+        folder = environment["TEMP"]
+        os.makedirs(folder)
+        os.chmod(folder, 0o1777)
+        self.processes = [subprocess.Popen([server, "--no-fork"], env=environment, user=user,
+                                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                          for server in ("gdnc", "gpbs")]
+        names = f"{folder}/GNUstepSecure*/NSMessagePort/names/*"
+        wait_for(lambda: len(glob.glob(names)) == len(self.processes), "the pasteboard does not come up")
+
+    def close(self):
+        for process in self.processes:
+            end(process)
 
 
 class SettingsApplication:
@@ -198,6 +221,18 @@ class Screen:
 
     def click_header(self, column):
         self.click(self.table()["headers"][column])
+
+    def choose(self, pop_up, title):
+        """Holds the button down on a pop-up until its menu is there, and lets it go on the item."""
+        x, y, width, height = pop_up["frame"]
+        self.xdotool("mousemove", int(x + width / 2), int(y + height / 2), "sleep", 0.02, "mousedown", 1)
+
+        def the_item():
+            items = (item for window in self.look() for view in window["views"] for item in view.get("menu", ()))
+            return next((item for item in items if item["title"] == title and item["frame"][2] < 1024), None)
+        item = wait_for(the_item, f"no menu with {title}")
+        x, y, width, height = item["frame"]
+        self.xdotool("mousemove", int(x + width / 2), int(y + height / 2), "sleep", 0.1, "mouseup", 1)
 
     def drag_row(self, row, below):
         """From a row to the gap below another; row -1 stands for the gap at the top."""

@@ -7,9 +7,12 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <thread>
 
 /* The settings application's icons know their panes. */
@@ -24,12 +27,46 @@
 - (void)look:(id)unused;
 @end
 
+// A menu has no bounds until it is laid out.
+static const CGFloat kFarAway = 1e6;
+
 // In the pixels of the screen, from its top left.
+static NSArray *pixels(NSRect onScreen) {
+    const CGFloat top = NSMaxY([[NSScreen mainScreen] frame]) - NSMaxY(onScreen);
+    NSMutableArray *numbers = [NSMutableArray array];
+    for (const CGFloat number : {NSMinX(onScreen), top, NSWidth(onScreen), NSHeight(onScreen)}) {
+        [numbers addObject:@(std::clamp(number, -kFarAway, kFarAway))];
+    }
+    return numbers;
+}
+
 static NSArray *pixels(NSRect rect, NSView *view) {
-    const NSRect inWindow = [view convertRect:rect toView:nil];
-    const NSPoint origin = [[view window] convertBaseToScreen:inWindow.origin];
-    const CGFloat top = NSMaxY([[NSScreen mainScreen] frame]) - origin.y - inWindow.size.height;
-    return @[ @(origin.x), @(top), @(inWindow.size.width), @(inWindow.size.height) ];
+    NSRect place = [view convertRect:rect toView:nil];
+    place.origin = [[view window] convertBaseToScreen:place.origin];
+    return pixels(place);
+}
+
+// Whether a text takes more room than its cell leaves it. The frames round upwards.
+static BOOL isCut(NSCell *cell, NSRect frame) {
+    if ([cell isKindOfClass:[NSButtonCell class]]) return [cell cellSize].width > NSWidth(frame) + 1;
+    return [[cell attributedStringValue] size].width > NSWidth([cell titleRectForBounds:frame]) + 1;
+}
+
+static BOOL hasFixedText(NSControl *control) {
+    if ([control isKindOfClass:[NSTextField class]]) return ![(NSTextField *)control isEditable];
+    return [control isKindOfClass:[NSButton class]];
+}
+
+// Whether what is around a view lets only a part of it be seen.
+static BOOL isClipped(NSView *view) {
+    const NSRect visible = [view visibleRect];
+    return !NSIsEmptyRect(visible) && !NSEqualRects(visible, [view bounds]);
+}
+
+// The framework's own hash looks at the beginning alone.
+static NSString *fingerprint(NSData *data) {
+    const std::string_view bytes(static_cast<const char *>([data bytes]), [data length]);
+    return [NSString stringWithFormat:@"%zx", std::hash<std::string_view>()(bytes)];
 }
 
 static id plain(id value) {
@@ -42,11 +79,13 @@ static id plain(id value) {
     return value ? [value description] : [NSNull null];
 }
 
+// No rows while another window is modal: asking for values would give the modules that a sheet edits other parameters.
 static NSDictionary *describeTable(NSTableView *table) {
+    const BOOL blocked = [NSApp modalWindow] && [NSApp modalWindow] != [table window];
     NSMutableArray *rows = [NSMutableArray array];
     NSMutableDictionary *headers = [NSMutableDictionary dictionary];
     NSArray *columns = [table tableColumns];
-    for (NSInteger row = 0; row < [table numberOfRows]; ++row) {
+    for (NSInteger row = 0; !blocked && row < [table numberOfRows]; ++row) {
         NSMutableDictionary *cells = [NSMutableDictionary dictionary];
         for (NSTableColumn *column in columns) {
             const NSInteger index = static_cast<NSInteger>([columns indexOfObject:column]);
@@ -65,6 +104,7 @@ static NSDictionary *describeTable(NSTableView *table) {
         NSTableHeaderView *header = [table headerView];
         [headers setObject:@{
             @"title" : [[column headerCell] stringValue],
+            @"cut" : @(isCut([column headerCell], [header headerRectOfColumn:index])),
             @"frame" : pixels([header headerRectOfColumn:index], header)
         }
                     forKey:[column identifier]];
@@ -92,6 +132,11 @@ static NSDictionary *describe(NSView *view) {
     if ([view isKindOfClass:[NSControl class]] && ![view isKindOfClass:[NSTableView class]]) {
         NSControl *control = (NSControl *)view;
         [facts setObject:@([control isEnabled]) forKey:@"enabled"];
+        [facts setObject:@([[control window] firstResponder] == control || [control currentEditor]) forKey:@"focused"];
+        if (hasFixedText(control)) {
+            const BOOL cut = isCut([control cell], [control bounds]) || isClipped(control);
+            [facts setObject:@(cut) forKey:@"cut"];
+        }
         if ([control respondsToSelector:@selector(title)]) {
             [facts setObject:plain([(NSButton *)control title]) forKey:@"title"];
         }
@@ -100,11 +145,9 @@ static NSDictionary *describe(NSView *view) {
         }
         if ([control isKindOfClass:[NSTextField class]]) {
             [facts setObject:[control stringValue] forKey:@"value"];
-            [facts setObject:@([control currentEditor] != nil) forKey:@"editing"];
         }
         if ([control isKindOfClass:[NSImageView class]]) {
-            NSData *data = [[(NSImageView *)control image] TIFFRepresentation];
-            [facts setObject:@([data hash]) forKey:@"image"];
+            [facts setObject:fingerprint([[(NSImageView *)control image] TIFFRepresentation]) forKey:@"image"];
         }
         if ([control isKindOfClass:[NSPopUpButton class]]) {
             NSPopUpButton *popUp = (NSPopUpButton *)control;
@@ -150,7 +193,7 @@ static void collect(NSView *view, NSMutableArray *found) {
             @"key" : @([window isKeyWindow]),
             @"main" : @([window isMainWindow]),
             @"modal" : @([NSApp modalWindow] == window),
-            @"frame" : pixels([content bounds], content),
+            @"frame" : pixels([window frame]),
             @"views" : views
         }];
     }

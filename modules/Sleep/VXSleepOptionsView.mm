@@ -92,8 +92,10 @@ static const CGFloat kGap = 6;
     [_stepper setEnabled:[self onlyWhenIdle]];
 }
 
+/* From what is being typed, which the stepper does not know. */
 - (void)stepperChanged:(id)sender {
-    [self setMinutes:[_stepper intValue]];
+    const int by = [_stepper intValue] - _minutes;
+    [self setMinutes:[self minutes] + by];
 }
 
 - (void)controlTextDidEndEditing:(NSNotification *)notification {

@@ -8,7 +8,7 @@ import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = [f"{HERE}/../../demo", f"{HERE}/../support"]
-from desktop import SettingsApplication, VirtualDisplay, wait_for  # noqa: E402
+from desktop import DesktopServers, SettingsApplication, VirtualDisplay, wait_for  # noqa: E402
 from private_system import PrivateSystem  # noqa: E402
 
 BUILD = os.path.abspath(sys.argv[1]) if len(sys.argv) > 1 else ""
@@ -44,11 +44,7 @@ class PaneCase(unittest.TestCase):
         self.system.start_polkit(self.rule)
         self.display = VirtualDisplay()
         self.addCleanup(self.display.close)
-        self.application = None
-
-    def run(self, result=None):
-        self.result = result
-        return super().run(result)
+        self.servers = self.application = None
 
     def store(self, content):
         with open(self.file, "wb") as file:
@@ -68,6 +64,16 @@ class PaneCase(unittest.TestCase):
         return wait_for(lambda: (now := self.stored()) and condition(now) and now,
                         lambda: f"the file stays {self.stored()}")
 
+    def wait_only_stored(self, *schedules, **changes):
+        """Waits until the daemon has stored the file; it must then hold this to the letter."""
+        before = self.opened
+        stored = self.wait_stored(lambda now: now != before)
+        self.assertIs(type(stored.pop("Prefs Version")), int)
+        wanted = preferences(*schedules, **changes)
+        del wanted["Prefs Version"]
+        self.assertEqual(stored, wanted)
+        self.assertEqual(plistlib.dumps(stored), plistlib.dumps(wanted))  # a truth value is no number there
+
     def start_daemon(self):
         self.daemon = self.system.start_daemon(f"{BUILD}/daemon/quorel-daemon", self.root)
         return self.daemon
@@ -76,7 +82,7 @@ class PaneCase(unittest.TestCase):
         self.agent = self.system.start_agent(f"{BUILD}/agent/quorel-agent", self.root, *arguments)
         return self.agent
 
-    def open_pane(self, unlocked=True, open_it=True, info=(), **how):
+    def open_pane(self, unlocked=True, open_it=True, info=(), user=None, **how):
         """Starts the application, once more with what the last one left, and clicks the pane's icon."""
         home = f"{self.place}/home"
         defaults = f"{home}/Defaults/SystemPreferences.plist"
@@ -84,10 +90,14 @@ class PaneCase(unittest.TestCase):
             os.makedirs(os.path.dirname(defaults))
             with open(defaults, "w") as file:
                 file.write(UNLOCKED)
-        environment = dict(self.system.environment(), DISPLAY=self.display.name, LC_ALL="C.UTF-8",
-                           PATH=f"{self.place}/bin:{os.environ['PATH']}")
+        environment = dict(self.system.environment(), DISPLAY=self.display.name, LC_ALL="C.UTF-8", TEMP=f"{self.place}/servers",
+                           HOME=home, PATH=f"{self.place}/bin:{os.environ['PATH']}")
+        if not self.servers:
+            self.servers = DesktopServers(environment, user)
+            self.addCleanup(self.servers.close)
+        self.opened = self.stored()
         self.application = SettingsApplication(BUILD, home, environment, info={"QuorelRoot": self.root, **dict(info)},
-                                               **how)
+                                               user=user, **how)
         self.addCleanup(self.application.close)
         self.screen = self.application.screen
         if open_it:

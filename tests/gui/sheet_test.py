@@ -1,0 +1,295 @@
+#!/usr/bin/env python3
+"""The edit sheet, used with mouse and keyboard: sheet_test.py BUILD"""
+import glob
+
+from pane_case import BUILD, DAYS, PaneCase, main, preferences, schedule
+
+TIME = ("Hours", "Minutes", "Morning or afternoon")
+DAY_TITLES = tuple(day[:3] for day in DAYS)
+SEPARATOR = "-----------"
+SLEEP_PARAMETERS = {"Needs Startup": False, "Needs Wake Up": False, "Only When Idle": False, "Idle Minutes": 15}
+IDLE = "Only when nobody has used it for"
+IDLE_MINUTES = "Time without use, from 1 to 999 minutes"
+HOST_TEXTS = ("Show All", "Icon")  # not the pane's
+
+
+class SheetTest(PaneCase):
+    def setUp(self):
+        super().setUp()
+        self.schedules = [schedule("Sleep", "22", "30", enabled=0, Remark="kept"),
+                          schedule("WakeUp", 6, 15, days=("Monday",))]
+        self.store(preferences(*self.schedules))
+
+    def open_row(self, row):
+        self.screen.click_cell(row, "Infos", times=2)
+        return self.wait_sheet()
+
+    def save(self):
+        self.screen.key("Return")
+        self.wait_no_sheet()
+
+    def cancel(self):
+        self.screen.key("Escape")
+        self.wait_no_sheet()
+
+    def wait_time(self, *texts):
+        for part, text in zip(TIME, texts):
+            self.screen.wait(toolTip=part, value=text)
+
+    def type_over(self, tip, text):
+        """Into the field that has the keyboard, whose text is selected."""
+        self.screen.wait(toolTip=tip, focused=True)
+        self.screen.type(text)
+        self.screen.wait(toolTip=tip, value=text)
+
+    def step(self, stepper, up):
+        x, y, width, height = stepper["frame"]
+        self.screen.click([x, y if up else y + height / 2, width, height / 2])
+
+    def states(self):
+        return [self.screen.find(title=day)["state"] for day in DAY_TITLES]
+
+    def choose(self, title):
+        self.screen.choose(self.by_tip("Type of action"), title)
+        self.screen.wait(toolTip="Type of action", title=title)
+        self.screen.settle()
+
+    def dot(self):
+        return self.screen.find(toolTip="What the action needs")["image"]
+
+    def test_time_days_and_options_are_edited(self):
+        self.start_daemon()
+        screen = self.open_pane()
+        self.open_row(0)
+        self.wait_time("10", "30", "PM")
+
+        # What is no time is refused where it stands, whatever would leave the field.
+        for tip, wrong, before, right in zip(TIME, ("13", "60", "x"), ("10", "30", "PM"), ("7", "5", "a")):
+            self.type_over(tip, wrong)
+            screen.key("Tab")
+            screen.wait(toolTip=tip, value=before, focused=True)
+            self.type_over(tip, right)
+            screen.key("Tab")
+        screen.wait(title="Mon", focused=True)
+        self.wait_time("07", "05", "AM")
+        screen.key("shift+Tab", "shift+Tab")
+        self.type_over("Minutes", "99")
+        screen.key("Return")
+        screen.wait(toolTip="Minutes", value="05", focused=True)
+        self.assertIsNotNone(screen.modal())
+
+        screen.key("Down", "Down")
+        self.wait_time("07", "03", "AM")
+        stepper = self.by_tip("Forward or back")
+        self.step(stepper, up=True)
+        self.wait_time("07", "04", "AM")
+        self.step(stepper, up=False)
+        self.wait_time("07", "03", "AM")
+        screen.key("shift+Tab", "Up")
+        self.wait_time("08", "03", "AM")
+
+        self.assertEqual(self.states(), [1] * 7)
+        screen.wait(title="All", enabled=False)
+        screen.click(self.button("Mon"))
+        screen.wait(title="Mon", state=0)
+        screen.click(screen.wait(title="All", enabled=True))
+        screen.wait(title="Mon", state=1)
+        screen.wait(title="All", enabled=False)
+        for day in DAY_TITLES[5:]:
+            screen.click(self.button(day))
+            screen.wait(title=day, state=0)
+
+        screen.click(self.button(IDLE))
+        screen.wait(title=IDLE, state=1)
+        screen.click(self.by_tip(IDLE_MINUTES), times=2)
+        self.type_over(IDLE_MINUTES, "29")
+        self.step(screen.wait(toolTip=IDLE_MINUTES, **{"class": "NSStepper"}), up=True)
+        screen.wait(toolTip=IDLE_MINUTES, value="30")
+        screen.click(self.by_tip(IDLE_MINUTES), times=2)
+        self.type_over(IDLE_MINUTES, "45")
+        self.save()
+
+        self.assertEqual(screen.rows()[0]["Infos"]["Action"], "After 45 min without use")
+        self.wait_times("8:03", "6:15")
+        self.apply()
+        parameters = dict(SLEEP_PARAMETERS, **{"Only When Idle": True, "Idle Minutes": 45})
+        self.wait_only_stored(schedule("Sleep", 8, 3, days=DAYS[:5], Remark="kept", **{"Action Parameters": parameters}),
+                              self.schedules[1])
+
+    def test_adding_types_flags_cancelling_and_deleting(self):
+        self.start_daemon()
+        screen = self.open_pane()
+        screen.click(self.by_tip("Add a schedule"))
+        self.wait_sheet()
+        self.wait_time("11", "00", "PM")
+        self.assertEqual(self.by_tip("Type of action")["title"], "Sleep")
+        for flag in ("Start the computer up", "Wake the computer up"):
+            screen.wait(title=flag, enabled=False, state=0)
+        dots = [self.dot()]
+        self.choose("Wake up")
+        screen.wait(title="Wake the computer up", enabled=False, state=1)
+        screen.wait(value="This action has no options.")
+        dots.append(self.dot())
+        screen.click(screen.wait(title="Start the computer up", enabled=True, state=0))
+        screen.wait(title="Start the computer up", state=1)
+        dots.append(self.dot())
+        self.assertEqual(len(set(dots)), 3)
+        # A type that is picked brings its own flags.
+        self.choose("Sleep")
+        screen.wait(title=IDLE, state=0)
+        self.choose("Wake up")
+        screen.click(screen.wait(title="Start the computer up", enabled=True, state=0))
+        screen.wait(title="Start the computer up", state=1)
+        self.save()
+        self.wait_times("10:30", "6:15", "11:00")
+        self.assertTrue(screen.rows()[2]["Infos"]["Startup"])
+
+        # Of what is cancelled nothing stays, nor comes back.
+        screen.click(self.by_tip("Add a schedule"))
+        self.wait_sheet()
+        self.choose("Sleep")
+        screen.click(self.button(IDLE))
+        screen.wait(title=IDLE, state=1)
+        self.cancel()
+        self.open_row(0)
+        self.wait_time("10", "30", "PM")
+        screen.wait(title=IDLE, state=0)
+        screen.click(self.button("Tue"))
+        screen.wait(title="Tue", state=0)
+        screen.click(self.button("Cancel"))
+        self.wait_no_sheet()
+        self.wait_times("10:30", "6:15", "11:00")
+        self.assertEqual(screen.rows()[0]["Active On Tuesday"], 1)
+
+        screen.click_cell(1, "Infos")
+        screen.click(screen.wait(toolTip="Delete the selected schedule", enabled=True))
+        self.wait_times("10:30", "11:00")
+        self.apply()
+        added = schedule("WakeUp", 23, 0, **{"Action Parameters": {"Needs Startup": True, "Needs Wake Up": True}})
+        self.wait_only_stored(self.schedules[0], added)
+
+    def test_place_and_tab_order(self):
+        screen = self.open_pane()
+        heights = []
+        flags = ("Start the computer up",)
+        for row, options in ((1, ()), (0, (IDLE, IDLE_MINUTES)), (1, ())):
+            sheet = self.open_row(row)
+            if options:
+                screen.click(self.button(IDLE))
+                screen.wait(title=IDLE, state=1)
+                screen.click(self.button("Mon"))
+                screen.wait(title="Mon", state=0)
+                screen.click(self.by_tip("Hours"))
+            x, top, width, height = sheet["frame"]
+            below = next(window for window in screen.look() if window["title"] == "System Preferences")["frame"]
+            self.assertEqual(top, below[1] + 22)
+            self.assertTrue(0 <= x and x + width <= 1024 and top + height <= 768, sheet["frame"])
+            self.assert_inside_options()
+            heights.append(height)
+            self.assertEqual(self.tab_round("Hours"), [*TIME, *DAY_TITLES, "Tick all days", "Type of action", *options,
+                                                       *([] if options else flags), "Cancel", "Save"])
+            self.cancel()
+        # Picking a type leaves the top edge where it is.
+        top = self.open_row(1)["frame"][1]
+        for title in ("Sleep", "Wake up", "Sleep"):
+            self.choose(title)
+            self.assertEqual(screen.modal()["frame"][1], top)
+        self.assertEqual([heights[0] - height for height in heights], [0, 22, 22])
+
+    def assert_inside_options(self):
+        views = self.screen.modal()["views"]
+        container = next(i for i, view in enumerate(views) if view["class"] == "VXOptionsContainer")
+        outer, inner = views[container]["frame"], views[container + 1]["frame"]
+        self.assertTrue(outer[0] <= inner[0] and outer[1] <= inner[1] and
+                        inner[0] + inner[2] <= outer[0] + outer[2] and inner[1] + inner[3] <= outer[1] + outer[3],
+                        (outer, inner))
+
+    def tab_round(self, first):
+        """What gets the keyboard, one Tab after the other, until the first one has it again."""
+        self.screen.wait(toolTip=first, focused=True)
+        names, before = [], None
+        while len(names) < 30:
+            now = self.screen.wait(focused=True, frame=lambda frame: frame != before)
+            name = now.get("toolTip") or now["title"]
+            if names and name == first:
+                break
+            names.append(name)
+            before = now["frame"]
+            self.screen.key("Tab")
+        return names
+
+    def test_modules_of_others(self):
+        self.start_daemon()
+        say = schedule("Sleep", 9, 0, **{"Action Type": "org.example.SayMessage",
+                                         "Action Parameters": {"Message": "Tea", "Times": 2, "Own": "kept?"}})
+        broken = schedule("Sleep", 9, 1, **{"Action Type": "org.example.RefusingModule"})
+        self.store(preferences(broken, self.schedules[0], say))
+        modules = glob.glob(f"{BUILD}/tests/broken_modules/*.vxplugin")
+        self.assertEqual(len(modules), 5)
+        screen = self.open_pane(extra_modules=modules + [f"{BUILD}/tests/sample_module/SayMessage.vxplugin"])
+        self.wait_times("10:30", "9:00")
+        self.assertEqual(screen.rows()[1]["Infos"]["Action"], 'Says "Tea", times: 2')
+
+        self.open_row(1)
+        self.assertEqual(self.by_tip("Type of action")["items"], ["Sleep", "Wake up", SEPARATOR, "Say a message"])
+        screen.wait(toolTip="What is said", value="Tea")
+        screen.wait(toolTip="How many times it is said", title="2")
+        screen.wait(title="Wake the computer up", enabled=False, state=1)
+        screen.wait(value="Is not said if the computer is off.")
+        screen.click(self.button("Start the computer up"))
+        screen.wait(value="Is said even if the computer is off.")
+        self.assert_inside_options()
+        screen.choose(self.by_tip("How many times it is said"), "5")
+        screen.click(self.by_tip("What is said"))
+        screen.wait(toolTip="What is said", focused=True)
+        screen.key("End")
+        screen.type(" time")
+        screen.wait(toolTip="What is said", value="Tea time")
+        self.save()
+        self.wait_times("10:30", "9:00")
+        self.assertEqual(screen.rows()[1]["Infos"]["Action"], 'Says "Tea time", times: 5')
+
+        self.open_row(0)
+        self.choose("Say a message")
+        screen.wait(toolTip="What is said", value="Hello")
+        self.save()
+        screen.wait_rows(lambda rows: rows[0]["Infos"]["Name"] == "Say a message")
+        self.apply()
+        said = {"Message": "Tea time", "Times": 5, "Needs Startup": True, "Needs Wake Up": True}
+        hello = {"Message": "Hello", "Times": 1, "Needs Startup": False, "Needs Wake Up": True}
+        self.wait_only_stored(
+            schedule("Sleep", 22, 30, Remark="kept",
+                     **{"Action Type": "org.example.SayMessage", "Action Parameters": hello}),
+            dict(say, **{"Action Parameters": said}))
+
+    def test_texts_in_both_languages(self):
+        texts = {"English": ("Apply", "Check for updates", "About…", "Time:", "Save"),
+                 "French": ("Appliquer", "Vérifier les mises à jour", "À propos…", "Heure :", "Enregistrer")}
+        for language, (apply, check, about, time, save) in texts.items():
+            with self.subTest(language=language):
+                screen = self.open_pane(languages=(language,),
+                                        extra_modules=[f"{BUILD}/tests/sample_module/SayMessage.vxplugin"])
+                self.button(apply)
+                self.button(check)
+                self.assert_nothing_cut()
+                for row in range(2):
+                    self.open_row(row)
+                    screen.wait(value=time)
+                    self.button(save)
+                    self.assert_nothing_cut()
+                    self.cancel()
+                screen.click(self.button(about))
+                self.wait_sheet()
+                self.assert_nothing_cut()
+                self.cancel()
+                self.application.close()
+
+    def assert_nothing_cut(self):
+        views = [view for window in self.screen.look() for view in window["views"]]
+        views += [header for view in views for header in view.get("headers", {}).values()]
+        texts = [view.get("title") or view.get("value") for view in views if view.get("cut")]
+        self.assertEqual([text for text in texts if text not in (*HOST_TEXTS, ":")], [])
+
+
+if __name__ == "__main__":
+    main()
