@@ -18,6 +18,16 @@ NOBODY = 65534
 ME = os.getuid()
 
 
+def stop(process):
+    """Returns when no thread of it runs any more."""
+    os.kill(process.pid, signal.SIGSTOP)
+
+    def state(thread):
+        with open(f"/proc/{process.pid}/task/{thread}/stat") as file:
+            return file.read().rpartition(")")[2].split()[0]
+    eventually("it stops", lambda: all(state(thread) == "T" for thread in os.listdir(f"/proc/{process.pid}/task")))
+
+
 class Caller:
     def __init__(self, session, silence=1000, handling=120000, log="caller"):
         self.process = session.start(CALLER, str(silence), str(handling), log=log, bufsize=1)
@@ -78,12 +88,12 @@ class BusTest(unittest.TestCase):
         """Whoever is silent, be it a program or the bus: a second at most for each answer that is waited for."""
         def stopped_program():
             self.start_buses()
-            os.kill(self.start_receiver("system", DAEMON).pid, signal.SIGSTOP)
+            stop(self.start_receiver("system", DAEMON))
 
         def stopped_bus():
             self.start_buses()
             self.start_receiver("system", DAEMON)
-            os.kill(self.system.pid, signal.SIGSTOP)
+            stop(self.system)
 
         def listen(backlog):
             server = socket.socket(socket.AF_UNIX)
@@ -124,7 +134,7 @@ class BusTest(unittest.TestCase):
         for command in ("ping-daemon", "post-daemon Hold"):
             with self.subTest(command):
                 receiver = self.start_receiver("system", DAEMON)
-                os.kill(receiver.pid, signal.SIGSTOP)
+                stop(receiver)
                 caller.begin(command)
                 watcher = self.session.connect("system")
                 # Long enough for the question to be asked; one asked later gets the same answer.
