@@ -149,6 +149,7 @@ TEST(XmlTest, RefusesWhatIsMalformed) {
         "true",
         "<true/>",
         "<plist/>",
+        "<other><true/></other>",
         "<plist><true/>",
         "<plist><true/></plist>more",
         "<plist><true/></plist><plist/>",
