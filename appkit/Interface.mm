@@ -69,7 +69,9 @@ void VXSetButtonImages(NSButton *button, NSString *name, NSString *alternateName
 }
 
 void VXLetGoOfButton(id sender) {
-    if ([sender isKindOfClass:[NSButton class]]) [(NSButton *)sender highlight:NO];
+    if (![sender isKindOfClass:[NSButton class]]) return;
+    [(NSButton *)sender highlight:NO];
+    [(NSButton *)sender display];
 }
 
 void VXLinkKeyViews(NSArray *views) {

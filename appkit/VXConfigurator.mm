@@ -262,6 +262,15 @@ static quorel::DropOperation dropOperationFrom(NSTableViewDropOperation operatio
     return _configurator->tableViewShouldSelectTableColumn(*_configurator->outlets.tableView, wrapper);
 }
 
+#ifdef GNUSTEP
+
+/* Here a table whose selection must not change does not ask about its columns. */
+- (void)tableView:(NSTableView *)table didClickTableColumn:(NSTableColumn *)column {
+    if (_configurator->isLocked()) [self tableView:table shouldSelectTableColumn:column];
+}
+
+#endif
+
 @end
 
 namespace quorel::appkit {

@@ -55,6 +55,12 @@ class VirtualDisplay:
     def screenshot(self, path):
         subprocess.run(["import", "-display", self.name, "-window", "root", path], check=True)
 
+    def picture(self, view):
+        """The pixels of a view."""
+        x, y, width, height = map(int, view["frame"])
+        return subprocess.run(["import", "-display", self.name, "-window", "root", "-crop",
+                               f"{width}x{height}+{x}+{y}", "rgb:-"], check=True, stdout=subprocess.PIPE).stdout
+
     def close(self):
         end(self.process)
 
@@ -141,6 +147,8 @@ class SettingsApplication:
             return file.read()
 
     def close(self):
+        if self.screen and self.screen.stream:
+            self.screen.stream.close()
         end(self.process)
 
 
@@ -175,6 +183,7 @@ class Screen:
             connection.close()
             return False
         self.stream = connection.makefile("rw")
+        connection.close()  # with the stream
         return True
 
     def find(self, **facts):

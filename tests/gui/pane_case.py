@@ -87,7 +87,7 @@ class PaneCase(unittest.TestCase):
         home = f"{self.place}/home"
         defaults = f"{home}/Defaults/SystemPreferences.plist"
         if unlocked and not os.path.exists(defaults):
-            os.makedirs(os.path.dirname(defaults))
+            os.makedirs(os.path.dirname(defaults), exist_ok=True)
             with open(defaults, "w") as file:
                 file.write(UNLOCKED)
         environment = dict(self.system.environment(), DISPLAY=self.display.name, LC_ALL="C.UTF-8", TEMP=f"{self.place}/servers",

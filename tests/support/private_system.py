@@ -47,9 +47,9 @@ SYSTEM_POLICY = """<policy context="default">
 # For several users, since the programs of one may be tried by another.
 SESSION_POLICY = """<policy context="default">
     <allow user="*"/>
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
     <allow own="*"/>
+    <allow send_destination="*"/>
+    <allow receive_sender="*"/>
   </policy>"""
 
 POLKIT = "org.freedesktop.PolicyKit1"

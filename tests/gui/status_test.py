@@ -1,0 +1,190 @@
+#!/usr/bin/env python3
+"""The lights, the update check and the about sheet, with programs that come, go and hang: status_test.py BUILD"""
+import os
+import signal
+import time
+
+from pane_case import PaneCase, main, preferences, schedule, wait_for
+from feed_server import FeedServer, record
+
+CYCLE = 10  # seconds between two looks at the programs
+SILENCE = 1  # seconds for which a program that hangs is waited for
+SLACK = 3  # seconds, for a busy machine
+
+
+class StatusCase(PaneCase):
+    def setUp(self):
+        super().setUp()
+        self.store(preferences(schedule("Sleep", 22, 30), schedule("WakeUp", 6, 15)))
+
+    def wait_lights(self, daemon, agent, seconds=2 * SILENCE + SLACK):
+        def word(alive):
+            return "running" if alive else "not running"
+        texts = (f"Daemon {word(daemon)}", f"User agent {word(agent)}")
+        wait_for(lambda: all(self.screen.find(value=text) for text in texts), f"the lights are not {texts}", seconds)
+        images = [self.by_tip(f"Status of the {program}")["image"] for program in ("daemon", "user agent")]
+        self.assertEqual(images[0] == images[1], daemon == agent)
+
+    def press(self, title):
+        self.screen.click(self.button(title))
+
+    def hang(self, *programs):
+        for program in programs:
+            program.send_signal(signal.SIGSTOP)
+
+    def time_to_open(self):
+        """Seconds from the click on the icon until the application answers again."""
+        icon = self.screen.wait(title="Quorel", **{"class": "SPIcon"})
+        self.screen.settle()
+        started = time.monotonic()
+        self.screen.click(icon)
+        self.screen.wait(**{"class": "VXScheduleTableView"})
+        return time.monotonic() - started
+
+
+class LightsTest(StatusCase):
+    def test_lights_follow_the_programs(self):
+        self.open_pane()
+        self.wait_lights(daemon=False, agent=False)
+        self.start_daemon()
+        self.start_agent()
+        self.wait_lights(daemon=True, agent=True, seconds=CYCLE + SLACK)
+        self.hang(self.daemon)
+        self.system.end(self.agent)
+        self.wait_lights(daemon=False, agent=False, seconds=CYCLE + SILENCE + SLACK)
+        self.daemon.send_signal(signal.SIGCONT)
+        self.wait_lights(daemon=True, agent=False, seconds=CYCLE + SLACK)
+
+    def test_programs_that_hang_hold_nothing_up_for_long(self):
+        self.start_daemon()
+        self.start_agent()
+        screen = self.open_pane(open_it=False)
+        self.time_to_open()  # once, with the bundle to be loaded
+        screen.settle()
+        self.press("Show All")
+        both_alive = self.time_to_open()
+        self.hang(self.daemon, self.agent)
+        self.press("Show All")  # saves
+        both_hung = self.time_to_open()
+        self.assertGreater(both_hung, both_alive + SILENCE)
+        self.assertLess(both_hung, both_alive + 2 * SILENCE + 1)
+        self.wait_lights(daemon=False, agent=False)
+
+        screen.settle()
+        screen.click_cell(0, "Is Enabled")
+        self.wait_enabled("Apply")
+        content = self.stored()
+        started = time.monotonic()
+        self.apply()
+        screen.look()
+        self.assertLess(time.monotonic() - started, SILENCE + 2)
+        self.assertEqual(screen.rows()[0]["Is Enabled"], 0)
+        self.wait_enabled("Apply")
+        self.wait_enabled("Revert")
+        self.assertEqual(self.stored(), content)
+
+        self.system.end(self.daemon)
+        self.system.end(self.agent)
+        self.press("Show All")
+        both_absent = self.time_to_open()
+        self.assertLess(both_absent, both_alive + 0.5)
+
+    def test_quits_while_programs_hang(self):
+        self.start_daemon()
+        self.start_agent()
+        for leave in (self.quit_by_menu, lambda: self.screen.key("alt+w")):
+            screen = self.open_pane()
+            self.wait_lights(daemon=True, agent=True)
+            self.hang(self.daemon, self.agent)
+            # In the middle of a cycle: the agent is being waited for.
+            wait_for(lambda: screen.find(value="Daemon not running"), "no cycle begins", CYCLE + SILENCE + SLACK)
+            leave()
+            self.assertEqual(self.application.process.wait(SILENCE + SLACK), 0, self.application.log())
+            for program in (self.daemon, self.agent):
+                program.send_signal(signal.SIGCONT)
+
+    def quit_by_menu(self):
+        menus = [item for window in self.screen.look() for view in window["views"] for item in view.get("menu", ())]
+        self.screen.click(next(item for item in menus if item["title"] == "Quit"))
+
+
+class UpdateTest(StatusCase):
+    page = "https://example.org/download?a=1&b=%20"
+
+    def setUp(self):
+        super().setUp()
+        self.feed = FeedServer(self)
+        os.mkdir(f"{self.place}/bin")
+        self.opened_pages = f"{self.place}/pages"
+        browser = f"{self.place}/bin/xdg-open"
+        with open(browser, "w") as file:
+            file.write(f'#!/bin/sh\necho "$@" >> {self.opened_pages}\n')
+        os.chmod(browser, 0o755)
+
+    def pages(self):
+        try:
+            with open(self.opened_pages) as file:
+                return file.read().splitlines()
+        except OSError:
+            return []
+
+    def check(self, *texts):
+        """Looks for an update and waits for an alert that says this."""
+        self.press("Check Now")
+        self.wait_sheet()
+        for text in texts:
+            self.screen.wait(value=text)
+
+    def answer(self, title):
+        self.press(title)
+        self.wait_no_sheet()
+
+    def test_what_a_check_says(self):
+        self.open_pane(info={"QuorelUpdateFeed": self.feed.url("/pane")})
+        newer = "Download version 9.9%n%s?"
+        self.feed.answers["/pane"] = record("9.9%n%s", self.page)
+        self.check("New version available", newer)
+        self.answer("Cancel")
+        self.check("New version available", newer)
+        self.answer("OK")
+        wait_for(self.pages, "no page is opened")
+        self.assertEqual(self.pages(), [self.page])
+
+        self.feed.answers["/pane"] = record("1.0")
+        self.check("Up to date", "You have the latest version of Quorel.")
+        self.assertIsNone(self.screen.find(title="Cancel"))
+        self.answer("OK")
+        self.feed.answers["/pane"] = b"no property list"
+        self.check("Update check failed", "The update service could not be reached.")
+        self.answer("OK")
+
+        # The agent does it instead where there is one.
+        asked = len(self.feed.requests)
+        self.feed.answers["/agent"] = record("9.9")
+        self.start_agent("--feed", self.feed.url("/agent"))
+        self.press("Check Now")
+        wait_for(lambda: len(self.feed.requests) > asked, "the agent does not ask")
+        self.screen.settle()
+        self.assertEqual([path for path, _ in self.feed.requests[asked:]], ["/agent"])
+        self.assertIsNone(self.screen.modal())
+        self.assertEqual(self.pages(), [self.page])
+
+    def test_about(self):
+        screen = self.open_pane()
+        button = self.button("About…")
+        before = self.display.picture(button)
+        for close in ("Return", "Escape"):
+            screen.click(button)
+            self.wait_sheet()
+            screen.wait(value="version 1.0.0 (1)")
+            # It must not look pressed for as long as the sheet is there.
+            wait_for(lambda: self.display.picture(button) == before, "the button stays down", 5)
+            screen.key(close)
+            self.wait_no_sheet()
+        screen.click(button)
+        self.wait_sheet()
+        self.answer("OK")
+
+
+if __name__ == "__main__":
+    main()
