@@ -116,7 +116,7 @@ class SettingsApplication:
             command += ["-NSLanguages", "(" + ", ".join(languages) + ")"]
         if bundles:
             command += ["-GSAppKitUserBundles", "(" + ", ".join(f'"{bundle}"' for bundle in bundles) + ")"]
-        if "user" in as_user:
+        if as_user.get("user") is not None:
             subprocess.run(["chown", "-R", str(as_user["user"]), home], check=True)
         self.log_path = f"{home}/log"
         with open(self.log_path, "w") as log:
