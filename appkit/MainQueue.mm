@@ -1,6 +1,9 @@
 #import "appkit/MainQueue.h"
 
 #import <AppKit/AppKit.h>
+#ifdef GNUSTEP
+#import <Foundation/NSThread.h>
+#endif
 
 #include <utility>
 
@@ -15,6 +18,9 @@ NSArray *modes() {
 }
 
 void perform(DispatchQueue::Block block, bool wait) {
+#ifdef GNUSTEP
+    GSRegisterCurrentThread();  // a thread of the standard library is none of the framework's yet
+#endif
     @autoreleasepool {
         VXActionTarget *target = [[[VXActionTarget alloc] initWithAction:std::move(block)] autorelease];
         [target performSelectorOnMainThread:@selector(perform:) withObject:nil waitUntilDone:wait modes:modes()];

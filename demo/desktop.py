@@ -91,15 +91,15 @@ class SettingsApplication:
     """SystemPreferences with the pane in a settings home of its own.
 
     `home` is the folder that takes the place of the user's ~/GNUstep; what lies in it stays. `info` adds keys to the
-    pane's information dictionary, `extra_modules` bundles to its plug-ins.
+    pane's information dictionary, `extra_modules` bundles to its plug-ins, `bundles` what the application loads beside it.
+    `languages` is None for those of the environment. `as_user` goes to the process (user, group, ...).
     """
 
     def __init__(self, build, home, environment, info=(), languages=("English",), inspect=True, extra_modules=(),
-                 user=None):
+                 bundles=(), **as_user):
         self.home = home
         self.socket = f"{home}/inspector"
-        bundles = f"{home}/Library/Bundles"
-        pane = f"{bundles}/Quorel.prefPane"
+        pane = f"{home}/Library/Bundles/Quorel.prefPane"
         os.makedirs(f"{home}/Defaults", exist_ok=True)
         shutil.rmtree(pane, ignore_errors=True)
         shutil.copytree(f"{build}/Quorel.prefPane", pane)
@@ -107,17 +107,20 @@ class SettingsApplication:
             shutil.copytree(module, f"{pane}/PlugIns/{os.path.basename(module)}")
         self._add_keys(f"{pane}/Resources/Info-gnustep.plist", dict(info))
         self._write_config(f"{home}/GNUstep.conf")
-        command = [APPLICATION, "-NSLanguages", "(" + ", ".join(languages) + ")"]
         environment = dict(environment, GNUSTEP_CONFIG_FILE=f"{home}/GNUstep.conf")
         if inspect:
-            inspector = os.path.abspath(f"{build}/demo/Inspector.bundle")
-            command += ["-GSAppKitUserBundles", f'("{inspector}")']
+            bundles = [*bundles, f"{build}/demo/Inspector.bundle"]
             environment["QUOREL_INSPECTOR"] = self.socket
-        if user is not None:
-            subprocess.run(["chown", "-R", str(user), home], check=True)
+        command = [APPLICATION]
+        if languages:
+            command += ["-NSLanguages", "(" + ", ".join(languages) + ")"]
+        if bundles:
+            command += ["-GSAppKitUserBundles", "(" + ", ".join(f'"{bundle}"' for bundle in bundles) + ")"]
+        if as_user.get("user") is not None:
+            subprocess.run(["chown", "-R", str(as_user["user"]), home], check=True)
         self.log_path = f"{home}/log"
         with open(self.log_path, "w") as log:
-            self.process = subprocess.Popen(command, env=environment, stdout=log, stderr=log, user=user)
+            self.process = subprocess.Popen(command, env=environment, stdout=log, stderr=log, **as_user)
         self.screen = Screen(self, environment) if inspect else None
 
     @staticmethod

@@ -33,8 +33,11 @@ std::size_t characterLength(std::string_view text) {
     return overlong || surrogate || beyond ? 0 : length;
 }
 
-bool isForbiddenControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+/// What XML has no way to write, about the character at the front.
+bool isForbidden(std::string_view text) {
+    const char c = text.front();
+    const bool control = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+    return control || text.starts_with("\xef\xbf\xbe") || text.starts_with("\xef\xbf\xbf");
 }
 
 }  // namespace
@@ -42,31 +45,9 @@ bool isForbiddenControl(char c) {
 bool isPropertyListText(std::string_view text) {
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
-        if (length == 0 || isForbiddenControl(text.front())) return false;
+        if (length == 0 || isForbidden(text)) return false;
         text.remove_prefix(length);
     }
-    return true;
-}
-
-bool appendUtf8(std::string& text, std::uint32_t codePoint) {
-    const auto put = [&](std::uint32_t byte) { text.push_back(static_cast<char>(byte)); };
-    const auto putTail = [&](unsigned shift) { put(0x80 | (codePoint >> shift & 0x3f)); };
-    if (codePoint > 0x10ffff || (codePoint >= 0xd800 && codePoint < 0xe000)) return false;
-    if (codePoint < 0x80) {
-        put(codePoint);
-        return true;
-    }
-    if (codePoint < 0x800) {
-        put(0xc0 | codePoint >> 6);
-    } else if (codePoint < 0x10000) {
-        put(0xe0 | codePoint >> 12);
-        putTail(6);
-    } else {
-        put(0xf0 | codePoint >> 18);
-        putTail(12);
-        putTail(6);
-    }
-    putTail(0);
     return true;
 }
 

@@ -14,12 +14,9 @@
 
 namespace quorel {
 
-/// Whether XML can carry a text: valid UTF-8 without control characters other than tab and line ends. Property lists
-/// keep to that in either encoding, so that whatever has been read can be written.
+/// Whether XML can carry a text: valid UTF-8 without U+FFFE, U+FFFF and control characters other than tab and line
+/// ends. Property lists keep to that in either encoding, so that whatever has been read can be written.
 bool isPropertyListText(std::string_view text);
-
-/// Appends a code point as UTF-8. False for what is none: surrogates, and beyond U+10FFFF.
-bool appendUtf8(std::string& text, std::uint32_t codePoint);
 
 /// Whole seconds within the years 1 to 9999, which is what a written date can say.
 std::optional<std::chrono::sys_seconds> calendarTime(Date date);

@@ -1,7 +1,12 @@
+#include <expat.h>
+
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <exception>
+#include <memory>
 #include <system_error>
+#include <utility>
 
 #include "platform/linux/PropertyList.h"
 #include "platform/linux/PropertyListContent.h"
@@ -104,181 +109,128 @@ std::optional<Value> dataOf(std::string_view text) {
     return Value(std::move(data));
 }
 
-struct Tag {
-    std::string_view name;
-    bool closes = false;  ///< </name>
-    bool empty = false;   ///< <name/>
-};
-
-/// Reads the little of XML that property lists are made of. A document type cannot declare anything.
+/// Builds values as Expat meets their elements. A method that answers false ends the reading.
 class XmlReader {
 public:
-    explicit XmlReader(std::string_view bytes) : _rest(bytes) {}
-
-    std::optional<Value> read() {
-        if (_rest.starts_with("\xef\xbb\xbf")) _rest.remove_prefix(3);
-        const auto root = nextTag();
-        if (!root || root->name != "plist" || root->closes || root->empty) return {};
-        const auto first = nextTag();
-        if (!first) return {};
-        auto value = element(*first, 1);
-        if (!value || !closing("plist") || !skipToTag() || !_rest.empty()) return {};
-        return value;
+    std::optional<Value> read(std::string_view bytes) {
+        if (!_parser) return {};
+        XML_SetUserData(_parser.get(), this);
+        XML_SetStartDoctypeDeclHandler(_parser.get(), handler<&XmlReader::documentType>);
+        XML_SetSkippedEntityHandler(_parser.get(), handler<&XmlReader::skippedEntity>);
+        XML_SetElementHandler(_parser.get(), handler<&XmlReader::start>, handler<&XmlReader::end>);
+        XML_SetCharacterDataHandler(_parser.get(), handler<&XmlReader::characters>);
+        // In one piece: of several, Expat 2.5 begins an unfinished token anew with each.
+        const auto size = static_cast<int>(bytes.size());
+        if (XML_Parse(_parser.get(), bytes.data(), size, XML_TRUE) != XML_STATUS_OK) return {};
+        return std::move(_root);
     }
 
 private:
-    /// Past white space, comments and declarations. False when something else stands there.
-    bool skipToTag() {
-        for (;;) {
-            _rest.remove_prefix(std::min(_rest.find_first_not_of(kSpace), _rest.size()));
-            if (_rest.starts_with("<!--")) {
-                if (!skipPast("-->")) return false;
-            } else if (_rest.starts_with("<?")) {
-                if (!skipPast("?>")) return false;
-            } else if (_rest.starts_with("<!DOCTYPE")) {
-                if (_rest.substr(0, _rest.find('>')).find('[') != std::string_view::npos || !skipPast(">"))
-                    return false;
-            } else {
-                return _rest.empty() || (_rest.starts_with('<') && !_rest.starts_with("<!"));
-            }
+    struct Container {
+        bool isDictionary = false;
+        Array values;                    ///< of an array
+        SharedContent::Entries entries;  ///< of a dictionary; the last one's value is absent until it is read
+
+        bool lacksValue() const { return !entries.empty() && entries.back().second.isAbsent(); }
+    };
+
+    /// Expat may call on after it was stopped, and no exception may pass through it.
+    template <auto method, class... Arguments>
+    static void handler(void* user, Arguments... arguments) noexcept {
+        auto& reader = *static_cast<XmlReader*>(user);
+        if (reader._stopped) return;
+        try {
+            reader._stopped = !(reader.*method)(arguments...);
+        } catch (const std::exception&) {  // out of memory
+            reader._stopped = true;
         }
+        if (reader._stopped) XML_StopParser(reader._parser.get(), XML_FALSE);
     }
 
-    bool skipPast(std::string_view end) {
-        const std::size_t place = _rest.find(end);
-        if (place == std::string_view::npos) return false;
-        _rest.remove_prefix(place + end.size());
+    /// Where entities could be declared.
+    bool documentType(const char*, const char*, const char*, int hasInternalSubset) { return !hasInternalSubset; }
+
+    /// One that the file named by the document type might declare; nobody fetches that.
+    bool skippedEntity(const char*, int) { return false; }
+
+    bool start(const char* element, const char**) {
+        const std::string_view name(element);
+        if (!_insideRoot) return _insideRoot = name == "plist";
+        if (_insideText || !admits(name == "key")) return false;
+        _insideText = name != "array" && name != "dict";
+        if (_insideText) return true;
+        if (_containers.size() == kMaximumPropertyListDepth) return false;
+        _containers.emplace_back().isDictionary = name == "dict";
         return true;
     }
 
-    std::optional<Tag> nextTag() {
-        if (!skipToTag() || _rest.empty()) return {};
-        _rest.remove_prefix(1);
-        Tag tag;
-        tag.closes = _rest.starts_with('/');
-        if (tag.closes) _rest.remove_prefix(1);
-        const std::size_t nameEnd = _rest.find_first_of(" \t\r\n/>");
-        if (nameEnd == std::string_view::npos || nameEnd == 0) return {};
-        tag.name = _rest.substr(0, nameEnd);
-        std::size_t end = nameEnd;
-        for (char quote = 0; end < _rest.size() && (quote || _rest[end] != '>'); ++end) {
-            if (quote ? _rest[end] == quote : _rest[end] == '"' || _rest[end] == '\'')
-                quote = quote ? '\0' : _rest[end];
+    bool end(const char* element) {
+        const std::string_view name(element);
+        if (_insideText) {
+            _insideText = false;
+            auto text = std::exchange(_text, {});
+            if (name != "key") return add(valueOf(name, std::move(text)));
+            _containers.back().entries.emplace_back(std::move(text), Value());
+            return true;
         }
-        if (end == _rest.size()) return {};
-        tag.empty = _rest[end - 1] == '/';
-        _rest.remove_prefix(end + 1);
-        return tag;
+        if (_containers.empty()) return _root.isPresent();
+        Container container = std::move(_containers.back());
+        _containers.pop_back();
+        if (container.lacksValue()) return false;
+        return add(container.isDictionary ? _shared.dictionary(std::move(container.entries))
+                                          : Value(std::move(container.values)));
     }
 
-    bool closing(std::string_view name) {
-        const auto tag = nextTag();
-        return tag && tag->closes && tag->name == name;
+    bool characters(const char* data, int size) {
+        const std::string_view text(data, static_cast<std::size_t>(size));
+        if (!_insideText) return trimmed(text).empty();
+        _text.append(text);
+        return true;
     }
 
-    std::optional<Value> element(const Tag& tag, int depth) {
-        if (tag.closes) return {};
-        if (tag.name == "array" || tag.name == "dict") {
-            if (depth > kMaximumPropertyListDepth) return {};
-            return tag.name == "array" ? array(tag, depth) : dictionary(tag, depth);
-        }
-        const auto text = content(tag);
-        if (!text) return {};
-        if (tag.name == "string") return _shared.text(*text);
-        if (tag.name == "integer") return integerOf(*text);
-        if (tag.name == "real") return realOf(*text);
-        if (tag.name == "date") return calendarDateOf(*text);
-        if (tag.name == "data") return dataOf(*text);
-        if ((tag.name == "true" || tag.name == "false") && trimmed(*text).empty()) return Value(tag.name == "true");
+    /// Whether a key, or else a value, may stand here.
+    bool admits(bool key) const {
+        if (_containers.empty()) return !key && _root.isAbsent();
+        const Container& container = _containers.back();
+        return container.isDictionary ? key != container.lacksValue() : !key;
+    }
+
+    bool add(std::optional<Value> value) {
+        if (!value) return false;
+        if (_containers.empty())
+            _root = std::move(*value);
+        else if (Container& container = _containers.back(); container.isDictionary)
+            container.entries.back().second = std::move(*value);
+        else
+            container.values.push_back(std::move(*value));
+        return true;
+    }
+
+    std::optional<Value> valueOf(std::string_view element, std::string text) {
+        if (element == "string") return _shared.text(std::move(text));
+        if (element == "integer") return integerOf(text);
+        if (element == "real") return realOf(text);
+        if (element == "date") return calendarDateOf(text);
+        if (element == "data") return dataOf(text);
+        if ((element == "true" || element == "false") && trimmed(text).empty()) return Value(element == "true");
         return {};
     }
 
-    std::optional<Value> array(const Tag& tag, int depth) {
-        Array values;
-        while (!tag.empty) {
-            const auto next = nextTag();
-            if (!next) return {};
-            if (next->closes && next->name == tag.name) break;
-            auto value = element(*next, depth + 1);
-            if (!value) return {};
-            values.push_back(std::move(*value));
-        }
-        return Value(std::move(values));
-    }
-
-    std::optional<Value> dictionary(const Tag& tag, int depth) {
-        SharedContent::Entries entries;
-        while (!tag.empty) {
-            const auto next = nextTag();
-            if (!next) return {};
-            if (next->closes && next->name == tag.name) break;
-            if (next->closes || next->name != "key") return {};
-            auto key = content(*next);
-            if (!key || !isPropertyListText(*key)) return {};
-            const auto valueTag = nextTag();
-            if (!valueTag) return {};
-            auto value = element(*valueTag, depth + 1);
-            if (!value) return {};
-            entries.emplace_back(std::move(*key), std::move(*value));
-        }
-        return _shared.dictionary(std::move(entries));
-    }
-
-    /// The text of an element, and past its end.
-    std::optional<std::string> content(const Tag& tag) {
-        std::string text;
-        while (!tag.empty) {
-            const std::size_t run = _rest.find_first_of("<&");
-            if (run == std::string_view::npos) return {};
-            text.append(_rest.substr(0, run));
-            _rest.remove_prefix(run);
-            if (_rest.starts_with("</")) {
-                if (!closing(tag.name)) return {};
-                break;
-            }
-            if (_rest.starts_with("<!--")) {
-                if (!skipPast("-->")) return {};
-            } else if (_rest.starts_with("<![CDATA[")) {
-                _rest.remove_prefix(9);
-                text.append(_rest.substr(0, _rest.find("]]>")));
-                if (!skipPast("]]>")) return {};
-            } else if (!_rest.starts_with('&') || !reference(text)) {
-                return {};
-            }
-        }
-        return text;
-    }
-
-    /// "&lt;" or "&#60;"
-    bool reference(std::string& text) {
-        constexpr std::size_t kLongest = 12;
-        static constexpr std::pair<std::string_view, char> kNamed[] = {
-            {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"quot", '"'}, {"apos", '\''}};
-        const std::size_t end = _rest.substr(0, kLongest).find(';');
-        if (end == std::string_view::npos) return false;
-        std::string_view name = _rest.substr(1, end - 1);
-        _rest.remove_prefix(end + 1);
-        for (const auto& [known, character] : kNamed) {
-            if (name != known) continue;
-            text.push_back(character);
-            return true;
-        }
-        if (!name.starts_with('#')) return false;
-        name.remove_prefix(1);
-        const bool hexadecimal = name.starts_with('x');
-        if (hexadecimal) name.remove_prefix(1);
-        std::uint32_t codePoint = 0;
-        return readWhole(name, codePoint, hexadecimal ? 16 : 10) && appendUtf8(text, codePoint);
-    }
-
-    std::string_view _rest;
+    const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> _parser{XML_ParserCreate(nullptr),
+                                                                               XML_ParserFree};
+    std::vector<Container> _containers;  ///< the open ones, outermost first
+    std::string _text;
     SharedContent _shared;
+    Value _root;
+    bool _insideRoot = false;
+    bool _insideText = false;  ///< in an element of text
+    bool _stopped = false;
 };
 
 }  // namespace
 
 std::optional<Value> readXmlPropertyList(std::string_view bytes) {
-    return XmlReader(bytes).read();
+    return XmlReader().read(bytes);
 }
 
 }  // namespace quorel

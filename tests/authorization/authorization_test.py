@@ -8,7 +8,7 @@ import unittest
 
 SUPPORT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support")
 sys.path.insert(0, SUPPORT)
-from private_system import PrivateSystem
+from private_system import PrivateSystem, read_line
 
 PROBE = os.path.abspath(sys.argv[1])
 NOBODY = 65534
@@ -30,7 +30,7 @@ class Probe:
         self.process.stdin.write(command + "\n")
 
     def result(self):
-        return int(self.process.stdout.readline())
+        return int(read_line(self.process, 30))
 
     def __call__(self, command):
         self.begin(command)
@@ -53,14 +53,9 @@ class AuthorizationTest(unittest.TestCase):
         return probe
 
     def answer_with(self, manner, probe):
-        agent = subprocess.Popen([sys.executable, f"{SUPPORT}/auth_agent.py", str(probe.process.pid), manner],
-                                 env=self.system.environment(), stdout=subprocess.PIPE, text=True)
-        def end():
-            agent.terminate()
-            agent.wait()
-            agent.stdout.close()
-        self.addCleanup(end)
-        self.assertEqual(agent.stdout.readline(), "ready\n")
+        agent = self.system.start([sys.executable, f"{SUPPORT}/auth_agent.py", str(probe.process.pid), manner],
+                                  stdout=subprocess.PIPE, text=True)
+        self.assertEqual(read_line(agent), "ready")
         return agent
 
     def test_who_gets_in_without_a_dialog(self):
@@ -92,7 +87,7 @@ class AuthorizationTest(unittest.TestCase):
         probe("create")
         self.assertEqual(probe(f"copy {RIGHT} 0"), NOT_WITHOUT_ASKING)
         self.assertEqual(probe(f"copy {RIGHT} 3"), GRANTED)
-        self.assertEqual(agent.stdout.readline(), "asked com.quorel.modify-preferences\n")
+        self.assertEqual(read_line(agent), "asked com.quorel.modify-preferences")
         self.assertEqual(probe(f"copy {RIGHT} 0"), GRANTED)
         # Another process of the same user gains nothing by it.
         other = Probe(self.system.environment(), NOBODY)
@@ -112,7 +107,7 @@ class AuthorizationTest(unittest.TestCase):
         agent = self.answer_with("ignore", probe)
         probe("create")
         probe.begin(f"copy {RIGHT} 3")
-        self.assertEqual(agent.stdout.readline(), "asked com.quorel.modify-preferences\n")
+        self.assertEqual(read_line(agent), "asked com.quorel.modify-preferences")
         self.system.polkit.kill()
         self.assertNotEqual(probe.result(), GRANTED)
 

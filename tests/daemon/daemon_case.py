@@ -8,7 +8,7 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 SUPPORT = os.path.join(HERE, "../support")
 sys.path.insert(0, SUPPORT)
-from private_system import PrivateSystem, wait_until
+from private_system import PrivateSystem, read_line
 
 DAEMON, PROBE = (os.path.abspath(path) for path in sys.argv[1:3])
 NOBODY = 65534
@@ -44,14 +44,14 @@ class Caller:
         self.system = system
         self.process = system.start([sys.executable, f"{HERE}/caller.py"], user=user, stdin=subprocess.PIPE,
                                     stdout=subprocess.PIPE, text=True, bufsize=1)
-        self.bus_name = self.process.stdout.readline().strip()
+        self.bus_name = read_line(self.process)
 
     def begin(self, payload, name="DaemonMustReloadPrefs", receiver="com.quorel.Daemon"):
         self.process.stdin.write(f"{name} {receiver} {payload.hex() or '-'}\n")
 
     def result(self):
         """The error's name and text; two empty texts for an accepted call."""
-        name, _, text = self.process.stdout.readline().rstrip("\n").partition(" ")
+        name, _, text = read_line(self.process, 20).partition(" ")
         return name if name != "accepted" else "", text
 
     def save(self, payload, **how):
@@ -70,6 +70,7 @@ class DaemonCase(unittest.TestCase):
         self.folder = f"{self.root}/Library/Preferences"
         self.file = f"{self.folder}/com.quorel.plist"
         self.log = f"{self.system.place}/log"
+        self.addCleanup(lambda: self.assertNotIn("Sanitizer", self.logged()))
 
     def start_daemon(self):
         with open(self.log, "a") as log:
@@ -96,6 +97,8 @@ class DaemonCase(unittest.TestCase):
         return status.st_ino, status.st_mtime_ns, status.st_ctime_ns
 
     def logged(self):
+        if not os.path.exists(self.log):
+            return ""
         with open(self.log) as log:
             return log.read()
 

@@ -6,7 +6,7 @@ import signal
 import subprocess
 import time
 
-from daemon_case import FAILED, PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, wait_until, xml
+from daemon_case import PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, xml
 
 KILLS = 200
 SECONDS_OF_KILLING = 20
@@ -59,7 +59,8 @@ class FailuresTest(DaemonCase):
             self.assertEqual(os.listdir(self.folder), ["com.quorel.plist"])
             caller.result()
             kills += 1
-        print(f"A save took {took * 1000:.0f} ms. {kills} kills: {interrupted} left a temporary file, {changed} times the save was through")
+        print(f"A save took {took * 1000:.0f} ms. {kills} kills: {interrupted} left a temporary file, "
+              f"{changed} times the save was through")
         self.assertGreater(kills, 20)
         self.assertGreater(changed, 0)
         self.assertLess(changed, kills)

@@ -5,11 +5,11 @@ import signal
 import subprocess
 import sys
 
-from daemon_case import (BUSY, NOBODY, NOT_AUTHORIZED, PREFERENCES, SUPPORT, DaemonCase, main, preferences, wait_until,
-                         xml)
+from daemon_case import (BUSY, NOBODY, NOT_AUTHORIZED, PREFERENCES, SUPPORT, DaemonCase, main, preferences, xml)
+from private_system import read_line, wait_until
 
 CHANGED = preferences(Show_In_Menu_Bar=0)
-ASKED = "asked com.quorel.modify-preferences\n"
+ASKED = "asked com.quorel.modify-preferences"
 
 
 def rule(answer):
@@ -28,7 +28,7 @@ class PermissionTest(DaemonCase):
     def answer_with(self, manner, caller):
         agent = self.system.start([sys.executable, f"{SUPPORT}/auth_agent.py", str(caller.process.pid), manner],
                                   stdout=subprocess.PIPE, text=True)
-        self.assertEqual(agent.stdout.readline(), "ready\n")
+        self.assertEqual(read_line(agent), "ready")
         return agent
 
     def assert_unchanged(self):
@@ -36,7 +36,7 @@ class PermissionTest(DaemonCase):
         self.assertEqual(self.stored(), PREFERENCES)
 
     def assert_asked(self, agent):
-        self.assertEqual(agent.stdout.readline(), ASKED)
+        self.assertEqual(read_line(agent), ASKED)
 
     def test_refused_by_rule_and_without_anybody_to_ask(self):
         for rules in (rule("no"), ""):
@@ -140,7 +140,7 @@ class PermissionTest(DaemonCase):
         twice.stdin.write("\n")
         twice.stdin.flush()
         self.assert_asked(agent)
-        self.assertEqual(twice.stdout.readline().strip(), BUSY)
+        self.assertEqual(read_line(twice), BUSY)
 
     def test_polkit_absent_or_dying_refuses(self):
         self.start(rule("yes"))
@@ -172,7 +172,7 @@ class PermissionTest(DaemonCase):
                 "except dbus.DBusException as error: print(error.get_dbus_name())\n")
         forger = self.system.start([sys.executable, "-c", code, root.bus_name, xml(CHANGED).hex()], user=NOBODY,
                                    stdout=subprocess.PIPE, text=True)
-        self.assertEqual(forger.stdout.readline().strip(), NOT_AUTHORIZED)
+        self.assertEqual(read_line(forger), NOT_AUTHORIZED)
         self.assert_unchanged()
 
 

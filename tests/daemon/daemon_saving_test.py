@@ -5,8 +5,7 @@ import plistlib
 import signal
 import subprocess
 
-from daemon_case import (BUSY, DAEMON, INVALID, NOBODY, PREFERENCES, UNKNOWN, DaemonCase, main, preferences,
-                         wait_until, xml)
+from daemon_case import DAEMON, INVALID, NOBODY, PREFERENCES, UNKNOWN, DaemonCase, main, preferences, xml
 
 
 class SavingTest(DaemonCase):

@@ -153,16 +153,15 @@ TEST_F(ThreadDispatchTest, PendingBlocksKeepTheirQueue) {
 
 TEST_F(ThreadDispatchTest, WhatABlockHoldsGoesBeforeTheNextBlock) {
     const auto queue = dispatch.createQueue("released");
-    auto held = std::make_shared<int>();
-    const std::weak_ptr<int> watched = held;
-    Gate gate;
-    queue->async([&] { gate.pass(); });
-    queue->async([held = std::move(held)] {});
-    bool gone = false;
-    queue->async([&] { gone = watched.expired(); });
-    gate.open();
-    queue->sync([] {});
-    EXPECT_TRUE(gone);
+    std::atomic<bool> ran{false};
+    bool gone = false;  // unguarded
+    std::shared_ptr<void> held(nullptr, [&](void*) {
+        std::this_thread::sleep_for(20ms);
+        gone = true;
+    });
+    queue->async([&ran, held = std::move(held)] { ran = true; });
+    ASSERT_TRUE(holdsWithin([&] { return ran.load(); }));
+    queue->sync([&] { EXPECT_TRUE(gone); });
 }
 
 TEST_F(ThreadDispatchTest, BlockedQueuesHoldUpNoOthers) {

@@ -69,6 +69,7 @@ TEST(BinaryTest, RefusesWhatIsMalformed) {
         {object(0x52, "a")},
         {object(0x61, std::string("\xd8\0", 2))},
         {object(0x62, std::string("\xdc\0\xd8\0", 4))},
+        {object(0x61, "\xff\xff")},
         {object(0x5f)},
         {object(0x5f, "\x13" + bigEndian(UINT64_MAX, 8))},
         {object(0x6f, "\x13" + bigEndian(std::uint64_t{1} << 63, 8))},

@@ -86,11 +86,12 @@ TEST(LimitsTest, NothingUnfoldsBeyondTheSize) {
 }
 
 TEST(LimitsTest, TimeGrowsWithTheSize) {
-    std::string keys, numbered;
+    std::string keys, attributes;
     std::vector<std::string> objects;
     std::vector<std::uint32_t> members;
     for (std::uint32_t i = 0; i < kMany; ++i) {
         keys += "<key>" + std::to_string(i) + "</key><true/>";
+        attributes += " a" + std::to_string(i) + "=''";
         members.push_back(i + 1);
         objects.push_back("\x57" + std::to_string(1'000'000 + i));
     }
@@ -105,6 +106,9 @@ TEST(LimitsTest, TimeGrowsWithTheSize) {
         {"comments", plist("<array>" + repeated("<!---->", 1'000'000) + "</array>"), true},
         {"elements", plist("<array>" + repeated("<true/>", 500'000) + "</array>"), true},
         {"keys", plist("<dict>" + keys + "</dict>"), true},
+        {"attributes", plist("<true" + attributes + "/>"), true},
+        {"long tokens",
+         plist("<true a='" + std::string(7'000'000, 'x') + "'/><!--" + std::string(7'000'000, 'x') + "-->"), true},
         {"binary keys", binaryFile(objects), true},
         {"open comments", plist(repeated("<!--", 2'000'000)), false},
         {"open references", plist("<string>" + repeated("&", 10'000'000) + "</string>"), false},

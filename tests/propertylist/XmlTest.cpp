@@ -52,14 +52,29 @@ TEST(XmlTest, ReadsWhatStandsThere) {
         {"<dict><key></key><true/></dict>", Dictionary{{"", true}}},
         {"<dict><key>a</key><integer>1</integer><key>a</key><integer>2</integer></dict>", Dictionary{{"a", 2}}},
         {"<string a='>' b=\"/\">x</string >", "x"},
+        {"<string>a\r\nb\rc</string>", "a\nb\nc"},
     };
     for (const auto& [xml, value] : cases) EXPECT_EQ(decodePropertyList(plist(xml)), value) << xml;
 }
 
-TEST(XmlTest, ReadsAnyProlog) {
-    for (const std::string prolog : {"", "\n\n", "\xef\xbb\xbf", "<!-- c --><?pi ?>",
-                                     "<!DOCTYPE plist PUBLIC \"-//X//DTD X//EN\" \"http://localhost/x.dtd\">"})
-        EXPECT_EQ(decodePropertyList(prolog + plist("<true/>")), Value(true)) << prolog;
+std::string utf16(std::u16string_view text, bool bigEndian) {
+    std::string bytes;
+    for (const char16_t unit : text)
+        for (const int half : {bigEndian ? 8 : 0, bigEndian ? 0 : 8}) bytes += static_cast<char>(unit >> half);
+    return bytes;
+}
+
+TEST(XmlTest, ReadsAnyPrologAndEncoding) {
+    const std::string declaration = "<?xml version='1.0'?>", content = "<plist><string>é😀</string></plist>";
+    const std::u16string wide = u"\ufeff<plist><string>é😀</string></plist>";
+    for (const std::string& whole :
+         {content, "\n\n" + content, "\xef\xbb\xbf" + declaration + content,
+          declaration + "<!-- c --><?pi ?>" + content + "<!-- c --><?pi ?>\n", "<!DOCTYPE plist>" + content,
+          declaration + "<!DOCTYPE plist PUBLIC '-//X//DTD X//EN' 'file:///x'>" + content, utf16(wide, false),
+          utf16(wide, true)})
+        EXPECT_EQ(decodePropertyList(whole), Value("é😀")) << whole;
+    EXPECT_EQ(decodePropertyList("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xe9</string></plist>"),
+              Value("é"));
 }
 
 TEST(XmlTest, RefusesWhatIsMalformed) {
@@ -73,6 +88,14 @@ TEST(XmlTest, RefusesWhatIsMalformed) {
         "<true>1</true>",
         "</array>",
         "<array>text</array>",
+        "<array><![CDATA[text]]></array>",
+        "<array>&#65;</array>",
+        "<dict><key>a</key>text<true/></dict>",
+        "<string><b/></string>",
+        "<string>a<array/></string>",
+        "<key>a</key>",
+        "<array><key>a</key></array>",
+        "<plist><true/></plist>",
         "<array><true/></dict>",
         "<array><true/>",
         "<dict><true/></dict>",
@@ -104,6 +127,9 @@ TEST(XmlTest, RefusesWhatIsMalformed) {
         "<string>&#xD800;</string>",
         "<string>&#x110000;</string>",
         "<string>&#99999999999;</string>",
+        "<string>&#xFFFF;</string>",
+        "<string>\xef\xbf\xbf</string>",
+        "<string>]]></string>",
         "<string>\x01</string>",
         "<string>\xff</string>",
         "<string>\xc0\xaf</string>",          // overlong
@@ -123,8 +149,15 @@ TEST(XmlTest, RefusesWhatIsMalformed) {
         "true",
         "<true/>",
         "<plist/>",
+        "<other><true/></other>",
         "<plist><true/>",
         "<plist><true/></plist>more",
+        "<plist><true/></plist><plist/>",
+        "{ a = 1; }",
+        "\n<?xml version='1.0'?><plist><true/></plist>",
+        "<?xml version='1.0' encoding='unknown'?><plist><true/></plist>",
+        "<!DOCTYPE plist []><plist><true/></plist>",
+        "<!DOCTYPE plist SYSTEM 'file:///x'><plist><string>a&b;c</string></plist>",
         "<!DOCTYPE plist [<!ENTITY a \"aaa\">]><plist><string>&a;</string></plist>",
         "<!DOCTYPE plist [<!ENTITY a SYSTEM \"file:///etc/passwd\">]><plist><string>&a;</string></plist>",
         "<!ELEMENT plist><plist><true/></plist>",
@@ -176,6 +209,7 @@ TEST(XmlTest, WritesNothingThatCouldNotBeRead) {
         Dictionary{{"k", Array{1, Value()}}},
         std::string("a\0b", 3),
         "\xff",
+        "\xef\xbf\xbe",
         "\x1b",
         Dictionary{{"\xff", 1}},
         Date{1e18},

@@ -6,6 +6,7 @@ children see: whoever calls start_polkit must run inside "unshare --mount", as r
 """
 import os
 import pwd
+import select
 import shutil
 import signal
 import subprocess
@@ -43,6 +44,7 @@ SYSTEM_POLICY = """<policy context="default">
   <include ignore_missing="yes">/usr/share/dbus-1/system.d/org.freedesktop.PolicyKit1.conf</include>
   <include>{product_policy}</include>"""
 
+# For several users, since the programs of one may be tried by another.
 SESSION_POLICY = """<policy context="default">
     <allow user="*"/>
     <allow own="*"/>
@@ -67,6 +69,20 @@ def wait_until(condition, what, seconds=SECONDS_TO_START):
             raise RuntimeError(f"not within {seconds} s: {what}")
         time.sleep(0.005)
     return result
+
+
+def read_line(process, seconds=SECONDS_TO_START):
+    """The next line that a program writes, without its end. Nothing else may read from the program."""
+    deadline = time.monotonic() + seconds
+    line = b""
+    while not line.endswith(b"\n"):
+        if not select.select([process.stdout], [], [], max(0, deadline - time.monotonic()))[0]:
+            raise RuntimeError(f"not within {seconds} s: a line of {process.args[:2]}")
+        byte = os.read(process.stdout.fileno(), 1)
+        if not byte:
+            raise RuntimeError(f"{process.args[:2]} has ended")
+        line += byte
+    return line[:-1].decode()
 
 
 class PrivateSystem:

@@ -12,7 +12,7 @@ LANGUAGES = ("French", "English")
 # Names and texts that are the same in every language, and are not looked up in vain.
 AS_THEY_STAND = {"", "OK", "Quorel"}
 # The controls that the pane's classes make are named in code; a literal in such a call is a key.
-CALLS = re.compile(r"\b(?:[lL]ocalized|VXLocalized\w*)(?:\(|:)((?:[^()\";\[\]]|\[[^\[\]]*\]|\"(?:[^\"\\]|\\.)*\")*)")
+CALLS = re.compile(r"\b(?:[Ll]ocalized|VXLocalized\w*)(?:\(|:)((?:[^()\";\[\]]|\[[^\[\]]*\]|\"(?:[^\"\\]|\\.)*\")*)")
 LISTS = re.compile(r"for \(const char\* key : \{([^}]*)\}")
 LITERAL = re.compile(r'"((?:[^"\\]|\\.)*)"')
 ENTRY = re.compile(r'^"((?:[^"\\]|\\.)*)" = "((?:[^"\\]|\\.)*)";$')

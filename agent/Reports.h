@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "agent/Message.h"
+#include "agent/Texts.h"
+#include "kit/VXUpdateChecker.h"
+
+namespace quorel {
+
+/// Decides what the user is told of an update check. One thread.
+class Reports {
+public:
+    explicit Reports(const Texts& texts) : _texts(texts) {}
+
+    /// Of the check that has just ended. Who asked for it by hand is told in any case; a periodic check speaks of
+    /// a newer version only, and of each only once.
+    std::optional<Message> report(const VXUpdateChecker& checker, bool succeeded, bool askedByHand);
+
+private:
+    const Texts& _texts;
+    std::string _newestTold;
+};
+
+}  // namespace quorel

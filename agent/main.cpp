@@ -1,0 +1,79 @@
+// quorel-agent [--root DIR] [--feed URL] [--ca-file FILE]
+
+#include <getopt.h>
+#include <pthread.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "ProductVersion.h"
+#include "agent/Agent.h"
+#include "kit/MOLLog.h"
+#include "kit/linux/JournalLog.h"
+#include "kit/linux/UpdateRecord.h"
+
+namespace quorel {
+
+namespace {
+
+std::optional<Agent::Options> parse(int count, char** arguments) {
+    Agent::Options options;
+    options.updates.feed = product::kUpdateFeed;
+    options.updates.installedVersion = product::kVersion;
+    options.updates.installedBuild = product::kBuild;
+    const option known[] = {{"root", required_argument, nullptr, 'r'},
+                            {"feed", required_argument, nullptr, 'f'},
+                            {"ca-file", required_argument, nullptr, 'c'},
+                            {}};
+    for (int found; (found = getopt_long(count, arguments, "", known, nullptr)) != -1;) {
+        if (found == 'r') options.root = optarg;
+        if (found == 'f') options.updates.feed = optarg;
+        if (found == 'c') options.updates.caFile = optarg;
+        if (found == '?') return {};
+    }
+    if (optind != count) return {};
+    const auto& feed = options.updates.feed;
+    if (!feed.empty() && !isFeedAddress(feed)) {
+        std::fprintf(stderr, "Not an address of an update feed: %s\n", feed.c_str());
+        return {};
+    }
+    return options;
+}
+
+int run(Agent::Options options) {
+    // Before threads start, so that it holds for all of them.
+    sigset_t ends;
+    sigemptyset(&ends);
+    sigaddset(&ends, SIGTERM);
+    sigaddset(&ends, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);  // whoever reads the log may go first
+    std::signal(SIGCHLD, SIG_IGN);  // nobody waits for a browser
+
+    Agent agent(std::move(options));
+    const int status = agent.run();
+    // What the check's thread uses must not be torn down under it.
+    if (agent.isChecking()) std::_Exit(status);
+    return status;
+}
+
+}  // namespace
+
+}  // namespace quorel
+
+int main(int count, char** arguments) try {
+    auto options = quorel::parse(count, arguments);
+    if (!options) {
+        std::fprintf(stderr, "Usage: %s [--root DIR] [--feed URL] [--ca-file FILE]\n", arguments[0]);
+        return 2;
+    }
+    quorel::installJournalLog("quorel-agent");
+    return quorel::run(std::move(*options));
+} catch (const std::exception& exception) {
+    quorel::MOLLog("%s", exception.what());
+    return 1;
+}

@@ -1,0 +1,13 @@
+# The Debian package: `cpack` in a build folder.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME quorel)
+set(CPACK_PACKAGE_VENDOR "Quorel")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Carries out actions on a computer at set times: settings pane, daemon and agent")
+set(CPACK_PACKAGE_CONTACT "the Quorel developers <quorel@localhost>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "systempreferences.app, dbus, polkitd, xdg-utils")
+include(CPack)

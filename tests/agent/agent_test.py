@@ -1,0 +1,337 @@
+#!/usr/bin/python3
+"""The agent on a private session bus, with a notification server and an update feed of the test's: agent_test.py AGENT"""
+import os
+import plistlib
+import signal
+import subprocess
+import sys
+import threading
+import time
+import unittest
+
+import dbus
+import dbus.service
+
+from feed_server import FeedServer, record
+from private_session import PrivateSession, eventually
+
+AGENT = os.path.abspath(sys.argv[1])
+NAME = "com.quorel.UserAgent"
+PATH, INTERFACE = "/com/quorel/Communication", "com.quorel.Communication1"
+NOTIFICATIONS = "org.freedesktop.Notifications"
+PREFERENCES = "Library/Preferences/com.quorel.plist"
+INSTALLED = "1.0.0"
+DAY = 24 * 60 * 60
+UP_TO_DATE, NEWER, UNREACHABLE = "Up to date", "New version available", "Update check failed"
+# Writes down what it is given, one argument a line, and the signals that it cannot get.
+XDG_OPEN = """#!/usr/bin/python3
+import signal, sys
+with open("{place}/opened", "a") as file:
+    print(*sys.argv[1:], *signal.pthread_sigmask(signal.SIG_BLOCK, []), sep="\\n", file=file)
+"""
+
+
+class NotificationServer(dbus.service.Object):
+    def __init__(self, connection):
+        self.capabilities = ("actions", "body", "body-markup")
+        self.shown = []
+        self.name = dbus.service.BusName(NOTIFICATIONS, connection)
+        super().__init__(connection, "/org/freedesktop/Notifications")
+
+    def end(self):
+        if self.name:
+            self.remove_from_connection()
+            self.name = None  # and is given back
+
+    @dbus.service.method(NOTIFICATIONS, out_signature="as")
+    def GetCapabilities(self):
+        return dbus.Array(self.capabilities, signature="s")
+
+    @dbus.service.method(NOTIFICATIONS, in_signature="susssasa{sv}i", out_signature="u",
+                         sender_keyword="sender")
+    def Notify(self, program, replaces, icon, title, body, actions, hints, duration, sender):
+        self.client = sender
+        self.shown.append((int(replaces), str(title), str(body), [str(action) for action in actions]))
+        return replaces or 7
+
+    @dbus.service.signal(NOTIFICATIONS, signature="us")
+    def ActionInvoked(self, number, action):
+        pass
+
+
+class AgentTest(unittest.TestCase):
+    def setUp(self):
+        self.session = PrivateSession(self)
+        place = self.session.place
+        self.bus = self.session.start_bus("session")
+        self.connection = self.session.connect("session")
+        self.feed = FeedServer(self)
+        self.state = f"{place}/state/quorel/last-update-check"
+        os.makedirs(f"{place}/root/Library/Preferences")
+        os.makedirs(f"{place}/bin")
+        with open(f"{place}/bin/xdg-open", "w") as file:
+            file.write(XDG_OPEN.format(place=place))
+        os.chmod(f"{place}/bin/xdg-open", 0o755)
+        self.session.environment.update(PATH=f"{place}/bin:{os.environ['PATH']}", XDG_STATE_HOME=f"{place}/state")
+        self.set_preferences(0)
+
+    def set_preferences(self, check_updates, frequency=0):
+        with open(f"{self.session.place}/root/{PREFERENCES}", "wb") as file:
+            plistlib.dump({"Check Updates": check_updates, "Check Updates Frequency": frequency}, file)
+
+    def set_last_check(self, seconds_ago):
+        os.makedirs(os.path.dirname(self.state), exist_ok=True)
+        with open(self.state, "w") as file:
+            file.write("never" if seconds_ago is None else f"{int(time.time()) - seconds_ago}\n")
+
+    def last_check(self):
+        with open(self.state) as file:
+            return file.read()
+
+    def start_agent(self, *arguments, feed=None):
+        agent = self.session.start(AGENT, "--root", f"{self.session.place}/root", "--feed", feed or self.feed.url(),
+                                   *arguments, log="agent.log")
+        eventually("the agent has its name", lambda: self.connection.name_has_owner(NAME))
+        return agent
+
+    def end(self, agent, number=signal.SIGTERM):
+        began = time.monotonic()
+        agent.send_signal(number)
+        self.assertEqual(agent.wait(20), 0)
+        return time.monotonic() - began
+
+    def show_notifications(self, connection=None):
+        server = NotificationServer(connection or self.connection)
+        self.addCleanup(server.end)
+        return server
+
+    def call(self, method, signature="", *arguments):
+        return self.connection.call_blocking(NAME, PATH, INTERFACE, method, signature, arguments, timeout=10)
+
+    def ask(self, name="UserAgentMustCheckUpdates", receiver=NAME):
+        self.call("PostNotification", "ssay", name, receiver, b"")
+
+    def opened(self):
+        try:
+            with open(f"{self.session.place}/opened") as file:
+                return file.read()
+        except FileNotFoundError:
+            return ""
+
+    def test_check_by_hand(self):
+        notifications = self.show_notifications()
+        self.start_agent()
+        for answer, title, body, actions in (
+                (record("9.0"), NEWER, "Version 9.0 can be downloaded.", ["download", "Download"]),
+                (record(INSTALLED), UP_TO_DATE, "This is the latest version.", []),
+                (b"nothing of use", UNREACHABLE, "The update service could not be reached.", []),
+                (None, UNREACHABLE, "The update service could not be reached.", []),
+                (record("9.0"), NEWER, "Version 9.0 can be downloaded.", ["download", "Download"]),
+                (record("9.0-%n%s<b>&"), NEWER, "Version 9.0-%n%s&lt;b&gt;&amp; can be downloaded.",
+                 ["download", "Download"])):
+            with self.subTest(title):
+                self.feed.answers["/"] = answer
+                replaces = 7 if notifications.shown else 0  # one notification of ours at a time
+                notifications.shown.clear()
+                self.feed.requests.clear()
+                self.ask()
+                eventually("the user is told", lambda: notifications.shown)
+                self.assertEqual(notifications.shown, [(replaces, title, body, actions)])
+                self.assertEqual(len(self.feed.requests), 1)
+
+    def test_speaks_the_servers_language_and_the_users(self):
+        self.feed.answers["/"] = record("9.0<b>&", "https://example.org/?a=1&b=2")
+        notifications = self.show_notifications()
+        for capabilities, language, body, actions in (
+                (("actions", "body"), "C", "Version 9.0<b>& can be downloaded.", ["download", "Download"]),
+                (("body",), "C", "Version 9.0<b>& can be downloaded.\nhttps://example.org/?a=1&b=2", []),
+                (("body-markup",), "C", "Version 9.0&lt;b&gt;&amp; can be downloaded.\n"
+                                        "https://example.org/?a=1&amp;b=2", []),
+                (("actions", "body"), "fr_FR.UTF-8", "La version 9.0<b>& peut être téléchargée.",
+                 ["download", "Télécharger"])):
+            with self.subTest(capabilities):
+                notifications.capabilities = capabilities
+                self.session.environment["LANG"] = language
+                agent = self.start_agent()
+                self.ask()
+                eventually("the user is told", lambda: notifications.shown)
+                self.assertEqual(notifications.shown.pop()[2:], (body, actions))
+                self.end(agent)
+
+    def test_button_opens_the_page(self):
+        page = "https://example.org/get?a=$(id)&b='x';y"
+        self.feed.answers["/"] = record(page=page)
+        notifications = self.show_notifications()
+        self.start_agent()
+        self.ask()
+        eventually("the user is told", lambda: notifications.shown)
+        forger = self.session.connect("session")
+        signal_message = dbus.lowlevel.SignalMessage("/org/freedesktop/Notifications", NOTIFICATIONS, "ActionInvoked")
+        signal_message.append(7, "download", signature="us")
+        signal_message.set_destination(notifications.client)
+        forger.send_message(signal_message)
+        forger.flush()
+        notifications.ActionInvoked(8, "download")  # somebody else's
+        notifications.ActionInvoked(7, "default")
+        self.call("Ping")
+        notifications.ActionInvoked(7, "download")
+        eventually("the page is opened", self.opened)
+        self.assertEqual(self.opened(), page + "\n")
+        # A message without a page takes the button away.
+        self.feed.answers["/"] = record(INSTALLED)
+        self.ask()
+        eventually("the user is told", lambda: len(notifications.shown) == 2)
+        notifications.ActionInvoked(7, "download")
+        self.feed.answers["/"] = record(page="https://example.org/second")
+        self.ask()
+        eventually("the user is told", lambda: len(notifications.shown) == 3)
+        notifications.ActionInvoked(7, "download")
+        eventually("the second page is opened", lambda: "second" in self.opened())
+        self.assertEqual(self.opened(), page + "\nhttps://example.org/second\n")
+
+    def test_without_notifications_the_log_tells(self):
+        self.feed.answers["/"] = record("9.0-%n%s")
+        self.start_agent()
+        self.ask()
+        eventually("the log tells", lambda: self.session.log("agent.log").endswith("\n"))
+        self.assertIn("Version 9.0-%n%s can be downloaded. https://example.org/download",
+                      self.session.log("agent.log"))
+
+    def test_a_new_notification_server_gets_new_notifications(self):
+        self.feed.answers["/"] = record()
+        self.start_agent()
+        for _ in range(2):
+            server = self.show_notifications(self.session.connect("session"))
+            self.ask()
+            eventually("the user is told", lambda: server.shown)
+            self.assertEqual(server.shown[0][0], 0)  # none to replace
+            server.end()
+
+    def test_asking_joins_a_periodic_check(self):
+        released = threading.Event()
+        self.addCleanup(released.set)
+
+        def answer_when_released(request):
+            released.wait(30)
+            request.answer(record(INSTALLED))
+        self.feed.answers["/"] = answer_when_released
+        self.set_preferences(1)
+        notifications = self.show_notifications()
+        self.start_agent()
+        eventually("the feed is asked", lambda: self.feed.requests)
+        self.ask()
+        released.set()
+        eventually("the user is told", lambda: notifications.shown)
+        self.assertEqual(notifications.shown[0][1], UP_TO_DATE)
+        self.assertEqual(len(self.feed.requests), 1)
+
+    def test_answers_and_ends_while_a_check_runs(self):
+        released = threading.Event()
+        self.addCleanup(released.set)
+
+        def answer_when_released(request):
+            released.wait(30)
+            request.answer(record())
+        self.feed.answers["/"] = answer_when_released
+        notifications = self.show_notifications()
+        agent = self.start_agent()
+        self.ask()
+        eventually("the feed is asked", lambda: self.feed.requests)
+        for _ in range(20):
+            self.ask()
+        began = time.monotonic()
+        self.assertTrue(self.call("Ping"))
+        self.assertLess(time.monotonic() - began, 0.5)
+        self.assertEqual(notifications.shown, [])
+        released.set()
+        eventually("the user is told", lambda: notifications.shown)
+        self.assertEqual(len(self.feed.requests), 1)
+        self.assertEqual(len(notifications.shown), 1)
+
+        released.clear()
+        self.ask()
+        eventually("the feed is asked again", lambda: len(self.feed.requests) == 2)
+        self.assertLess(self.end(agent, signal.SIGINT), 2)
+
+    def test_refuses_what_it_does_not_know(self):
+        self.start_agent()
+        for name, receiver in (("UserAgentMustCheckUpdates", "com.quorel.Daemon"), ("DaemonMustReloadPrefs", NAME),
+                               ("", "")):
+            with self.subTest(name=name, receiver=receiver):
+                with self.assertRaises(dbus.DBusException) as refused:
+                    self.ask(name, receiver)
+                self.assertEqual(refused.exception.get_dbus_name(), "com.quorel.Error.UnknownNotification")
+        self.assertEqual(self.feed.requests, [])
+
+    def test_periodic_checks(self):
+        notifications = self.show_notifications()
+        for what, preferences, last_check, answer, asked, told in (
+                ("never checked", (1, 0), None, record("9.0"), True, True),
+                ("due", (1, 0), DAY + 1, record("9.0"), True, True),
+                ("not due yet", (1, 0), DAY - 600, record("9.0"), False, False),
+                ("not this week", (1, 1), 6 * DAY, record("9.0"), False, False),
+                ("nothing new", (1, 0), None, record(INSTALLED), True, False),
+                ("failed", (1, 0), None, None, True, False),
+                ("switched off", (0, 0), None, record("9.0"), False, False)):
+            with self.subTest(what):
+                self.set_preferences(*preferences)
+                self.set_last_check(last_check)
+                before = self.last_check()
+                self.feed.answers["/"] = answer
+                agent = self.start_agent()
+                if asked:
+                    eventually("the feed is asked", lambda: self.feed.requests)
+                if told:
+                    eventually("the user is told", lambda: notifications.shown)
+                    self.assertEqual(notifications.shown[0][1], NEWER)
+                self.call("Ping")
+                # What comes by itself comes at once; there is nothing else to wait for when nothing shall come.
+                if not told:
+                    time.sleep(0.3)
+                    eventually("served", lambda: True)
+                self.assertEqual(len(self.feed.requests), int(asked))
+                self.assertEqual(len(notifications.shown), int(told))
+                self.assertEqual(self.last_check() != before, asked and answer is not None)
+                self.end(agent)
+                self.feed.requests.clear()
+                notifications.shown.clear()
+
+    def test_second_agent_and_bad_arguments_end_with_an_error(self):
+        self.start_agent()
+        for arguments, status, said in (([], 1, "the name is refused"), (["--feed"], 2, "Usage"),
+                                        (["--help"], 2, "Usage"), (["now"], 2, "Usage"),
+                                        (["--feed", "http://example.org/"], 2, "Not an address"),
+                                        (["--feed", "file:///etc/passwd"], 2, "Not an address")):
+            with self.subTest(arguments):
+                second = subprocess.run([AGENT, *arguments], env=self.session.environment, stderr=subprocess.PIPE,
+                                        text=True, timeout=20)
+                self.assertEqual(second.returncode, status)
+                self.assertIn(said, second.stderr)
+        self.assertTrue(self.call("Ping"))
+
+    def test_ends_with_the_bus(self):
+        agent = self.start_agent()
+        self.bus.kill()
+        self.assertEqual(agent.wait(20), 1)
+        self.assertIn("The session bus has gone.", self.session.log("agent.log"))
+
+    def test_trusts_the_given_authorities(self):
+        certificate = f"{self.session.place}/feed.pem"
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
+                        "-noenc", "-days", "2", "-subj", "/CN=test", "-addext", "subjectAltName=IP:127.0.0.1",
+                        "-keyout", certificate, "-out", f"{certificate}.crt"], check=True, stderr=subprocess.DEVNULL)
+        with open(certificate, "a") as both, open(f"{certificate}.crt") as public:
+            both.write(public.read())
+        secure = FeedServer(self, certificate)
+        secure.answers["/"] = record()
+        notifications = self.show_notifications()
+        for arguments, title in (([], UNREACHABLE), (["--ca-file", certificate], NEWER)):
+            agent = self.start_agent(*arguments, feed=secure.url())
+            self.ask()
+            eventually("the user is told", lambda: notifications.shown)
+            self.assertEqual(notifications.shown.pop()[1], title)
+            self.end(agent)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,93 @@
+// Calls over the channel as the pane does, one command a line; answers each with its result and the milliseconds
+// that it took. Arguments: how long silence and handling may last, in milliseconds.
+//   ping-daemon | ping-agent USER | ping-daemon-often TIMES
+//   post-daemon NAME [BYTES] | post-agent USER NAME
+//   open true|false|none: the own end, and its observer's pong
+//   together THREADS TIMES: each thread pings and posts
+
+#include <atomic>
+#include <chrono>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "kit/linux/BusCommunicationCenter.h"
+#include "pane/Preferences.h"
+#include "pane/VXCommunicationProtocol.h"
+#include "platform/Dictionary.h"
+
+using namespace quorel;
+
+namespace {
+
+class Observer : public VXCommunicationProtocol {
+public:
+    explicit Observer(bool alive) : _alive(alive) {}
+    bool pong() const override { return _alive; }
+    VXCommunicationCenter* communicationCenter() const override { return nullptr; }
+
+private:
+    const bool _alive;
+};
+
+Notification notification(const std::string& name, std::string_view object, std::size_t bytes = 0) {
+    Notification result{name, std::string(object), {}};
+    if (bytes > 0) result.userInfo = Value(Dictionary{{"Text", std::string(bytes, 'x')}});
+    return result;
+}
+
+int together(BusCommunicationCenter& center, int threads, int times) {
+    std::atomic<int> succeeded = 0;
+    std::vector<std::thread> running;
+    for (int i = 0; i < threads; ++i)
+        running.emplace_back([&] {
+            for (int j = 0; j < times; ++j) {
+                succeeded += center.pingDaemon();
+                succeeded += center.postNotificationToDaemon(notification("Accept", kDaemonName, 100));
+            }
+        });
+    for (auto& thread : running) thread.join();
+    return succeeded;
+}
+
+}  // namespace
+
+int main(int, char** arguments) {
+    const BusCommunicationCenter::Limits limits{std::chrono::milliseconds(std::stoi(arguments[1])),
+                                                std::chrono::milliseconds(std::stoi(arguments[2]))};
+    std::shared_ptr<Observer> observer;
+    BusCommunicationCenter center(limits);
+    for (std::string line; std::getline(std::cin, line);) {
+        std::istringstream words(line);
+        std::string command;
+        std::string name;
+        unsigned user = 0;
+        int times = 0;
+        int threads = 0;
+        std::size_t bytes = 0;
+        int result = 0;
+        words >> command;
+        const auto began = std::chrono::steady_clock::now();
+        if (command == "ping-daemon") result = center.pingDaemon();
+        if (command == "ping-agent" && words >> user) result = center.pingAgentOfUser(user);
+        if (command == "ping-daemon-often" && words >> times)
+            for (int i = 0; i < times; ++i) result += center.pingDaemon();
+        if (command == "post-daemon" && words >> name) {
+            words >> bytes;
+            result = center.postNotificationToDaemon(notification(name, kDaemonName, bytes));
+        }
+        if (command == "post-agent" && words >> user >> name)
+            result = center.postNotificationToAgentOfUser(notification(name, kUserAgentName), user);
+        if (command == "open" && words >> name) {
+            if (name != "none") observer = std::make_shared<Observer>(name == "true");
+            center.setObserver(observer);
+            center.createServerConnection();
+        }
+        if (command == "together" && words >> threads >> times) result = together(center, threads, times);
+        const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - began;
+        std::cout << result << ' ' << took.count() << std::endl;
+    }
+}
