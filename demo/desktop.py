@@ -76,11 +76,16 @@ class DesktopServers:
         folder = environment["TEMP"]
         os.makedirs(folder)
         os.chmod(folder, 0o1777)
-        self.processes = [subprocess.Popen([server, "--no-fork"], env=environment, user=user,
-                                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-                          for server in ("gdnc", "gpbs")]
         names = f"{folder}/GNUstepSecure*/NSMessagePort/names/*"
-        wait_for(lambda: len(glob.glob(names)) == len(self.processes), "the pasteboard does not come up")
+        self.processes = []
+        try:
+            for server in ("gdnc", "gpbs"):  # one after the other: at once, each may find the other's half-made folder
+                self.processes.append(subprocess.Popen([server, "--no-fork"], env=environment, user=user,
+                                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
+                wait_for(lambda: len(glob.glob(names)) == len(self.processes), f"{server} does not come up")
+        except BaseException:
+            self.close()
+            raise
 
     def close(self):
         for process in self.processes:
