@@ -19,7 +19,7 @@ int minute(const CalendarDate& date) {
 
 CalendarDate dateFromHourMinsFromDate(int hour, int minutes, const CalendarDate& reference) {
     using namespace std::chrono;
-    constexpr std::int64_t kMinutesPerDay = 24 * 60;
+    constexpr std::int64_t kMinutesPerDay = std::int64_t{24} * 60;
     const std::int64_t total = std::int64_t{hour} * 60 + minutes;
     std::int64_t dayOffset = total / kMinutesPerDay;
     std::int64_t ofDay = total % kMinutesPerDay;

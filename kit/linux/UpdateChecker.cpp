@@ -16,7 +16,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr std::size_t kMaximumAnswerBytes = 64 * 1024;
+constexpr std::size_t kMaximumAnswerBytes = std::size_t{64} * 1024;
 constexpr int kMaximumRedirects = 3;
 constexpr milliseconds kConnectLimit{5'000};
 

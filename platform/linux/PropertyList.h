@@ -11,7 +11,7 @@
 namespace quorel {
 
 /// Limits on property lists from outside: what is larger or deeper is refused before it is unfolded.
-inline constexpr std::size_t kMaximumPropertyListBytes = 16 * 1024 * 1024;
+inline constexpr std::size_t kMaximumPropertyListBytes = std::size_t{16} * 1024 * 1024;
 inline constexpr int kMaximumPropertyListDepth = 64;
 
 /// XML or binary, within the limits; absent otherwise. Any thread, never throws.

@@ -89,7 +89,7 @@ std::optional<Value> dataOf(std::string_view text) {
     unsigned digits = 0, padding = 0;
     for (const char c : text) {
         if (kSpace.find(c) != std::string_view::npos) continue;
-        const int value = kDigitValues[static_cast<unsigned char>(c)];
+        const std::int8_t value = kDigitValues[static_cast<unsigned char>(c)];
         if (c == '=') {
             ++padding;
             continue;
