@@ -6,8 +6,9 @@ import sys
 import time
 import unittest
 
-SUPPORT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support")
-sys.path.insert(0, SUPPORT)
+HERE = os.path.dirname(os.path.abspath(__file__))
+SUPPORT = os.path.join(HERE, "../support")
+sys.path.insert(0, os.path.join(HERE, "../../demo"))
 from private_system import PrivateSystem, read_line
 
 PROBE = os.path.abspath(sys.argv[1])

@@ -15,7 +15,7 @@ import time
 
 import dbus
 
-RESOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../resources/linux")
+RESOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../resources/linux")
 
 BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
