@@ -111,8 +111,8 @@ class SheetTest(PaneCase):
         self.wait_times("8:03", "6:15")
         self.apply()
         parameters = dict(SLEEP_PARAMETERS, **{"Only When Idle": True, "Idle Minutes": 45})
-        self.wait_only_stored(schedule("Sleep", 8, 3, days=DAYS[:5], Remark="kept", **{"Action Parameters": parameters}),
-                              self.schedules[1])
+        edited = schedule("Sleep", 8, 3, days=DAYS[:5], Remark="kept", **{"Action Parameters": parameters})
+        self.wait_only_stored(edited, self.schedules[1])
 
     def test_adding_types_flags_cancelling_and_deleting(self):
         self.start_daemon()
