@@ -187,6 +187,7 @@ class Screen:
         except OSError:
             connection.close()
             return False
+        connection.settimeout(60)
         self.stream = connection.makefile("rw")
         connection.close()  # with the stream
         return True
@@ -244,9 +245,13 @@ class Screen:
         def the_item():
             items = (item for window in self.look() for view in window["views"] for item in view.get("menu", ()))
             return next((item for item in items if item["title"] == title and item["frame"][2] < 1024), None)
-        item = wait_for(the_item, f"no menu with {title}")
-        x, y, width, height = item["frame"]
-        self.xdotool("mousemove", int(x + width / 2), int(y + height / 2), "sleep", 0.1, "mouseup", 1)
+        wait_for(the_item, f"no menu with {title}")
+        self.settle()
+        x, y, width, height = the_item()["frame"]
+        # A button that is let go soon leaves the menu open.
+        self.xdotool("mousemove", int(x + width / 2), int(y + height / 2), "sleep", 0.4, "mouseup", 1)
+        self.wait(toolTip=pop_up["toolTip"], title=title)
+        self.settle()
 
     def drag_row(self, row, below):
         """From a row to the gap below another; row -1 stands for the gap at the top."""

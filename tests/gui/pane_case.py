@@ -84,14 +84,16 @@ class PaneCase(unittest.TestCase):
 
     def open_pane(self, unlocked=True, open_it=True, info=(), user=None, **how):
         """Starts the application, once more with what the last one left, and clicks the pane's icon."""
+        if self.application:
+            self.application.close()
         home = f"{self.place}/home"
         defaults = f"{home}/Defaults/SystemPreferences.plist"
         if unlocked and not os.path.exists(defaults):
             os.makedirs(os.path.dirname(defaults), exist_ok=True)
             with open(defaults, "w") as file:
                 file.write(UNLOCKED)
-        environment = dict(self.system.environment(), DISPLAY=self.display.name, LC_ALL="C.UTF-8", TEMP=f"{self.place}/servers",
-                           HOME=home, PATH=f"{self.place}/bin:{os.environ['PATH']}")
+        environment = dict(self.system.environment(), DISPLAY=self.display.name, LC_ALL="C.UTF-8", HOME=home,
+                           TEMP=f"{self.place}/servers", PATH=f"{self.place}/bin:{os.environ['PATH']}")
         if not self.servers:
             self.servers = DesktopServers(environment, user)
             self.addCleanup(self.servers.close)

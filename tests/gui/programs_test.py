@@ -97,8 +97,8 @@ class BadFileTest(PaneCase):
                 self.assertEqual(self.content(), before)
 
         keys = [key for key in schedule("Sleep", 1, 2) if key != "Action Type"] + ["Action Parameters"]
-        self.store(preferences(schedule("Sleep", 22, 30), *(dict(schedule("Sleep", 1, 2), **{key: value for key in keys})
-                                                            for value in odd), schedule("WakeUp", 6, 15)))
+        of_odd_kinds = [schedule("Sleep", 1, 2) | {key: value for key in keys} for value in odd]
+        self.store(preferences(schedule("Sleep", 22, 30), *of_odd_kinds, schedule("WakeUp", 6, 15)))
         self.read_again()
         times = self.times()
         self.assertEqual((len(times), times[0], times[-1]), (len(odd) + 2, "10:30", "6:15"))
