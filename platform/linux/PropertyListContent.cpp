@@ -17,7 +17,7 @@ constexpr sys_seconds kBeyond = sys_days(std::chrono::year(10000) / 1 / 1);
 
 constexpr std::size_t kLongestSharedText = 64;
 
-/// How many bytes the character at the front takes; 0 where it is malformed.
+/// How many bytes the character at the front takes; 0 where it is malformed, or U+FFFE or U+FFFF.
 std::size_t characterLength(std::string_view text) {
     const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
     const unsigned first = byte(0);
@@ -30,14 +30,12 @@ std::size_t characterLength(std::string_view text) {
     const bool overlong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
     const bool surrogate = first == 0xed && second >= 0xa0;
     const bool beyond = first == 0xf4 && second >= 0x90;
-    return overlong || surrogate || beyond ? 0 : length;
+    const bool forbidden = first == 0xef && second == 0xbf && byte(2) >= 0xbe;
+    return overlong || surrogate || beyond || forbidden ? 0 : length;
 }
 
-/// What XML has no way to write, about the character at the front.
-bool isForbidden(std::string_view text) {
-    const char c = text.front();
-    const bool control = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-    return control || text.starts_with("\xef\xbf\xbe") || text.starts_with("\xef\xbf\xbf");
+bool isForbiddenControl(char c) {
+    return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
 }
 
 }  // namespace
@@ -45,7 +43,7 @@ bool isForbidden(std::string_view text) {
 bool isPropertyListText(std::string_view text) {
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
-        if (length == 0 || isForbidden(text)) return false;
+        if (length == 0 || isForbiddenControl(text.front())) return false;
         text.remove_prefix(length);
     }
     return true;
