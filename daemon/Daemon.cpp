@@ -118,6 +118,7 @@ private:
 
         const std::lock_guard lock(_writing);
         if (_closed) return refuse(wire::kFailed, "The daemon is ending.");
+        if (_store.keepUnreadable()) MOLLog("The file in place cannot be read; it is kept beside the new one.");
         if (const auto reason = _store.write(*bytes); !reason.empty()) return refuse(wire::kStorageFailed, reason);
         accept("are stored");
     } catch (const std::exception& exception) {  // memory has run out; the answer says that it failed

@@ -90,6 +90,15 @@ std::string PreferencesStore::write(std::string_view bytes) const {
     return reason;
 }
 
+bool PreferencesStore::keepUnreadable() const {
+    const std::string path = pathBelow(_root);
+    struct stat status {};
+    if (lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || read().isPresent()) return false;
+    const std::string kept = path + ".unreadable";
+    unlink(kept.c_str());
+    return link(path.c_str(), kept.c_str()) == 0;
+}
+
 void PreferencesStore::removeLeftovers() const {
     const std::filesystem::path path = pathBelow(_root);
     unlink((path.parent_path() / temporaryName(path)).c_str());

@@ -18,6 +18,9 @@ public:
     /// or the other whole. Readable by everybody. Makes the folder where it is missing. Answers with the reason when
     /// it failed, in which case the old file is in place, and with an empty text otherwise.
     std::string write(std::string_view bytes) const;
+    /// Gives a file that is no readable dictionary a second name ("….unreadable", the latest one alone), under which it
+    /// outlives the next write. False when there is no such file.
+    bool keepUnreadable() const;
     /// Removes what an interrupted write has left behind.
     void removeLeftovers() const;
 

@@ -73,13 +73,16 @@ class SavingTest(DaemonCase):
         self.assertNotEqual(nobody.save(xml(preferences(Show_In_Menu_Bar=0))), ("", ""))
         self.assertEqual(self.identity(), before)
 
-    def test_damaged_file_is_replaced(self):
+    def test_damaged_file_is_replaced_and_kept(self):
         os.makedirs(self.folder)
         for damage in (b"", b"junk", xml(PREFERENCES)[:100], xml([1])):
             with open(self.file, "wb") as file:
                 file.write(damage)
             self.assertEqual(self.save(xml(PREFERENCES)), ("", ""))
             self.assertEqual(self.stored(), PREFERENCES)
+            self.assertEqual(self.save(xml(preferences(Show_In_Menu_Bar=0))), ("", ""))
+            with open(f"{self.file}.unreadable", "rb") as file:
+                self.assertEqual(file.read(), damage)
 
     def test_second_daemon_ends_with_an_error(self):
         second = subprocess.run([DAEMON, "--root", self.root], env=self.system.environment(), stderr=subprocess.PIPE,
