@@ -14,7 +14,7 @@ import signal
 import subprocess
 import sys
 
-from desktop import SettingsApplication, VirtualDisplay, wait_for
+from desktop import DesktopServers, SettingsApplication, VirtualDisplay, wait_for
 from feed_server import FeedServer, record
 from private_system import PrivateSystem
 
@@ -100,7 +100,9 @@ def show(build, user, place, path, ends):
 
     display = VirtualDisplay()
     ends.callback(display.close)
-    application = SettingsApplication(build, home, dict(environment, DISPLAY=display.name), info=info, **as_user)
+    environment.update(DISPLAY=display.name, TEMP=f"{system.place}/servers")
+    ends.callback(DesktopServers(environment, user.pw_uid).close)
+    application = SettingsApplication(build, home, environment, info=info, **as_user)
     ends.callback(application.close)
     screenshot = f"{place}/screenshot.png"
     done = edit(application.screen, display, path, screenshot)
