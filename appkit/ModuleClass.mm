@@ -18,8 +18,8 @@ template <class Ask>
 auto guarded(Ask ask) -> decltype(ask()) {
     @try {
         return ask();
-    } @catch (NSException *exception) {
-        NSLog(@"A module raised %@: %@", [exception name], [exception reason]);
+    } @catch (NSException *) {
+        // Nothing is said of a module that does not work; it is passed over.
     }
     return decltype(ask())();
 }
