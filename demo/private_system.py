@@ -91,6 +91,9 @@ class PrivateSystem:
     def __init__(self):
         self.place = tempfile.mkdtemp()
         os.chmod(self.place, 0o755)
+        self.state = f"{self.place}/state"  # where programs of any user keep what a user's home would
+        os.mkdir(self.state)
+        os.chmod(self.state, 0o1777)
         self.processes = []
         self.mounts = []
         self.addresses = {}
@@ -105,7 +108,8 @@ class PrivateSystem:
     def environment(self):
         """What a program must be started with."""
         names = {"system": "DBUS_SYSTEM_BUS_ADDRESS", "session": "DBUS_SESSION_BUS_ADDRESS"}
-        return dict(os.environ, **{names[kind]: address for kind, address in self.addresses.items()})
+        return dict(os.environ, XDG_STATE_HOME=self.state,
+                    **{names[kind]: address for kind, address in self.addresses.items()})
 
     def connect(self, kind="system"):
         return dbus.bus.BusConnection(self.addresses[kind])
