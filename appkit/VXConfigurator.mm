@@ -184,6 +184,12 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
     _configurator->closeEditSheet(appkit::senderFrom(sender).get());
 }
 
+/* Where a window manager frames the sheet like any window, closing it is cancelling. */
+- (BOOL)windowShouldClose:(id)window {
+    [self closeEditSheet:window];
+    return NO;
+}
+
 - (void)toggleEnabled:(id)sender {
     if (_configurator->isLocked()) return;
     NSTableColumn *column = [tableView tableColumnWithIdentifier:appkit::nsString(quorel::schedule::kIsEnabled)];

@@ -146,4 +146,10 @@ struct VXPaneState {
     _state->controller->closeSheet(appkit::senderFrom(sender).get());
 }
 
+/* Where a window manager frames the about sheet like any window. */
+- (BOOL)windowShouldClose:(id)window {
+    [self closeSheet:window];
+    return NO;
+}
+
 @end

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The edit sheet, used with mouse and keyboard: sheet_test.py BUILD"""
 import glob
+import subprocess
 
 from pane_case import BUILD, DAYS, PaneCase, main, preferences, schedule
 
@@ -215,6 +216,21 @@ class SheetTest(PaneCase):
             before = now["frame"]
             self.screen.key("Tab")
         return names
+
+    def ask_x(self, *command):
+        return subprocess.run(command, env=self.screen.environment, check=True, stdout=subprocess.PIPE, text=True).stdout
+
+    def test_sheets_can_be_closed_by_a_window_manager(self):
+        # It would end the application instead, were it not told to ask.
+        screen = self.open_pane()
+        for opener, title in ((lambda: self.open_row(0), "Schedule"),
+                              (lambda: screen.click(self.button("About…")), "About Quorel")):
+            opener()
+            self.wait_sheet()
+            windows = self.ask_x("xdotool", "search", "--onlyvisible", "--name", f"^{title}$").split()
+            self.assertEqual(len(windows), 1)
+            self.assertIn("WM_DELETE_WINDOW", self.ask_x("xprop", "-id", windows[0], "WM_PROTOCOLS"))
+            self.cancel()
 
     def test_modules_of_others(self):
         self.start_daemon()

@@ -26,6 +26,7 @@ class StatusCase(PaneCase):
         self.assertEqual(images[0] == images[1], daemon == agent)
 
     def press(self, title):
+        self.screen.settle()
         self.screen.click(self.button(title))
 
     def hang(self, *programs):
