@@ -19,7 +19,6 @@ class Bundle : public quorel::Bundle {
     std::string localizedStringForKeyValueTable(std::string_view key, std::string_view value,
                                                 std::string_view table) const override;
     std::shared_ptr<Image> imageNamed(std::string_view name) const override;
-    NSBundle *nativeBundle() const { return _bundle.get(); }
 
    private:
     Retained<NSBundle> _bundle;

@@ -22,11 +22,9 @@ inline constexpr std::array<std::string_view, 7> kActiveOnDays = {
 inline constexpr std::string_view kSleepType = "com.quorel.plugin.Sleep";
 inline constexpr std::string_view kWakeUpType = "com.quorel.plugin.WakeUp";
 
-}  // namespace schedule
-
-namespace schedule {
 /// The table's column that sums up the action. No Schedule has such a key.
 inline constexpr std::string_view kInfos = "Infos";
+
 }  // namespace schedule
 
 /// The type of what the table's rows are dragged as; inside one table only.

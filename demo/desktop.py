@@ -13,7 +13,6 @@ import time
 
 APPLICATION = "/usr/lib/GNUstep/Applications/SystemPreferences.app/SystemPreferences"
 CONFIG = "/etc/GNUstep/GNUstep.conf"
-DAYS = ("Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Sunday")
 
 
 def wait_for(condition, what, seconds=20):

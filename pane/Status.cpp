@@ -38,13 +38,16 @@ void VXPrefPaneController::checkUserAgent() {
 
 void VXPrefPaneController::showDaemonAlive(bool alive) {
     outlets.statusDaemon->setStringValue(localized(alive ? "Demon actif" : "Demon non lance"));
-    outlets.statusDaemonImageView->setImage(imageNamedInBundleOfInstance(alive ? "Available" : "Unavailable", *this));
+    showLight(*outlets.statusDaemonImageView, alive);
 }
 
 void VXPrefPaneController::showUserAgentAlive(bool alive) {
     outlets.statusUserAgent->setStringValue(localized(alive ? "User Agent actif" : "User Agent non lance"));
-    outlets.statusUserAgentImageView->setImage(
-        imageNamedInBundleOfInstance(alive ? "Available" : "Unavailable", *this));
+    showLight(*outlets.statusUserAgentImageView, alive);
+}
+
+void VXPrefPaneController::showLight(ImageView& light, bool alive) {
+    light.setImage(imageNamedInBundleOfInstance(alive ? "Available" : "Unavailable", *this));
 }
 
 }  // namespace quorel

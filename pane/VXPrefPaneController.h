@@ -88,6 +88,7 @@ private:
     void takeDefaults();
     void showDaemonAlive(bool alive);
     void showUserAgentAlive(bool alive);
+    void showLight(ImageView& light, bool alive);
     void runUpdateCheck(const Object* sender);  ///< on the check's own queue
     void offerNewerVersion(const std::optional<std::string>& version);
 
