@@ -17,7 +17,8 @@
 
 #include "agent/Browser.h"
 #include "kit/MOLLog.h"
-#include "pane/Preferences.h"
+#include "model/Names.h"
+#include "model/Preferences.h"
 
 namespace quorel {
 

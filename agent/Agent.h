@@ -10,9 +10,9 @@
 #include "agent/LastCheckFile.h"
 #include "agent/Notifier.h"
 #include "agent/Reports.h"
-#include "kit/linux/BusEndpoint.h"
-#include "kit/linux/UpdateChecker.h"
-#include "platform/linux/PropertyList.h"
+#include "kit/update/CurlUpdateChecker.h"
+#include "linux/BusEndpoint.h"
+#include "linux/RootedPropertyListFiles.h"
 
 namespace quorel {
 

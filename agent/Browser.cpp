@@ -6,7 +6,7 @@
 
 #include <csignal>
 
-#include "kit/linux/UpdateRecord.h"
+#include "kit/update/UpdateRecord.h"
 
 namespace quorel {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "pane/Preferences.h"
+#include "model/Preferences.h"
 
 namespace quorel {
 

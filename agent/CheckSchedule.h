@@ -3,7 +3,7 @@
 #include <chrono>
 #include <optional>
 
-#include "platform/Value.h"
+#include "model/Value.h"
 
 namespace quorel {
 

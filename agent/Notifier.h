@@ -7,7 +7,7 @@
 #include <string>
 
 #include "agent/Message.h"
-#include "kit/linux/BusWire.h"
+#include "linux/Bus.h"
 
 namespace quorel {
 

@@ -1,6 +1,6 @@
 #include "agent/Reports.h"
 
-#include "kit/linux/VersionOrder.h"
+#include "kit/update/VersionOrder.h"
 
 namespace quorel {
 

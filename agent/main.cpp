@@ -13,8 +13,8 @@
 #include "ProductVersion.h"
 #include "agent/Agent.h"
 #include "kit/MOLLog.h"
-#include "kit/linux/JournalLog.h"
-#include "kit/linux/UpdateRecord.h"
+#include "kit/update/UpdateRecord.h"
+#include "linux/JournalLog.h"
 
 namespace quorel {
 

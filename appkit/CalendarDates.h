@@ -2,7 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
-#include "platform/CalendarDate.h"
+#include "model/CalendarDate.h"
 
 namespace quorel::appkit {
 

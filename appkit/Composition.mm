@@ -7,12 +7,12 @@
 #include "appkit/Services.h"
 #include "appkit/Strings.h"
 #include "appkit/Table.h"
-#include "kit/linux/BusCommunicationCenter.h"
-#include "kit/linux/JournalLog.h"
-#include "kit/linux/UpdateChecker.h"
-#include "platform/linux/PolkitAuthorization.h"
-#include "platform/linux/PropertyList.h"
-#include "platform/linux/ThreadDispatch.h"
+#include "kit/update/CurlUpdateChecker.h"
+#include "linux/BusCommunicationCenter.h"
+#include "linux/JournalLog.h"
+#include "linux/PolkitAuthorization.h"
+#include "linux/RootedPropertyListFiles.h"
+#include "linux/ThreadDispatch.h"
 
 // A build for macOS needs a file like this one with that system's services: its Authorization Services, its dispatch
 // queues, and a channel to the programs there.

@@ -6,7 +6,7 @@
 #include "appkit/Sender.h"
 #include "appkit/Table.h"
 #include "appkit/Values.h"
-#include "configurator/Schedule.h"
+#include "model/Schedule.h"
 
 namespace appkit = quorel::appkit;
 
@@ -68,7 +68,7 @@ namespace appkit = quorel::appkit;
     if ([names count] != 7) return;
     NSUInteger day = 1;
     NSEnumerator *boxes = [[self dayBoxes] objectEnumerator];
-    for (const auto identifier : quorel::schedule::kActiveOnDays) {
+    for (const auto identifier : quorel::schedule_keys::kActiveOnDays) {
         NSString *name = [names objectAtIndex:day++ % 7];
         [[[tableView tableColumnWithIdentifier:appkit::nsString(identifier)] headerCell] setStringValue:name];
         [(NSButton *)[boxes nextObject] setTitle:name];
@@ -192,7 +192,7 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
 
 - (void)toggleEnabled:(id)sender {
     if (_configurator->isLocked()) return;
-    NSTableColumn *column = [tableView tableColumnWithIdentifier:appkit::nsString(quorel::schedule::kIsEnabled)];
+    NSTableColumn *column = [tableView tableColumnWithIdentifier:appkit::nsString(quorel::schedule_keys::kIsEnabled)];
     [self tableView:tableView setObjectValue:nil forTableColumn:column row:[tableView selectedRow]];
 }
 

@@ -2,7 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
-#include "platform/Value.h"
+#include "model/Value.h"
 
 namespace quorel::appkit {
 

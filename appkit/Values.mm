@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "appkit/Strings.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
 
 namespace quorel::appkit {
 

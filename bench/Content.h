@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "configurator/Schedule.h"
+#include "model/Schedule.h"
 
 namespace quorel::bench {
 
@@ -19,8 +19,8 @@ struct Content {
         const unsigned scattered = static_cast<unsigned>(number) * 2654435761u;
         const unsigned kind = scattered >> 8 & 0xff;
         return {std::string(kind < 26    ? "com.example.plugin.Gone"
-                            : kind < 140 ? schedule::kSleepType
-                                         : schedule::kWakeUpType),
+                            : kind < 140 ? schedule_keys::kSleepType
+                                         : schedule_keys::kWakeUpType),
                 static_cast<int>((scattered >> 16 & 0xff) % 24),
                 static_cast<int>((scattered >> 20 & 0xff) % 60),
                 (scattered >> 5 & 1) != 0,

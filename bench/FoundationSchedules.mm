@@ -66,7 +66,7 @@ NSData *makeFile(int first, int end) {
         [record setObject:[NSNumber numberWithInt:content.enabled ? 1 : 0] forKey:@"Is Enabled"];
         for (unsigned day = 0; day < 7; ++day) {
             [record setObject:[NSNumber numberWithBool:(content.days >> day & 1) != 0]
-                       forKey:text(schedule::kActiveOnDays[day])];
+                       forKey:text(schedule_keys::kActiveOnDays[day])];
         }
         [list addObject:record];
     }
@@ -158,7 +158,7 @@ FoundationSchedules::FoundationSchedules(int count) : _parts(std::make_unique<Pa
     }
     _parts->list = list;
     @autoreleasepool {
-        for (const auto type : {schedule::kSleepType, schedule::kWakeUpType}) {
+        for (const auto type : {schedule_keys::kSleepType, schedule_keys::kWakeUpType}) {
             [_parts->plugins setObject:[[PeerModule new] autorelease] forKey:text(type)];
         }
     }

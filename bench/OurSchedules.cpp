@@ -5,7 +5,7 @@
 #include "bench/Content.h"
 #include "bench/FoundationSchedules.h"
 #include "configurator/VXConfigurator.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
 #include "tests/support/FakeModule.h"
 #include "tests/support/HeadlessNib.h"
 
@@ -37,12 +37,12 @@ public:
 Value makeList(int count) {
     Array list;
     list.reserve(static_cast<std::size_t>(count));
-    Dictionary shape{{schedule::kActionType, ""},
-                     {schedule::kActionParameters, 0},
-                     {schedule::kActionHour, 0},
-                     {schedule::kActionMinute, 0},
-                     {schedule::kIsEnabled, 0}};
-    for (const auto day : schedule::kActiveOnDays) shape.set(day, false);
+    Dictionary shape{{schedule_keys::kActionType, ""},
+                     {schedule_keys::kActionParameters, 0},
+                     {schedule_keys::kActionHour, 0},
+                     {schedule_keys::kActionMinute, 0},
+                     {schedule_keys::kIsEnabled, 0}};
+    for (const auto day : schedule_keys::kActiveOnDays) shape.set(day, false);
     const Dictionary parametersShape{{"n", 0}, {"startup", false}, {"wake", false}};
     std::map<std::string, Value> texts;
     const auto shared = [&texts](const std::string& text) { return texts.try_emplace(text, text).first->second; };
@@ -51,13 +51,13 @@ Value makeList(int count) {
         Dictionary parameters = parametersShape;
         parameters.set("n", content.parameter);
         Dictionary schedule = shape;
-        schedule.set(schedule::kActionType, shared(content.type));
-        schedule.set(schedule::kActionParameters, std::move(parameters));
-        schedule.set(schedule::kActionHour, content.hour);
-        schedule.set(schedule::kActionMinute, shared(std::to_string(content.minute)));
-        schedule.set(schedule::kIsEnabled, content.enabled ? 1 : 0);
+        schedule.set(schedule_keys::kActionType, shared(content.type));
+        schedule.set(schedule_keys::kActionParameters, std::move(parameters));
+        schedule.set(schedule_keys::kActionHour, content.hour);
+        schedule.set(schedule_keys::kActionMinute, shared(std::to_string(content.minute)));
+        schedule.set(schedule_keys::kIsEnabled, content.enabled ? 1 : 0);
         for (unsigned day = 0; day < 7; ++day) {
-            schedule.set(schedule::kActiveOnDays[day], (content.days >> day & 1) != 0);
+            schedule.set(schedule_keys::kActiveOnDays[day], (content.days >> day & 1) != 0);
         }
         list.push_back(Value(std::move(schedule)));
     }
@@ -81,7 +81,8 @@ struct OurSchedules::Parts {
 
 OurSchedules::OurSchedules(int count) : _parts(std::make_unique<Parts>()) {
     const auto bundle = std::make_shared<headless::Bundle>("/pane");
-    for (const auto& [type, name] : {std::pair(schedule::kSleepType, "Sleep"), {schedule::kWakeUpType, "Wake up"}}) {
+    for (const auto& [type, name] :
+         {std::pair(schedule_keys::kSleepType, "Sleep"), {schedule_keys::kWakeUpType, "Wake up"}}) {
         const auto module = std::make_shared<Module>();
         module->identifier = type;
         module->name = name;

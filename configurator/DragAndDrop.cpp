@@ -1,5 +1,5 @@
-#include "configurator/Schedule.h"
 #include "configurator/VXConfigurator.h"
+#include "model/Schedule.h"
 
 namespace quorel {
 

@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "configurator/Schedule.h"
 #include "configurator/VXConfigurator.h"
 #include "kit/Additions.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
+#include "model/Schedule.h"
 
 namespace quorel {
 
@@ -34,17 +34,17 @@ void VXConfigurator::openEditSheetFor(const Value& scheduleToEdit) {
     if (_plugins) {
         for (const auto& [identifier, module] : *_plugins) module->setParameters(module->defaultParameters());
     }
-    auto* module = moduleOfType(schedule[schedule::kActionType]);
+    auto* module = moduleOfType(schedule[schedule_keys::kActionType]);
     if (module) {
         if (const auto name = module->pluginName()) outlets.popUpType->selectItemWithTitle(*name);
-        if (!_isAdding) module->setParameters(schedule[schedule::kActionParameters]);
+        if (!_isAdding) module->setParameters(schedule[schedule_keys::kActionParameters]);
         module->fillSetupInterfaceFromParameters();
     }
-    outlets.timeControl->setDateValue(dateFromHourMinsFromDate(schedule[schedule::kActionHour].intValue(),
-                                                               schedule[schedule::kActionMinute].intValue(),
+    outlets.timeControl->setDateValue(dateFromHourMinsFromDate(schedule[schedule_keys::kActionHour].intValue(),
+                                                               schedule[schedule_keys::kActionMinute].intValue(),
                                                                _platform.clock.currentDate()));
-    for (std::size_t day = 0; day < schedule::kActiveOnDays.size(); ++day) {
-        outlets.activeOn[day]->setState(schedule[schedule::kActiveOnDays[day]].intValue());
+    for (std::size_t day = 0; day < schedule_keys::kActiveOnDays.size(); ++day) {
+        outlets.activeOn[day]->setState(schedule[schedule_keys::kActiveOnDays[day]].intValue());
     }
     outlets.wakeUpEdit->setState(stateOf(module && module->needsWakeUp()));
     outlets.startupEdit->setState(stateOf(module && module->needsStartup()));
@@ -154,17 +154,17 @@ void VXConfigurator::saveSchedule(const Object*) {
         saved = newEmptySchedule().dictionary();
     }
     if (module) {
-        saved.set(schedule::kActionType, module->pluginIdentifier());
+        saved.set(schedule_keys::kActionType, module->pluginIdentifier());
         if (Value parameters = module->parameters(); parameters.isPresent()) {
-            saved.set(schedule::kActionParameters, std::move(parameters));
+            saved.set(schedule_keys::kActionParameters, std::move(parameters));
         }
     }
     const CalendarDate time = outlets.timeControl->dateValue();
-    saved.set(schedule::kIsEnabled, 1);
-    saved.set(schedule::kActionHour, hour(time));
-    saved.set(schedule::kActionMinute, minute(time));
-    for (std::size_t day = 0; day < schedule::kActiveOnDays.size(); ++day) {
-        saved.set(schedule::kActiveOnDays[day], stateOf(isTicked(*outlets.activeOn[day])));
+    saved.set(schedule_keys::kIsEnabled, 1);
+    saved.set(schedule_keys::kActionHour, hour(time));
+    saved.set(schedule_keys::kActionMinute, minute(time));
+    for (std::size_t day = 0; day < schedule_keys::kActiveOnDays.size(); ++day) {
+        saved.set(schedule_keys::kActiveOnDays[day], stateOf(isTicked(*outlets.activeOn[day])));
     }
     if (_isEditing) {
         if (hasRow(row)) _scheduleArray[static_cast<std::size_t>(row)] = Value(std::move(saved));

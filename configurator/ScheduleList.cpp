@@ -4,9 +4,9 @@
 #include <iterator>
 #include <utility>
 
-#include "configurator/Schedule.h"
 #include "configurator/VXConfigurator.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
+#include "model/Schedule.h"
 
 namespace quorel {
 
@@ -37,7 +37,7 @@ private:
         bool registered = false;
     };
     IsRegistered _isRegistered;
-    KeyReader _typeOf{schedule::kActionType};
+    KeyReader _typeOf{schedule_keys::kActionType};
     std::array<Seen, 4> _seen;
     std::size_t _next = 0;
 };
@@ -65,7 +65,7 @@ void VXConfigurator::setScheduleArray(const Value& list) {
 }
 
 int VXConfigurator::numberOfActionInScheduleArrayOfType(std::string_view type) const {
-    KeyReader typeOf(schedule::kActionType);
+    KeyReader typeOf(schedule_keys::kActionType);
     return static_cast<int>(std::count_if(_scheduleArray.begin(), _scheduleArray.end(), [&](const Value& schedule) {
         const Value& own = typeOf(schedule);
         return own.isText() && own.text() == type;
@@ -73,15 +73,15 @@ int VXConfigurator::numberOfActionInScheduleArrayOfType(std::string_view type) c
 }
 
 Value VXConfigurator::newEmptySchedule() const {
-    const bool wakesUp = numberOfActionInScheduleArrayOfType(schedule::kSleepType) >
-                         numberOfActionInScheduleArrayOfType(schedule::kWakeUpType);
-    const std::string_view type = wakesUp ? schedule::kWakeUpType : schedule::kSleepType;
-    Dictionary fresh{{schedule::kIsEnabled, 1},
-                     {schedule::kActionType, type},
-                     {schedule::kActionHour, wakesUp ? "7" : "23"},
-                     {schedule::kActionMinute, "00"}};
-    for (const auto day : schedule::kActiveOnDays) fresh.set(day, true);
-    if (auto* module = moduleOfType(type)) fresh.set(schedule::kActionParameters, module->defaultParameters());
+    const bool wakesUp = numberOfActionInScheduleArrayOfType(schedule_keys::kSleepType) >
+                         numberOfActionInScheduleArrayOfType(schedule_keys::kWakeUpType);
+    const std::string_view type = wakesUp ? schedule_keys::kWakeUpType : schedule_keys::kSleepType;
+    Dictionary fresh{{schedule_keys::kIsEnabled, 1},
+                     {schedule_keys::kActionType, type},
+                     {schedule_keys::kActionHour, wakesUp ? "7" : "23"},
+                     {schedule_keys::kActionMinute, "00"}};
+    for (const auto day : schedule_keys::kActiveOnDays) fresh.set(day, true);
+    if (auto* module = moduleOfType(type)) fresh.set(schedule_keys::kActionParameters, module->defaultParameters());
     return Value(std::move(fresh));
 }
 

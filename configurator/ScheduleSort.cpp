@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "configurator/Schedule.h"
 #include "configurator/VXConfigurator.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
+#include "model/Schedule.h"
 
 namespace quorel {
 
@@ -22,10 +22,10 @@ ComparisonResult swapped(ComparisonResult result) {
 }
 
 ComparisonResult compareTimes(const Value& a, const Value& b) {
-    const int hourOfA = a[schedule::kActionHour].intValue();
-    const int hourOfB = b[schedule::kActionHour].intValue();
+    const int hourOfA = a[schedule_keys::kActionHour].intValue();
+    const int hourOfB = b[schedule_keys::kActionHour].intValue();
     if (hourOfA != hourOfB) return hourOfA < hourOfB ? ComparisonResult::Ascending : ComparisonResult::Descending;
-    const bool earlier = a[schedule::kActionMinute].intValue() < b[schedule::kActionMinute].intValue();
+    const bool earlier = a[schedule_keys::kActionMinute].intValue() < b[schedule_keys::kActionMinute].intValue();
     return earlier ? ComparisonResult::Ascending : ComparisonResult::Descending;
 }
 
@@ -38,9 +38,9 @@ ComparisonResult compareFlags(bool a, bool b) {
 class SortKey {
 public:
     explicit SortKey(std::string_view identifier)
-        : _byTime(identifier == schedule::kInfos),
-          _first(_byTime ? schedule::kActionHour : identifier),
-          _second(schedule::kActionMinute) {}
+        : _byTime(identifier == schedule_keys::kInfos),
+          _first(_byTime ? schedule_keys::kActionHour : identifier),
+          _second(schedule_keys::kActionMinute) {}
 
     std::int64_t operator()(const Value& schedule) {
         if (!_byTime) return lowByteIsSet(_first(schedule)) ? 0 : 1;
@@ -82,7 +82,7 @@ ComparisonResult sortColomnFunction(const Value& a, const Value& b, const Value&
     const Value& identifier = context[kColomnIdentifier];
     const std::string& key = identifier.text();
     const ComparisonResult result =
-        key == schedule::kInfos ? compareTimes(a, b) : compareFlags(lowByteIsSet(a[key]), lowByteIsSet(b[key]));
+        key == schedule_keys::kInfos ? compareTimes(a, b) : compareFlags(lowByteIsSet(a[key]), lowByteIsSet(b[key]));
     return lowByteIsSet(context[kOrder]) ? swapped(result) : result;
 }
 

@@ -1,8 +1,8 @@
-#include "configurator/Schedule.h"
 #include "configurator/VXConfigurator.h"
 #include "kit/Additions.h"
 #include "kit/VXConfiguratorCell.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
+#include "model/Schedule.h"
 
 namespace quorel {
 
@@ -47,9 +47,9 @@ void VXConfigurator::setLocked(bool locked) {
     _locked = locked;
     outlets.addButton->setEnabled(!locked);
     tableViewSelectionDidChange();
-    makeColomnCheckBox(schedule::kIsEnabled);
-    makeColomnActionCell(schedule::kInfos);
-    for (const auto day : schedule::kActiveOnDays) makeColomnCheckBox(day);
+    makeColomnCheckBox(schedule_keys::kIsEnabled);
+    makeColomnActionCell(schedule_keys::kInfos);
+    for (const auto day : schedule_keys::kActiveOnDays) makeColomnCheckBox(day);
     clearSelection();
 }
 
@@ -88,15 +88,15 @@ Value VXConfigurator::tableViewObjectValueForTableColumnRow(TableView&, const Ta
     const std::string identifier = column.identifier();
     // By value: a module is asked about a Schedule that stays whole, whatever happens to the list meanwhile.
     const Value schedule = scheduleAt(row);
-    return identifier == schedule::kInfos ? actionSummaryOf(schedule) : schedule[identifier];
+    return identifier == schedule_keys::kInfos ? actionSummaryOf(schedule) : schedule[identifier];
 }
 
 Value VXConfigurator::actionSummaryOf(const Value& schedule) {
     static const Ref<DictionaryKeys> keys(
         new DictionaryKeys({summary::kAction, summary::kName, summary::kStartup, summary::kTime, summary::kWakeUp}));
-    auto* module = moduleOfType(schedule[schedule::kActionType]);
+    auto* module = moduleOfType(schedule[schedule_keys::kActionType]);
     if (!module) return {};
-    module->setParameters(schedule[schedule::kActionParameters]);
+    module->setParameters(schedule[schedule_keys::kActionParameters]);
     Value name = module->pluginName().value_or(std::string());
     Value action = module->actionString();
     const Value& time = timeTextOf(schedule);
@@ -113,8 +113,8 @@ Value VXConfigurator::actionSummaryOf(const Value& schedule) {
 }
 
 const Value& VXConfigurator::timeTextOf(const Value& schedule) {
-    const int hour = schedule[schedule::kActionHour].intValue();
-    const int minute = schedule[schedule::kActionMinute].intValue();
+    const int hour = schedule[schedule_keys::kActionHour].intValue();
+    const int minute = schedule[schedule_keys::kActionMinute].intValue();
     Value& text = _timeTexts[(std::int64_t{hour} << 32) | static_cast<std::uint32_t>(minute)];
     if (text.isAbsent()) {
         text = _platform.clock.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
@@ -126,7 +126,7 @@ void VXConfigurator::tableViewSetObjectValueForTableColumnRow(TableView&, const 
                                                               int row) {
     const std::string identifier = column.identifier();
     // The summary is no flag, and its column's name no key of a Schedule.
-    if (!hasRow(row) || identifier == schedule::kInfos) return;
+    if (!hasRow(row) || identifier == schedule_keys::kInfos) return;
     Value& entry = _scheduleArray[static_cast<std::size_t>(row)];
     const int flag = entry[identifier].intValue();
     if (flag == 0 || flag == 1) entry = entry.with(identifier, 1 - flag);

@@ -14,6 +14,13 @@
 
 namespace quorel {
 
+/// The type of what the table's rows are dragged as; inside one table only.
+inline constexpr const char* kSchedulePasteboard = "SchedulePasteboard";
+
+/// Posted after every edit of the list, without object or user information.
+inline constexpr std::string_view kMOLConfiguratorHasBeenEditedNotification =
+    "kMOLConfiguratorHasBeenEditedNotification";
+
 enum class ComparisonResult { Ascending = -1, Same = 0, Descending = 1 };
 
 /// Orders two Schedules for the table. The context names the column ("Colomn identifier") and the direction

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "model/Value.h"
 #include "platform/Bundle.h"
-#include "platform/Value.h"
 #include "platform/View.h"
 
 namespace quorel {

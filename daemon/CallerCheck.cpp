@@ -3,8 +3,9 @@
 #include <chrono>
 #include <exception>
 
-#include "kit/linux/BusPeer.h"
-#include "platform/linux/PolkitClient.h"
+#include "linux/BusPeer.h"
+#include "linux/PolkitClient.h"
+#include "model/Names.h"
 
 namespace quorel {
 

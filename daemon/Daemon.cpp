@@ -12,7 +12,8 @@
 #include "daemon/PreferencesStore.h"
 #include "daemon/PreferencesValidator.h"
 #include "kit/MOLLog.h"
-#include "pane/Preferences.h"
+#include "model/Names.h"
+#include "model/PropertyList.h"
 
 namespace quorel {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "kit/linux/BusEndpoint.h"
+#include "linux/BusEndpoint.h"
 
 namespace quorel {
 

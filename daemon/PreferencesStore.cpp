@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "pane/Preferences.h"
+#include "model/Preferences.h"
 
 namespace quorel {
 

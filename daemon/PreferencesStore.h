@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/PropertyList.h"
+#include "linux/RootedPropertyListFiles.h"
 
 namespace quorel {
 

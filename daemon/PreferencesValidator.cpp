@@ -5,8 +5,8 @@
 #include <limits>
 #include <string_view>
 
-#include "pane/Preferences.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
+#include "model/Preferences.h"
 
 namespace quorel {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/Value.h"
+#include "model/Value.h"
 
 namespace quorel {
 

@@ -13,7 +13,7 @@
 
 #include "daemon/Daemon.h"
 #include "kit/MOLLog.h"
-#include "kit/linux/JournalLog.h"
+#include "linux/JournalLog.h"
 
 using namespace quorel;
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <string_view>
 
+#include "model/CalendarDate.h"
 #include "platform/Bundle.h"
-#include "platform/CalendarDate.h"
 #include "platform/View.h"
 
 namespace quorel {

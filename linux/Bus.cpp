@@ -1,4 +1,4 @@
-#include "kit/linux/BusWire.h"
+#include "linux/Bus.h"
 
 namespace quorel {
 

@@ -1,13 +1,13 @@
-#include "kit/linux/BusCommunicationCenter.h"
+#include "linux/BusCommunicationCenter.h"
 
 #include <string>
 #include <utility>
 
 #include "kit/MOLLog.h"
-#include "kit/linux/BusPeer.h"
-#include "pane/Preferences.h"
+#include "linux/BusPeer.h"
+#include "model/Names.h"
+#include "model/PropertyList.h"
 #include "pane/VXCommunicationProtocol.h"
-#include "platform/linux/PropertyList.h"
 
 namespace quorel {
 
@@ -51,7 +51,7 @@ void BusCommunicationCenter::createServerConnection() {
     if (_endpoint) return;
     BusEndpoint::Options options;
     options.bus = Bus::Session;
-    options.name = wire::kPaneName;
+    options.name = kPaneName;
     options.nameRequired = false;  // another window may show the pane as well
     options.pong = [this] {
         std::shared_ptr<VXCommunicationProtocol> observer;

@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "kit/VXCommunicationCenter.h"
-#include "kit/linux/BusEndpoint.h"
+#include "linux/BusEndpoint.h"
 
 namespace quorel {
 

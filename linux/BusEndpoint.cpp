@@ -1,4 +1,5 @@
-#include "kit/linux/BusEndpoint.h"
+#include "linux/BusEndpoint.h"
+#include "model/Names.h"
 
 #include <poll.h>
 #include <pthread.h>

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <thread>
 
-#include "kit/linux/BusWire.h"
+#include "linux/Bus.h"
 
 namespace quorel {
 

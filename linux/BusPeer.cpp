@@ -1,4 +1,5 @@
-#include "kit/linux/BusPeer.h"
+#include "linux/BusPeer.h"
+#include "model/Names.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "kit/linux/BusWire.h"
+#include "linux/Bus.h"
 
 namespace quorel {
 

@@ -1,4 +1,4 @@
-#include "kit/linux/JournalLog.h"
+#include "linux/JournalLog.h"
 
 #define SD_JOURNAL_SUPPRESS_LOCATION  // this file's name would tell nobody anything
 #include <syslog.h>

@@ -1,11 +1,12 @@
-#include "platform/linux/PolkitAuthorization.h"
+#include "linux/PolkitAuthorization.h"
 
 #include <exception>
 #include <memory>
 #include <set>
 #include <string>
 
-#include "platform/linux/PolkitClient.h"
+#include "linux/PolkitClient.h"
+#include "model/Names.h"
 
 namespace quorel {
 

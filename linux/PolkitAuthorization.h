@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/Names.h"
 #include "platform/Authorization.h"
 
 namespace quorel {

@@ -1,4 +1,4 @@
-#include "platform/linux/PolkitClient.h"
+#include "linux/PolkitClient.h"
 
 #include <sdbus-c++/sdbus-c++.h>
 

@@ -10,9 +10,6 @@ class IProxy;
 
 namespace quorel {
 
-/// The polkit action that changing the product's preferences takes.
-inline constexpr const char* kModifyPreferencesAction = "com.quorel.modify-preferences";
-
 /// Asks polkit over a connection to the system bus of its own. Where a dialog is still open when the connection ends,
 /// polkit closes it. Everything throws a std::exception when the bus or polkit cannot be reached, which may take a few
 /// seconds. One thread at a time.

@@ -1,4 +1,4 @@
-#include "platform/linux/ThreadDispatch.h"
+#include "linux/ThreadDispatch.h"
 
 #include <algorithm>
 #include <condition_variable>

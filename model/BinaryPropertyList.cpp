@@ -1,8 +1,8 @@
 #include <bit>
 #include <cstdint>
 
-#include "platform/linux/PropertyList.h"
-#include "platform/linux/PropertyListContent.h"
+#include "model/PropertyList.h"
+#include "model/PropertyListContent.h"
 
 namespace quorel {
 

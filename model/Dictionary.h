@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Value.h"
+#include "model/Value.h"
 
 namespace quorel {
 

@@ -19,10 +19,4 @@ inline constexpr std::string_view kScheduleArray = "Schedule Array";
 
 }  // namespace preferences
 
-/// Names of the programs and of the notifications that they are sent.
-inline constexpr std::string_view kDaemonName = "com.quorel.Daemon";
-inline constexpr std::string_view kUserAgentName = "com.quorel.UserAgent";
-inline constexpr std::string_view kDaemonMustReloadPrefs = "DaemonMustReloadPrefs";
-inline constexpr std::string_view kUserAgentMustCheckUpdates = "UserAgentMustCheckUpdates";
-
 }  // namespace quorel

@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/PropertyListFiles.h"
-#include "platform/Value.h"
+#include "model/Value.h"
 
 namespace quorel {
 
@@ -20,15 +19,5 @@ Value decodePropertyList(std::string_view bytes);
 /// XML. Nothing when the value is absent, holds something absent, passes the limits, or holds a text that XML
 /// cannot carry or a date outside the years 1 to 9999. Dates are written in whole seconds. Any thread.
 std::optional<std::string> encodePropertyList(const Value& value);
-
-/// Reads files below a root directory: "/Library/x" is `root` + "/Library/x".
-class RootedPropertyListFiles : public PropertyListFiles {
-public:
-    explicit RootedPropertyListFiles(std::string root = {}) : _root(std::move(root)) {}
-    Value dictionaryWithContentsOfFile(std::string_view path) const override;
-
-private:
-    std::string _root;
-};
 
 }  // namespace quorel

@@ -1,4 +1,4 @@
-#include "platform/linux/PropertyListContent.h"
+#include "model/PropertyListContent.h"
 
 #include <algorithm>
 #include <cmath>

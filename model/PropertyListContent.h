@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Dictionary.h"
-#include "platform/Value.h"
+#include "model/Dictionary.h"
+#include "model/Value.h"
 
 namespace quorel {
 

@@ -2,8 +2,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "platform/linux/PropertyList.h"
-#include "platform/linux/PropertyListContent.h"
+#include "model/PropertyList.h"
+#include "model/PropertyListContent.h"
 
 namespace quorel {
 

@@ -7,7 +7,7 @@ namespace quorel {
 
 /// The keys of a Schedule: one action, at one hour and minute, on each day that is marked active.
 /// Whatever stands under them is read through `Value::intValue`, so digits in a text and numbers are alike.
-namespace schedule {
+namespace schedule_keys {
 
 inline constexpr std::string_view kIsEnabled = "Is Enabled";
 inline constexpr std::string_view kActionType = "Action Type";              ///< text: identifier of the action module
@@ -25,13 +25,6 @@ inline constexpr std::string_view kWakeUpType = "com.quorel.plugin.WakeUp";
 /// The table's column that sums up the action. No Schedule has such a key.
 inline constexpr std::string_view kInfos = "Infos";
 
-}  // namespace schedule
-
-/// The type of what the table's rows are dragged as; inside one table only.
-inline constexpr const char* kSchedulePasteboard = "SchedulePasteboard";
-
-/// Posted after every edit of the list, without object or user information.
-inline constexpr std::string_view kMOLConfiguratorHasBeenEditedNotification =
-    "kMOLConfiguratorHasBeenEditedNotification";
+}  // namespace schedule_keys
 
 }  // namespace quorel

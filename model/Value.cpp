@@ -1,10 +1,10 @@
-#include "platform/Value.h"
+#include "model/Value.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
 
 namespace quorel {
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Ref.h"
+#include "model/Ref.h"
 
 namespace quorel {
 

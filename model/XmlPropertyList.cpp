@@ -8,8 +8,8 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/PropertyList.h"
-#include "platform/linux/PropertyListContent.h"
+#include "model/PropertyList.h"
+#include "model/PropertyListContent.h"
 
 namespace quorel {
 

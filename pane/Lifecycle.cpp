@@ -1,7 +1,7 @@
 #include <cassert>
 
-#include "configurator/Schedule.h"
 #include "kit/Additions.h"
+#include "model/Schedule.h"
 #include "pane/VXPrefPaneController.h"
 
 namespace quorel {

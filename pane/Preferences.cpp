@@ -1,11 +1,12 @@
-#include "pane/Preferences.h"
+#include "model/Preferences.h"
 
 #include <cstdint>
 
 #include "kit/MOLLog.h"
 #include "kit/VXUpdateChecker.h"
+#include "model/Dictionary.h"
+#include "model/Names.h"
 #include "pane/VXPrefPaneController.h"
-#include "platform/Dictionary.h"
 
 namespace quorel {
 

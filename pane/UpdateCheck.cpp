@@ -1,6 +1,6 @@
 #include "kit/VXUpdateChecker.h"
+#include "model/Names.h"
 #include "pane/PlaceholderText.h"
-#include "pane/Preferences.h"
 #include "pane/VXPrefPaneController.h"
 
 namespace quorel {

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include "model/Value.h"
 #include "platform/Image.h"
 #include "platform/Object.h"
-#include "platform/Value.h"
 
 namespace quorel {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/CalendarDate.h"
+#include "model/CalendarDate.h"
 
 namespace quorel {
 

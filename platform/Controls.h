@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/CalendarDate.h"
+#include "model/CalendarDate.h"
 #include "platform/Image.h"
 #include "platform/View.h"
 

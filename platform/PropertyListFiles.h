@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/Value.h"
+#include "model/Value.h"
 
 namespace quorel {
 

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "model/Value.h"
 #include "platform/Controls.h"
-#include "platform/Value.h"
 
 namespace quorel {
 

@@ -1,4 +1,4 @@
-#include "kit/linux/UpdateChecker.h"
+#include "kit/update/CurlUpdateChecker.h"
 
 #include <curl/curl.h>
 
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "kit/linux/VersionOrder.h"
+#include "kit/update/VersionOrder.h"
 
 namespace quorel {
 

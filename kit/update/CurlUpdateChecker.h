@@ -6,7 +6,7 @@
 #include <string>
 
 #include "kit/VXUpdateChecker.h"
-#include "kit/linux/UpdateRecord.h"
+#include "kit/update/UpdateRecord.h"
 
 namespace quorel {
 

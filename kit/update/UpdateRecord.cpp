@@ -1,12 +1,12 @@
-#include "kit/linux/UpdateRecord.h"
+#include "kit/update/UpdateRecord.h"
 
 #include <curl/curl.h>
 
 #include <algorithm>
 #include <memory>
 
-#include "kit/linux/VersionOrder.h"
-#include "platform/linux/PropertyList.h"
+#include "kit/update/VersionOrder.h"
+#include "model/PropertyList.h"
 
 namespace quorel {
 

@@ -1,4 +1,4 @@
-#include "kit/linux/VersionOrder.h"
+#include "kit/update/VersionOrder.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "model/Dictionary.h"
 #include "platform/Bundle.h"
-#include "platform/Dictionary.h"
 #include "platform/headless/Controls.h"
 
 namespace quorel::headless {

@@ -4,8 +4,8 @@
 
 #include <optional>
 
-#include "pane/Preferences.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
+#include "model/Preferences.h"
 
 namespace quorel {
 namespace {

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "configurator/Schedule.h"
 #include "configurator/VXConfigurator.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
+#include "model/Schedule.h"
 #include "tests/support/FakeModule.h"
 #include "tests/support/HeadlessNib.h"
 
@@ -28,14 +28,14 @@ protected:
         ASSERT_TRUE(configurator);
     }
     void startWithModules() {
-        sleep = install(schedule::kSleepType, "Sleep");
-        wakeUp = install(schedule::kWakeUpType, "WakeUp");
+        sleep = install(schedule_keys::kSleepType, "Sleep");
+        wakeUp = install(schedule_keys::kWakeUpType, "WakeUp");
         start();
     }
 
     /// A Schedule that can be told from others.
-    static Value tagged(std::string_view tag, std::string_view type = schedule::kSleepType) {
-        return Value(Dictionary{{"Tag", tag}, {schedule::kActionType, type}});
+    static Value tagged(std::string_view tag, std::string_view type = schedule_keys::kSleepType) {
+        return Value(Dictionary{{"Tag", tag}, {schedule_keys::kActionType, type}});
     }
     /// One Schedule for each letter.
     static Value listOf(std::string_view tags) {

@@ -13,11 +13,11 @@ protected:
         configurator->resizeEditSheetUsingHeight(0);  // the first of a process differs
     }
     /// A Schedule on all days, with the modules' flags in its parameters.
-    static Value complete(std::string_view type = schedule::kSleepType) {
+    static Value complete(std::string_view type = schedule_keys::kSleepType) {
         Dictionary content{{"Is Enabled", 0},     {"Action Type", type},
                            {"Action Hour", "23"}, {"Action Minute", "05"},
                            {"Their Own", "kept"}, {"Action Parameters", Dictionary{{"startup", true}, {"n", 4}}}};
-        for (const auto day : schedule::kActiveOnDays) content.set(day, true);
+        for (const auto day : schedule_keys::kActiveOnDays) content.set(day, true);
         return content;
     }
     void add(std::function<void()> meanwhile) {
@@ -111,7 +111,7 @@ TEST_F(EditSheetTest, SaveReplacesTheEditedScheduleAndKeepsItsOtherKeys) {
         EXPECT_FALSE(configurator->isEditing() || configurator->isAdding());
     });
     Value expected = before.with("Is Enabled", 1).with("Action Hour", 23).with("Action Minute", 5);
-    for (const auto day : schedule::kActiveOnDays) expected = expected.with(day, 1);
+    for (const auto day : schedule_keys::kActiveOnDays) expected = expected.with(day, 1);
     expected = expected.with("Active On Tuesday", 0)
                    .with("Action Parameters", Dictionary{{"startup", true}, {"wake", true}, {"n", 4}});
     EXPECT_EQ(entry(1), expected);
@@ -135,11 +135,11 @@ TEST_F(EditSheetTest, AddAppendsAFreshSchedule) {
     });
     ASSERT_EQ(configurator->scheduleArray().size(), 3u);
     Dictionary expected{{"Is Enabled", 1},
-                        {"Action Type", schedule::kWakeUpType},
+                        {"Action Type", schedule_keys::kWakeUpType},
                         {"Action Hour", 7},
                         {"Action Minute", 0},
                         {"Action Parameters", wakeUp->defaults}};
-    for (const auto day : schedule::kActiveOnDays) expected.set(day, 0);
+    for (const auto day : schedule_keys::kActiveOnDays) expected.set(day, 0);
     EXPECT_EQ(entry(2), Value(expected));
     EXPECT_EQ(posted(), 1u);
 }
@@ -156,7 +156,7 @@ TEST_F(EditSheetTest, AbsentParametersLeaveWhatWasThere) {
         ui.popUpType->pick("Sleep");
         save();
     });
-    EXPECT_EQ(entry(1)["Action Type"].text(), schedule::kSleepType);
+    EXPECT_EQ(entry(1)["Action Type"].text(), schedule_keys::kSleepType);
     EXPECT_EQ(entry(1)["Action Parameters"], wakeUp->defaults);
 }
 
@@ -171,7 +171,7 @@ TEST_F(EditSheetTest, SaveWithoutAModePostsAndChangesNothing) {
 }
 
 TEST_F(EditSheetTest, CancelChangesNothing) {
-    const Value list(Array{complete(), complete(schedule::kWakeUpType)});
+    const Value list(Array{complete(), complete(schedule_keys::kWakeUpType)});
     configurator->setScheduleArray(list);
     const auto spoil = [&] {
         ui.days[0]->click();
@@ -240,7 +240,7 @@ TEST_F(EditSheetTest, PickingATypeAppliesItsDefaults) {
         ui.popUpType->pick("WakeUp");
         save();
     });
-    EXPECT_EQ(entry(0)["Action Type"].text(), schedule::kWakeUpType);
+    EXPECT_EQ(entry(0)["Action Type"].text(), schedule_keys::kWakeUpType);
     EXPECT_EQ(entry(0)["Action Parameters"], Value(Dictionary{{"startup", false}, {"wake", true}}));
 }
 

@@ -39,17 +39,17 @@ TEST_F(ScheduleListTest, SeedsOnlyWhatHasAModuleAndOnlyOnce) {
     configurator->setScheduleArray(Value());
     EXPECT_TRUE(configurator->scheduleArray().empty());
 
-    wakeUp = install(schedule::kWakeUpType, "WakeUp");
+    wakeUp = install(schedule_keys::kWakeUpType, "WakeUp");
     configurator->loadModules();
     configurator->setScheduleArray(Value());
     ASSERT_EQ(configurator->scheduleArray().size(), 1u);
-    EXPECT_EQ(entry(0)["Action Type"].text(), schedule::kWakeUpType);
+    EXPECT_EQ(entry(0)["Action Type"].text(), schedule_keys::kWakeUpType);
 }
 
 TEST_F(ScheduleListTest, DropsSchedulesWithoutModule) {
     startWithModules();
     const Value gone = tagged("?", "com.quorel.plugin.Gone");
-    const Value a = tagged("a"), b = tagged("b", schedule::kWakeUpType), c = tagged("c");
+    const Value a = tagged("a"), b = tagged("b", schedule_keys::kWakeUpType), c = tagged("c");
     const auto typed = [](Value type) { return Value(Dictionary{{"Tag", "?"}, {"Action Type", std::move(type)}}); };
     struct {
         Array list;
@@ -79,7 +79,8 @@ TEST_F(ScheduleListTest, TellsManyTypesApart) {
     std::string left;
     for (int i = 0; i < 60; ++i) {
         const bool known = i % 3 == 0;
-        list.push_back(tagged(known ? "k" : "?", known ? std::string(schedule::kSleepType) : std::to_string(i % 7)));
+        list.push_back(
+            tagged(known ? "k" : "?", known ? std::string(schedule_keys::kSleepType) : std::to_string(i % 7)));
         if (known) left += 'k';
     }
     configurator->setScheduleArray(Value(list));
@@ -115,18 +116,19 @@ TEST_F(ScheduleListTest, NewScheduleIsOfTheRarerType) {
         int sleeps, wakeUps;
         std::string_view type, hour;
     } const cases[] = {
-        {0, 0, schedule::kSleepType, "23"}, {1, 0, schedule::kWakeUpType, "7"}, {1, 1, schedule::kSleepType, "23"},
-        {2, 1, schedule::kWakeUpType, "7"}, {0, 3, schedule::kSleepType, "23"},
+        {0, 0, schedule_keys::kSleepType, "23"}, {1, 0, schedule_keys::kWakeUpType, "7"},
+        {1, 1, schedule_keys::kSleepType, "23"}, {2, 1, schedule_keys::kWakeUpType, "7"},
+        {0, 3, schedule_keys::kSleepType, "23"},
     };
     for (const auto& [sleeps, wakeUps, type, hour] : cases) {
         install("other", "Other");
         configurator->loadModules();
         Array list = {tagged("o", "other")};
-        for (int i = 0; i < sleeps; ++i) list.push_back(tagged("s", schedule::kSleepType));
-        for (int i = 0; i < wakeUps; ++i) list.push_back(tagged("w", schedule::kWakeUpType));
+        for (int i = 0; i < sleeps; ++i) list.push_back(tagged("s", schedule_keys::kSleepType));
+        for (int i = 0; i < wakeUps; ++i) list.push_back(tagged("w", schedule_keys::kWakeUpType));
         configurator->setScheduleArray(Value(list));
-        EXPECT_EQ(configurator->numberOfActionInScheduleArrayOfType(schedule::kSleepType), sleeps);
-        EXPECT_EQ(configurator->numberOfActionInScheduleArrayOfType(schedule::kWakeUpType), wakeUps);
+        EXPECT_EQ(configurator->numberOfActionInScheduleArrayOfType(schedule_keys::kSleepType), sleeps);
+        EXPECT_EQ(configurator->numberOfActionInScheduleArrayOfType(schedule_keys::kWakeUpType), wakeUps);
         EXPECT_EQ(configurator->numberOfActionInScheduleArrayOfType("com.quorel.plugin"), 0);
         EXPECT_EQ(configurator->numberOfActionInScheduleArrayOfType(""), 0);
         const Value fresh = configurator->newEmptySchedule();

@@ -20,8 +20,10 @@ protected:
         if (tags() == "ab") ui.table->clickHeader("Infos");
     }
     static Value at(std::string_view tag, Value hour, Value minute) {
-        return Value(Dictionary{
-            {"Tag", tag}, {"Action Type", schedule::kSleepType}, {"Action Hour", hour}, {"Action Minute", minute}});
+        return Value(Dictionary{{"Tag", tag},
+                                {"Action Type", schedule_keys::kSleepType},
+                                {"Action Hour", hour},
+                                {"Action Minute", minute}});
     }
     static Value flagged(std::string_view tag, Value flag) {
         return tagged(tag).with("Active On Monday", std::move(flag));

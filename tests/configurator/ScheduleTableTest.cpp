@@ -121,10 +121,10 @@ TEST_F(ScheduleTableTest, SummaryShowsTheModulesWordsForEachRow) {
                                 {"Action Minute", "00"},
                                 {"Action Parameters", std::move(parameters)}});
     };
-    configurator->setScheduleArray(
-        Value(Array{with(schedule::kSleepType, Dictionary{{"n", 1}, {"startup", true}}),
-                    with(schedule::kSleepType, Dictionary{{"n", 2}, {"wake", true}}), with(schedule::kWakeUpType, {}),
-                    with(schedule::kWakeUpType, Array{"no", "dictionary"})}));
+    configurator->setScheduleArray(Value(Array{with(schedule_keys::kSleepType, Dictionary{{"n", 1}, {"startup", true}}),
+                                               with(schedule_keys::kSleepType, Dictionary{{"n", 2}, {"wake", true}}),
+                                               with(schedule_keys::kWakeUpType, {}),
+                                               with(schedule_keys::kWakeUpType, Array{"no", "dictionary"})}));
     const auto summary = [](const char* name, const char* action, bool startup, bool wake) {
         return Value(
             Dictionary{{"Name", name}, {"Action", action}, {"Time", "07:00"}, {"Startup", startup}, {"Wake Up", wake}});

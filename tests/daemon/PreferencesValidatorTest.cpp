@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
 
 namespace quorel {
 namespace {

@@ -5,9 +5,9 @@
 #include <iostream>
 #include <string_view>
 
-#include "kit/linux/BusCommunicationCenter.h"
-#include "pane/Preferences.h"
-#include "platform/linux/PropertyList.h"
+#include "linux/BusCommunicationCenter.h"
+#include "linux/RootedPropertyListFiles.h"
+#include "model/Names.h"
 
 using namespace quorel;
 

@@ -240,7 +240,7 @@ class SheetTest(PaneCase):
         self.store(preferences(broken, self.schedules[0], say))
         modules = glob.glob(f"{BUILD}/tests/broken_modules/*.vxplugin")
         self.assertEqual(len(modules), 5)
-        screen = self.open_pane(extra_modules=modules + [f"{BUILD}/tests/sample_module/SayMessage.vxplugin"])
+        screen = self.open_pane(extra_modules=modules + [f"{BUILD}/modules/sample/SayMessage.vxplugin"])
         self.wait_times("10:30", "9:00")
         self.assertEqual(screen.rows()[1]["Infos"]["Action"], 'Says "Tea", times: 2')
 
@@ -283,7 +283,7 @@ class SheetTest(PaneCase):
         for language, (apply, check, about, time, save) in texts.items():
             with self.subTest(language=language):
                 screen = self.open_pane(languages=(language,),
-                                        extra_modules=[f"{BUILD}/tests/sample_module/SayMessage.vxplugin"])
+                                        extra_modules=[f"{BUILD}/modules/sample/SayMessage.vxplugin"])
                 self.button(apply)
                 self.button(check)
                 self.assert_nothing_cut()

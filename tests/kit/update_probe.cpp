@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "kit/linux/UpdateChecker.h"
+#include "kit/update/CurlUpdateChecker.h"
 
 using namespace quorel;
 

@@ -6,8 +6,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "platform/Dictionary.h"
-#include "platform/linux/PropertyList.h"
+#include "linux/RootedPropertyListFiles.h"
+#include "model/Dictionary.h"
+#include "model/PropertyList.h"
 
 namespace quorel {
 namespace {

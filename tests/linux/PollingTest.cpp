@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "kit/VXUpdateChecker.h"
+#include "linux/ThreadDispatch.h"
+#include "model/Dictionary.h"
 #include "pane/VXPrefPaneController.h"
-#include "platform/Dictionary.h"
-#include "platform/linux/ThreadDispatch.h"
 #include "tests/support/HeadlessNib.h"
 #include "tests/support/MainQueue.h"
 

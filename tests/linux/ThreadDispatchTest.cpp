@@ -1,4 +1,4 @@
-#include "platform/linux/ThreadDispatch.h"
+#include "linux/ThreadDispatch.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string>
 
-#include "platform/linux/PolkitAuthorization.h"
+#include "linux/PolkitAuthorization.h"
 
 using namespace quorel;
 

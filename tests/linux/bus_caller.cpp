@@ -14,10 +14,10 @@
 #include <thread>
 #include <vector>
 
-#include "kit/linux/BusCommunicationCenter.h"
-#include "pane/Preferences.h"
+#include "linux/BusCommunicationCenter.h"
+#include "model/Dictionary.h"
+#include "model/Names.h"
 #include "pane/VXCommunicationProtocol.h"
-#include "platform/Dictionary.h"
 
 using namespace quorel;
 

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "kit/linux/BusEndpoint.h"
+#include "linux/BusEndpoint.h"
 
 using namespace quorel;
 

@@ -1,4 +1,4 @@
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
 
 #include <gtest/gtest.h>
 

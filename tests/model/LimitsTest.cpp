@@ -4,8 +4,8 @@
 #include <random>
 
 #include "BinaryFile.h"
-#include "platform/Dictionary.h"
-#include "platform/linux/PropertyList.h"
+#include "model/Dictionary.h"
+#include "model/PropertyList.h"
 
 namespace quorel {
 namespace {

@@ -1,10 +1,10 @@
-#include "platform/Value.h"
+#include "model/Value.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
 
 namespace quorel {
 namespace {

@@ -3,8 +3,8 @@
 #include <limits>
 #include <string>
 
-#include "platform/Dictionary.h"
-#include "platform/linux/PropertyList.h"
+#include "model/Dictionary.h"
+#include "model/PropertyList.h"
 
 namespace quorel {
 namespace {

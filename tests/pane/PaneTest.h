@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "kit/MOLLog.h"
-#include "pane/Preferences.h"
+#include "model/Dictionary.h"
+#include "model/Preferences.h"
 #include "pane/VXPrefPaneController.h"
-#include "platform/Dictionary.h"
 #include "tests/support/FakeKit.h"
 #include "tests/support/FakeModule.h"
 #include "tests/support/HeadlessNib.h"
@@ -34,7 +34,7 @@ protected:
 
     PaneTest() {
         bundle->info = Value(Dictionary{{"CFBundleIdentifier", "com.quorel.pane"}});
-        for (const auto type : {schedule::kSleepType, schedule::kWakeUpType}) {
+        for (const auto type : {schedule_keys::kSleepType, schedule_keys::kWakeUpType}) {
             installModule(host.bundles, makeModule(type, type), bundle->builtInPlugInsPath(), std::string(type));
         }
         logged().clear();
@@ -63,8 +63,8 @@ protected:
                 {"Show In Menu Bar", 1},
                 {"Schedule Array", Array{schedule("a"), schedule("b")}}};
     }
-    static Value schedule(std::string_view tag, std::string_view type = schedule::kSleepType) {
-        return Value(Dictionary{{"Tag", tag}, {schedule::kActionType, type}, {schedule::kIsEnabled, 1}});
+    static Value schedule(std::string_view tag, std::string_view type = schedule_keys::kSleepType) {
+        return Value(Dictionary{{"Tag", tag}, {schedule_keys::kActionType, type}, {schedule_keys::kIsEnabled, 1}});
     }
     std::string tags() const {
         std::string all;

@@ -68,8 +68,8 @@ TEST_F(PreferencesTest, WithoutAFileShowsDefaults) {
         EXPECT_FALSE(ui.networkAdminCheck->isHidden());
         const Array& list = pane->configurator()->scheduleArray();
         ASSERT_EQ(list.size(), 2u);
-        EXPECT_EQ(list[0]["Action Type"].text(), schedule::kSleepType);
-        EXPECT_EQ(list[1]["Action Type"].text(), schedule::kWakeUpType);
+        EXPECT_EQ(list[0]["Action Type"].text(), schedule_keys::kSleepType);
+        EXPECT_EQ(list[1]["Action Type"].text(), schedule_keys::kWakeUpType);
         EXPECT_EQ(canApply(), before);
         EXPECT_EQ(logged(), std::vector<std::string>{"No preferences. Creating defaults..."});
         EXPECT_EQ(host.files.files, files);

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "configurator/VXConfigurator.h"
-#include "platform/Dictionary.h"
+#include "model/Dictionary.h"
 #include "platform/headless/HeadlessPlatform.h"
 
 namespace quorel::test {

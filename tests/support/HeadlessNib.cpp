@@ -3,10 +3,10 @@
 namespace quorel::test {
 
 ConfiguratorInterface::ConfiguratorInterface() {
-    table->columns.push_back(std::make_shared<headless::TableColumn>(schedule::kIsEnabled));
+    table->columns.push_back(std::make_shared<headless::TableColumn>(schedule_keys::kIsEnabled));
     table->columns.push_back(std::make_shared<headless::TableColumn>("Infos"));
     for (std::size_t day = 0; day < days.size(); ++day) {
-        table->columns.push_back(std::make_shared<headless::TableColumn>(schedule::kActiveOnDays[day]));
+        table->columns.push_back(std::make_shared<headless::TableColumn>(schedule_keys::kActiveOnDays[day]));
         days[day] = std::make_shared<headless::Button>();
         days[day]->isSwitch = true;
     }

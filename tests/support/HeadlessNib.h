@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "configurator/Schedule.h"
 #include "configurator/VXConfigurator.h"
+#include "model/Schedule.h"
 #include "pane/VXPrefPaneController.h"
 #include "platform/headless/HeadlessPlatform.h"
 

@@ -21,7 +21,7 @@ BUNDLES = {
     "pane": (["pane/*.cpp", "configurator/*.cpp", "appkit/*.mm"], ["resources/interface/*.xib"], "resources/texts"),
     "Sleep": (["modules/Sleep/*.mm"], [], "modules/Sleep"),
     "WakeUp": (["modules/WakeUp/*.mm"], [], "modules/WakeUp"),
-    "sample": (["tests/sample_module/*.m", "tests/sample_module/*.mm"], [], "tests/sample_module"),
+    "sample": (["modules/sample/*.m", "modules/sample/*.mm"], [], "modules/sample"),
 }
 
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string_view>
+
+namespace quorel {
+
+/// Names of the programs and of the notifications that they are sent.
+inline constexpr std::string_view kDaemonName = "com.quorel.Daemon";
+inline constexpr std::string_view kUserAgentName = "com.quorel.UserAgent";
+inline constexpr std::string_view kPaneName = "com.quorel.PrefPane";
+inline constexpr std::string_view kDaemonMustReloadPrefs = "DaemonMustReloadPrefs";
+inline constexpr std::string_view kUserAgentMustCheckUpdates = "UserAgentMustCheckUpdates";
+
+/// The polkit action that changing the product's preferences takes.
+inline constexpr const char* kModifyPreferencesAction = "com.quorel.modify-preferences";
+
+/// What travels between the product's programs; docs/protocol.md tells the whole of it.
+namespace wire {
+
+inline constexpr const char* kPath = "/com/quorel/Communication";
+inline constexpr const char* kInterface = "com.quorel.Communication1";
+inline constexpr const char* kPing = "Ping";
+inline constexpr const char* kPostNotification = "PostNotification";
+
+inline constexpr const char* kBusy = "com.quorel.Error.Busy";
+inline constexpr const char* kFailed = "com.quorel.Error.Failed";
+inline constexpr const char* kInvalidPreferences = "com.quorel.Error.InvalidPreferences";
+inline constexpr const char* kNotAuthorized = "com.quorel.Error.NotAuthorized";
+inline constexpr const char* kStorageFailed = "com.quorel.Error.StorageFailed";
+inline constexpr const char* kUnknownNotification = "com.quorel.Error.UnknownNotification";
+
+}  // namespace wire
+
+}  // namespace quorel
