@@ -16,9 +16,4 @@ public:
     virtual timespec realTimeOf(Instant instant) const { return {instant, 0}; }
 };
 
-/// How long the computer has slept since it was started, in milliseconds.
-inline std::int64_t sleptSinceBoot(const Now& now) {
-    return now.boot - now.awake;
-}
-
 }  // namespace quorel

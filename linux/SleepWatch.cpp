@@ -8,18 +8,15 @@ namespace quorel {
 
 namespace {
 
-constexpr std::uint64_t kSecond = 1'000'000;
-/// How long after the computer has woken up, or might have gone to sleep, logind may take to say so. It has been known
-/// not to.
-constexpr std::uint64_t kEndPatience = 30 * kSecond;
 /// logind waits five seconds for its delay locks.
-constexpr std::uint64_t kLidPatience = 2 * kSecond;
-constexpr int kMostAttempts = 30;
+constexpr std::uint64_t kLidPatience = 2'000'000;
+constexpr std::uint64_t kBetweenAttempts = 5'000'000;
+constexpr int kMostAttempts = 12;
 
 }  // namespace
 
-SleepWatch::SleepWatch(sd_event* loop, sd_bus* bus, const Clocks& clocks, Events events)
-    : _loop(loop), _bus(bus), _clocks(clocks), _events(std::move(events)), _lock(bus, "sleep:shutdown", "delay") {
+SleepWatch::SleepWatch(sd_event* loop, sd_bus* bus, Events events)
+    : _loop(loop), _bus(bus), _events(std::move(events)), _lock(bus, "sleep:shutdown", "delay") {
     _sleepSignal = watchBus(_bus, logind::signalRule("PrepareForSleep"),
                             [this](sd_bus_message* signal) { sleepAnnounced(logind::readFlag(signal)); });
     _shutdownSignal = watchBus(_bus, logind::signalRule("PrepareForShutdown"),
@@ -38,47 +35,43 @@ SleepWatch::SleepWatch(sd_event* loop, sd_bus* bus, const Clocks& clocks, Events
 }
 
 void SleepWatch::takeLock() {
+    _lockTimer.reset();
     _lock.take("Alarms are to be set.", [this](const BusError& error) {
-        if (error.name == logind::kUnderWay && ++_attempts < kMostAttempts) {
-            _lockTimer = callLater(_loop, kSecond, [this] { takeLock(); });
-            return;
-        }
-        _attempts = 0;
+        if (error.name == logind::kUnderWay && ++_attempts < kMostAttempts) return takeLockLater();
         MOLLog("Alarms may not be set in time before sleep: %s", error.message.c_str());
     });
 }
 
+/// The timer stands still while the computer sleeps.
+void SleepWatch::takeLockLater() {
+    _lockTimer = callLater(_loop, kBetweenAttempts, [this] { takeLock(); });
+}
+
+/// The lock is to be had again when the computer is back, of which there may be no word.
+void SleepWatch::letGo() {
+    _lock.release();
+    _attempts = 0;
+    takeLockLater();
+}
+
 void SleepWatch::sleepAnnounced(bool begins) {
     if (!begins) return ended();
-    _sleptBefore = sleptSinceBoot(_clocks.now());
-    expectEnd(true);
     askLid([this](bool lidClosed) {
         _events.goingToSleep(lidClosed);
-        _lock.release();
+        letGo();
     });
-}
-
-// The timer stands still while the computer sleeps.
-void SleepWatch::expectEnd(bool mayNotHaveBegun) {
-    _endTimer = callLater(_loop, kEndPatience, [this, mayNotHaveBegun] {
-        const bool hasSlept = sleptSinceBoot(_clocks.now()) - _sleptBefore >= 1000;
-        if (mayNotHaveBegun && !hasSlept) return expectEnd(false);
-        MOLLog("logind does not say that the computer is awake.");
-        ended();
-    });
-}
-
-void SleepWatch::ended() {
-    _endTimer.reset();
-    _attempts = 0;
-    takeLock();
-    askLid(_events.resumed);
 }
 
 void SleepWatch::shutdownAnnounced(bool begins) {
     if (!begins) return ended();
     _events.goingDown();
-    _lock.release();
+    letGo();
+}
+
+void SleepWatch::ended() {
+    _attempts = 0;
+    takeLock();
+    askLid(_events.resumed);
 }
 
 void SleepWatch::askLid(std::function<void(bool lidClosed)> then) {

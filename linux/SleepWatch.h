@@ -3,43 +3,41 @@
 #include <functional>
 
 #include "linux/AsyncBus.h"
-#include "linux/Clocks.h"
 #include "linux/Logind.h"
 
 namespace quorel {
 
 /// Notices when the computer goes to sleep or down, by whatever cause, and keeps it from doing so for the moment that
-/// its listener takes. One thread; `clocks`, loop and bus must outlive it.
+/// its listener takes. One thread; loop and bus must outlive it.
 class SleepWatch {
 public:
     struct Events {
         /// The computer sleeps after this has returned. `lidClosed`: closed, and without external power.
         std::function<void(bool lidClosed)> goingToSleep;
-        /// Awake again, or not gone to sleep or down after all; whether it slept, the clocks tell. May come twice.
+        /// Awake again, or not gone to sleep or down after all; whether it slept, the clocks tell. logind has been known
+        /// not to say so.
         std::function<void(bool lidClosed)> resumed;
         /// It goes down after this has returned.
         std::function<void()> goingDown;
     };
-    SleepWatch(sd_event* loop, sd_bus* bus, const Clocks& clocks, Events events);
+    SleepWatch(sd_event* loop, sd_bus* bus, Events events);
 
 private:
     void takeLock();
+    void takeLockLater();
+    void letGo();
     void sleepAnnounced(bool begins);
-    void expectEnd(bool mayNotHaveBegun);
-    void ended();
     void shutdownAnnounced(bool begins);
+    void ended();
     void askLid(std::function<void(bool lidClosed)> then);
 
     sd_event* _loop;
     sd_bus* _bus;
-    const Clocks& _clocks;
     const Events _events;
     InhibitorLock _lock;
     int _attempts = 0;
-    std::int64_t _sleptBefore = 0;
     BusCall _lidCall;
     EventSource _lockTimer;
-    EventSource _endTimer;
     BusWatch _sleepSignal;
     BusWatch _shutdownSignal;
     BusWatch _ownerSignal;
