@@ -37,9 +37,13 @@ int writeNumber(const std::string& path, Instant number, int flags) {
 
 StartupAlarm::StartupAlarm(std::string clock, std::string note) : _clock(std::move(clock)), _note(std::move(note)) {}
 
+bool StartupAlarm::exists() const {
+    return access((_clock + "/wakealarm").c_str(), F_OK) == 0;
+}
+
 StartupAlarm::Outcome StartupAlarm::set(std::optional<Instant> at, Instant now) {
     const auto shown = read("since_epoch");
-    if (!shown || access((_clock + "/wakealarm").c_str(), F_OK) != 0) return {Result::kAbsent, {}, {}};
+    if (!shown || !exists()) return {Result::kAbsent, {}, {}};
     auto present = read("wakealarm");
     if (present && *present <= *shown) present.reset();  // it has rung
     const auto ours = noted();

@@ -15,6 +15,9 @@ public:
     /// `clock` is the kernel's folder for it. `note` is a file that outlives the program, and says which alarm is ours.
     StartupAlarm(std::string clock, std::string note);
 
+    /// Whether there is such a clock with an alarm.
+    bool exists() const;
+
     enum class Result {
         kDone,
         kAbsent,    ///< no hardware clock, or one without an alarm
