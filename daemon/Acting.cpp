@@ -54,7 +54,7 @@ auto Acting::tell(Event event) {
     }
 }
 
-Acting::Acting(sd_event* loop, sd_bus* bus, const std::string& root, const Clocks& clocks)
+Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Clocks& clocks)
     : _clocks(clocks),
       _state(stateFolder(root) + "/state.plist"),
       _alarms(loop, clocks, {root.empty(), root + kHardwareClock, stateFolder(root) + "/startup-alarm"}),

@@ -20,7 +20,7 @@ class Acting : private Reports {
 public:
     /// `root` stands before the absolute paths of what it reads and writes; below one of its own it arms no wake alarm.
     /// `clocks`, loop and bus must outlive it.
-    Acting(sd_event* loop, sd_bus* bus, const std::string& root, const Clocks& clocks);
+    Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Clocks& clocks);
 
     /// The preferences that are in place. The first call begins.
     void take(const Value& preferences);

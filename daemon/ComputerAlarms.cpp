@@ -29,7 +29,7 @@ const char* textOf(Result result) {
 
 }  // namespace
 
-ComputerAlarms::ComputerAlarms(sd_event* loop, const Clocks& clocks, Options options)
+ComputerAlarms::ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options options)
     : _clocks(clocks),
       _arms(options.wake),
       _wake(loop),

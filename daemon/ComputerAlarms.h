@@ -20,7 +20,7 @@ public:
         std::string note;   ///< a file that says which start-up alarm is ours
     };
     /// An alarm of an earlier run is taken away. `clocks` and the loop must outlive it.
-    ComputerAlarms(sd_event* loop, const Clocks& clocks, Options options);
+    ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options options);
 
     bool reachFar() const override { return _reachFar; }
     void armWake(std::optional<Instant> at) override;

@@ -13,10 +13,10 @@
 
 namespace quorel {
 
-ClockWatch::ClockWatch(sd_event* loop, const Clocks& clocks, Events events, const char* settings)
+ClockWatch::ClockWatch(EventLoop& loop, const Clocks& clocks, Events events, const char* settings)
     : _clocks(clocks), _events(std::move(events)), _timer(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
     if (!_timer) MOLLog("There is no timer: %s.", std::strerror(errno));
-    _timerSource = callWhenReadable(loop, _timer.get(), [this] { read(); });
+    _timerSource = whenReadable(loop, _timer.get(), [this] { read(); });
     waitFor(std::nullopt);
 
     // "localtime" is replaced, so its folder is what can be watched.
@@ -27,8 +27,8 @@ ClockWatch::ClockWatch(sd_event* loop, const Clocks& clocks, Events events, cons
         return 0;
     };
     sd_event_source* source = nullptr;
-    const int result =
-        sd_event_add_inotify(loop, &source, settings, IN_CREATE | IN_MOVED_TO | IN_DELETE | IN_ONLYDIR, changed, this);
+    const int result = sd_event_add_inotify(loop.get(), &source, settings,
+                                            IN_CREATE | IN_MOVED_TO | IN_DELETE | IN_ONLYDIR, changed, this);
     if (result < 0) MOLLog("Changes of the time zone go unnoticed: %s.", std::strerror(-result));
     _zoneSource.reset(source);
 }

@@ -3,8 +3,8 @@
 #include <functional>
 #include <optional>
 
-#include "linux/AsyncBus.h"
 #include "linux/Clocks.h"
+#include "linux/EventLoop.h"
 #include "linux/FileDescriptor.h"
 
 namespace quorel {
@@ -18,7 +18,7 @@ public:
         std::function<void()> zoneChanged;
     };
     /// `clocks` and `loop` must outlive it. `settings` is the folder in which "localtime" says what zone it is.
-    ClockWatch(sd_event* loop, const Clocks& clocks, Events events, const char* settings = "/etc");
+    ClockWatch(EventLoop& loop, const Clocks& clocks, Events events, const char* settings = "/etc");
 
     /// The next instant to wait for, also one that has passed; none: only changes count.
     void waitFor(std::optional<Instant> instant);

@@ -35,13 +35,13 @@ LoginConditions::LoginConditions(sd_bus* bus, const Clocks& clocks, const LoginS
             (this->*read)(reply);
         };
     };
-    _calls["inhibitors"] =
-        callAsync(_bus, logind::kManager, "ListInhibitors", then("inhibitors", &LoginConditions::readInhibitors), "");
-    _calls["shutdown"] =
-        callAsync(_bus, logind::kManagerProperties, "Get", then("shutdown", &LoginConditions::readShutdown), "ss",
-                  logind::kManager.interface, "ScheduledShutdown");
-    _calls["sessions"] =
-        callAsync(_bus, logind::kManager, "ListSessions", then("sessions", &LoginConditions::readSessions), "");
+    _calls["inhibitors"] = logind::call(_bus, logind::kPatience, logind::kManager, "ListInhibitors",
+                                        then("inhibitors", &LoginConditions::readInhibitors), "");
+    _calls["shutdown"] = logind::call(_bus, logind::kPatience, logind::kManagerProperties, "Get",
+                                      then("shutdown", &LoginConditions::readShutdown), "ss",
+                                      logind::kManager.interface, "ScheduledShutdown");
+    _calls["sessions"] = logind::call(_bus, logind::kPatience, logind::kManager, "ListSessions",
+                                      then("sessions", &LoginConditions::readSessions), "");
 }
 
 // logind itself overlooks root's locks when root asks for sleep, and so do the "weak" ones of newer versions: here

@@ -33,7 +33,7 @@ private:
     Answered _answered;
     Conditions _conditions;
     std::vector<unsigned> _userIds;
-    std::map<std::string, BusCall> _calls;  ///< those without an answer, by whatever names them
+    std::map<std::string, BusSlot> _calls;  ///< those without an answer, by whatever names them
 };
 
 }  // namespace quorel

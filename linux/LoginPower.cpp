@@ -9,7 +9,7 @@ namespace quorel {
 namespace {
 
 // logind answers when it has begun, which others may delay.
-constexpr std::uint64_t kRequestPatience = 90'000'000;
+constexpr std::chrono::seconds kRequestPatience{90};
 
 // Makes it look at the locks of others although root asks. It overlooks root's own.
 constexpr std::uint64_t kRootChecksInhibitors = 1;
@@ -37,8 +37,6 @@ void LoginPower::shutDown(Ticket ticket, bool restart) {
 }
 
 void LoginPower::request(Ticket ticket, const char* member) {
-    BusRequest message = newRequest(_bus, logind::kManager, member);
-    if (!message || sd_bus_message_append(message.get(), "t", kRootChecksInhibitors) < 0) return;
     const auto replied = [this, ticket](sd_bus_message* reply) {
         const auto request = std::move(_request);
         const BusError error = errorOf(reply);
@@ -47,7 +45,7 @@ void LoginPower::request(Ticket ticket, const char* member) {
                                                                      : PowerReply::kRefused;
         _answers.powerReplied(ticket, meaning, error.message);
     };
-    _request = callAsync(_bus, std::move(message), replied, kRequestPatience);
+    _request = logind::call(_bus, kRequestPatience, logind::kManager, member, replied, "t", kRootChecksInhibitors);
 }
 
 void LoginPower::keepAwake(bool keep) {

@@ -38,7 +38,7 @@ private:
     const LoginSessions& _sessions;
     const Answers _answers;
     std::map<Ticket, std::unique_ptr<LoginConditions>> _looks;
-    BusCall _request;
+    BusSlot _request;
     InhibitorLock _idleLock;
 };
 

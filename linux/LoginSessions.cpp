@@ -53,14 +53,14 @@ std::optional<LoginSession> LoginSession::from(sd_bus_message* properties, Insta
     return found;
 }
 
-BusCall readLoginSession(sd_bus* bus, const char* path, const Clocks& clocks,
+BusSlot readLoginSession(sd_bus* bus, const char* path, const Clocks& clocks,
                          std::function<void(std::optional<LoginSession>, const BusError&)> answered) {
-    const BusObject object = {logind::kName, path, logind::kManagerProperties.interface};
+    const logind::Object object = {path, logind::kManagerProperties.interface};
     const auto read = [&clocks, answered = std::move(answered)](sd_bus_message* reply) {
         if (const BusError error = errorOf(reply)) return answered({}, error);
         answered(LoginSession::from(reply, clocks.now().instant()), {});
     };
-    return callAsync(bus, object, "GetAll", read, "s", logind::kSessionInterface);
+    return logind::call(bus, logind::kPatience, object, "GetAll", read, "s", logind::kSessionInterface);
 }
 
 LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<void(const LoginSession&)> used)
@@ -69,8 +69,8 @@ LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<vo
         const char* path = nullptr;
         if (sd_bus_message_read(signal, "so", nullptr, &path) > 0) look(path);
     };
-    _added = watchBus(_bus, logind::signalRule("SessionNew"), added);
-    _removed = watchBus(_bus, logind::signalRule("SessionRemoved"), [this](sd_bus_message*) { restart(); });
+    _added = watchSignals(_bus, logind::signalRule("SessionNew"), added);
+    _removed = watchSignals(_bus, logind::signalRule("SessionRemoved"), [this](sd_bus_message*) { restart(); });
     const auto changed = [this](sd_bus_message* signal) {
         bool active = false;
         if (sd_bus_message_skip(signal, "s") < 0) return;
@@ -79,11 +79,11 @@ LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<vo
         });
         if (active) look(sd_bus_message_get_path(signal));
     };
-    _changed = watchBus(_bus,
-                        std::string("type='signal',sender='") + logind::kName +
-                            "',path_namespace='/org/freedesktop/login1/session',"
-                            "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged'",
-                        changed);
+    _changed = watchSignals(_bus,
+                            std::string("type='signal',sender='") + logind::kName +
+                                "',path_namespace='/org/freedesktop/login1/session',"
+                                "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged'",
+                            changed);
 }
 
 void LoginSessions::look(const char* path) {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "linux/AsyncBus.h"
+#include "linux/Bus.h"
 #include "linux/Clocks.h"
 #include "scheduler/World.h"
 
@@ -23,7 +23,7 @@ struct LoginSession {
 };
 
 /// Asks for one by its path. The answer is nothing where it could not be read.
-BusCall readLoginSession(sd_bus* bus, const char* path, const Clocks& clocks,
+BusSlot readLoginSession(sd_bus* bus, const char* path, const Clocks& clocks,
                          std::function<void(std::optional<LoginSession>, const BusError&)> answered);
 
 /// Notices who comes and goes. One thread; `clocks` and the bus must outlive it.
@@ -43,10 +43,10 @@ private:
     const Clocks& _clocks;
     const std::function<void(const LoginSession&)> _used;
     std::int64_t _quietSince;               ///< boot time
-    std::map<std::string, BusCall> _looks;  ///< by path
-    BusWatch _added;
-    BusWatch _removed;
-    BusWatch _changed;
+    std::map<std::string, BusSlot> _looks;  ///< by path
+    BusSlot _added;
+    BusSlot _removed;
+    BusSlot _changed;
 };
 
 }  // namespace quorel

@@ -60,7 +60,8 @@ void InhibitorLock::take(const std::string& why, std::function<void(const BusErr
         else
             failed({"", "an answer of another kind"});
     };
-    _call = callAsync(_bus, logind::kManager, "Inhibit", answered, "ssss", _what, "Quorel", why.c_str(), _mode);
+    _call = logind::call(_bus, logind::kPatience, logind::kManager, "Inhibit", answered, "ssss", _what, "Quorel",
+                         why.c_str(), _mode);
 }
 
 void InhibitorLock::release() {

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
 
-#include "linux/AsyncBus.h"
+#include "linux/Bus.h"
 #include "linux/FileDescriptor.h"
 
 namespace quorel {
@@ -13,11 +14,27 @@ namespace quorel {
 
 namespace logind {
 
+struct Object {
+    const char* path;
+    const char* interface;
+};
 inline constexpr const char* kName = "org.freedesktop.login1";
-inline constexpr BusObject kManager = {kName, "/org/freedesktop/login1", "org.freedesktop.login1.Manager"};
-inline constexpr BusObject kManagerProperties = {kName, kManager.path, "org.freedesktop.DBus.Properties"};
+inline constexpr Object kManager = {"/org/freedesktop/login1", "org.freedesktop.login1.Manager"};
+inline constexpr Object kManagerProperties = {kManager.path, "org.freedesktop.DBus.Properties"};
 inline constexpr const char* kSessionInterface = "org.freedesktop.login1.Session";
 inline constexpr const char* kUnderWay = "org.freedesktop.login1.OperationInProgress";
+
+/// How long it has to answer where nothing else is said.
+inline constexpr std::chrono::seconds kPatience{10};
+
+/// As callAsync, with what sd_bus_message_append takes.
+template <class... Arguments>
+BusSlot call(sd_bus* bus, std::chrono::seconds patience, const Object& object, const char* method,
+             std::function<void(sd_bus_message*)> answered, const char* types, Arguments... arguments) {
+    const BusMessagePointer message = newCall(bus, kName, object.path, object.interface, method);
+    sd_bus_message_append(message.get(), types, arguments...);
+    return callAsync(bus, message.get(), patience, std::move(answered));
+}
 
 /// A match rule for one of the manager's signals.
 std::string signalRule(const char* member);
@@ -48,7 +65,7 @@ private:
     sd_bus* _bus;
     const char* _what;
     const char* _mode;
-    BusCall _call;
+    BusSlot _call;
     FileDescriptor _lock;
 };
 

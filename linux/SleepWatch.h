@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "linux/AsyncBus.h"
+#include "linux/Bus.h"
 #include "linux/Logind.h"
 
 namespace quorel {
@@ -14,33 +14,31 @@ public:
     struct Events {
         /// The computer sleeps after this has returned. `lidClosed`: closed, and without external power.
         std::function<void(bool lidClosed)> goingToSleep;
-        /// Awake again, or not gone to sleep or down after all; whether it slept, the clocks tell. logind has been known
-        /// not to say so.
+        /// Awake again, or not gone to sleep or down after all; whether it slept, the clocks tell. logind has been
+        /// known not to say so.
         std::function<void(bool lidClosed)> resumed;
         /// It goes down after this has returned.
         std::function<void()> goingDown;
     };
-    SleepWatch(sd_event* loop, sd_bus* bus, Events events);
+    SleepWatch(EventLoop& loop, sd_bus* bus, Events events);
 
 private:
     void takeLock();
-    void takeLockLater();
     void letGo();
     void sleepAnnounced(bool begins);
     void shutdownAnnounced(bool begins);
     void ended();
     void askLid(std::function<void(bool lidClosed)> then);
 
-    sd_event* _loop;
     sd_bus* _bus;
     const Events _events;
     InhibitorLock _lock;
     int _attempts = 0;
-    BusCall _lidCall;
-    EventSource _lockTimer;
-    BusWatch _sleepSignal;
-    BusWatch _shutdownSignal;
-    BusWatch _ownerSignal;
+    BusSlot _lidCall;
+    Timer _lockTimer;
+    BusSlot _sleepSignal;
+    BusSlot _shutdownSignal;
+    BusSlot _ownerSignal;
 };
 
 }  // namespace quorel

@@ -27,7 +27,7 @@ std::string WakeAlarm::set(std::optional<Instant> at) {
         if (!at) return {};
         _timer = FileDescriptor(timerfd_create(CLOCK_REALTIME_ALARM, TFD_NONBLOCK | TFD_CLOEXEC));
         if (!_timer) return std::strerror(errno);
-        _source = callWhenReadable(_loop, _timer.get(), [this] { read(); });
+        _source = whenReadable(_loop, _timer.get(), [this] { read(); });
     }
     itimerspec time{};
     if (at) time.it_value = {*at, 0};

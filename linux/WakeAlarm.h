@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "linux/AsyncBus.h"
+#include "linux/EventLoop.h"
 #include "linux/FileDescriptor.h"
 #include "scheduler/Instant.h"
 
@@ -21,7 +21,7 @@ public:
     static Ability ability();
 
     /// Nothing is taken until the first alarm is set.
-    explicit WakeAlarm(sd_event* loop) : _loop(loop) {}
+    explicit WakeAlarm(EventLoop& loop) : _loop(loop) {}
 
     /// In place of the one before; none takes that away. Why it failed, or an empty text.
     std::string set(std::optional<Instant> at);
@@ -29,7 +29,7 @@ public:
 private:
     void read();
 
-    sd_event* _loop;
+    EventLoop& _loop;
     FileDescriptor _timer;
     EventSource _source;
 };

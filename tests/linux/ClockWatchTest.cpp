@@ -13,8 +13,7 @@ constexpr std::uint64_t kLongest = 20'000'000;
 TEST(ClockWatchTest, CallsAtTheInstantAndWhenTheZoneIsReplaced) {
     std::string folder = testing::TempDir() + "etcXXXXXX";
     ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    sd_event* loop = nullptr;
-    ASSERT_GE(sd_event_new(&loop), 0);
+    EventLoop loop;
     {
         int ticks = 0;
         int zones = 0;
@@ -22,7 +21,7 @@ TEST(ClockWatchTest, CallsAtTheInstantAndWhenTheZoneIsReplaced) {
         ClockWatch watch(loop, clocks, {[&] { ++ticks; }, [&] { ++zones; }}, folder.c_str());
         const auto runUntil = [&](const int& count, int reached) {
             while (count < reached)
-                if (sd_event_run(loop, kLongest) <= 0) break;
+                if (sd_event_run(loop.get(), kLongest) <= 0) break;
             return count;
         };
         const Instant due = clocks.now().instant() + 1;
@@ -31,17 +30,16 @@ TEST(ClockWatchTest, CallsAtTheInstantAndWhenTheZoneIsReplaced) {
         EXPECT_GE(clocks.now().instant(), due);
         watch.waitFor(due - 100);  // one that has passed is not lost
         EXPECT_EQ(runUntil(ticks, 2), 2);
-        EXPECT_EQ(sd_event_run(loop, 200'000), 0);  // and it is over
+        EXPECT_EQ(sd_event_run(loop.get(), 200'000), 0);  // and it is over
 
         std::filesystem::create_symlink("/some/zone", folder + "/other");
         std::filesystem::create_symlink("/some/zone", folder + "/new");
-        while (sd_event_run(loop, 200'000) > 0) continue;
+        while (sd_event_run(loop.get(), 200'000) > 0) continue;
         EXPECT_EQ(zones, 0);
         std::filesystem::rename(folder + "/new", folder + "/localtime");
         EXPECT_GE(runUntil(zones, 1), 1);
         EXPECT_EQ(ticks, 2);
     }
-    sd_event_unref(loop);
     std::filesystem::remove_all(folder);
 }
 
