@@ -15,8 +15,8 @@
 #include <thread>
 #include <utility>
 
-#include "agent/Browser.h"
 #include "kit/MOLLog.h"
+#include "linux/Browser.h"
 #include "model/Names.h"
 #include "model/Preferences.h"
 

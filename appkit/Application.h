@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/Application.h"
-#include "platform/Workspace.h"
 
 namespace quorel::appkit {
 
@@ -17,11 +16,6 @@ public:
     int runAlertPanel(std::string_view title, std::string_view message, std::string_view defaultButton,
                       std::optional<std::string_view> alternateButton) override;
     void beep() override;
-};
-
-class Workspace : public quorel::Workspace {
-public:
-    bool openURL(std::string_view url) override;
 };
 
 }  // namespace quorel::appkit

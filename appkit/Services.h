@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/Clock.h"
+#include "platform/Application.h"
 #include "platform/NotificationCenter.h"
-#include "platform/UserDefaults.h"
+#include "platform/System.h"
 
 namespace quorel::appkit {
 
@@ -22,9 +22,8 @@ public:
     void postNotification(const Notification& notification) override;
 };
 
-class Clock : public quorel::Clock {
+class TimeFormat : public quorel::TimeFormat {
 public:
-    CalendarDate currentDate() const override;
     std::string shortTimeString(const CalendarDate& date) const override;
 };
 

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "platform/View.h"
-#include "platform/Window.h"
 
 namespace quorel::appkit {
 

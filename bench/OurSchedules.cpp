@@ -19,9 +19,8 @@ public:
     void postNotification(const Notification&) override {}
 };
 
-class FormatterClock : public Clock {
+class Formatter : public TimeFormat {
 public:
-    CalendarDate currentDate() const override { return {2024, 3, 15, 12, 0, 0}; }
     std::string shortTimeString(const CalendarDate& date) const override {
         return shortTimeByFormatter(date.hour, date.minute);
     }
@@ -68,11 +67,15 @@ Value makeList(int count) {
 
 struct OurSchedules::Parts {
     headless::HeadlessPlatform host;
-    FormatterClock clock;
     QuietCenter center;
-    Platform platform{
-        host.application, host.authorization,        host.bundles,         host.cells, clock, host.dispatch, center,
-        host.files,       host.standardUserDefaults, host.sharedWorkspace, 0};
+    Formatter timeFormat;
+    Platform platform{{.application = host.application,
+                       .bundles = host.bundles,
+                       .cells = host.cells,
+                       .defaultCenter = center,
+                       .standardUserDefaults = host.standardUserDefaults,
+                       .timeFormat = timeFormat},
+                      host.platform};
     test::ConfiguratorInterface ui;
     std::shared_ptr<VXConfigurator> configurator;
     Value list;

@@ -117,7 +117,8 @@ const Value& VXConfigurator::timeTextOf(const Value& schedule) {
     const int minute = schedule[schedule_keys::kActionMinute].intValue();
     Value& text = _timeTexts[(std::int64_t{hour} << 32) | static_cast<std::uint32_t>(minute)];
     if (text.isAbsent()) {
-        text = _platform.clock.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
+        text =
+            _platform.timeFormat.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
     }
     return text;
 }
