@@ -11,7 +11,7 @@ namespace quorel::appkit {
 class UserDefaults : public quorel::UserDefaults {
 public:
     Value objectForKey(std::string_view key) const override;
-    void setObjectForKey(const Value& value, std::string_view key) override;
+    void setObjectForKey(const Value &value, std::string_view key) override;
     void removeObjectForKey(std::string_view key) override;
     void synchronize() override;
 };
@@ -19,12 +19,12 @@ public:
 class NotificationCenter : public quorel::NotificationCenter {
 public:
     void addObserver(std::string_view name, Observer observer) override;
-    void postNotification(const Notification& notification) override;
+    void postNotification(const Notification &notification) override;
 };
 
 class TimeFormat : public quorel::TimeFormat {
 public:
-    std::string shortTimeString(const CalendarDate& date) const override;
+    std::string shortTimeString(const CalendarDate &date) const override;
 };
 
 }  // namespace quorel::appkit
