@@ -1,24 +1,23 @@
 #pragma once
 
-#include <systemd/sd-event.h>
-
-#include <chrono>
-#include <memory>
+#include <atomic>
 #include <string>
+#include <thread>
 
-#include "agent/CheckSchedule.h"
+#include "agent/CheckInterval.h"
 #include "agent/LastCheckFile.h"
 #include "agent/Notifier.h"
 #include "agent/Reports.h"
 #include "kit/update/CurlUpdateChecker.h"
 #include "linux/BusEndpoint.h"
+#include "linux/EventLoop.h"
 #include "linux/RootedPropertyListFiles.h"
 
 namespace quorel {
 
 /// The per-user agent: answers pings, checks for updates when it is told to and when a periodic check is due, and
-/// tells the user. The thread that runs it does all but two things: pings are answered on the endpoint's thread, and
-/// each check has one of its own.
+/// tells the user. All on one loop and one connection to the session bus, but for the check itself, which waits for
+/// the network on a thread of its own and is given up when the agent ends.
 class Agent {
 public:
     struct Options {
@@ -26,40 +25,34 @@ public:
         CurlUpdateChecker::Settings updates;
     };
 
+    /// Throws std::exception when there is no session bus. Call it before threads are started.
     explicit Agent(Options options);
     ~Agent();
 
-    /// Returns the program's exit status: 0 after SIGTERM or SIGINT. Both must be blocked in every thread.
+    /// Returns the program's exit status: 0 when told to end, or when the user has an agent already.
     int run();
-    /// A check goes on after the run has ended, until its time is over.
-    bool isChecking() const { return _checking; }
 
 private:
-    struct Shared;
-    using EventLoop = std::unique_ptr<sd_event, decltype(&sd_event_unref)>;
-    using EventSource = std::unique_ptr<sd_event_source, decltype(&sd_event_source_disable_unref)>;
-
-    /// Nothing on success, otherwise the reason.
-    std::string open();
-    std::string openEndpoint();
-    void wokenUp();
+    void take(const BusNotification& notification, const BusAnswer& answer);
     void look();
     void startCheck();
-    void checkEnded(bool succeeded);
-    void lookAgain(std::chrono::seconds after);
+    void checkEnded();
 
-    const std::shared_ptr<Shared> _shared;
+    CurlUpdateChecker _checker;
     const RootedPropertyListFiles _files;
     const LastCheckFile _lastCheckFile;
-    CheckSchedule _schedule;
+    CheckInterval _interval;
     Reports _reports;
-    bool _checking = false;
     bool _askedByHand = false;  // somebody waits for the outcome of the check that runs
 
-    EventLoop _loop{nullptr, sd_event_unref};
-    EventSource _timer{nullptr, sd_event_source_disable_unref};
+    EventLoop _loop;
+    LoopTimer _look;
+    const Wakeup _checkEnded;
+    const BusConnection _bus;
     Notifier _notifier;
-    std::unique_ptr<BusEndpoint> _endpoint;
+    const BusEndpoint _endpoint;
+    std::thread _check;  // joinable from its start to the end that is told of it
+    std::atomic<bool> _succeeded = false;
 };
 
 }  // namespace quorel

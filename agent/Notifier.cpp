@@ -1,6 +1,7 @@
 #include "agent/Notifier.h"
 
 #include <cstring>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -12,7 +13,7 @@ namespace {
 
 constexpr const char* kService = "org.freedesktop.Notifications";
 constexpr const char* kPath = "/org/freedesktop/Notifications";
-constexpr std::uint64_t kPatienceMicroseconds = 10'000'000;  // the server may have to be started first
+constexpr std::chrono::seconds kPatience{10};  // the server may have to be started first
 constexpr const char* kDownload = "download";
 constexpr std::int32_t kServersOwnDuration = -1;
 
@@ -36,56 +37,47 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
-BusMessagePointer callToServer(sd_bus* bus, const char* method) {
-    sd_bus_message* message = nullptr;
-    sd_bus_message_new_method_call(bus, &message, kService, kPath, kService, method);
-    return {message, sd_bus_message_unref};
-}
-
 }  // namespace
 
-std::string Notifier::attach(sd_event* loop) {
-    _bus = beginConnection(Bus::Session);
-    if (!_bus) return "there is no bus";
-    int result = sd_bus_attach_event(_bus.get(), loop, SD_EVENT_PRIORITY_NORMAL);
-    if (result >= 0)
-        result = sd_bus_match_signal_async(_bus.get(), nullptr, kService, kPath, kService, "ActionInvoked",
-                                           &Notifier::actionInvoked, nullptr, this);
-    return result < 0 ? std::strerror(-result) : std::string();
+Notifier::Notifier(sd_bus* bus, std::function<void(const std::string&)> pressed)
+    : _bus(bus), _pressed(std::move(pressed)) {
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_match_signal_async(bus, &slot, kService, kPath, kService, "ActionInvoked",
+                                                 &Notifier::actionInvoked, nullptr, this);
+    if (result < 0) throw std::runtime_error(std::strerror(-result));
+    _signals.reset(slot);
 }
 
 void Notifier::show(Message message) {
     _message = std::move(message);
-    const auto call = callToServer(_bus.get(), "GetCapabilities");
-    sd_bus_slot* slot = nullptr;
-    const int result =
-        sd_bus_call_async(_bus.get(), &slot, call.get(), &Notifier::capabilitiesKnown, this, kPatienceMicroseconds);
-    _call.reset(slot);
-    if (result < 0) failed(std::strerror(-result));
+    call(newCall(_bus, kService, kPath, kService, "GetCapabilities"), &Notifier::capabilitiesKnown);
 }
 
-int Notifier::capabilitiesKnown(sd_bus_message* message, void* self, sd_bus_error*) {
-    auto& notifier = *static_cast<Notifier*>(self);
-    if (const sd_bus_error* error = sd_bus_message_get_error(message)) {
-        notifier.failed(error->message ? error->message : error->name);
-        return 1;
-    }
-    const char* sender = sd_bus_message_get_sender(message);
-    if (sender && notifier._server != sender) {
-        notifier._server = sender;
-        notifier._id = 0;  // another server's number
+void Notifier::call(const BusMessagePointer& message, void (Notifier::*replied)(sd_bus_message*)) {
+    _call = callAsync(_bus, message.get(), kPatience, [this, replied](sd_bus_message* reply) {
+        const sd_bus_error* error = sd_bus_message_get_error(reply);
+        if (error) return failed(error->message ? error->message : error->name);
+        (this->*replied)(reply);
+    });
+    if (!_call) failed("nothing can be sent");
+}
+
+void Notifier::capabilitiesKnown(sd_bus_message* reply) {
+    const char* sender = sd_bus_message_get_sender(reply);
+    if (sender && _server != sender) {
+        _server = sender;
+        _id = 0;  // another server's number
     }
     bool markup = false;
     bool buttons = false;
-    if (sd_bus_message_enter_container(message, 'a', "s") >= 0) {
+    if (sd_bus_message_enter_container(reply, 'a', "s") >= 0) {
         const char* capability = nullptr;
-        while (sd_bus_message_read(message, "s", &capability) > 0) {
+        while (sd_bus_message_read(reply, "s", &capability) > 0) {
             markup = markup || std::string_view(capability) == "body-markup";
             buttons = buttons || std::string_view(capability) == "actions";
         }
     }
-    notifier.send(markup, buttons);
-    return 1;
+    send(markup, buttons);
 }
 
 void Notifier::send(bool markup, bool buttons) {
@@ -93,27 +85,20 @@ void Notifier::send(bool markup, bool buttons) {
     if (!buttons && !_message.page.empty()) body += '\n' + _message.page;
     if (markup) body = escaped(body);
 
-    const auto call = callToServer(_bus.get(), "Notify");
-    int result = sd_bus_message_append(call.get(), "susss", "Quorel", _id, "software-update-available",
-                                       _message.title.c_str(), body.c_str());
-    if (result >= 0)
-        result = buttons && !_message.page.empty()
-                     ? sd_bus_message_append(call.get(), "as", 2, kDownload, _message.button.c_str())
-                     : sd_bus_message_append(call.get(), "as", 0);
-    if (result >= 0) result = sd_bus_message_append(call.get(), "a{sv}i", 0, kServersOwnDuration);
-    sd_bus_slot* slot = nullptr;
-    if (result >= 0)
-        result = sd_bus_call_async(_bus.get(), &slot, call.get(), &Notifier::shown, this, kPatienceMicroseconds);
-    _call.reset(slot);
-    if (result < 0) failed(std::strerror(-result));
+    const auto message = newCall(_bus, kService, kPath, kService, "Notify");
+    sd_bus_message_append(message.get(), "susss", "Quorel", _id, "software-update-available", _message.title.c_str(),
+                          body.c_str());
+    if (buttons && !_message.page.empty()) {
+        sd_bus_message_append(message.get(), "as", 2, kDownload, _message.button.c_str());
+    } else {
+        sd_bus_message_append(message.get(), "as", 0);
+    }
+    sd_bus_message_append(message.get(), "a{sv}i", 0, kServersOwnDuration);
+    call(message, &Notifier::shown);
 }
 
-int Notifier::shown(sd_bus_message* message, void* self, sd_bus_error*) {
-    auto& notifier = *static_cast<Notifier*>(self);
-    const sd_bus_error* error = sd_bus_message_get_error(message);
-    if (error || sd_bus_message_read(message, "u", &notifier._id) < 0)
-        notifier.failed(error && error->message ? error->message : "no answer that makes sense");
-    return 1;
+void Notifier::shown(sd_bus_message* reply) {
+    if (sd_bus_message_read(reply, "u", &_id) < 0) failed("no answer that makes sense");
 }
 
 void Notifier::failed(const char* reason) const {

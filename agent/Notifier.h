@@ -1,7 +1,5 @@
 #pragma once
 
-#include <systemd/sd-event.h>
-
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -12,25 +10,26 @@
 namespace quorel {
 
 /// Tells the user something, by desktop notifications. A later message takes the place of an earlier one. Where
-/// nobody shows notifications, the message is logged. Never blocks. All on the event loop's thread.
+/// nobody shows notifications, the message is logged. Never blocks.
 class Notifier {
 public:
-    /// `pressed` gets the page of the message whose button was pressed.
-    explicit Notifier(std::function<void(const std::string& page)> pressed) : _pressed(std::move(pressed)) {}
+    /// `pressed` gets the page of the message whose button was pressed. The session bus is served by the loop.
+    /// Throws std::runtime_error.
+    Notifier(sd_bus* bus, std::function<void(const std::string& page)> pressed);
 
-    /// Nothing on success, otherwise the reason.
-    std::string attach(sd_event* loop);
     void show(Message message);
 
 private:
+    void call(const BusMessagePointer& message, void (Notifier::*replied)(sd_bus_message*));
+    void capabilitiesKnown(sd_bus_message* reply);
     void send(bool markup, bool buttons);
+    void shown(sd_bus_message* reply);
     void failed(const char* reason) const;
-    static int capabilitiesKnown(sd_bus_message* message, void* self, sd_bus_error*);
-    static int shown(sd_bus_message* message, void* self, sd_bus_error*);
     static int actionInvoked(sd_bus_message* message, void* self, sd_bus_error*);
 
+    sd_bus* const _bus;
     const std::function<void(const std::string&)> _pressed;
-    BusConnection _bus{nullptr, sd_bus_close_unref};
+    BusSlot _signals{nullptr, sd_bus_slot_unref};
     BusSlot _call{nullptr, sd_bus_slot_unref};  // the one under way; a later message cancels it
     Message _message;
     std::uint32_t _id = 0;  // of the notification on the screen

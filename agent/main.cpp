@@ -1,7 +1,6 @@
 // quorel-agent [--root DIR] [--feed URL] [--ca-file FILE]
 
 #include <getopt.h>
-#include <pthread.h>
 
 #include <csignal>
 #include <cstdio>
@@ -44,23 +43,6 @@ std::optional<Agent::Options> parse(int count, char** arguments) {
     return options;
 }
 
-int run(Agent::Options options) {
-    // Before threads start, so that it holds for all of them.
-    sigset_t ends;
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGTERM);
-    sigaddset(&ends, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);  // whoever reads the log may go first
-    std::signal(SIGCHLD, SIG_IGN);  // nobody waits for a browser
-
-    Agent agent(std::move(options));
-    const int status = agent.run();
-    // What the check's thread uses must not be torn down under it.
-    if (agent.isChecking()) std::_Exit(status);
-    return status;
-}
-
 }  // namespace
 
 }  // namespace quorel
@@ -72,8 +54,10 @@ int main(int count, char** arguments) try {
         return 2;
     }
     quorel::installJournalLog("quorel-agent");
-    return quorel::run(std::move(*options));
+    std::signal(SIGPIPE, SIG_IGN);  // whoever reads the log may go first
+    std::signal(SIGCHLD, SIG_IGN);  // nobody waits for a browser
+    return quorel::Agent(std::move(*options)).run();
 } catch (const std::exception& exception) {
-    quorel::MOLLog("%s", exception.what());
+    quorel::MOLLog("Cannot start: %s.", exception.what());
     return 1;
 }

@@ -1,13 +1,12 @@
 // quorel-daemon [--root DIR]: keeps the preferences file, for whom polkit lets change it.
 
-#include <pthread.h>
+#include <malloc.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <string>
 #include <string_view>
 
@@ -15,34 +14,7 @@
 #include "kit/MOLLog.h"
 #include "linux/JournalLog.h"
 
-using namespace quorel;
-
-namespace {
-
-std::atomic<bool> busLost = false;
-
-/// Served until told to end. The exit status.
-int serve(std::string root, const sigset_t& ends) {
-    Daemon daemon(std::move(root));
-    std::string error;
-    const auto lost = [] {
-        busLost = true;
-        kill(getpid(), SIGTERM);
-    };
-    if (!daemon.open(lost, error)) {
-        MOLLog("The daemon cannot start: %s.", error.c_str());
-        return EXIT_FAILURE;
-    }
-    MOLLog("The daemon serves.");
-    int signal = 0;
-    sigwait(&ends, &signal);
-    MOLLog(busLost ? "The bus has gone." : "The daemon ends.");
-    return busLost ? EXIT_FAILURE : EXIT_SUCCESS;  // the service manager starts it again after a failure
-}
-
-}  // namespace
-
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
     std::string root;
     if (count == 3 && arguments[1] == std::string_view("--root")) {
         root = arguments[2];
@@ -50,16 +22,13 @@ int main(int count, char** arguments) {
         std::fprintf(stderr, "Usage: quorel-daemon [--root DIR]\n");
         return 2;
     }
-    installJournalLog("quorel-daemon");
+    quorel::installJournalLog("quorel-daemon");
     umask(022);
     std::signal(SIGPIPE, SIG_IGN);
-    // Blocked before there are threads, so that the end comes to this one alone.
-    sigset_t ends;
-    sigemptyset(&ends);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&ends, signal);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-    const int status = serve(std::move(root), ends);
-    // Calls that still wait for polkit must not see globals go.
-    std::fflush(nullptr);
-    std::_Exit(status);
+    // Once a large message has gone, the allocator would keep such sizes for itself rather than give them back.
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    return quorel::Daemon(std::move(root)).run();
+} catch (const std::exception& exception) {
+    quorel::MOLLog("The daemon cannot start: %s.", exception.what());
+    return EXIT_FAILURE;
 }

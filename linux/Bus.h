@@ -2,7 +2,12 @@
 
 #include <systemd/sd-bus.h>
 
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <string>
+
+#include "linux/EventLoop.h"
 
 namespace quorel {
 
@@ -11,9 +16,33 @@ enum class Bus { System, Session };
 using BusConnection = std::unique_ptr<sd_bus, decltype(&sd_bus_close_unref)>;
 using BusMessagePointer = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 using BusSlot = std::unique_ptr<sd_bus_slot, decltype(&sd_bus_slot_unref)>;
+using BusDeadline = std::chrono::steady_clock::time_point;
 
-/// Begins to connect, without waiting for the bus. Null when there is no bus. A connection and whatever came from it
-/// belong to one thread at a time.
+// A connection and whatever came from it belong to one thread at a time.
+
+/// Begins to connect, without waiting for the bus. Null when there is no bus.
 BusConnection beginConnection(Bus bus);
+/// Serves a connection that no loop serves until the condition holds. False when it does not by the deadline, or the
+/// bus has gone.
+bool serveUntil(sd_bus* bus, BusDeadline deadline, const std::function<bool()>& condition);
+
+/// Connects, which takes a second at most, and has the loop serve the connection. When the bus goes later, the loop
+/// ends with status 1. Throws std::runtime_error.
+///
+/// One connection does for a whole program: objects at further paths, calls, matches. Once the program serves, nothing
+/// on it may wait for an answer (sd_bus_call and the like): sd-bus reads one message at a time and leaves the others to
+/// the bus, which keeps count of them, but who waits has it read them all into this program's memory.
+BusConnection connectTo(Bus bus, EventLoop& loop);
+/// Takes a second at most. False when somebody else has the name; throws std::runtime_error when it is not to be had
+/// at all.
+bool requestName(sd_bus* bus, const std::string& name);
+
+/// A message to be filled. Null when the connection has gone; sd-bus's functions take that for a failure.
+BusMessagePointer newCall(sd_bus* bus, const char* receiver, const char* path, const char* interface,
+                          const char* method);
+/// Sends a call, and hands over the reply, an error or the time-out too, unless the slot has gone by then; a callback
+/// may let the slot go. Null when nothing could be sent, in which case nothing will be handed over.
+BusSlot callAsync(sd_bus* bus, sd_bus_message* call, std::chrono::microseconds limit,
+                  std::function<void(sd_bus_message* reply)> replied);
 
 }  // namespace quorel

@@ -1,9 +1,14 @@
 #include "linux/BusCommunicationCenter.h"
 
+#include <pthread.h>
+
+#include <csignal>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "kit/MOLLog.h"
+#include "linux/BusEndpoint.h"
 #include "linux/BusPeer.h"
 #include "model/Names.h"
 #include "model/PropertyList.h"
@@ -18,9 +23,11 @@ using Clock = BusPeer::Clock;
 bool post(BusPeer& peer, const Notification& notification, const BusCommunicationCenter::Limits& limits) {
     std::string userInfo;
     if (notification.userInfo.isPresent()) {
-        auto encoded = encodePropertyList(notification.userInfo);
+        auto encoded = encodePropertyList(notification.userInfo, wire::kMaximumUserInfoBytes);
         if (!encoded) {
-            MOLLog("%s: the user information cannot be sent.", notification.name.c_str());
+            const bool large = encodePropertyList(notification.userInfo).has_value();
+            MOLLog("%s was not sent: the user information %s.", notification.name.c_str(),
+                   large ? "takes more than 2 MiB" : "is no property list, or far too large a one");
             return false;
         }
         userInfo = std::move(*encoded);
@@ -39,6 +46,36 @@ bool belongsTo(unsigned userId, BusPeer& peer, Clock::time_point deadline) {
 
 }  // namespace
 
+/// An endpoint with a loop, and the thread that runs it.
+class BusCommunicationCenter::OwnEnd {
+public:
+    explicit OwnEnd(BusEndpoint::Pong pong)
+        : _stop(_loop, [this] { _loop.end(0); }),
+          _bus(connectTo(Bus::Session, _loop)),
+          _endpoint(_bus.get(), {}, std::move(pong)) {
+        requestName(_bus.get(), std::string(kPaneName));  // another window may show the pane as well, and have it
+        _thread = std::thread([this] {
+            sigset_t all;
+            sigfillset(&all);
+            pthread_sigmask(SIG_BLOCK, &all, nullptr);  // signals are the business of the program's own threads
+            _loop.run();
+        });
+    }
+    ~OwnEnd() {
+        _stop.wake();
+        _thread.join();
+    }
+
+private:
+    EventLoop _loop;
+    const Wakeup _stop;
+    const BusConnection _bus;
+    const BusEndpoint _endpoint;
+    std::thread _thread;
+};
+
+BusCommunicationCenter::BusCommunicationCenter(Limits limits) : _limits(limits) {}
+
 BusCommunicationCenter::~BusCommunicationCenter() = default;
 
 void BusCommunicationCenter::setObserver(std::weak_ptr<VXCommunicationProtocol> observer) {
@@ -46,24 +83,20 @@ void BusCommunicationCenter::setObserver(std::weak_ptr<VXCommunicationProtocol> 
     _observer = std::move(observer);
 }
 
-void BusCommunicationCenter::createServerConnection() {
+void BusCommunicationCenter::createServerConnection() try {
     const std::lock_guard lock(_mutex);
-    if (_endpoint) return;
-    BusEndpoint::Options options;
-    options.bus = Bus::Session;
-    options.name = kPaneName;
-    options.nameRequired = false;  // another window may show the pane as well
-    options.pong = [this] {
-        std::shared_ptr<VXCommunicationProtocol> observer;
-        {
-            const std::lock_guard guard(_mutex);
-            observer = _observer.lock();
-        }
-        return observer && observer->pong();
-    };
-    std::string error;
-    _endpoint = BusEndpoint::open(std::move(options), error);
-    if (!_endpoint) MOLLog("No own end on the session bus: %s", error.c_str());
+    if (!_ownEnd) _ownEnd = std::make_unique<OwnEnd>([this] { return pong(); });
+} catch (const std::exception& exception) {
+    MOLLog("No own end on the session bus: %s", exception.what());
+}
+
+bool BusCommunicationCenter::pong() {
+    std::shared_ptr<VXCommunicationProtocol> observer;
+    {
+        const std::lock_guard lock(_mutex);
+        observer = _observer.lock();
+    }
+    return observer && observer->pong();
 }
 
 bool BusCommunicationCenter::pingDaemon() try {

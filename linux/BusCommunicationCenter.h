@@ -5,12 +5,12 @@
 #include <mutex>
 
 #include "kit/VXCommunicationCenter.h"
-#include "linux/BusEndpoint.h"
 
 namespace quorel {
 
 /// The channel over D-Bus: the daemon on the system bus, the agent and this program's own end on the session bus.
-/// Each operation connects anew, so that a bus which has been restarted is found again.
+/// Each operation connects anew, so that a bus which has been restarted is found again. Pings of the own end are
+/// answered on a thread of its own: the program may be busy, with its user's hand on a menu for one.
 class BusCommunicationCenter : public VXCommunicationCenter {
 public:
     struct Limits {
@@ -20,7 +20,7 @@ public:
     };
 
     BusCommunicationCenter() : BusCommunicationCenter(Limits{}) {}
-    explicit BusCommunicationCenter(Limits limits) : _limits(limits) {}
+    explicit BusCommunicationCenter(Limits limits);
     ~BusCommunicationCenter() override;
 
     void setObserver(std::weak_ptr<VXCommunicationProtocol> observer) override;
@@ -34,10 +34,13 @@ public:
     bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) override;
 
 private:
+    class OwnEnd;
+    bool pong();
+
     const Limits _limits;
     std::mutex _mutex;
     std::weak_ptr<VXCommunicationProtocol> _observer;
-    std::unique_ptr<BusEndpoint> _endpoint;
+    std::unique_ptr<OwnEnd> _ownEnd;
 };
 
 }  // namespace quorel

@@ -2,28 +2,27 @@
 
 #include <functional>
 #include <memory>
-#include <string>
 #include <string_view>
-#include <thread>
 
 #include "linux/Bus.h"
 
 namespace quorel {
 
-/// A notification as it came over the bus. Nothing in it is to be trusted but the sender.
+/// A notification as it came over the bus; what the views show lasts as long as its answer. Nothing in it is to be
+/// trusted but the sender.
 struct BusNotification {
-    std::string name;
-    std::string object;
-    std::string userInfo;  ///< bytes of a property list; empty for none
-    std::string sender;    ///< the sender's unique name, as the bus vouches for it
+    std::string_view name;
+    std::string_view object;
+    std::string_view userInfo;  ///< bytes of a property list; empty for none
+    std::string_view sender;    ///< the sender's unique name, as the bus vouches for it
 };
 
-/// The answer to one notification. Copies answer the same one, and the first answer counts. Any thread, also after
-/// the endpoint has gone. When the last copy goes unanswered, the sender is told that the notification failed.
+/// The answer to one notification. Copies answer the same one, and the first answer counts. When the last copy goes
+/// unanswered, the sender is told that the notification failed. On the connection's thread.
 class BusAnswer {
 public:
     void accept() const;
-    void refuse(std::string_view errorName, std::string_view text) const;
+    void refuse(const char* errorName, const std::string& text) const;
 
 private:
     friend class BusEndpoint;
@@ -32,35 +31,23 @@ private:
     std::shared_ptr<State> _state;
 };
 
-/// A program's own end of the channel: answers pings and takes notifications, on a thread of its own, until it is
-/// destroyed. The callbacks run on that thread one at a time; they must not block, must not throw, and must not
-/// destroy the endpoint.
+/// A program's own end of the channel, on a connection that a loop serves: answers pings and takes notifications.
 class BusEndpoint {
 public:
-    struct Options {
-        Bus bus = Bus::Session;
-        std::string name;            ///< the well-known name to own; empty for none
-        bool nameRequired = true;    ///< not to get the name is a failure
-        std::function<bool()> pong;  ///< alive when not given
-        std::function<void(const BusNotification&, const BusAnswer&)> handler;  ///< refuses all when not given
-        std::function<void()> lost;  ///< the bus has gone; called once, nothing comes after it
-    };
+    using Handler = std::function<void(const BusNotification&, const BusAnswer&)>;
+    using Pong = std::function<bool()>;
 
-    /// Returns when the endpoint can be reached. Null on failure, with the reason in `error`.
-    static std::unique_ptr<BusEndpoint> open(Options options, std::string& error);
-    ~BusEndpoint();
+    /// Without a handler all notifications are refused; without `pong` the program is alive. Throws std::runtime_error.
+    BusEndpoint(sd_bus* bus, Handler handler, Pong pong = {});
     BusEndpoint(const BusEndpoint&) = delete;
-    BusEndpoint& operator=(const BusEndpoint&) = delete;
 
 private:
-    friend class BusAnswer;
-    class Server;
-    struct Outbox;
-    explicit BusEndpoint(std::unique_ptr<Server> server);
+    static int ping(sd_bus_message* message, void* self, sd_bus_error*);
+    static int post(sd_bus_message* message, void* self, sd_bus_error* error);
 
-    std::shared_ptr<Outbox> _outbox;
-    std::unique_ptr<Server> _server;
-    std::thread _thread;
+    const Handler _handler;
+    const Pong _pong;
+    BusSlot _slot{nullptr, sd_bus_slot_unref};
 };
 
 }  // namespace quorel

@@ -1,20 +1,14 @@
 #include "linux/BusPeer.h"
-#include "model/Names.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
+
+#include "model/Names.h"
 
 namespace quorel {
 
-/// A call under way. Must not be moved: the connection knows where it is.
+/// A call under way. Must not be moved: what waits for the reply knows where it is.
 struct BusPeer::Call {
-    static int replied(sd_bus_message* message, void* self, sd_bus_error*) {
-        auto& call = *static_cast<Call*>(self);
-        call.reply = {sd_bus_message_ref(message), sd_bus_message_unref};
-        return 1;
-    }
-
     BusMessagePointer reply{nullptr, sd_bus_message_unref};
     BusSlot slot{nullptr, sd_bus_slot_unref};
 };
@@ -65,23 +59,15 @@ BusPeer::Outcome BusPeer::post(const std::string& name, const std::string& objec
 }
 
 bool BusPeer::begin(Call& call, sd_bus_message* message) {
-    sd_bus_slot* slot = nullptr;
     // The connection's own time limit must never be the shorter one.
-    if (!message || sd_bus_call_async(_bus.get(), &slot, message, Call::replied, &call, UINT64_MAX) < 0) return false;
-    call.slot.reset(slot);
-    return true;
+    call.slot = callAsync(_bus.get(), message, std::chrono::microseconds::max(), [&call](sd_bus_message* reply) {
+        call.reply = {sd_bus_message_ref(reply), sd_bus_message_unref};
+    });
+    return call.slot != nullptr;
 }
 
 bool BusPeer::wait(const Call& call, Clock::time_point deadline) {
-    while (!call.reply) {
-        const int result = sd_bus_process(_bus.get(), nullptr);
-        if (result > 0) continue;
-        const auto left = std::chrono::ceil<std::chrono::microseconds>(deadline - Clock::now()).count();
-        if (result < 0 || left <= 0) break;
-        const int waited = sd_bus_wait(_bus.get(), static_cast<std::uint64_t>(left));
-        if (waited < 0 && waited != -EINTR) break;
-    }
-    return call.reply != nullptr;
+    return serveUntil(_bus.get(), deadline, [&call] { return call.reply != nullptr; });
 }
 
 sd_bus_message* BusPeer::ask(Call& call, sd_bus_message* message, Clock::time_point deadline) {
@@ -90,17 +76,13 @@ sd_bus_message* BusPeer::ask(Call& call, sd_bus_message* message, Clock::time_po
 }
 
 BusMessagePointer BusPeer::callToBus(const char* method, const char* argument) {
-    sd_bus_message* message = nullptr;
-    if (sd_bus_message_new_method_call(_bus.get(), &message, "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                       "org.freedesktop.DBus", method) >= 0)
-        sd_bus_message_append(message, "s", argument);
-    return {message, sd_bus_message_unref};
+    auto message = newCall(_bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
+    sd_bus_message_append(message.get(), "s", argument);
+    return message;
 }
 
 BusMessagePointer BusPeer::callToOwner(const char* method) {
-    sd_bus_message* message = nullptr;
-    sd_bus_message_new_method_call(_bus.get(), &message, _owner.c_str(), wire::kPath, wire::kInterface, method);
-    return {message, sd_bus_message_unref};
+    return newCall(_bus.get(), _owner.c_str(), wire::kPath, wire::kInterface, method);
 }
 
 }  // namespace quorel

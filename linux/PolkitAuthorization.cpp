@@ -2,10 +2,12 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
 #include <set>
+#include <stdexcept>
 #include <string>
 
-#include "linux/PolkitClient.h"
+#include "linux/PolkitQuestion.h"
 #include "model/Names.h"
 
 namespace quorel {
@@ -26,7 +28,33 @@ constexpr AuthorizationStatus kInteractionNotAllowed = -60007;
 constexpr AuthorizationStatus kInternal = -60008;
 
 constexpr const char* kAdministratorRight = "system.privilege.admin";
-AuthorizationStatus statusOf(const PolkitClient::Answer& answer) {
+
+// A click on the padlock asks twice, and with a hung bus its window stands still meanwhile.
+constexpr std::chrono::milliseconds kBusLimit{900};
+constexpr std::chrono::seconds kPolkitLimit{5};  // the bus may have to start it
+
+/// Sends a call to polkit and waits; throws without a proper reply.
+void callPolkit(sd_bus* bus, const BusMessagePointer& call) {
+    std::optional<bool> done;
+    const auto slot = callAsync(bus, call.get(), kPolkitLimit,
+                                [&](sd_bus_message* reply) { done = !sd_bus_message_is_method_error(reply, nullptr); });
+    serveUntil(bus, BusDeadline::clock::now() + kPolkitLimit, [&] { return done.has_value(); });
+    if (!done.value_or(false)) throw std::runtime_error("polkit does not answer");
+}
+
+/// A connection over which polkit was found to answer, so that whatever is slow from there on is a person.
+BusConnection reachPolkit() {
+    auto bus = beginConnection(Bus::System);
+    const auto ready = [&] { return sd_bus_is_ready(bus.get()) > 0; };
+    if (!bus || !serveUntil(bus.get(), BusDeadline::clock::now() + kBusLimit, ready))
+        throw std::runtime_error("the bus does not answer");
+    const auto call = newCall(bus.get(), kPolkitName, kPolkitPath, "org.freedesktop.DBus.Properties", "Get");
+    sd_bus_message_append(call.get(), "ss", kPolkitInterface, "BackendVersion");
+    callPolkit(bus.get(), call);
+    return bus;
+}
+
+AuthorizationStatus statusOf(const PolkitQuestion::Answer& answer) {
     if (answer.authorized) return kAuthorizationSuccess;
     if (answer.dismissed) return kCanceled;
     return answer.challenge ? kInteractionNotAllowed : kDenied;
@@ -35,7 +63,7 @@ AuthorizationStatus statusOf(const PolkitClient::Answer& answer) {
 }  // namespace
 
 AuthorizationStatus PolkitAuthorization::AuthorizationCreate(AuthorizationFlags, AuthorizationRef& authorization) try {
-    PolkitClient().reach();
+    reachPolkit();
     authorization = new OpaqueAuthorization;
     return kAuthorizationSuccess;
 } catch (const std::exception&) {
@@ -49,9 +77,16 @@ AuthorizationStatus PolkitAuthorization::AuthorizationCopyRights(AuthorizationRe
     if (rights.empty()) return kInvalidSet;
     for (const auto& right : rights)
         if (right.name != kAdministratorRight) return kDenied;
-    PolkitClient polkit;
-    const auto answer =
-        polkit.check(polkit.ownBusName(), kModifyPreferencesAction, flags & kAuthorizationFlagInteractionAllowed);
+    const auto bus = reachPolkit();
+    const char* ownName = nullptr;
+    std::optional<std::optional<PolkitQuestion::Answer>> outcome;
+    if (sd_bus_get_unique_name(bus.get(), &ownName) < 0) return kInternal;
+    const PolkitQuestion question(bus.get(), ownName, kModifyPreferencesAction,
+                                  (flags & kAuthorizationFlagInteractionAllowed) != 0,
+                                  [&](auto answer) { outcome = std::move(answer); });
+    serveUntil(bus.get(), BusDeadline::max(), [&] { return outcome.has_value(); });
+    if (!outcome || !*outcome) return kInternal;
+    const auto& answer = **outcome;
     if (answer.authorized && !answer.temporaryGrant.empty())
         authorization->temporaryGrants.insert(answer.temporaryGrant);
     return statusOf(answer);
@@ -64,8 +99,12 @@ AuthorizationStatus PolkitAuthorization::AuthorizationFree(AuthorizationRef auth
     const std::unique_ptr<OpaqueAuthorization> owner(authorization);
     if (!authorization) return kInvalidRef;
     if (flags & kAuthorizationFlagDestroyRights && !authorization->temporaryGrants.empty()) {
-        PolkitClient polkit;
-        for (const auto& grant : authorization->temporaryGrants) polkit.revoke(grant);
+        const auto bus = reachPolkit();
+        for (const auto& grant : authorization->temporaryGrants) {
+            const auto call = callToPolkit(bus.get(), "RevokeTemporaryAuthorizationById");
+            sd_bus_message_append(call.get(), "s", grant.c_str());
+            callPolkit(bus.get(), call);
+        }
     }
     return kAuthorizationSuccess;
 } catch (const std::exception&) {

@@ -11,9 +11,9 @@ namespace quorel {
 /// not to be shared between threads.
 class PolkitAuthorization : public Authorization {
 public:
-    /// Reaches polkit, which the bus may have to start; a silent one fails after a few seconds.
+    /// Reaches polkit, which the bus may have to start: a hung bus fails after a second, a silent polkit after five.
     AuthorizationStatus AuthorizationCreate(AuthorizationFlags flags, AuthorizationRef& authorization) override;
-    /// Without interaction answers within a few seconds; with it, refuses after five minutes without an answer.
+    /// Likewise. With interaction, refuses after five minutes without an answer, once polkit was reached.
     AuthorizationStatus AuthorizationCopyRights(AuthorizationRef authorization,
                                                 std::span<const AuthorizationItem> rights,
                                                 AuthorizationFlags flags) override;

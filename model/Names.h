@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace quorel {
@@ -16,6 +17,9 @@ inline constexpr const char* kModifyPreferencesAction = "com.quorel.modify-prefe
 
 /// What travels between the product's programs; docs/protocol.md tells the whole of it.
 namespace wire {
+
+/// The most that a notification carries: some 2,500 Schedules.
+inline constexpr std::size_t kMaximumUserInfoBytes = std::size_t{2} * 1024 * 1024;
 
 inline constexpr const char* kPath = "/com/quorel/Communication";
 inline constexpr const char* kInterface = "com.quorel.Communication1";

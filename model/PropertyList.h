@@ -16,8 +16,8 @@ inline constexpr int kMaximumPropertyListDepth = 64;
 /// XML or binary, within the limits; absent otherwise. Any thread, never throws.
 Value decodePropertyList(std::string_view bytes);
 
-/// XML. Nothing when the value is absent, holds something absent, passes the limits, or holds a text that XML
-/// cannot carry or a date outside the years 1 to 9999. Dates are written in whole seconds. Any thread.
-std::optional<std::string> encodePropertyList(const Value& value);
+/// XML. Nothing when the value is absent, holds something absent, passes the depth or `maximumBytes`, or holds a text
+/// that XML cannot carry or a date outside the years 1 to 9999. Dates are written in whole seconds. Any thread.
+std::optional<std::string> encodePropertyList(const Value& value, std::size_t maximumBytes = kMaximumPropertyListBytes);
 
 }  // namespace quorel

@@ -17,18 +17,20 @@ constexpr std::string_view kEnd = "</plist>\n";
 
 class XmlWriter {
 public:
+    explicit XmlWriter(std::size_t maximumBytes) : _maximumBytes(maximumBytes) {}
+
     std::optional<std::string> write(const Value& value) {
         _xml = kBegin;
         if (!put(value, 0)) return {};
         _xml += kEnd;
-        if (_xml.size() > kMaximumPropertyListBytes) return {};
+        if (_xml.size() > _maximumBytes) return {};
         return std::move(_xml);
     }
 
 private:
     /// `depth`: how many containers it stands in.
     bool put(const Value& value, int depth) {
-        if (_xml.size() > kMaximumPropertyListBytes) return false;
+        if (_xml.size() > _maximumBytes) return false;
         if (value.isArray()) return putArray(value.array(), depth);
         if (value.isDictionary()) return putDictionary(value.dictionary(), depth);
         if (value.isText()) return putText("string", value.text(), depth);
@@ -126,13 +128,14 @@ private:
         return text;
     }
 
+    const std::size_t _maximumBytes;
     std::string _xml;
 };
 
 }  // namespace
 
-std::optional<std::string> encodePropertyList(const Value& value) {
-    return XmlWriter().write(value);
+std::optional<std::string> encodePropertyList(const Value& value, std::size_t maximumBytes) {
+    return XmlWriter(maximumBytes).write(value);
 }
 
 }  // namespace quorel

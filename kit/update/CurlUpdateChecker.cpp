@@ -35,6 +35,11 @@ std::size_t appendAnswer(char* bytes, std::size_t size, std::size_t count, void*
     return 0;
 }
 
+/// Asked about once a second.
+int isGivenUp(void* givenUp, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+    return *static_cast<const std::atomic<bool>*>(givenUp);
+}
+
 struct Answer {
     long status = 0;
     std::string body;
@@ -43,7 +48,7 @@ struct Answer {
 
 /// One request, no redirection followed. Nothing when the transfer failed.
 std::optional<Answer> request(const std::string& address, const CurlUpdateChecker::Settings& settings,
-                              milliseconds limit) {
+                              milliseconds limit, const std::atomic<bool>& givenUp) {
     const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(curl_easy_init(), curl_easy_cleanup);
     if (!curl || limit <= milliseconds::zero()) return {};
     Answer answer;
@@ -65,6 +70,10 @@ std::optional<Answer> request(const std::string& address, const CurlUpdateChecke
     if (!settings.caFile.empty()) set(CURLOPT_CAINFO, settings.caFile.c_str());
     // A proxy's "localhost" is another computer; for https the user's proxy settings hold.
     if (isLoopbackHttpAddress(address)) set(CURLOPT_PROXY, "");
+    set(CURLOPT_NOPROGRESS, 0L);
+    set(CURLOPT_XFERINFOFUNCTION, isGivenUp);
+    set(CURLOPT_XFERINFODATA, &givenUp);
+    set(CURLOPT_QUICK_EXIT, 1L);  // a look-up of the server's address that hangs is left to itself
     set(CURLOPT_WRITEFUNCTION, appendAnswer);
     set(CURLOPT_WRITEDATA, &answer.body);
     if (!ready || curl_easy_perform(curl.get()) != CURLE_OK) return {};
@@ -77,13 +86,13 @@ std::optional<Answer> request(const std::string& address, const CurlUpdateChecke
 }
 
 /// Redirections are followed here, not by the library, so that each address has to pass the same rules.
-std::optional<UpdateRecord> fetchRecord(const CurlUpdateChecker::Settings& settings) {
+std::optional<UpdateRecord> fetchRecord(const CurlUpdateChecker::Settings& settings, const std::atomic<bool>& givenUp) {
     const auto deadline = steady_clock::now() + settings.timeLimit;
     std::string address = settings.feed;
     for (int redirects = 0; redirects <= kMaximumRedirects; ++redirects) {
         if (!isFeedAddress(address)) return {};
         const auto left = std::chrono::duration_cast<milliseconds>(deadline - steady_clock::now());
-        auto answer = request(address, settings, left);
+        auto answer = request(address, settings, left, givenUp);
         if (!answer) return {};
         if (answer->redirect.empty()) {
             if (answer->status != 200) return {};
@@ -113,7 +122,7 @@ std::optional<std::string> CurlUpdateChecker::fullVersionString() const {
 
 bool CurlUpdateChecker::updateLatestVersionDictionary() try {
     if (!libraryIsReady()) return false;
-    auto record = fetchRecord(_settings);
+    auto record = fetchRecord(_settings, _givenUp);
     if (!record) return false;
     const std::lock_guard lock(_mutex);
     _record = std::move(record);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <mutex>
 #include <optional>
@@ -31,8 +32,12 @@ public:
     std::optional<std::string> latestVersion() const override;
     std::string latestVersionURL() const override;
 
+    /// From now on every check fails, those under way within a second. Any thread.
+    void giveUp() { _givenUp = true; }
+
 private:
     const Settings _settings;
+    std::atomic<bool> _givenUp = false;
     mutable std::mutex _mutex;
     std::optional<UpdateRecord> _record;
 };

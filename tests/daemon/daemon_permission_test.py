@@ -117,8 +117,10 @@ class PermissionTest(DaemonCase):
         nobody.process.kill()
         nobody.process.wait()
         wait_until(lambda: not self.system.owner(name), "the caller has left the bus")
+        self.assertEqual(read_line(agent), "cancelled")  # the dialog goes too
         agent.send_signal(signal.SIGUSR1)
-        wait_until(lambda: "are refused" in self.logged(), "the daemon has an answer")
+        self.assertIn("are dropped: the sender has gone", self.logged())
+        self.assertTrue(self.probe("ping")[0])
         self.assert_unchanged()
 
     def test_few_calls_of_a_user_wait(self):

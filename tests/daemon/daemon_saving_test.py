@@ -37,15 +37,15 @@ class SavingTest(DaemonCase):
     def test_refuses_and_names_the_fault(self):
         self.save(xml(PREFERENCES))
         before = self.identity()
-        large = preferences(Schedule_Array=[{"k": "x" * 1000}] * 20_000)
+        large = preferences(Schedule_Array=[{"k": "x" * 1000}] * 2_500)
         for payload, fault in (
                 (b"", "no property list"),
                 (b"junk", "no property list"),
                 (xml(PREFERENCES)[:-20], "no property list"),
                 (b"<plist>" + b"<array>" * 100_000, "no property list"),
-                (xml(large), "16 MiB"),
-                (plistlib.dumps(preferences(Schedule_Array=[{"k": "&" * 4_000_000}]), fmt=plistlib.FMT_BINARY),
-                 "16 MiB"),
+                (xml(large), "information is larger than 2 MiB"),
+                (plistlib.dumps(preferences(Schedule_Array=[{"k": "&" * 1_000_000}]), fmt=plistlib.FMT_BINARY),
+                 "file would be larger than 2 MiB"),
                 (xml([PREFERENCES]), "no dictionary"),
                 (xml(preferences(Prefs_Version=None)), '"Prefs Version" is missing'),
                 (xml(preferences(Extra=1)), '"Extra" is unknown'),

@@ -2,43 +2,45 @@
 // reached, and ends with its input. What becomes of a notification depends on its name:
 //   Accept, Refuse (with all that is known of it), Drop (no answer), Hold (none before the end), Late (after 1.5 s)
 
-#include <chrono>
+#include <sys/epoll.h>
+#include <unistd.h>
+
 #include <iostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "linux/BusEndpoint.h"
 
 using namespace quorel;
 
-int main(int, char** arguments) {
-    std::vector<BusAnswer> held;
-    std::vector<std::thread> late;
-    BusEndpoint::Options options;
-    options.bus = arguments[1] == std::string("system") ? Bus::System : Bus::Session;
-    options.name = arguments[2];
-    options.handler = [&](const BusNotification& notification, const BusAnswer& answer) {
+int main(int, char** arguments) try {
+    EventLoop loop;
+    std::vector<BusAnswer> held, late;
+    LoopTimer delay(loop, [&] {
+        late.back().accept();
+        late.back().refuse("com.quorel.Error.Test", "An answer that comes second");
+    });
+    const auto bus = connectTo(arguments[1] == std::string("system") ? Bus::System : Bus::Session, loop);
+    const BusEndpoint endpoint(bus.get(), [&](const BusNotification& notification, const BusAnswer& answer) {
         const auto& [name, object, userInfo, sender] = notification;
         if (name == "Accept") answer.accept();
         if (name == "Refuse")
-            answer.refuse("com.quorel.Error.Test", object + ' ' + std::to_string(userInfo.size()) + ' ' + sender);
+            answer.refuse("com.quorel.Error.Test",
+                          std::string(object) + ' ' + std::to_string(userInfo.size()) + ' ' + std::string(sender));
         if (name == "Hold") held.push_back(answer);
-        if (name == "Late")
-            late.emplace_back([answer] {
-                std::this_thread::sleep_for(std::chrono::milliseconds(1500));
-                answer.accept();
-                answer.refuse("com.quorel.Error.Test", "An answer that comes second");
-            });
-    };
-    std::string error;
-    {
-        const auto endpoint = BusEndpoint::open(std::move(options), error);
-        std::cout << (endpoint ? "ready" : error) << std::endl;
-        if (!endpoint) return 1;
-        for (std::string line; std::getline(std::cin, line);) {
+        if (name == "Late") {
+            late.push_back(answer);
+            delay.start(std::chrono::milliseconds(1500));
         }
-    }
-    // Answers outlive the endpoint here; they then go nowhere.
-    for (auto& thread : late) thread.join();
+    });
+    if (!requestName(bus.get(), arguments[2])) throw std::runtime_error("the name is taken");
+    std::cout << "ready" << std::endl;
+    const auto ended = [](sd_event_source* source, int, std::uint32_t, void*) {
+        return sd_event_exit(sd_event_source_get_event(source), 0);
+    };
+    sd_event_add_io(loop.get(), nullptr, STDIN_FILENO, EPOLLIN, ended, nullptr);
+    return loop.run();
+} catch (const std::exception& exception) {
+    std::cout << exception.what() << std::endl;
+    return 1;
 }

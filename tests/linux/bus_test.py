@@ -166,7 +166,10 @@ class BusTest(unittest.TestCase):
                 log = self.session.log("caller")[before:]
                 self.assertEqual(log[:len(logged)] if logged else log, logged)
         # Patient, since the bus itself takes a while to pass on what is large.
-        self.assertEqual(Caller(self.session, silence=20000)("post-daemon Accept 8000000")[0], 1)
+        patient = Caller(self.session, silence=20000)
+        self.assertEqual(patient("post-daemon Accept 2000000")[0], 1)
+        self.assertEqual(patient("post-daemon Accept 3000000")[0], 0)
+        self.assertIn("Accept was not sent: the user information takes more than 2 MiB.", self.session.log("caller"))
         self.assertEqual(caller("ping-daemon")[0], 1)
 
     def test_only_the_users_own_agent_counts(self):
@@ -217,13 +220,6 @@ class BusTest(unittest.TestCase):
         milliseconds = Caller(self.session)("open true")[1]
         self.assertLess(milliseconds, 2500)
         self.assertIn("No own end", self.session.log("caller"))
-
-    def test_the_name_of_a_program_is_taken_once(self):
-        self.start_buses()
-        self.start_receiver("session", AGENT)
-        second = self.session.start(RECEIVER, "session", AGENT)
-        self.assertIn("the name is refused", second.stdout.readline())
-        self.assertEqual(second.wait(10), 1)
 
     def test_threads_together(self):
         self.start_buses()

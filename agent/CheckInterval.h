@@ -8,14 +8,14 @@
 namespace quorel {
 
 /// Decides when the next periodic update check is due. Pure: time comes in as an argument. One thread.
-class CheckSchedule {
+class CheckInterval {
 public:
     using Time = std::chrono::sys_seconds;
 
     /// The preferences are read again, and a failed check is repeated, after this time.
     static constexpr std::chrono::seconds kLookInterval = std::chrono::hours(1);
 
-    explicit CheckSchedule(std::optional<Time> lastCheck) : _lastCheck(lastCheck) {}
+    explicit CheckInterval(std::optional<Time> lastCheck) : _lastCheck(lastCheck) {}
 
     /// Absent without a file: then the checks are on and daily, as the settings pane shows it.
     void setPreferences(const Value& preferences);

@@ -1,4 +1,4 @@
-#include "agent/CheckSchedule.h"
+#include "agent/CheckInterval.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono;
 using namespace std::chrono_literals;
-using Time = CheckSchedule::Time;
+using Time = CheckInterval::Time;
 
 constexpr Time kNow = sys_days(2026y / January / 31) + 9h;
 
@@ -20,7 +20,7 @@ Value preferences(Value on, Value frequency) {
     return Value(Dictionary{{preferences::kCheckUpdates, on}, {preferences::kCheckUpdatesFrequency, frequency}});
 }
 
-TEST(CheckSchedule, FollowsPreferencesAndLastCheck) {
+TEST(CheckInterval, FollowsPreferencesAndLastCheck) {
     const struct {
         const char* what;
         Value preferences;
@@ -43,7 +43,7 @@ TEST(CheckSchedule, FollowsPreferencesAndLastCheck) {
         {"clock set back since", preferences(1, 2), kNow + days(400), kNow},
     };
     for (const auto& [what, values, last, due] : cases) {
-        CheckSchedule schedule(last);
+        CheckInterval schedule(last);
         schedule.setPreferences(values);
         EXPECT_EQ(schedule.isDue(kNow), due && *due <= kNow) << what;
         if (!due) {
@@ -53,12 +53,12 @@ TEST(CheckSchedule, FollowsPreferencesAndLastCheck) {
             EXPECT_TRUE(schedule.isDue(*due)) << what;
             EXPECT_EQ(schedule.timeToNextLook(*due - 20min), 20min) << what;
         }
-        EXPECT_EQ(schedule.timeToNextLook(kNow), due && *due <= kNow ? 0s : CheckSchedule::kLookInterval) << what;
+        EXPECT_EQ(schedule.timeToNextLook(kNow), due && *due <= kNow ? 0s : CheckInterval::kLookInterval) << what;
     }
 }
 
-TEST(CheckSchedule, RepeatsAFailedCheckAfterAnHour) {
-    CheckSchedule schedule({});
+TEST(CheckInterval, RepeatsAFailedCheckAfterAnHour) {
+    CheckInterval schedule({});
     schedule.checkEnded(kNow, false);
     EXPECT_FALSE(schedule.isDue(kNow + 59min));
     EXPECT_EQ(schedule.timeToNextLook(kNow + 59min), 1min);

@@ -1,4 +1,4 @@
-#include "agent/CheckSchedule.h"
+#include "agent/CheckInterval.h"
 
 #include <algorithm>
 
@@ -20,7 +20,7 @@ sys_seconds monthAfter(sys_seconds time) {
 
 }  // namespace
 
-void CheckSchedule::setPreferences(const Value& preferences) {
+void CheckInterval::setPreferences(const Value& preferences) {
     _enabled = preferences.isAbsent() || preferences[preferences::kCheckUpdates].intValue() != 0;
     switch (preferences[preferences::kCheckUpdatesFrequency].intValue()) {
         case 1:
@@ -35,11 +35,11 @@ void CheckSchedule::setPreferences(const Value& preferences) {
     }
 }
 
-void CheckSchedule::checkEnded(Time now, bool succeeded) {
+void CheckInterval::checkEnded(Time now, bool succeeded) {
     (succeeded ? _lastCheck : _lastFailure) = now;
 }
 
-std::optional<CheckSchedule::Time> CheckSchedule::nextCheck(Time now) const {
+std::optional<CheckInterval::Time> CheckInterval::nextCheck(Time now) const {
     std::optional<Time> next;
     // A time ahead of now is of no use: the clock has been set back since.
     if (_lastCheck && *_lastCheck <= now) {
@@ -60,11 +60,11 @@ std::optional<CheckSchedule::Time> CheckSchedule::nextCheck(Time now) const {
     return next;
 }
 
-bool CheckSchedule::isDue(Time now) const {
+bool CheckInterval::isDue(Time now) const {
     return _enabled && nextCheck(now).value_or(now) <= now;
 }
 
-seconds CheckSchedule::timeToNextLook(Time now) const {
+seconds CheckInterval::timeToNextLook(Time now) const {
     if (!_enabled) return kLookInterval;
     return std::clamp(nextCheck(now).value_or(now) - now, seconds(0), kLookInterval);
 }

@@ -1,0 +1,95 @@
+#include "linux/EventLoop.h"
+
+#include <pthread.h>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <system_error>
+#include <utility>
+
+namespace quorel {
+
+namespace {
+
+void check(int result, const char* what) {
+    if (result < 0) throw std::system_error(-result, std::generic_category(), what);
+}
+
+}  // namespace
+
+EventLoop::EventLoop() {
+    sd_event* loop = nullptr;
+    check(sd_event_new(&loop), "no event loop");
+    _loop.reset(loop);
+}
+
+void EventLoop::endOn(std::initializer_list<int> signals) {
+    sigset_t ends;
+    sigemptyset(&ends);
+    for (const int signal : signals) sigaddset(&ends, signal);
+    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    // Without a handler of its own, a signal ends the loop with status 0.
+    for (const int signal : signals)
+        check(sd_event_add_signal(_loop.get(), nullptr, signal, nullptr, nullptr), "no signal");
+}
+
+int EventLoop::run() {
+    const int status = sd_event_loop(_loop.get());
+    return status < 0 ? 1 : status;
+}
+
+void EventLoop::end(int status) {
+    sd_event_exit(_loop.get(), status);
+}
+
+LoopTimer::LoopTimer(EventLoop& loop, std::function<void()> due) : _due(std::move(due)) {
+    const auto called = [](sd_event_source*, std::uint64_t, void* self) {
+        static_cast<LoopTimer*>(self)->_due();
+        return 0;
+    };
+    sd_event_source* source = nullptr;
+    check(sd_event_add_time(loop.get(), &source, CLOCK_BOOTTIME, 0, 1, called, this), "no timer");
+    _source.reset(source);
+    sd_event_source_set_enabled(source, SD_EVENT_OFF);
+}
+
+void LoopTimer::start(std::chrono::microseconds after) {
+    const auto delay = std::max<std::chrono::microseconds::rep>(after.count(), 0);
+    sd_event_source_set_time_relative(_source.get(), static_cast<std::uint64_t>(delay));
+    sd_event_source_set_enabled(_source.get(), SD_EVENT_ONESHOT);
+}
+
+bool LoopTimer::isRunning() const {
+    return sd_event_source_get_enabled(_source.get(), nullptr) > 0;
+}
+
+Wakeup::Wakeup(EventLoop& loop, std::function<void()> woken)
+    : _woken(std::move(woken)), _file(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    check(_file < 0 ? -errno : 0, "no wake-up call");
+    const auto called = [](sd_event_source*, int file, std::uint32_t, void* self) {
+        std::uint64_t count;
+        [[maybe_unused]] const auto size = read(file, &count, sizeof count);
+        static_cast<Wakeup*>(self)->_woken();
+        return 0;
+    };
+    sd_event_source* source = nullptr;
+    check(sd_event_add_io(loop.get(), &source, _file, EPOLLIN, called, this), "no wake-up call");
+    _source.reset(source);
+}
+
+Wakeup::~Wakeup() {
+    _source.reset();
+    close(_file);
+}
+
+void Wakeup::wake() const {
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto size = write(_file, &one, sizeof one);
+}
+
+}  // namespace quorel

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <systemd/sd-event.h>
+
+#include <chrono>
+#include <ctime>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+
+namespace quorel {
+
+using EventSource = std::unique_ptr<sd_event_source, decltype(&sd_event_source_disable_unref)>;
+
+/// What a program waits on: its bus, timers, signals, children. Everything is called on the thread that runs the loop,
+/// one at a time, and must return soon. Whatever watches the loop must go before it does. Constructors here throw
+/// std::system_error. sd-event's own functions serve for what has no class here (`get`).
+class EventLoop {
+public:
+    EventLoop();
+
+    sd_event* get() const { return _loop.get(); }
+    /// Such a signal ends the loop with status 0. Blocks the signals: call it before threads are started.
+    void endOn(std::initializer_list<int> signals);
+    /// Returns the status that `end` was given, or that a connection to a bus ends with when the bus goes.
+    int run();
+    void end(int status);
+
+private:
+    std::unique_ptr<sd_event, decltype(&sd_event_unref)> _loop{nullptr, sd_event_unref};
+};
+
+/// Calls once when its time has come. The clock goes on while the computer sleeps: what has become due meanwhile is
+/// called on awaking.
+class LoopTimer {
+public:
+    LoopTimer(EventLoop& loop, std::function<void()> due);
+    LoopTimer(const LoopTimer&) = delete;
+
+    /// A timer that runs begins anew.
+    void start(std::chrono::microseconds after);
+    bool isRunning() const;
+
+private:
+    const std::function<void()> _due;
+    EventSource _source{nullptr, sd_event_source_disable_unref};
+};
+
+/// How another thread gets something called on the loop's.
+class Wakeup {
+public:
+    Wakeup(EventLoop& loop, std::function<void()> woken);
+    ~Wakeup();
+    Wakeup(const Wakeup&) = delete;
+
+    /// Any thread. Several in a row may be followed by one call alone.
+    void wake() const;
+
+private:
+    const std::function<void()> _woken;
+    const int _file;
+    EventSource _source{nullptr, sd_event_source_disable_unref};
+};
+
+}  // namespace quorel
