@@ -32,19 +32,6 @@ void beginSheet(NSWindow *sheet, NSWindow *parent) {
 
 void endSheet(NSWindow *) {}
 
-// The framework knows only applications of its own kind, and complains when none of them takes the address. Which
-// browser the user prefers is known to the desktop.
-bool open(NSURL *address) {
-    NSWorkspace *workspace = [NSWorkspace sharedWorkspace];
-    if ([workspace getBestAppInRole:nil forScheme:[address scheme]]) return [workspace openURL:address];
-    @try {
-        [NSTask launchedTaskWithLaunchPath:@"/usr/bin/env" arguments:@[ @"xdg-open", [address absoluteString] ]];
-        return true;
-    } @catch (NSException *) {
-        return false;
-    }
-}
-
 #else
 
 void beginSheet(NSWindow *sheet, NSWindow *parent) {
@@ -53,10 +40,6 @@ void beginSheet(NSWindow *sheet, NSWindow *parent) {
 
 void endSheet(NSWindow *sheet) {
     [NSApp endSheet:sheet];
-}
-
-bool open(NSURL *address) {
-    return [[NSWorkspace sharedWorkspace] openURL:address];
 }
 
 #endif
@@ -97,11 +80,6 @@ int Application::runAlertPanel(std::string_view title, std::string_view message,
 
 void Application::beep() {
     NSBeep();
-}
-
-bool Workspace::openURL(std::string_view url) {
-    NSURL *address = [NSURL URLWithString:nsString(url)];
-    return address && open(address);
 }
 
 }  // namespace quorel::appkit

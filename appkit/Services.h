@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/Clock.h"
+#include "platform/Application.h"
 #include "platform/NotificationCenter.h"
-#include "platform/UserDefaults.h"
+#include "platform/System.h"
 
 namespace quorel::appkit {
 
@@ -11,7 +11,7 @@ namespace quorel::appkit {
 class UserDefaults : public quorel::UserDefaults {
 public:
     Value objectForKey(std::string_view key) const override;
-    void setObjectForKey(const Value& value, std::string_view key) override;
+    void setObjectForKey(const Value &value, std::string_view key) override;
     void removeObjectForKey(std::string_view key) override;
     void synchronize() override;
 };
@@ -19,13 +19,12 @@ public:
 class NotificationCenter : public quorel::NotificationCenter {
 public:
     void addObserver(std::string_view name, Observer observer) override;
-    void postNotification(const Notification& notification) override;
+    void postNotification(const Notification &notification) override;
 };
 
-class Clock : public quorel::Clock {
+class TimeFormat : public quorel::TimeFormat {
 public:
-    CalendarDate currentDate() const override;
-    std::string shortTimeString(const CalendarDate& date) const override;
+    std::string shortTimeString(const CalendarDate &date) const override;
 };
 
 }  // namespace quorel::appkit

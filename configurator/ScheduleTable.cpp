@@ -92,24 +92,14 @@ Value VXConfigurator::tableViewObjectValueForTableColumnRow(TableView&, const Ta
 }
 
 Value VXConfigurator::actionSummaryOf(const Value& schedule) {
-    static const Ref<DictionaryKeys> keys(
-        new DictionaryKeys({summary::kAction, summary::kName, summary::kStartup, summary::kTime, summary::kWakeUp}));
     auto* module = moduleOfType(schedule[schedule_keys::kActionType]);
     if (!module) return {};
     module->setParameters(schedule[schedule_keys::kActionParameters]);
-    Value name = module->pluginName().value_or(std::string());
-    Value action = module->actionString();
-    const Value& time = timeTextOf(schedule);
-    const bool startup = module->needsStartup();
-    const bool wakeUp = module->needsWakeUp();
-    std::vector<Value> values;
-    values.reserve(keys->size());
-    values.push_back(std::move(action));
-    values.push_back(std::move(name));
-    values.push_back(startup);
-    values.push_back(time);
-    values.push_back(wakeUp);
-    return Dictionary(keys, std::move(values));
+    return Dictionary{{summary::kName, module->pluginName().value_or(std::string())},
+                      {summary::kAction, module->actionString()},
+                      {summary::kTime, timeTextOf(schedule)},
+                      {summary::kStartup, module->needsStartup()},
+                      {summary::kWakeUp, module->needsWakeUp()}};
 }
 
 const Value& VXConfigurator::timeTextOf(const Value& schedule) {
@@ -117,7 +107,8 @@ const Value& VXConfigurator::timeTextOf(const Value& schedule) {
     const int minute = schedule[schedule_keys::kActionMinute].intValue();
     Value& text = _timeTexts[(std::int64_t{hour} << 32) | static_cast<std::uint32_t>(minute)];
     if (text.isAbsent()) {
-        text = _platform.clock.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
+        text =
+            _platform.timeFormat.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
     }
     return text;
 }

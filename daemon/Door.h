@@ -56,8 +56,8 @@ private:
     std::map<std::string, unsigned, std::less<>>
         _users;                       // of callers, who come again; a bus name is nobody else's later
     std::deque<std::string> _unread;  // whose list is to be read
-    Timer _reading;
-    Timer _tidying;
+    LoopTimer _reading;
+    LoopTimer _tidying;
     BusEndpoint _endpoint;
 };
 

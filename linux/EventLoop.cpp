@@ -47,9 +47,9 @@ void EventLoop::end(int status) {
     sd_event_exit(_loop.get(), status);
 }
 
-Timer::Timer(EventLoop& loop, std::function<void()> due, clockid_t clock) : _due(std::move(due)) {
+Timer::LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock) : _due(std::move(due)) {
     const auto called = [](sd_event_source*, std::uint64_t, void* self) {
-        static_cast<Timer*>(self)->_due();
+        static_cast<LoopTimer*>(self)->_due();
         return 0;
     };
     sd_event_source* source = nullptr;
@@ -58,13 +58,13 @@ Timer::Timer(EventLoop& loop, std::function<void()> due, clockid_t clock) : _due
     sd_event_source_set_enabled(source, SD_EVENT_OFF);
 }
 
-void Timer::start(std::chrono::microseconds after) {
+void LoopTimer::start(std::chrono::microseconds after) {
     const auto delay = std::max<std::chrono::microseconds::rep>(after.count(), 0);
     sd_event_source_set_time_relative(_source.get(), static_cast<std::uint64_t>(delay));
     sd_event_source_set_enabled(_source.get(), SD_EVENT_ONESHOT);
 }
 
-bool Timer::isRunning() const {
+bool LoopTimer::isRunning() const {
     return sd_event_source_get_enabled(_source.get(), nullptr) > 0;
 }
 

@@ -37,10 +37,10 @@ private:
 
 /// Calls once when its time has come. By CLOCK_BOOTTIME it goes on while the computer sleeps: what has become due
 /// meanwhile is called on awaking. By CLOCK_MONOTONIC it stands still.
-class Timer {
+class LoopTimer {
 public:
-    Timer(EventLoop& loop, std::function<void()> due, clockid_t clock = CLOCK_BOOTTIME);
-    Timer(const Timer&) = delete;
+    LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock = CLOCK_BOOTTIME);
+    LoopTimer(const LoopTimer&) = delete;
 
     /// A timer that runs begins anew.
     void start(std::chrono::microseconds after);

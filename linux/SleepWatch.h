@@ -35,7 +35,7 @@ private:
     InhibitorLock _lock;
     int _attempts = 0;
     BusSlot _lidCall;
-    Timer _lockTimer;
+    LoopTimer _lockTimer;
     BusSlot _sleepSignal;
     BusSlot _shutdownSignal;
     BusSlot _ownerSignal;

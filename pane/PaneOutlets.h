@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "platform/Controls.h"
-#include "platform/Window.h"
+#include "platform/View.h"
 
 namespace quorel {
 

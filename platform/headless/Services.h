@@ -5,11 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/Authorization.h"
-#include "platform/Clock.h"
+#include "platform/Application.h"
 #include "platform/NotificationCenter.h"
-#include "platform/PropertyListFiles.h"
-#include "platform/UserDefaults.h"
+#include "platform/System.h"
 
 namespace quorel::headless {
 
@@ -46,17 +44,23 @@ private:
     std::vector<std::pair<std::string, Observer>> _observers;
 };
 
-/// A clock that stands where it is put and writes times as "23:00".
+/// A clock that stands where it is put.
 class Clock : public quorel::Clock {
 public:
     CalendarDate currentDate() const override { return now; }
+
+    CalendarDate now{2024, 3, 15, 10, 20, 30};
+};
+
+/// Writes times as "23:00".
+class TimeFormat : public quorel::TimeFormat {
+public:
     std::string shortTimeString(const CalendarDate& date) const override {
         ++formats;
         const auto twoDigits = [](int number) { return std::string(number < 10 ? "0" : "") + std::to_string(number); };
         return twoDigits(date.hour) + ":" + twoDigits(date.minute);
     }
 
-    CalendarDate now{2024, 3, 15, 10, 20, 30};
     mutable int formats = 0;  ///< times written so far
 };
 

@@ -135,7 +135,7 @@ TEST_F(ScheduleTableTest, SummaryShowsTheModulesWordsForEachRow) {
         EXPECT_EQ(ui.table->valueAt(2, "Infos"), summary("WakeUp", "does 0", false, false));
         EXPECT_EQ(ui.table->valueAt(3, "Infos"), summary("WakeUp", "does 0", false, false));
     }
-    EXPECT_EQ(host.clock.formats, 1);
+    EXPECT_EQ(host.timeFormat.formats, 1);
     EXPECT_EQ(wakeUp->calls, (std::vector<std::string>{"loadNib", "setParameters none", "setParameters",
                                                        "setParameters none", "setParameters"}));
     configurator->unloadModules();
@@ -163,15 +163,15 @@ TEST_F(ScheduleTableTest, TimesAreWrittenOncePerHourAndMinute) {
     configurator->setScheduleArray(Value(list));
     int row = 0;
     for (const auto& [hour, minute, text, formats] : cases) {
-        const int before = host.clock.formats;
+        const int before = host.timeFormat.formats;
         EXPECT_EQ(ui.table->valueAt(row, "Infos")["Time"].text(), text) << row;
-        EXPECT_EQ(host.clock.formats - before, formats) << row;
+        EXPECT_EQ(host.timeFormat.formats - before, formats) << row;
         ++row;
     }
-    const int before = host.clock.formats;
+    const int before = host.timeFormat.formats;
     configurator->setScheduleArray(Value(list));
     ui.table->valueAt(0, "Infos");
-    EXPECT_EQ(host.clock.formats - before, 1) << "the style may have changed with a new list";
+    EXPECT_EQ(host.timeFormat.formats - before, 1) << "the style may have changed with a new list";
 }
 
 TEST_F(ScheduleTableTest, RowsThatAreGoneAnswerNothing) {

@@ -25,7 +25,7 @@ static int living = 0;
 
 /* A row with room around it, where nothing may be drawn. */
 @interface RowView : NSView {
-   @public
+@public
     NSCell *cell;
     BOOL flipped;
 }
@@ -47,7 +47,7 @@ static const NSRect kRow = {{20, 20}, {260, 28}};
 namespace {
 
 class ConfiguratorCell : public testing::Test {
-   protected:
+protected:
     static void SetUpTestSuite() { [NSApplication sharedApplication]; }
     ConfiguratorCell() { cell = [[VXConfiguratorCell alloc] initTextCell:@""]; }
     ~ConfiguratorCell() override {

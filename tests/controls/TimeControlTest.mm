@@ -15,7 +15,7 @@ static void countBeep(id, SEL) {
 
 /* Counts what arrives of the actions. */
 @interface Presses : NSObject {
-   @public
+@public
     int saved;
     int cancelled;
     VXTimeControl *control;
@@ -48,7 +48,7 @@ constexpr const char *kDown = "\uF701";
 
 /// A sheet in small: a field before the control, one behind it, the two buttons.
 class TimeControl : public testing::Test {
-   protected:
+protected:
     static void SetUpTestSuite() {
         [[NSApplication sharedApplication] finishLaunching];
         class_replaceMethod([GSCurrentServer() class], @selector(beep), reinterpret_cast<IMP>(countBeep), "v@:");

@@ -35,12 +35,12 @@ struct Expected {
 };
 
 class OneModule : public testing::Test {
-   protected:
+protected:
     static void SetUpTestSuite() { [NSApplication sharedApplication]; }
 };
 
 class ModuleContract : public OneModule, public testing::WithParamInterface<Expected> {
-   protected:
+protected:
     void SetUp() override {
         bundle = bundleAt(GetParam().path);
         Class moduleClass = classIn(bundle);
