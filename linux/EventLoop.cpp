@@ -47,7 +47,7 @@ void EventLoop::end(int status) {
     sd_event_exit(_loop.get(), status);
 }
 
-Timer::LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock) : _due(std::move(due)) {
+LoopTimer::LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock) : _due(std::move(due)) {
     const auto called = [](sd_event_source*, std::uint64_t, void* self) {
         static_cast<LoopTimer*>(self)->_due();
         return 0;
