@@ -37,9 +37,10 @@ const char* textOf(Verdict verdict) {
 
 }  // namespace
 
-Door::Door(EventLoop& loop, sd_bus* bus, std::string root)
+Door::Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored)
     : _bus(bus),
-      _store(std::move(root)),
+      _store(root),
+      _stored(std::move(stored)),
       _reading(loop, [this] { readNext(); }),
       _tidying(loop, [] { malloc_trim(0); }),
       _endpoint(bus, [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
@@ -108,6 +109,7 @@ void Door::store(Save& save, const Value& preferences) {
     const std::string reason = bytes ? _store.write(*bytes) : "Memory has run out";
     if (!reason.empty()) return refuse(save, wire::kStorageFailed, reason);
     accept(save, "are stored");
+    _stored(preferences);
 }
 
 void Door::accept(Save& save, const char* outcome) {

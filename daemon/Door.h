@@ -23,8 +23,9 @@ namespace quorel {
 /// person nothing is kept but its message.
 class Door {
 public:
-    /// The connection is served by the loop. Throws std::exception.
-    Door(EventLoop& loop, sd_bus* bus, std::string root);
+    using Stored = std::function<void(const Value& preferences)>;
+    /// The connection is served by the loop. `stored` is called after each save. Throws std::exception.
+    Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored);
 
 private:
     /// A save under way.
@@ -50,6 +51,7 @@ private:
 
     sd_bus* const _bus;
     const PreferencesStore _store;
+    const Stored _stored;
     std::map<std::string, Save, std::less<>> _saves;  // by the caller's bus name
     std::map<std::string, unsigned, std::less<>>
         _users;                       // of callers, who come again; a bus name is nobody else's later

@@ -34,8 +34,8 @@ private:
     sd_bus* const _bus;
     const std::string _name;
     std::function<void()> _gone;
-    std::unique_ptr<sd_bus_track, decltype(&sd_bus_track_unref)> _presence{nullptr, sd_bus_track_unref};
-    BusSlot _user{nullptr, sd_bus_slot_unref};
+    std::unique_ptr<sd_bus_track, Release<sd_bus_track_unref>> _presence;
+    BusSlot _user;
     std::optional<PolkitQuestion> _question;
 };
 

@@ -47,13 +47,13 @@ void EventLoop::end(int status) {
     sd_event_exit(_loop.get(), status);
 }
 
-LoopTimer::LoopTimer(EventLoop& loop, std::function<void()> due) : _due(std::move(due)) {
+LoopTimer::LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock) : _due(std::move(due)) {
     const auto called = [](sd_event_source*, std::uint64_t, void* self) {
         static_cast<LoopTimer*>(self)->_due();
         return 0;
     };
     sd_event_source* source = nullptr;
-    check(sd_event_add_time(loop.get(), &source, CLOCK_BOOTTIME, 0, 1, called, this), "no timer");
+    check(sd_event_add_time(loop.get(), &source, clock, 0, 1, called, this), "no timer");
     _source.reset(source);
     sd_event_source_set_enabled(source, SD_EVENT_OFF);
 }
@@ -68,18 +68,28 @@ bool LoopTimer::isRunning() const {
     return sd_event_source_get_enabled(_source.get(), nullptr) > 0;
 }
 
-Wakeup::Wakeup(EventLoop& loop, std::function<void()> woken)
-    : _woken(std::move(woken)), _file(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    check(_file < 0 ? -errno : 0, "no wake-up call");
-    const auto called = [](sd_event_source*, int file, std::uint32_t, void* self) {
-        std::uint64_t count;
-        [[maybe_unused]] const auto size = read(file, &count, sizeof count);
-        static_cast<Wakeup*>(self)->_woken();
+EventSource whenReadable(EventLoop& loop, int file, std::function<void()> readable) {
+    using Callback = std::function<void()>;
+    const auto called = [](sd_event_source*, int, std::uint32_t, void* callback) {
+        (*static_cast<Callback*>(callback))();
         return 0;
     };
+    auto callback = std::make_unique<Callback>(std::move(readable));
     sd_event_source* source = nullptr;
-    check(sd_event_add_io(loop.get(), &source, _file, EPOLLIN, called, this), "no wake-up call");
-    _source.reset(source);
+    check(sd_event_add_io(loop.get(), &source, file, EPOLLIN, called, callback.get()), "no file to watch");
+    // The loop keeps a source until it has been called, also one that lets itself go.
+    sd_event_source_set_destroy_callback(source, [](void* owned) { delete static_cast<Callback*>(owned); });
+    callback.release();
+    return EventSource(source);
+}
+
+Wakeup::Wakeup(EventLoop& loop, std::function<void()> woken) : _file(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    check(_file < 0 ? -errno : 0, "no wake-up call");
+    _source = whenReadable(loop, _file, [this, woken = std::move(woken)] {
+        std::uint64_t count;
+        [[maybe_unused]] const auto size = read(_file, &count, sizeof count);
+        woken();
+    });
 }
 
 Wakeup::~Wakeup() {
