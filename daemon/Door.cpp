@@ -108,8 +108,8 @@ void Door::store(Save& save, const Value& preferences) {
     const auto bytes = encodePropertyList(preferences, wire::kMaximumUserInfoBytes);
     const std::string reason = bytes ? _store.write(*bytes) : "Memory has run out";
     if (!reason.empty()) return refuse(save, wire::kStorageFailed, reason);
-    accept(save, "are stored");
     _stored(preferences);
+    accept(save, "are stored");
 }
 
 void Door::accept(Save& save, const char* outcome) {

@@ -24,7 +24,7 @@ namespace quorel {
 class Door {
 public:
     using Stored = std::function<void(const Value& preferences)>;
-    /// The connection is served by the loop. `stored` is called after each save. Throws std::exception.
+    /// The connection is served by the loop. `stored` is called before a save is answered. Throws std::exception.
     Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored);
 
 private:

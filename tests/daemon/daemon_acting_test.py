@@ -100,7 +100,10 @@ class ActingTest(DaemonCase):
     # What there is to see.
 
     def wait_for(self, condition, what):
-        return wait_until(condition, f"{what}; the log: {self.logged()}", 20)
+        try:
+            return wait_until(condition, what, 20)
+        except RuntimeError as error:
+            raise AssertionError(f"{error}; the log: {self.logged()}") from None
 
     def state(self):
         with open(self.state_file, "rb") as file:
@@ -115,6 +118,9 @@ class ActingTest(DaemonCase):
     def reach(self, time, step):
         self.move_to(time)
         self.wait_for(lambda: self.steps() == [step], f"{step} at {time}")
+
+    def hear(self, words):
+        self.wait_for(lambda: words in self.logged(), words)
 
     def last(self, code, **arguments):
         """Waits for this outcome to be the last."""
@@ -137,7 +143,7 @@ class ActingTest(DaemonCase):
         self.last("slept", Until=instant("23:16"))
         self.assertEqual(self.calls("Suspend"), ["Suspend 1"])
         self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "the lock is taken again")
-        self.assertIn("Sleep of 2027-03-01 23:15: slept until 2027-03-01 23:16.", self.logged())
+        self.hear("Sleep of 2027-03-01 23:15: slept until 2027-03-01 23:16.")
 
     def test_sleeps_without_a_word_of_the_end(self):
         self.begin(schedule(SLEEP, "23:15"), comes_back=False)
@@ -170,7 +176,7 @@ class ActingTest(DaemonCase):
             self.reach("23:14", "waiting")
             self.move_to("23:46")
             self.last("gave-up", Hold="inhibitor", Who="Upgrades")
-            self.assertIn("not put to sleep: Upgrades: installing\ufffd[31m (waited 31 minutes)", self.logged())
+            self.hear("not put to sleep: Upgrades: installing\ufffd[31m (waited 31 minutes)")
 
     def test_takes_no_for_an_answer(self):
         for script, times, outcome, arguments in (
@@ -213,7 +219,7 @@ class ActingTest(DaemonCase):
                 self.move_to("23:15")
                 self.last("shut-down")
                 self.assertEqual(self.calls(call), [f"{call} 1"])
-                self.assertIn(words, self.logged())
+                self.hear(words)
 
     def test_arms_the_hardware_clock(self):
         os.makedirs(self.rtc)
@@ -247,6 +253,7 @@ class ActingTest(DaemonCase):
         with open(self.state_file, "wb") as file:
             file.write(b"damage")
         self.start_daemon()
+        self.hear("The stored state cannot be read")
         self.last("state-lost")
 
 
