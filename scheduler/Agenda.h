@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "scheduler/Calendar.h"
@@ -31,7 +33,13 @@ private:
         std::shared_ptr<const ScheduleReading> schedule;
         std::array<unsigned, 7> numbers;  ///< its number among equals, by weekday
     };
-    void collectDay(LocalDate date, const Wanted& wanted, std::vector<Occurrence>& into) const;
+    struct Hit {
+        Instant due;
+        std::size_t entry;
+        unsigned weekday;
+    };
+    void collectDay(LocalDate date, const Wanted& wanted, std::vector<Hit>& into) const;
+    Occurrence occurrence(const Hit& hit) const;
 
     const Calendar& _calendar;
     std::vector<Entry> _entries;

@@ -20,6 +20,8 @@ struct Now {
     std::int64_t boot = 0;   ///< CLOCK_BOOTTIME: goes on while the computer sleeps
     std::int64_t awake = 0;  ///< CLOCK_MONOTONIC: stands still while it sleeps
 
+    /// Time spent asleep since boot, in milliseconds.
+    std::int64_t asleep() const { return boot - awake; }
     Instant instant() const { return wall >= 0 ? wall / 1000 : (wall - 999) / 1000; }
 };
 

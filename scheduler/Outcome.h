@@ -31,6 +31,8 @@ inline constexpr std::string_view kStarted = "started";             ///< was off
 inline constexpr std::string_view kAwakeAlready = "awake-already";  ///< kept awake for ten minutes
 inline constexpr std::string_view kRan = "ran";                     ///< Seconds; MadeUp: flag, it came later
 inline constexpr std::string_view kFailed = "failed";               ///< Seconds; Status; Reason: text, or empty
+inline constexpr std::string_view kTimedOut = "timed-out";          ///< Seconds: ended at its limit
+inline constexpr std::string_view kNotStarted = "not-started";      ///< Reason: text
 inline constexpr std::string_view kUnknown = "unknown";             ///< begun; how it ended is not known
 
 // Not carried out.
@@ -40,8 +42,8 @@ inline constexpr std::string_view kSameMinute = "same-minute";          ///< ano
 inline constexpr std::string_view kWakesThen = "wakes-then";            ///< a sleep in the minute of a wake-up
 inline constexpr std::string_view kWithdrawn = "withdrawn";             ///< its Schedule is no more
 inline constexpr std::string_view kGaveUp = "gave-up";                  ///< Hold, Who, Why, Minutes: see `Hold`
-inline constexpr std::string_view kOvertaken = "overtaken";             ///< By: "sleep", "down", "next", "wake-up"
-inline constexpr std::string_view kRefused = "refused";                 ///< Reason: text; asked twice
+inline constexpr std::string_view kOvertaken = "overtaken";             ///< By: see below
+inline constexpr std::string_view kRefused = "refused";                 ///< Reason: see below, or text; asked twice
 inline constexpr std::string_view kLidClosed = "lid-closed";            ///< not woken: closed and on battery
 inline constexpr std::string_view kClockCorrected = "clock-corrected";  ///< open when the clock was corrected
 
@@ -58,6 +60,16 @@ inline constexpr std::string_view kCauseAsleep = "asleep";
 inline constexpr std::string_view kCauseDaemon = "daemon";  ///< it was not running
 inline constexpr std::string_view kCauseClock = "clock";    ///< set on past it
 inline constexpr std::string_view kCauseLate = "late";      ///< none of these: the computer hung
+
+// Values of By in "overtaken".
+inline constexpr std::string_view kSleep = "sleep";  ///< the computer went to sleep by itself
+inline constexpr std::string_view kDown = "down";    ///< it went down by itself
+inline constexpr std::string_view kNext = "next";    ///< the next sleep, shut-down or wake-up came
+inline constexpr std::string_view kOther = "other";  ///< one was under way
+
+// Values of Reason in "refused", and of Why in "gave-up" for kHoldUnknown, where the system gave none.
+inline constexpr std::string_view kNoAnswer = "no-answer";
+inline constexpr std::string_view kStayedAwake = "stayed-awake";  ///< it said yes and did not sleep
 
 // Values of Hold: what it waited for, with Who and Why.
 inline constexpr std::string_view kHoldInhibitor = "inhibitor";

@@ -54,6 +54,7 @@ public:
     PowerCourse(Instant at, Seconds idle, bool quiet = false) : _at(at), _idle(idle), _quiet(quiet) {}
 
     Step step() const { return _step; }
+    /// When it will happen, as far as is known.
     Instant at() const { return _step == Step::kWarned ? _next : _at; }
     Instant next() const { return _next; }
     const Hold& hold() const { return _hold; }
@@ -69,6 +70,8 @@ public:
     /// The computer is awake again, or was not seen to go.
     Move awake(Instant now, bool slept);
     Move used(Instant now, const std::string& who);
+    /// Something else takes its place.
+    Move giveUp(Instant now) const;
     void clockMoved(Seconds by);
 
 private:
@@ -83,7 +86,8 @@ private:
     Instant _next = 0;
     bool _asked = false;        ///< a look is under way
     Instant _waitingSince = 0;  ///< 0: has not waited
-    Instant _heldSince = 0;     ///< by what holds it now
+    Instant _heldSince = 0;     ///< by use, or by all else
+    bool _heldByUse = false;
     Hold _hold;
     int _refusals = 0;
 };

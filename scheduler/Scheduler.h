@@ -2,9 +2,12 @@
 
 #include <deque>
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "scheduler/Agenda.h"
@@ -86,6 +89,105 @@ public:
     std::optional<Instant> armedStartup() const;
 
 private:
+    // An event is taken to its end: first what it changes, then what has become due, then the state is stored, and only
+    // then the world hears of it.
+    void take(Now now, std::function<void()> event);
+    void observeClocks(Now now);
+    void settle();
+    void commit();
+    void act(std::function<void()> effect) { _effects.push_back(std::move(effect)); }
+    void tell(std::string_view code, const Occurrence* occurrence, Dictionary arguments = {});
+
+    Instant now() const { return _now.instant(); }
+    Instant bootInstant() const { return (_now.wall - _now.boot) / 1000; }
+    bool isLate(Instant due) const;
+
+    // The clocks and sleep.
+    void clockSet(Seconds by);
+    void correct(Seconds by);
+    void afterSleep(bool lidClosed);
+    void moveBack(const PowerCourse::Move& move);
+
+    // What is planned.
+    void takeList(const Value& list);
+    void planAnew();
+    void takeUp();
+    void takeUpMinute();
+    void takeUpMissed();
+    void makeUp(OpenOccurrence& open);
+    void reportMissed(const Occurrence& last, std::int64_t count);
+    std::string_view causeOf(Instant due) const;
+    void arm();
+    std::optional<Instant> earliest(bool ScheduleReading::*flag,
+                                    const std::function<Instant(const ScheduleReading&, Instant)>& alarm) const;
+    std::optional<Instant> wakeWanted() const;
+    std::optional<Instant> startupWanted() const;
+
+    // What is open.
+    OpenOccurrence& open(const Occurrence& occurrence, Instant at);
+    OpenOccurrence* find(const Occurrence& occurrence);
+    bool isOpen(const Occurrence& occurrence) const;
+    OpenOccurrence* asking(Ticket ticket);
+    OpenOccurrence* named(std::string_view token);
+    void remove(const OpenOccurrence& open);
+    void finish(OpenOccurrence& open, std::string_view code, Dictionary arguments = {});
+    std::optional<Instant> nextOf(const OpenOccurrence& open) const;
+    void reachAll();
+    void reach(OpenOccurrence& open);
+    void missed(OpenOccurrence& open);
+    void run(OpenOccurrence& open);
+    void wakeUp(const Occurrence& one);
+    void beginCourse(OpenOccurrence& open);
+    void giveUpFor(const OpenOccurrence* newcomer);
+    void move(OpenOccurrence& open, const PowerCourse::Move& move);
+    void endCourses(std::string_view cause);
+    void awakeCourses(bool slept);
+    void reportLid();
+    std::string runningAction() const;
+    void withdraw();
+    void moveOpen(Seconds by);
+    void endOpen(Seconds by);
+
+    // What outlives the program.
+    StoredState state() const;
+    void restore(const StoredState& state);
+    void goOn(OpenOccurrence& open, Instant waitingSince, bool undisturbed);
+
+    World _world;
+    std::optional<Agenda> _agenda;
+    std::vector<ScheduleFault> _faults;
+    Instant _watermark = 0;         ///< everything up to here has been taken up
+    std::vector<Occurrence> _next;  ///< those of the first minute after it
+    std::list<OpenOccurrence> _open;
+    Array _outcomes;
+    std::string _bootId;
+
+    Now _now;
+    std::int64_t _offset = 0;  ///< wall clock ahead of boot clock, in milliseconds
+    Seconds _setBy = 0;        ///< the clock, since things were last settled
+    bool _slept = false;       ///< the computer, since then
+    bool _starting = false;
+    std::int64_t _sleptSeen = 0;                ///< time asleep that afterSleep has dealt with, in milliseconds
+    std::optional<std::int64_t> _dormant;       ///< clock behind: nothing runs up to here on the boot clock
+    std::optional<std::int64_t> _goingToSleep;  ///< since then on the awake clock
+    bool _lidClosed = false;
+    Instant _wokenAt = 0;     ///< by our alarm, last
+    Instant _awakeUntil = 0;  ///< the ten minutes after a wake-up
+    bool _keepsAwake = false;
+    std::optional<PowerCourse> _back;  ///< to sleep, where it was woken for nothing
+    Instant _backAt = 0;
+    Ticket _backTicket = 0;
+
+    std::optional<Instant> _wakeAlarm;
+    std::optional<Instant> _startupAlarm;
+    bool _wakeIsStone = false;  ///< a stepping stone: nothing is due then
+    bool _rewrite = false;      ///< alarms are to be written again
+
+    Ticket _lastTicket = 0;
+    bool _changed = false;
+    std::vector<std::function<void()>> _effects;
+    std::deque<std::pair<Now, std::function<void()>>> _inbox;
+    bool _working = false;
 };
 
 }  // namespace quorel

@@ -19,9 +19,10 @@ struct OpenOccurrence {
     bool madeUp = false;
     std::optional<PowerCourse> course = {};  ///< of a sleep or shut-down whose time has come
     Ticket ticket = 0;                       ///< of the course's last question
-    std::int64_t sleptBefore = 0;            ///< time spent asleep, in milliseconds, when the system was asked
+    std::int64_t asleepBefore = 0;           ///< time spent asleep, in milliseconds, when the system was asked
 
-    Step present() const { return course ? course->step() : step; }
+    /// What it goes by outside: its time is part of it once it has been moved.
+    std::string token() const;
 };
 
 /// What outlives the program.
@@ -49,5 +50,11 @@ struct StoredState {
     /// Nothing where the value is no state that this version understands.
     static std::optional<StoredState> from(const Value& value);
 };
+
+/// As it is stored and sent: "planned", "skipped", "done", "postponed", "make-up", "running", "looking", "waiting",
+/// "warned", "checking", "acting".
+std::string_view nameOf(Step step);
+/// Adds one to the last 500.
+void keepOutcome(Array& outcomes, Value outcome);
 
 }  // namespace quorel
