@@ -71,7 +71,7 @@ void Scheduler::start(Now now, const Value& list, const Value& stored, const std
         takeList(list);
         const std::optional<StoredState> state = StoredState::from(stored);
         _watermark = state ? state->watermark : this->now();
-        _changed = true;
+        _changed = _rewrite = true;
         if (!state && stored.isPresent()) tell(outcome::kStateLost, nullptr);
         if (state) {
             if (_watermark - this->now() >= rules::kCorrection) {

@@ -82,11 +82,12 @@ public:
     /// What is open and what comes next, by time; at most `most`.
     std::vector<Upcoming> upcoming(std::size_t most) const;
     /// The last 500, as Outcome::value has them, oldest first.
-    const Array& outcomes() const;
+    const Array& outcomes() const { return _outcomes; }
     /// Schedules of the list that never run.
-    const std::vector<ScheduleFault>& faults() const;
-    std::optional<Instant> armedWake() const;
-    std::optional<Instant> armedStartup() const;
+    const std::vector<ScheduleFault>& faults() const { return _faults; }
+    /// The alarms as they were set last.
+    std::optional<Instant> armedWake() const { return _wakeAlarm; }
+    std::optional<Instant> armedStartup() const { return _startupAlarm; }
 
 private:
     // An event is taken to its end: first what it changes, then what has become due, then the state is stored, and only

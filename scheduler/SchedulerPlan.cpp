@@ -142,7 +142,7 @@ void Scheduler::arm() {
     const bool keep = stone && _wakeIsStone && _wakeAlarm && *_wakeAlarm > now() && !_rewrite;
     const std::optional<Instant> wake = keep ? _wakeAlarm : stone ? std::optional(reach) : wanted;
     _wakeIsStone = stone;
-    if (wake != _wakeAlarm) act([this, wake] { _world.alarms.armWake(wake); });
+    if (wake != _wakeAlarm || _rewrite) act([this, wake] { _world.alarms.armWake(wake); });
     _wakeAlarm = wake;
 
     const std::optional<Instant> startup = _dormant || asleep ? std::nullopt : startupWanted();

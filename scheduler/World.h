@@ -60,10 +60,10 @@ public:
     virtual ~Alarms() = default;
     /// Whether a wake alarm further ahead than 23 hours can be set. Constant.
     virtual bool reachFar() const = 0;
-    /// The one alarm that wakes from sleep; none takes it away. Always in the future.
-    virtual void armWake(std::optional<Instant> at) = 0;
-    /// The one alarm that starts the computer from off. The same may come again: it is to be written again.
-    virtual void armStartup(std::optional<Instant> at) = 0;
+    /// Both: the one alarm there is; none takes it away. Always in the future. The same may come again: it is to be
+    /// written again, since the clock or the system's own programs may have changed it.
+    virtual void armWake(std::optional<Instant> at) = 0;     ///< from sleep
+    virtual void armStartup(std::optional<Instant> at) = 0;  ///< from off
 };
 
 /// What is known of an action's module.
