@@ -72,13 +72,14 @@ void NotificationCenter::postNotification(const Notification &notification) {
                     userInfo:objectFromValue(notification.userInfo)];
 }
 
+TimeFormat::TimeFormat() {
+    // The defaults hold the user's locale and formats. They change for other reasons too, which costs a few texts.
+    NotificationCenter().addObserver(stdString(NSUserDefaultsDidChangeNotification),
+                                     [this](const Notification &) { ++_style; });
+}
+
 std::string TimeFormat::shortTimeString(const CalendarDate &date) const {
-    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
-    [formatter setTimeZone:wallClockZone()];
-    [formatter setDateStyle:NSDateFormatterNoStyle];
-    [formatter setTimeStyle:NSDateFormatterShortStyle];
-    return stdString([formatter stringFromDate:dateFromCalendarDate(date)]);
+    return stdString([timeFormatter() stringFromDate:dateFromCalendarDate(date)]);
 }
 
 }  // namespace quorel::appkit

@@ -52,15 +52,17 @@ public:
     CalendarDate now{2024, 3, 15, 10, 20, 30};
 };
 
-/// Writes times as "23:00".
+/// Writes times as "23:00", or with another separator.
 class TimeFormat : public quorel::TimeFormat {
 public:
     std::string shortTimeString(const CalendarDate& date) const override {
         ++formats;
         const auto twoDigits = [](int number) { return std::string(number < 10 ? "0" : "") + std::to_string(number); };
-        return twoDigits(date.hour) + ":" + twoDigits(date.minute);
+        return twoDigits(date.hour) + separator + twoDigits(date.minute);
     }
+    int style() const override { return separator; }
 
+    char separator = ':';
     mutable int formats = 0;  ///< times written so far
 };
 
