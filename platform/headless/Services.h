@@ -17,12 +17,16 @@ public:
         const auto found = values.find(std::string(key));
         return found == values.end() ? Value() : found->second;
     }
-    void setObjectForKey(const Value& value, std::string_view key) override { values[std::string(key)] = value; }
+    void setObjectForKey(const Value& value, std::string_view key) override {
+        values[std::string(key)] = value;
+        ++writes;
+    }
     void removeObjectForKey(std::string_view key) override { values.erase(std::string(key)); }
     void synchronize() override { onDisk = values; }
 
     std::map<std::string, Value> values;
     std::map<std::string, Value> onDisk;  ///< what a later launch would find
+    int writes = 0;
 };
 
 class NotificationCenter : public quorel::NotificationCenter {
