@@ -19,9 +19,9 @@ NSWindow *nativeWindowOf(quorel::Window *window) {
 constexpr CGFloat kTitleBarHeight = 22;
 
 // The framework's sheets do not fit here: its beginSheet runs a modal loop of its own, its endSheet ends one more. So a
-// sheet is a window that is placed by hand, as elsewhere the framework sees to: in the middle of its parent, hanging from
-// the title bar, and never beyond the screen's edges. One that is begun without a window belongs to the main one all the
-// same; where there is none either it lies in the middle of the screen.
+// sheet is a window that is placed by hand, as elsewhere the framework sees to: in the middle of its parent, hanging
+// from the title bar, and never beyond the screen's edges. One that is begun without a window belongs to the main one
+// all the same; where there is none either it lies in the middle of the screen.
 void beginSheet(NSWindow *sheet, NSWindow *parent) {
     if (!parent) parent = [NSApp mainWindow];
     if (!parent) [sheet center];

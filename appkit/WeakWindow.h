@@ -9,7 +9,7 @@ namespace quorel::appkit {
 /// Names a window without keeping it, and nothing once it is gone. The runtime here has no weak references: an empty
 /// view inside the window tells when it goes. Main thread.
 class WeakWindow {
-   public:
+public:
     WeakWindow() = default;
     WeakWindow(const WeakWindow &) = delete;
     WeakWindow &operator=(const WeakWindow &) = delete;
@@ -17,7 +17,7 @@ class WeakWindow {
     NSWindow *get() const { return _window; }
     void set(NSWindow *window);
 
-   private:
+private:
     NSWindow *_window = nil;
     VXWindowWitness *_witness = nil;
 };

@@ -1,7 +1,7 @@
 #import "appkit/WeakWindow.h"
 
 @interface VXWindowWitness : NSView {
-   @public
+@public
     NSWindow **place;
 }
 @end

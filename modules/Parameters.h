@@ -1,6 +1,6 @@
 /*
- * What both modules do alike: reading their parameters, which come out of a file, so that anything may stand under a key,
- * and looking up their texts. Functions only: two bundles in one process cannot share a class.
+ * What both modules do alike: reading their parameters, which come out of a file, so that anything may stand under a
+ * key, and looking up their texts. Functions only: two bundles in one process cannot share a class.
  */
 #import <Foundation/Foundation.h>
 

@@ -51,9 +51,10 @@ static const int kDefaultIdleMinutes = 15;
 
 - (void)loadNib {
     if (_setupView) return;
-    _setupView = [[VXSleepOptionsView alloc] initWithCheckBoxTitle:VXLocalized(@"Seulement apres une inactivite de", self)
-                                                              unit:VXLocalized(@"minutes", self)
-                                                           toolTip:VXLocalized(@"Duree d'inactivite", self)];
+    _setupView =
+        [[VXSleepOptionsView alloc] initWithCheckBoxTitle:VXLocalized(@"Seulement apres une inactivite de", self)
+                                                     unit:VXLocalized(@"minutes", self)
+                                                  toolTip:VXLocalized(@"Duree d'inactivite", self)];
     [self fillSetupInterfaceFromParameters];
 }
 

@@ -66,7 +66,8 @@ TEST_F(ScheduleListTest, DropsSchedulesWithoutModule) {
         const int reloads = ui.table->reloads;
         configurator->setScheduleArray(Value(list));
         EXPECT_EQ(tags(), left);
-        EXPECT_EQ(configurator->scheduleArray().size(), std::string_view(left).size()) << "seeded only when handed none";
+        EXPECT_EQ(configurator->scheduleArray().size(), std::string_view(left).size())
+            << "seeded only when handed none";
         EXPECT_EQ(ui.table->reloads, reloads + 1);
     }
     EXPECT_EQ(posted(), 0u);

@@ -80,8 +80,7 @@ TEST_F(ScheduleTableTest, ToggleFlipsWhatIsStored) {
     startWithModules();
     struct {
         Value stored, after;
-    } const cases[] = {
-        {{}, 1}, {0, 1}, {1, 0}, {true, 0}, {"1", 0}, {2, 2}, {"2", "2"}, {-1, -1}, {Array{1}, 1}};
+    } const cases[] = {{{}, 1}, {0, 1}, {1, 0}, {true, 0}, {"1", 0}, {2, 2}, {"2", "2"}, {-1, -1}, {Array{1}, 1}};
     for (const auto& column : kCheckBoxColumns) {
         for (const auto& [stored, after] : cases) {
             Dictionary original = tagged("a").dictionary();

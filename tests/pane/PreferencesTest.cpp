@@ -12,11 +12,10 @@ TEST_F(PreferencesTest, ReadsOptionsFromWhateverKindOfValue) {
         bool check;
         int frequency;
         bool menu;
-    } const cases[] = {
-        {Value(), false, 0, false},  // absent
-        {0, false, 0, false},       {1, true, 1, true},       {2, true, 2, false},   {3, true, 0, false},
-        {1000, true, 0, false},     {-1, true, -1, false},    {big, false, 0, false}, {"2 weeks", true, 2, false},
-        {Array{1}, false, 0, false}};
+    } const cases[] = {{Value(), false, 0, false},  // absent
+                       {0, false, 0, false},       {1, true, 1, true},          {2, true, 2, false},
+                       {3, true, 0, false},        {1000, true, 0, false},      {-1, true, -1, false},
+                       {big, false, 0, false},     {"2 weeks", true, 2, false}, {Array{1}, false, 0, false}};
     open();
     int row = 0;
     for (const auto& [value, check, frequency, menu] : cases) {
