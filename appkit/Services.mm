@@ -73,8 +73,8 @@ void NotificationCenter::postNotification(const Notification &notification) {
 }
 
 TimeFormat::TimeFormat() {
-    // The defaults hold the user's locale and formats. They change for other reasons too, which costs a few texts.
-    NotificationCenter().addObserver(stdString(NSUserDefaultsDidChangeNotification),
+    // GNUstep takes the locale from the environment, once and for all; where it can change, the framework tells.
+    NotificationCenter().addObserver(stdString(NSCurrentLocaleDidChangeNotification),
                                      [this](const Notification &) { ++_style; });
 }
 
