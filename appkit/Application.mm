@@ -16,13 +16,20 @@ NSWindow *nativeWindowOf(quorel::Window *window) {
 
 #ifdef GNUSTEP
 
+constexpr CGFloat kTitleBarHeight = 22;
+
 // The framework's sheets do not fit here: its beginSheet runs a modal loop of its own, its endSheet ends one more. So a
-// sheet is a window that is placed by hand, as elsewhere the framework sees to: in the middle of its parent, or of the
-// screen when it has none, and never beyond the screen's edges.
+// sheet is a window that is placed by hand, as elsewhere the framework sees to: in the middle of its parent, hanging
+// from the title bar, and never beyond the screen's edges. One that is begun without a window belongs to the main one
+// all the same; where there is none either it lies in the middle of the screen.
 void beginSheet(NSWindow *sheet, NSWindow *parent) {
+    if (!parent) parent = [NSApp mainWindow];
     if (!parent) [sheet center];
     NSRect frame = [sheet frame];
-    if (parent) frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
+    if (parent) {
+        frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
+        frame.origin.y = NSMaxY([parent frame]) - kTitleBarHeight - frame.size.height;
+    }
     const NSRect screen = [[NSScreen mainScreen] visibleFrame];
     frame.origin.x = std::max(std::min(frame.origin.x, NSMaxX(screen) - frame.size.width), NSMinX(screen));
     frame.origin.y = std::max(std::min(frame.origin.y, NSMaxY(screen) - frame.size.height), NSMinY(screen));

@@ -6,7 +6,7 @@
 
 namespace quorel::appkit {
 
-/// Small services of the frameworks. Main thread.
+/// Small services of the frameworks; they live as long as the process. Main thread.
 
 class UserDefaults : public quorel::UserDefaults {
 public:
@@ -24,7 +24,12 @@ public:
 
 class TimeFormat : public quorel::TimeFormat {
 public:
+    TimeFormat();
     std::string shortTimeString(const CalendarDate &date) const override;
+    int style() const override { return _style; }
+
+private:
+    int _style = 0;
 };
 
 }  // namespace quorel::appkit

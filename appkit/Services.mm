@@ -72,13 +72,14 @@ void NotificationCenter::postNotification(const Notification &notification) {
                     userInfo:objectFromValue(notification.userInfo)];
 }
 
+TimeFormat::TimeFormat() {
+    // GNUstep takes the locale from the environment, once and for all; where it can change, the framework tells.
+    NotificationCenter().addObserver(stdString(NSCurrentLocaleDidChangeNotification),
+                                     [this](const Notification &) { ++_style; });
+}
+
 std::string TimeFormat::shortTimeString(const CalendarDate &date) const {
-    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
-    [formatter setTimeZone:wallClockZone()];
-    [formatter setDateStyle:NSDateFormatterNoStyle];
-    [formatter setTimeStyle:NSDateFormatterShortStyle];
-    return stdString([formatter stringFromDate:dateFromCalendarDate(date)]);
+    return stdString([timeFormatter() stringFromDate:dateFromCalendarDate(date)]);
 }
 
 }  // namespace quorel::appkit

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "appkit/Resources.h"
 #include "appkit/Strings.h"
 #include "appkit/Values.h"
 #include "kit/VXConfiguratorCell.h"
@@ -56,19 +57,6 @@ NSDictionary *attributesOf(NSFont *font, NSColor *colour) {
         dictionaryWithObjectsAndKeys:font, NSFontAttributeName, colour, NSForegroundColorAttributeName, nil];
 }
 
-/// Kept for the life of the process: every row of the table shows one of three.
-NSImage *imageNamed(const char *file, Class owner) {
-    if (!file) return nil;
-    static NSMutableDictionary *images = [[NSMutableDictionary alloc] init];
-    NSString *name = nsString(file);
-    NSImage *image = [images objectForKey:name];
-    if (image) return image;
-    NSString *path = [[NSBundle bundleForClass:owner] pathForImageResource:name];
-    image = path ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
-    if (image) [images setObject:image forKey:name];
-    return image;
-}
-
 }  // namespace
 
 @implementation VXConfiguratorCell
@@ -98,7 +86,7 @@ NSImage *imageNamed(const char *file, Class owner) {
 - (NSString *)stringValue {
     NSBundle *bundle = [NSBundle bundleForClass:[VXConfiguratorCell class]];
     return nsString(summary::sentenceOf(valueFromObject(_summary), [bundle](const char *key) {
-        return stdString([bundle localizedStringForKey:nsString(key) value:@"" table:nil]);
+        return stdString(VXLocalized(nsString(key), bundle));
     }));
 }
 
@@ -135,7 +123,9 @@ NSImage *imageNamed(const char *file, Class owner) {
 
     CGFloat left = NSMinX(frame) + kMargin;
     CGFloat right = NSMaxX(frame) - kMargin;
-    if (NSImage *dot = imageNamed(summary::dotNameOf(shown), [VXConfiguratorCell class])) {
+    const char *dotName = summary::dotNameOf(shown);
+    NSBundle *bundle = [NSBundle bundleForClass:[VXConfiguratorCell class]];
+    if (NSImage *dot = dotName ? VXImageNamed(nsString(dotName), bundle) : nil) {
         right -= kDotSize;
         const NSRect place = NSMakeRect(right, std::round(NSMidY(frame) - kDotSize / 2), kDotSize, kDotSize);
         [dot drawInRect:place

@@ -28,6 +28,7 @@ public:
     std::string shortTimeString(const CalendarDate& date) const override {
         return shortTimeByFormatter(date.hour, date.minute);
     }
+    int style() const override { return 0; }
 };
 
 class Module : public test::FakeModule {

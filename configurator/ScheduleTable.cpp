@@ -102,9 +102,11 @@ Value VXConfigurator::actionSummaryOf(const Value& schedule) {
                       {summary::kWakeUp, module->needsWakeUp()}};
 }
 
-const Value& VXConfigurator::timeTextOf(const Value& schedule) {
+Value VXConfigurator::timeTextOf(const Value& schedule) {
     const int hour = schedule[schedule_keys::kActionHour].intValue();
     const int minute = schedule[schedule_keys::kActionMinute].intValue();
+    if (_timeStyle != _platform.timeFormat.style()) _timeTexts.clear();
+    _timeStyle = _platform.timeFormat.style();
     Value& text = _timeTexts[(std::int64_t{hour} << 32) | static_cast<std::uint32_t>(minute)];
     if (text.isAbsent()) {
         text =
@@ -115,7 +117,14 @@ const Value& VXConfigurator::timeTextOf(const Value& schedule) {
 
 void VXConfigurator::tableViewSetObjectValueForTableColumnRow(TableView&, const Value&, const TableColumn& column,
                                                               int row) {
-    const std::string identifier = column.identifier();
+    toggle(column.identifier(), row);
+}
+
+void VXConfigurator::toggleEnabled(const Object*) {
+    if (!_locked) toggle(schedule_keys::kIsEnabled, outlets.tableView->selectedRow());
+}
+
+void VXConfigurator::toggle(std::string_view identifier, int row) {
     // The summary is no flag, and its column's name no key of a Schedule.
     if (!hasRow(row) || identifier == schedule_keys::kInfos) return;
     Value& entry = _scheduleArray[static_cast<std::size_t>(row)];

@@ -120,7 +120,8 @@ PowerCourse::Move PowerCourse::used(Instant now, const std::string& who) {
     return wait(now, {outcome::kHoldUse, plainText(who), {}});
 }
 
-void PowerCourse::clockMoved(Seconds by) {
+void PowerCourse::clockMoved(Instant before, Seconds by) {
+    if (_at <= before) _at += by;  // it has been reached, and is not to come again
     _next = _step == Step::kWarned ? std::max(_at, _next + by) : _next + by;
     if (_waitingSince != 0) _waitingSince += by;
     _heldSince += by;

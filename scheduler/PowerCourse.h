@@ -72,7 +72,10 @@ public:
     Move used(Instant now, const std::string& who);
     /// Something else takes its place.
     Move giveUp(Instant now) const;
-    void clockMoved(Seconds by);
+    /// The clock was set by so much when it showed `before`.
+    void clockMoved(Instant before, Seconds by);
+    /// Whether its time, on the clock as it goes now, is yet to come.
+    bool isAhead(Instant now) const { return now < _at; }
 
 private:
     Move look(Instant now, Step step);

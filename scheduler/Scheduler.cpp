@@ -122,7 +122,7 @@ void Scheduler::clockSet(Seconds by) {
     if (_dormant || std::abs(by) >= rules::kCorrection) return correct(by);
     if (_awakeUntil != 0) _awakeUntil += by;
     if (_backAt != 0) _backAt += by;
-    if (_back) _back->clockMoved(by);
+    if (_back) _back->clockMoved(now() - by, by);
     _wokenAt += by;
     moveOpen(by);
 }
@@ -131,7 +131,7 @@ void Scheduler::correct(Seconds by) {
     _dormant.reset();
     endOpen(by);
     if (_awakeUntil != 0) _awakeUntil += by;
-    if (_back) _back->clockMoved(by);
+    if (_back) _back->clockMoved(now() - by, by);
     _backAt = 0;
     _wokenAt += by;
     tell(outcome::kCorrection, nullptr, {{"By", by}});

@@ -254,13 +254,15 @@ void Scheduler::moveOpen(Seconds by) {
     const Instant before = now() - by;
     for (auto each = _open.begin(); each != _open.end();) {
         OpenOccurrence& open = *each++;
-        if (open.course) open.course->clockMoved(by);
+        const bool ahead = open.course && open.course->isAhead(before);
+        if (open.course) open.course->clockMoved(before, by);
         if (open.step == Step::kMakeUp || open.step == Step::kRunning) open.at += by;
-        if (!open.course || open.step == Step::kActing || before >= open.at) continue;
+        if (!ahead || open.step == Step::kActing) continue;
+        const bool isPlanned = open.at == open.occurrence.due && open.at > _watermark;
         if (isLate(open.at)) {
             missed(open);
-        } else if (open.at - now() > rules::kWarning && open.at == open.occurrence.due) {
-            remove(open);  // planned again
+        } else if (open.at - now() > rules::kWarning && isPlanned) {
+            remove(open);  // and taken up again in its time
         } else if (open.at - now() > rules::kWarning) {
             open.step = Step::kPostponed;
             open.course.reset();
@@ -273,7 +275,7 @@ void Scheduler::endOpen(Seconds by) {
     for (auto each = _open.begin(); each != _open.end();) {
         OpenOccurrence& open = *each++;
         if (open.step == Step::kRunning) open.at += by;
-        if (open.course) open.course->clockMoved(by);
+        if (open.course) open.course->clockMoved(now() - by, by);
         if (open.step == Step::kRunning || open.step == Step::kActing) continue;
         if (open.step != Step::kDone) tell(outcome::kClockCorrected, &open.occurrence);
         remove(open);

@@ -17,12 +17,16 @@ public:
         const auto found = values.find(std::string(key));
         return found == values.end() ? Value() : found->second;
     }
-    void setObjectForKey(const Value& value, std::string_view key) override { values[std::string(key)] = value; }
+    void setObjectForKey(const Value& value, std::string_view key) override {
+        values[std::string(key)] = value;
+        ++writes;
+    }
     void removeObjectForKey(std::string_view key) override { values.erase(std::string(key)); }
     void synchronize() override { onDisk = values; }
 
     std::map<std::string, Value> values;
     std::map<std::string, Value> onDisk;  ///< what a later launch would find
+    int writes = 0;
 };
 
 class NotificationCenter : public quorel::NotificationCenter {
@@ -52,15 +56,17 @@ public:
     CalendarDate now{2024, 3, 15, 10, 20, 30};
 };
 
-/// Writes times as "23:00".
+/// Writes times as "23:00", or with another separator.
 class TimeFormat : public quorel::TimeFormat {
 public:
     std::string shortTimeString(const CalendarDate& date) const override {
         ++formats;
         const auto twoDigits = [](int number) { return std::string(number < 10 ? "0" : "") + std::to_string(number); };
-        return twoDigits(date.hour) + ":" + twoDigits(date.minute);
+        return twoDigits(date.hour) + separator + twoDigits(date.minute);
     }
+    int style() const override { return separator; }
 
+    char separator = ':';
     mutable int formats = 0;  ///< times written so far
 };
 

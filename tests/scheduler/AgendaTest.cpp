@@ -7,7 +7,8 @@ namespace quorel {
 namespace {
 
 LocalDate date(int year, unsigned month, unsigned day) {
-    return LocalDate(std::chrono::local_days(std::chrono::year(year) / static_cast<int>(month) / static_cast<int>(day)));
+    return LocalDate(
+        std::chrono::local_days(std::chrono::year(year) / static_cast<int>(month) / static_cast<int>(day)));
 }
 
 TEST(Calendar, Instants) {
@@ -17,11 +18,11 @@ TEST(Calendar, Instants) {
         int hour, minute;
         std::optional<Instant> instant;
     } rows[] = {
-        {"Europe/Paris", date(2027, 3, 28), 1, 59, 1806195540},   // 00:59 UTC
-        {"Europe/Paris", date(2027, 3, 28), 2, 30, 1806197400},   // leapt over: 03:30
-        {"Europe/Paris", date(2027, 3, 28), 3, 0, 1806195600},    // 01:00 UTC
-        {"Europe/Paris", date(2027, 10, 31), 2, 30, 1824942600},  // twice: the first, 00:30 UTC
-        {"Europe/Paris", date(2027, 10, 31), 3, 0, 1824948000},   // 02:00 UTC
+        {"Europe/Paris", date(2027, 3, 28), 1, 59, 1806195540},         // 00:59 UTC
+        {"Europe/Paris", date(2027, 3, 28), 2, 30, 1806197400},         // leapt over: 03:30
+        {"Europe/Paris", date(2027, 3, 28), 3, 0, 1806195600},          // 01:00 UTC
+        {"Europe/Paris", date(2027, 10, 31), 2, 30, 1824942600},        // twice: the first, 00:30 UTC
+        {"Europe/Paris", date(2027, 10, 31), 3, 0, 1824948000},         // 02:00 UTC
         {"Australia/Lord_Howe", date(2027, 10, 3), 2, 15, 1822491900},  // leapt over by half an hour: 02:45
         {"Australia/Lord_Howe", date(2027, 4, 4), 1, 45, 1806763500},   // half an hour twice: the first, 14:45 UTC
         {"Pacific/Apia", date(2011, 12, 30), 12, 0, std::nullopt},      // the day does not exist
@@ -97,14 +98,16 @@ TEST(Reading, Values) {
 TEST(Agenda, NextOnes) {
     VirtualWorld world;
     Value monday = every("Plain", 12, 0);
-    for (const std::string_view day : schedule_keys::kActiveOnDays) monday = monday.with(day, day == "Active On Monday");
+    for (const std::string_view day : schedule_keys::kActiveOnDays)
+        monday = monday.with(day, day == "Active On Monday");
     const Array list = {every("Sleep", 23, 0), monday, monday, every("WakeUp", 23, 0)};
     setZone("UTC");
     const SystemCalendar calendar;
     const Agenda agenda(calendar, readScheduleList(list, world).schedules);
     std::vector<std::string> said;
     for (const Occurrence& one : agenda.after(VirtualWorld::at(0, 11, 59), 7)) {
-        said.push_back(VirtualWorld::clock(one.due) + " " + one.schedule->action.substr(18) + std::to_string(one.number));
+        said.push_back(VirtualWorld::clock(one.due) + " " + one.schedule->action.substr(18) +
+                       std::to_string(one.number));
     }
     EXPECT_EQ(said, (std::vector<std::string>{"12:00 Plain0", "12:00 Plain1", "23:00 WakeUp0", "23:00 Sleep0",
                                               "+1 23:00 WakeUp0", "+1 23:00 Sleep0", "+2 23:00 WakeUp0"}));

@@ -354,6 +354,13 @@ TEST(Rules, Clock) {
              w.begin(22, 50, 0, {kSleep}), w.until(t(23, 20)), w.setClock(-7200), w.until(t(23, 0));
          },
          {"21:30 gave-up Sleep 23:00 inhibitor 30 apt upgrade"}},
+        {"its time, once reached, does not come again",
+         [](World& w) {
+             w.conditions.inhibitors = {{"apt", "upgrade"}};
+             w.begin(22, 50, 0, {kSleep}), w.until(t(23, 20)), w.setClock(-7200);
+             w.conditions.inhibitors.clear(), w.setClock(1), w.until(t(21, 22));
+         },
+         {"21:21:01 warn, for 21:22:01"}},
         {"open ones end with a correction",
          [](World& w) { w.begin(22, 59, 0, {kSleep}), w.setClock(-10800), w.until(t(22, 59, 30)); },
          {"22:59 warn, for 23:00", "19:59 clock-corrected Sleep 23:00", "19:59 correction -10800",

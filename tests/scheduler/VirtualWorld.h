@@ -225,7 +225,7 @@ private:
     }
     void changed() override {
         std::set<std::string> warned;
-        for (const Upcoming& one : scheduler->upcoming(50)) {
+        for (const Upcoming& one : scheduler->upcoming(5)) {
             if (one.step != Step::kWarned) continue;
             warned.insert(one.token);
             if (!_warned.count(one.token)) note("warn, for " + clock(one.at));
