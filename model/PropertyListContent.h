@@ -39,6 +39,6 @@ private:
 
 /// The two encodings. Nothing for whatever is malformed or too deep; the caller has bounded the size.
 std::optional<Value> readXmlPropertyList(std::string_view bytes);
-std::optional<Value> readBinaryPropertyList(std::string_view bytes);
+std::optional<Value> readBinaryPropertyList(std::string_view bytes, std::size_t maximumBytes);
 
 }  // namespace quorel
