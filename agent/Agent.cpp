@@ -4,8 +4,8 @@
 #include <system_error>
 #include <utility>
 
-#include "agent/Browser.h"
 #include "kit/MOLLog.h"
+#include "linux/Browser.h"
 #include "model/Names.h"
 #include "model/Preferences.h"
 

@@ -46,7 +46,7 @@ private:
     bool _askedByHand = false;  // somebody waits for the outcome of the check that runs
 
     EventLoop _loop;
-    Timer _look;
+    LoopTimer _look;
     const Wakeup _checkEnded;
     const BusConnection _bus;
     Notifier _notifier;

@@ -29,8 +29,8 @@ private:
 
     sd_bus* const _bus;
     const std::function<void(const std::string&)> _pressed;
-    BusSlot _signals{nullptr, sd_bus_slot_unref};
-    BusSlot _call{nullptr, sd_bus_slot_unref};  // the one under way; a later message cancels it
+    BusSlot _signals;
+    BusSlot _call;  // the one under way; a later message cancels it
     Message _message;
     std::uint32_t _id = 0;  // of the notification on the screen
     std::string _server;    // who shows it: a unique name

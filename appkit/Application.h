@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/Application.h"
-#include "platform/Workspace.h"
 
 namespace quorel::appkit {
 
@@ -10,18 +9,13 @@ class Application : public quorel::Application {
 public:
     std::shared_ptr<quorel::Window> mainWindow() const override;
     std::shared_ptr<quorel::Window> modalWindow() const override;
-    void beginSheetModalForWindow(quorel::Window& sheet, quorel::Window* window) override;
-    void runModalForWindow(quorel::Window& window) override;
+    void beginSheetModalForWindow(quorel::Window &sheet, quorel::Window *window) override;
+    void runModalForWindow(quorel::Window &window) override;
     void stopModal() override;
-    void endSheet(quorel::Window& sheet) override;
+    void endSheet(quorel::Window &sheet) override;
     int runAlertPanel(std::string_view title, std::string_view message, std::string_view defaultButton,
                       std::optional<std::string_view> alternateButton) override;
     void beep() override;
-};
-
-class Workspace : public quorel::Workspace {
-public:
-    bool openURL(std::string_view url) override;
 };
 
 }  // namespace quorel::appkit

@@ -16,13 +16,20 @@ NSWindow *nativeWindowOf(quorel::Window *window) {
 
 #ifdef GNUSTEP
 
+constexpr CGFloat kTitleBarHeight = 22;
+
 // The framework's sheets do not fit here: its beginSheet runs a modal loop of its own, its endSheet ends one more. So a
-// sheet is a window that is placed by hand, as elsewhere the framework sees to: in the middle of its parent, or of the
-// screen when it has none, and never beyond the screen's edges.
+// sheet is a window that is placed by hand, as elsewhere the framework sees to: in the middle of its parent, hanging
+// from the title bar, and never beyond the screen's edges. One that is begun without a window belongs to the main one
+// all the same; where there is none either it lies in the middle of the screen.
 void beginSheet(NSWindow *sheet, NSWindow *parent) {
+    if (!parent) parent = [NSApp mainWindow];
     if (!parent) [sheet center];
     NSRect frame = [sheet frame];
-    if (parent) frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
+    if (parent) {
+        frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
+        frame.origin.y = NSMaxY([parent frame]) - kTitleBarHeight - frame.size.height;
+    }
     const NSRect screen = [[NSScreen mainScreen] visibleFrame];
     frame.origin.x = std::max(std::min(frame.origin.x, NSMaxX(screen) - frame.size.width), NSMinX(screen));
     frame.origin.y = std::max(std::min(frame.origin.y, NSMaxY(screen) - frame.size.height), NSMinY(screen));
@@ -32,19 +39,6 @@ void beginSheet(NSWindow *sheet, NSWindow *parent) {
 
 void endSheet(NSWindow *) {}
 
-// The framework knows only applications of its own kind, and complains when none of them takes the address. Which
-// browser the user prefers is known to the desktop.
-bool open(NSURL *address) {
-    NSWorkspace *workspace = [NSWorkspace sharedWorkspace];
-    if ([workspace getBestAppInRole:nil forScheme:[address scheme]]) return [workspace openURL:address];
-    @try {
-        [NSTask launchedTaskWithLaunchPath:@"/usr/bin/env" arguments:@[ @"xdg-open", [address absoluteString] ]];
-        return true;
-    } @catch (NSException *) {
-        return false;
-    }
-}
-
 #else
 
 void beginSheet(NSWindow *sheet, NSWindow *parent) {
@@ -53,10 +47,6 @@ void beginSheet(NSWindow *sheet, NSWindow *parent) {
 
 void endSheet(NSWindow *sheet) {
     [NSApp endSheet:sheet];
-}
-
-bool open(NSURL *address) {
-    return [[NSWorkspace sharedWorkspace] openURL:address];
 }
 
 #endif
@@ -97,11 +87,6 @@ int Application::runAlertPanel(std::string_view title, std::string_view message,
 
 void Application::beep() {
     NSBeep();
-}
-
-bool Workspace::openURL(std::string_view url) {
-    NSURL *address = [NSURL URLWithString:nsString(url)];
-    return address && open(address);
 }
 
 }  // namespace quorel::appkit

@@ -9,7 +9,7 @@ namespace quorel::appkit {
 
 /// Bundles on disk. Main thread.
 class Bundle : public quorel::Bundle {
-   public:
+public:
     explicit Bundle(NSBundle *bundle) : _bundle(bundle) {}
     std::string bundlePath() const override;
     std::string builtInPlugInsPath() const override;
@@ -20,12 +20,12 @@ class Bundle : public quorel::Bundle {
                                                 std::string_view table) const override;
     std::shared_ptr<Image> imageNamed(std::string_view name) const override;
 
-   private:
+private:
     Retained<NSBundle> _bundle;
 };
 
 class Bundles : public quorel::Bundles {
-   public:
+public:
     std::shared_ptr<quorel::Bundle> bundleWithPath(std::string_view path) override;
     std::vector<std::string> pathsForResourcesOfTypeInDirectory(std::string_view extension,
                                                                 std::string_view directory) override;

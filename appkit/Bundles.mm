@@ -4,6 +4,7 @@
 
 #include "appkit/Controls.h"
 #include "appkit/ModuleClass.h"
+#include "appkit/Resources.h"
 #include "appkit/Strings.h"
 #include "appkit/Values.h"
 
@@ -26,6 +27,8 @@ bool Bundle::load() {
 }
 
 std::shared_ptr<Object> Bundle::classNamed(std::string_view name) {
+    // Asked for a class, a bundle whose code did not load tries again, and complains in the log.
+    if (![_bundle.get() isLoaded]) return nullptr;
     return moduleClass([_bundle.get() classNamed:nsString(name)], _bundle.get());
 }
 
@@ -37,11 +40,7 @@ std::string Bundle::localizedStringForKeyValueTable(std::string_view key, std::s
 }
 
 std::shared_ptr<quorel::Image> Bundle::imageNamed(std::string_view name) const {
-    NSString *file = nsString(name);
-    NSString *path = [_bundle.get() pathForResource:[file stringByDeletingPathExtension]
-                                             ofType:[[file pathExtension] length] ? [file pathExtension] : @"png"];
-    if (!path) return nullptr;
-    return wrapped<Image>([[[NSImage alloc] initWithContentsOfFile:path] autorelease]);
+    return wrapped<Image>(VXImageNamed(nsString(name), _bundle.get()));
 }
 
 std::shared_ptr<quorel::Bundle> Bundles::bundleWithPath(std::string_view path) {
@@ -50,9 +49,11 @@ std::shared_ptr<quorel::Bundle> Bundles::bundleWithPath(std::string_view path) {
 
 std::vector<std::string> Bundles::pathsForResourcesOfTypeInDirectory(std::string_view extension,
                                                                      std::string_view directory) {
+    // The framework also lists what lies in the folders of resources and languages below.
+    NSString *folder = [nsString(directory) stringByStandardizingPath];
     std::vector<std::string> paths;
-    for (NSString *path in [NSBundle pathsForResourcesOfType:nsString(extension) inDirectory:nsString(directory)]) {
-        paths.push_back(stdString(path));
+    for (NSString *path in [NSBundle pathsForResourcesOfType:nsString(extension) inDirectory:folder]) {
+        if ([[path stringByDeletingLastPathComponent] isEqual:folder]) paths.push_back(stdString(path));
     }
     return paths;
 }

@@ -26,4 +26,13 @@ CalendarDate calendarDateFromDate(NSDate *date) {
     return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec};
 }
 
+NSDateFormatter *timeFormatter() {
+    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
+    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
+    [formatter setTimeZone:wallClockZone()];
+    [formatter setDateStyle:NSDateFormatterNoStyle];
+    [formatter setTimeStyle:NSDateFormatterShortStyle];
+    return formatter;
+}
+
 }  // namespace quorel::appkit

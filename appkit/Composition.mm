@@ -1,21 +1,14 @@
 #import "appkit/Composition.h"
 
-#include <unistd.h>
-
 #include "appkit/Application.h"
 #include "appkit/MainQueue.h"
 #include "appkit/Services.h"
 #include "appkit/Strings.h"
 #include "appkit/Table.h"
-#include "kit/update/CurlUpdateChecker.h"
-#include "linux/BusCommunicationCenter.h"
-#include "linux/JournalLog.h"
-#include "linux/PolkitAuthorization.h"
-#include "linux/RootedPropertyListFiles.h"
-#include "linux/ThreadDispatch.h"
+#include "linux/SystemServices.h"
 
-// A build for macOS needs a file like this one with that system's services: its Authorization Services, its dispatch
-// queues, and a channel to the programs there.
+// A build for macOS needs that system's services in place of linux/: its Authorization Services, its dispatch queues,
+// and a channel to the programs there.
 
 namespace quorel::appkit {
 
@@ -26,34 +19,35 @@ std::string info(NSBundle *bundle, NSString *key) {
     return [value isKindOfClass:[NSString class]] ? stdString(value) : std::string();
 }
 
+SystemSettings settingsOf(NSBundle *bundle) {
+    return {.program = "quorel-pane",
+            .root = info(bundle, @"QuorelRoot"),
+            .updates = {.feed = info(bundle, @"QuorelUpdateFeed"),
+                        .installedVersion = info(bundle, @"CFBundleShortVersionString"),
+                        .installedBuild = info(bundle, @"CFBundleVersion"),
+                        .caFile = {}}};
+}
+
 struct Services {
     explicit Services(NSBundle *bundle)
-        : files(info(bundle, @"QuorelRoot")),
-          updateChecker({info(bundle, @"QuorelUpdateFeed"),
-                         info(bundle, @"CFBundleShortVersionString"),
-                         info(bundle, @"CFBundleVersion"),
-                         {}}),
+        : platform{{.application = application,
+                    .bundles = bundles,
+                    .cells = cells,
+                    .defaultCenter = defaultCenter,
+                    .standardUserDefaults = standardUserDefaults,
+                    .timeFormat = timeFormat},
+                   startSystemServices(settingsOf(bundle), mainQueue)},
           configuratorNib(bundle),
-          composition{std::make_shared<Bundle>(bundle), configuratorNib, platform} {
-        VXCommunicationCenter::setSharedInstance(&communicationCenter);
-        VXUpdateChecker::setSharedInstance(&updateChecker);
-    }
+          composition{std::make_shared<Bundle>(bundle), configuratorNib, platform} {}
 
     Application application;
-    PolkitAuthorization authorization;
     Bundles bundles;
     Cells cells;
-    Clock clock;
     MainQueue mainQueue;
-    ThreadDispatch dispatch{mainQueue};
     NotificationCenter defaultCenter;
-    RootedPropertyListFiles files;
     UserDefaults standardUserDefaults;
-    Workspace sharedWorkspace;
-    Platform platform{application, authorization,        bundles,         cells,    clock, dispatch, defaultCenter,
-                      files,       standardUserDefaults, sharedWorkspace, geteuid()};
-    BusCommunicationCenter communicationCenter;
-    CurlUpdateChecker updateChecker;
+    TimeFormat timeFormat;
+    Platform platform;
     ConfiguratorNib configuratorNib;
     Composition composition;
 };
@@ -61,10 +55,7 @@ struct Services {
 }  // namespace
 
 Composition &Composition::ofBundle(NSBundle *bundle) {
-    static Services &services = *[bundle] {
-        installJournalLog("quorel-pane");
-        return new Services([bundle retain]);
-    }();
+    static Services &services = *new Services([bundle retain]);
     return services.composition;
 }
 

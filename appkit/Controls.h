@@ -10,33 +10,33 @@ namespace quorel::appkit {
 
 template <class Interface, class Class>
 class BasicControl : public BasicView<Interface> {
-   public:
+public:
     explicit BasicControl(Class *control) : BasicView<Interface>(control) {}
     bool isEnabled() const override { return [native() isEnabled]; }
     void setEnabled(bool enabled) override { [native() setEnabled:enabled]; }
 
-   protected:
+protected:
     Class *native() const { return static_cast<Class *>(this->nativeView()); }
 };
 
 class Image : public quorel::Image {
-   public:
+public:
     explicit Image(NSImage *image) : _image(image) {}
     NSImage *nativeImage() const { return _image.get(); }
 
-   private:
+private:
     Retained<NSImage> _image;
 };
 
 class Button : public BasicControl<quorel::Button, NSButton> {
-   public:
+public:
     using BasicControl::BasicControl;
     int state() const override { return static_cast<int>([native() state]); }
     void setState(int state) override { [native() setState:state == kStateOff ? NSOffState : NSOnState]; }
 };
 
 class PopUpButton : public BasicControl<quorel::PopUpButton, NSPopUpButton> {
-   public:
+public:
     using BasicControl::BasicControl;
     void removeAllItems() override { [native() removeAllItems]; }
     void addItemWithTitle(std::string_view title) override;
@@ -49,14 +49,14 @@ class PopUpButton : public BasicControl<quorel::PopUpButton, NSPopUpButton> {
 };
 
 class TextField : public BasicControl<quorel::TextField, NSTextField> {
-   public:
+public:
     using BasicControl::BasicControl;
     std::string stringValue() const override { return stdString([native() stringValue]); }
     void setStringValue(std::string_view text) override { [native() setStringValue:nsString(text)]; }
 };
 
 class ImageView : public BasicControl<quorel::ImageView, NSImageView> {
-   public:
+public:
     using BasicControl::BasicControl;
     std::shared_ptr<quorel::Image> image() const override { return wrapped<Image>([native() image]); }
     void setImage(std::shared_ptr<quorel::Image> image) override {
@@ -67,7 +67,7 @@ class ImageView : public BasicControl<quorel::ImageView, NSImageView> {
 
 /// Wraps an NSDatePicker, or a control of ours that answers the same messages.
 class DatePicker : public BasicControl<quorel::DatePicker, NSDatePicker> {
-   public:
+public:
     explicit DatePicker(NSControl *picker);
     CalendarDate dateValue() const override;
     void setDateValue(const CalendarDate &date) override;
@@ -75,7 +75,7 @@ class DatePicker : public BasicControl<quorel::DatePicker, NSDatePicker> {
 };
 
 class ProgressIndicator : public BasicView<quorel::ProgressIndicator> {
-   public:
+public:
     explicit ProgressIndicator(NSProgressIndicator *indicator) : BasicView(indicator) {}
     void startAnimation() override { [static_cast<NSProgressIndicator *>(nativeView()) startAnimation:nil]; }
     void stopAnimation() override { [static_cast<NSProgressIndicator *>(nativeView()) stopAnimation:nil]; }

@@ -1,7 +1,9 @@
 #import "appkit/Interface.h"
 
+#import "appkit/Resources.h"
+
 static NSString *localized(NSString *key, NSBundle *bundle) {
-    return [key length] ? [bundle localizedStringForKey:key value:@"" table:nil] : key;
+    return [key length] ? VXLocalized(key, bundle) : key;
 }
 
 static void localizeToolTip(NSView *view, NSBundle *bundle) {
@@ -57,14 +59,9 @@ void VXLocalizeWindow(NSWindow *window, NSBundle *bundle) {
     VXLocalizeView([window contentView], bundle);
 }
 
-static NSImage *imageNamed(NSString *name, NSBundle *bundle) {
-    NSString *path = name ? [bundle pathForResource:name ofType:@"png"] : nil;
-    return path ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
-}
-
 void VXSetButtonImages(NSButton *button, NSString *name, NSString *alternateName, NSBundle *bundle) {
-    [button setImage:imageNamed(name, bundle)];
-    [button setAlternateImage:imageNamed(alternateName, bundle)];
+    [button setImage:VXImageNamed(name, bundle)];
+    if (alternateName) [button setAlternateImage:VXImageNamed(alternateName, bundle)];
     [button setImagePosition:NSImageOnly];
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Dispatch.h"
+#include "platform/System.h"
 
 namespace quorel::appkit {
 
@@ -9,7 +9,7 @@ namespace quorel::appkit {
 class MainQueue : public DispatchQueue {
 public:
     void async(Block block) override;
-    void sync(const Block& block) override;
+    void sync(const Block &block) override;
     void after(std::chrono::nanoseconds delay, Block block) override;
 };
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "platform/Object.h"
+#include "platform/View.h"
 
 namespace quorel::appkit {
 

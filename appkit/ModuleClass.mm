@@ -25,7 +25,7 @@ auto guarded(Ask ask) -> decltype(ask()) {
 }
 
 class Module : public VXPrefPanePlugInProtocol {
-   public:
+public:
     explicit Module(NativeModule *module) : _module(module) {}
 
     bool isBaseModule() override {
@@ -85,7 +85,7 @@ class Module : public VXPrefPanePlugInProtocol {
         guarded([this] { [native() checkboxAction:nil]; });
     }
 
-   private:
+private:
     NativeModule *native() const { return _module.get(); }
     static std::optional<std::string> text(id object) {
         if (![object isKindOfClass:[NSString class]]) return {};
@@ -96,7 +96,7 @@ class Module : public VXPrefPanePlugInProtocol {
 };
 
 class ModuleClass : public VXPrefPanePlugInClass {
-   public:
+public:
     ModuleClass(Class aClass, NSBundle *bundle) : _class(aClass), _bundle(bundle) {}
 
     bool initializeClass(const std::shared_ptr<quorel::Bundle> &) override {
@@ -110,7 +110,7 @@ class ModuleClass : public VXPrefPanePlugInClass {
         return wrapped<Module>([module autorelease]);
     }
 
-   private:
+private:
     Class _class;
     Retained<NSBundle> _bundle;
 };

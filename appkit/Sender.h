@@ -10,10 +10,10 @@ namespace quorel::appkit {
 
 /// A control as the sender of an action, kept while somebody remembers it.
 class Sender : public Object {
-   public:
+public:
     explicit Sender(NSObject *sender) : _sender(sender) {}
 
-   private:
+private:
     Retained<NSObject> _sender;
 };
 

@@ -1,17 +1,17 @@
 #pragma once
 
-#include "platform/Clock.h"
+#include "platform/Application.h"
 #include "platform/NotificationCenter.h"
-#include "platform/UserDefaults.h"
+#include "platform/System.h"
 
 namespace quorel::appkit {
 
-/// Small services of the frameworks. Main thread.
+/// Small services of the frameworks; they live as long as the process. Main thread.
 
 class UserDefaults : public quorel::UserDefaults {
 public:
     Value objectForKey(std::string_view key) const override;
-    void setObjectForKey(const Value& value, std::string_view key) override;
+    void setObjectForKey(const Value &value, std::string_view key) override;
     void removeObjectForKey(std::string_view key) override;
     void synchronize() override;
 };
@@ -19,13 +19,17 @@ public:
 class NotificationCenter : public quorel::NotificationCenter {
 public:
     void addObserver(std::string_view name, Observer observer) override;
-    void postNotification(const Notification& notification) override;
+    void postNotification(const Notification &notification) override;
 };
 
-class Clock : public quorel::Clock {
+class TimeFormat : public quorel::TimeFormat {
 public:
-    CalendarDate currentDate() const override;
-    std::string shortTimeString(const CalendarDate& date) const override;
+    TimeFormat();
+    std::string shortTimeString(const CalendarDate &date) const override;
+    int style() const override { return _style; }
+
+private:
+    int _style = 0;
 };
 
 }  // namespace quorel::appkit

@@ -2,7 +2,6 @@
 
 #import <Foundation/Foundation.h>
 
-#include <ctime>
 #include <utility>
 
 #include "appkit/CalendarDates.h"
@@ -73,20 +72,14 @@ void NotificationCenter::postNotification(const Notification &notification) {
                     userInfo:objectFromValue(notification.userInfo)];
 }
 
-CalendarDate Clock::currentDate() const {
-    const std::time_t now = std::time(nullptr);
-    std::tm parts{};
-    localtime_r(&now, &parts);
-    return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec};
+TimeFormat::TimeFormat() {
+    // GNUstep takes the locale from the environment, once and for all; where it can change, the framework tells.
+    NotificationCenter().addObserver(stdString(NSCurrentLocaleDidChangeNotification),
+                                     [this](const Notification &) { ++_style; });
 }
 
-std::string Clock::shortTimeString(const CalendarDate &date) const {
-    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
-    [formatter setTimeZone:wallClockZone()];
-    [formatter setDateStyle:NSDateFormatterNoStyle];
-    [formatter setTimeStyle:NSDateFormatterShortStyle];
-    return stdString([formatter stringFromDate:dateFromCalendarDate(date)]);
+std::string TimeFormat::shortTimeString(const CalendarDate &date) const {
+    return stdString([timeFormatter() stringFromDate:dateFromCalendarDate(date)]);
 }
 
 }  // namespace quorel::appkit

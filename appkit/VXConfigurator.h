@@ -58,11 +58,11 @@ namespace quorel::appkit {
 
 /// Loads the interface file "Configurator" out of the pane's bundle, which is not owned.
 class ConfiguratorNib : public quorel::ConfiguratorNib {
-   public:
+public:
     explicit ConfiguratorNib(NSBundle *bundle) : _bundle(bundle) {}
     bool loadNibNamedOwner(std::string_view name, quorel::VXConfigurator &owner) override;
 
-   private:
+private:
     NSBundle *_bundle;
 };
 

@@ -3,6 +3,7 @@
 #import "appkit/Interface.h"
 #import "appkit/VXTimeControl.h"
 
+#include "appkit/CalendarDates.h"
 #include "appkit/Sender.h"
 #include "appkit/Table.h"
 #include "appkit/Values.h"
@@ -62,9 +63,7 @@ namespace appkit = quorel::appkit;
 
 /* Headers and check boxes bear the short names that the user's locale has for the days. */
 - (void)nameDays {
-    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
-    NSArray *names = [formatter shortWeekdaySymbols];  // Sunday first
+    NSArray *names = [appkit::timeFormatter() shortWeekdaySymbols];  // Sunday first
     if ([names count] != 7) return;
     NSUInteger day = 1;
     NSEnumerator *boxes = [[self dayBoxes] objectEnumerator];
@@ -160,8 +159,7 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
 }
 
 - (IBAction)deleteSchedule:(id)sender {
-    // The key is as good as the button, no better.
-    if ([deleteButton isEnabled]) _configurator->deleteSchedule(appkit::senderFrom(sender).get());
+    _configurator->deleteSchedule(appkit::senderFrom(sender).get());
 }
 
 - (IBAction)selectActionType:(id)sender {
@@ -191,9 +189,7 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
 }
 
 - (void)toggleEnabled:(id)sender {
-    if (_configurator->isLocked()) return;
-    NSTableColumn *column = [tableView tableColumnWithIdentifier:appkit::nsString(quorel::schedule_keys::kIsEnabled)];
-    [self tableView:tableView setObjectValue:nil forTableColumn:column row:[tableView selectedRow]];
+    _configurator->toggleEnabled(appkit::senderFrom(sender).get());
 }
 
 // Data source

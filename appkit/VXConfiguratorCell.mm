@@ -3,22 +3,20 @@
 #include <algorithm>
 #include <cmath>
 
+#include "appkit/Resources.h"
+#include "appkit/Strings.h"
+#include "appkit/Values.h"
+#include "kit/VXConfiguratorCell.h"
+
+using namespace quorel;
+using namespace quorel::appkit;
+
 namespace {
 
 constexpr CGFloat kMargin = 4;
 constexpr CGFloat kGap = 8;
 constexpr CGFloat kDotSize = 16;
 constexpr NSUInteger kMostCharacters = 300;  // of one text; no row is wide enough for more
-
-NSString *textUnder(NSString *key, NSDictionary *summary) {
-    id text = [summary objectForKey:key];
-    return [text isKindOfClass:[NSString class]] ? text : @"";
-}
-
-bool flagUnder(NSString *key, NSDictionary *summary) {
-    id flag = [summary objectForKey:key];
-    return [flag isKindOfClass:[NSNumber class]] && [flag boolValue];
-}
 
 /// On one line, and not longer than can be shown.
 NSString *oneLine(NSString *text) {
@@ -59,17 +57,6 @@ NSDictionary *attributesOf(NSFont *font, NSColor *colour) {
         dictionaryWithObjectsAndKeys:font, NSFontAttributeName, colour, NSForegroundColorAttributeName, nil];
 }
 
-/// Kept for the life of the process: every row of the table shows one of three.
-NSImage *imageNamed(NSString *name, Class owner) {
-    static NSMutableDictionary *images = [[NSMutableDictionary alloc] init];
-    NSImage *image = [images objectForKey:name];
-    if (image) return image;
-    NSString *path = [[NSBundle bundleForClass:owner] pathForImageResource:name];
-    image = path ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
-    if (image) [images setObject:image forKey:name];
-    return image;
-}
-
 }  // namespace
 
 @implementation VXConfiguratorCell
@@ -96,26 +83,11 @@ NSImage *imageNamed(NSString *name, Class owner) {
     _summary = summary;
 }
 
-- (NSString *)localized:(NSString *)key {
-    return [[NSBundle bundleForClass:[VXConfiguratorCell class]] localizedStringForKey:key value:@"" table:nil];
-}
-
 - (NSString *)stringValue {
-    NSMutableArray *parts = [NSMutableArray array];
-    for (NSString *key in @[ @"Time", @"Name", @"Action" ]) {
-        NSString *text = textUnder(key, _summary);
-        if ([text length]) [parts addObject:text];
-    }
-    if (flagUnder(@"Startup", _summary)) [parts addObject:[self localized:@"demarre l'ordinateur"]];
-    if (flagUnder(@"Wake Up", _summary)) [parts addObject:[self localized:@"reveille l'ordinateur"]];
-    return [parts componentsJoinedByString:@", "];
-}
-
-- (NSImage *)dot {
-    const bool startup = flagUnder(@"Startup", _summary);
-    const bool wakeUp = flagUnder(@"Wake Up", _summary);
-    if (!startup && !wakeUp) return nil;
-    return imageNamed(!wakeUp ? @"StartupDot" : startup ? @"MixedDot" : @"WakeUpDot", [VXConfiguratorCell class]);
+    NSBundle *bundle = [NSBundle bundleForClass:[VXConfiguratorCell class]];
+    return nsString(summary::sentenceOf(valueFromObject(_summary), [bundle](const char *key) {
+        return stdString(VXLocalized(nsString(key), bundle));
+    }));
 }
 
 - (NSColor *)colourOtherwise:(NSColor *)usual {
@@ -130,6 +102,8 @@ NSImage *imageNamed(NSString *name, Class owner) {
 
 - (void)drawInteriorWithFrame:(NSRect)frame inView:(NSView *)view {
     if (!_summary) return;
+    const Value shown = valueFromObject(_summary);
+    const auto textUnder = [&shown](const char *key) { return oneLine(nsString(shown[key].text())); };
     NSColor *textColour = [self colourOtherwise:[NSColor controlTextColor]];
     NSDictionary *timeStyle = attributesOf([NSFont boldSystemFontOfSize:13], textColour);
     NSDictionary *nameStyle = attributesOf([NSFont systemFontOfSize:12], textColour);
@@ -149,7 +123,9 @@ NSImage *imageNamed(NSString *name, Class owner) {
 
     CGFloat left = NSMinX(frame) + kMargin;
     CGFloat right = NSMaxX(frame) - kMargin;
-    if (NSImage *dot = [self dot]) {
+    const char *dotName = summary::dotNameOf(shown);
+    NSBundle *bundle = [NSBundle bundleForClass:[VXConfiguratorCell class]];
+    if (NSImage *dot = dotName ? VXImageNamed(nsString(dotName), bundle) : nil) {
         right -= kDotSize;
         const NSRect place = NSMakeRect(right, std::round(NSMidY(frame) - kDotSize / 2), kDotSize, kDotSize);
         [dot drawInRect:place
@@ -162,7 +138,7 @@ NSImage *imageNamed(NSString *name, Class owner) {
     }
 
     // Names begin below one another, whatever hour stands before them.
-    NSString *time = oneLine(textUnder(@"Time", _summary));
+    NSString *time = textUnder(summary::kTime);
     if ([time length]) {
         const CGFloat column = widthOf([time length] > 5 ? @"00:00 MM" : @"00:00", timeStyle);
         const CGFloat width = std::min(std::max(column, widthOf(time, timeStyle)), (right - left) / 2);
@@ -170,8 +146,8 @@ NSImage *imageNamed(NSString *name, Class owner) {
         left += width + kGap;
     }
 
-    NSString *name = oneLine(textUnder(@"Name", _summary));
-    NSString *action = oneLine(textUnder(@"Action", _summary));
+    NSString *name = textUnder(summary::kName);
+    NSString *action = textUnder(summary::kAction);
     const CGFloat nameHeight = heightOf(nameStyle);
     const CGFloat both = nameHeight + ([action length] ? heightOf(actionStyle) : 0);
     const CGFloat top = (NSHeight(frame) - both) / 2;

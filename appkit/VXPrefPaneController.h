@@ -9,16 +9,29 @@
 /* Shows the about sheet; returns when it has been closed. */
 - (void)about;
 - (NSWindow *)vxPrefPaneWindow;
-/* The window over which the pane runs its sheets, until it closes. */
+/* The window over which the pane runs its sheets. It is not kept; nil once it is gone. */
 - (void)setVxPrefPaneWindow:(NSWindow *)window;
 - (NSView *)mainView;
 - (void)setMainView:(NSView *)view;
 - (NSPreferencePaneUnselectReply)shouldUnselect;
+/* Without effect: the pane never refuses. */
+- (void)setShouldUnselect:(NSPreferencePaneUnselectReply)answer;
+@end
+
+namespace quorel {
+class VXCommunicationCenter;
+}
+
+/* The pane's face to the communication center. */
+@protocol VXCommunicationProtocol <NSObject>
+/* "I am alive"; any thread. */
+- (BOOL)pong;
+- (quorel::VXCommunicationCenter *)communicationCenter;
 @end
 
 /* The pane's principal class: the owner of its interface file, which passes on to the controller what the host and the
  * controls say. */
-@interface VXPrefPaneController : NSPreferencePane <VXPrefPaneControllerProtocol> {
+@interface VXPrefPaneController : NSPreferencePane <VXPrefPaneControllerProtocol, VXCommunicationProtocol> {
     struct VXPaneState *_state;
 
     IBOutlet NSView *configView;

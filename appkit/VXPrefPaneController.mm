@@ -4,15 +4,16 @@
 
 #include "appkit/Composition.h"
 #include "appkit/Controls.h"
+#include "appkit/Resources.h"
 #include "appkit/Sender.h"
+#include "appkit/WeakWindow.h"
 #include "pane/VXPrefPaneController.h"
 
 namespace appkit = quorel::appkit;
 
 struct VXPaneState {
     std::shared_ptr<quorel::VXPrefPaneController> controller;
-    /// The controller remembers it weakly; it is let go of when it closes.
-    std::shared_ptr<appkit::Window> hostWindow;
+    appkit::WeakWindow hostWindow;
     bool selected = false;
 };
 
@@ -32,7 +33,6 @@ struct VXPaneState {
 }
 
 - (void)dealloc {
-    [[NSNotificationCenter defaultCenter] removeObserver:self];
     delete _state;
     [super dealloc];
 }
@@ -40,22 +40,23 @@ struct VXPaneState {
 - (void)awakeFromNib {
     if (_state->controller->outlets.applyButton) return;
     [self prepareInterface];
+    // A control that the file lacks is a wrapper of nil, which takes every message.
     auto &outlets = _state->controller->outlets;
     outlets.configView = appkit::wrapped<appkit::View>(configView);
     outlets.aboutSheet = appkit::wrapped<appkit::Window>(aboutSheet);
-    outlets.applyButton = appkit::wrapped<appkit::Button>(applyButton);
-    outlets.revertButton = appkit::wrapped<appkit::Button>(revertButton);
-    outlets.authButton = appkit::wrapped<appkit::Button>(authButton);
-    outlets.checkUpdateAtStartup = appkit::wrapped<appkit::Button>(checkUpdateAtStartup);
-    outlets.lockDescLabel = appkit::wrapped<appkit::TextField>(lockDescLabel);
-    outlets.popUpUpdate = appkit::wrapped<appkit::PopUpButton>(popUpUpdate);
-    outlets.menuCheck = appkit::wrapped<appkit::Button>(menuCheck);
-    outlets.networkAdminCheck = appkit::wrapped<appkit::Button>(networkAdminCheck);
-    outlets.statusDaemon = appkit::wrapped<appkit::TextField>(statusDaemon);
-    outlets.statusDaemonImageView = appkit::wrapped<appkit::ImageView>(statusDaemonImageView);
-    outlets.statusUserAgent = appkit::wrapped<appkit::TextField>(statusUserAgent);
-    outlets.statusUserAgentImageView = appkit::wrapped<appkit::ImageView>(statusUserAgentImageView);
-    outlets.theVersion = appkit::wrapped<appkit::TextField>(theVersion);
+    outlets.applyButton = std::make_shared<appkit::Button>(applyButton);
+    outlets.revertButton = std::make_shared<appkit::Button>(revertButton);
+    outlets.authButton = std::make_shared<appkit::Button>(authButton);
+    outlets.checkUpdateAtStartup = std::make_shared<appkit::Button>(checkUpdateAtStartup);
+    outlets.lockDescLabel = std::make_shared<appkit::TextField>(lockDescLabel);
+    outlets.popUpUpdate = std::make_shared<appkit::PopUpButton>(popUpUpdate);
+    outlets.menuCheck = std::make_shared<appkit::Button>(menuCheck);
+    outlets.networkAdminCheck = std::make_shared<appkit::Button>(networkAdminCheck);
+    outlets.statusDaemon = std::make_shared<appkit::TextField>(statusDaemon);
+    outlets.statusDaemonImageView = std::make_shared<appkit::ImageView>(statusDaemonImageView);
+    outlets.statusUserAgent = std::make_shared<appkit::TextField>(statusUserAgent);
+    outlets.statusUserAgentImageView = std::make_shared<appkit::ImageView>(statusUserAgentImageView);
+    outlets.theVersion = std::make_shared<appkit::TextField>(theVersion);
     _state->controller->awakeFromNib();
 }
 
@@ -64,8 +65,7 @@ struct VXPaneState {
     VXLocalizeWindow(_window, bundle);
     VXLocalizeWindow(aboutSheet, bundle);
     VXSetButtonImages(authButton, @"Locked", @"Unlocked", bundle);
-    NSString *icon = [bundle pathForResource:@"Quorel" ofType:@"png"];
-    [theIcon setImage:[[[NSImage alloc] initWithContentsOfFile:icon] autorelease]];
+    [theIcon setImage:VXImageNamed(@"Quorel", bundle)];
     NSString *copyright = [bundle objectForInfoDictionaryKey:@"NSHumanReadableCopyright"];
     [theCopyright setStringValue:copyright ? copyright : @""];
 #ifdef GNUSTEP
@@ -90,29 +90,27 @@ struct VXPaneState {
     [super willUnselect];
 }
 
+- (void)setShouldUnselect:(NSPreferencePaneUnselectReply)answer {
+}
+
 - (void)about {
-    _state->controller->about();
+    [self about:nil];
 }
 
 - (NSWindow *)vxPrefPaneWindow {
-    return _state->hostWindow ? _state->hostWindow->nativeWindow() : nil;
+    return _state->hostWindow.get();
 }
 
 - (void)setVxPrefPaneWindow:(NSWindow *)window {
-    NSNotificationCenter *center = [NSNotificationCenter defaultCenter];
-    [center removeObserver:self name:NSWindowWillCloseNotification object:nil];
-    _state->hostWindow = appkit::wrapped<appkit::Window>(window);
-    _state->controller->setVxPrefPaneWindow(_state->hostWindow);
-    if (!window) return;
-    [center addObserver:self selector:@selector(hostWindowWillClose:) name:NSWindowWillCloseNotification object:window];
-}
-
-- (void)hostWindowWillClose:(NSNotification *)notification {
-    [self setVxPrefPaneWindow:nil];
+    _state->hostWindow.set(window);
 }
 
 - (BOOL)pong {
     return _state->controller->pong();
+}
+
+- (quorel::VXCommunicationCenter *)communicationCenter {
+    return _state->controller->communicationCenter();
 }
 
 // The controls' actions
@@ -139,6 +137,9 @@ struct VXPaneState {
 
 - (IBAction)about:(id)sender {
     VXLetGoOfButton(sender);
+    // The controller remembers the wrapper weakly, so that the window is kept only for as long as the sheet is open.
+    const auto window = appkit::wrapped<appkit::Window>([self vxPrefPaneWindow]);
+    _state->controller->setVxPrefPaneWindow(window);
     _state->controller->about(appkit::senderFrom(sender).get());
 }
 

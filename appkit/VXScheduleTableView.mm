@@ -11,7 +11,7 @@
     NSString *characters = [event charactersIgnoringModifiers];
     const unichar key = [characters length] ? [characters characterAtIndex:0] : 0;
     const bool plain = !([event modifierFlags] & (NSCommandKeyMask | NSControlKeyMask | NSAlternateKeyMask));
-    if (plain && [self selectedRow] >= 0) {
+    if (plain) {
         switch (key) {
             case ' ':
                 [[self keyTarget] toggleEnabled:self];

@@ -2,6 +2,9 @@
 
 #include <objc/runtime.h>
 
+#include "appkit/CalendarDates.h"
+#include "appkit/Resources.h"
+
 namespace {
 
 constexpr CGFloat kFieldHeight = 22;
@@ -58,11 +61,7 @@ int halfIn(NSString *text, NSArray *halves) {
 /// The names of morning and afternoon where the user's short time has them, else nil. There the same digits do not
 /// tell one from three in the afternoon: what is left without the digits differs.
 NSArray *halvesOfTheDay() {
-    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
-    [formatter setTimeZone:[NSTimeZone timeZoneForSecondsFromGMT:0]];
-    [formatter setDateStyle:NSDateFormatterNoStyle];
-    [formatter setTimeStyle:NSDateFormatterShortStyle];
+    NSDateFormatter *formatter = quorel::appkit::timeFormatter();
     const auto withoutDigits = [&](int hour) {
         NSString *text = [formatter stringFromDate:[NSDate dateWithTimeIntervalSince1970:hour * 3600.0]];
         return [[text componentsSeparatedByCharactersInSet:[NSCharacterSet decimalDigitCharacterSet]]
@@ -112,10 +111,6 @@ NSArray *halvesOfTheDay() {
     return [NSActionCell class];
 }
 
-- (NSString *)localized:(NSString *)key {
-    return [[NSBundle bundleForClass:[VXTimeControl class]] localizedStringForKey:key value:@"" table:nil];
-}
-
 - (VXTimeField *)addFieldOfWidth:(CGFloat)width at:(CGFloat)x toolTip:(NSString *)toolTip {
     VXTimeField *field = [[VXTimeField alloc] initWithFrame:[self placeOfWidth:width at:x]];
     [field setAlignment:NSCenterTextAlignment];
@@ -131,9 +126,10 @@ NSArray *halvesOfTheDay() {
 
 - (void)addParts {
     _halves = [halvesOfTheDay() retain];
+    NSBundle *bundle = [NSBundle bundleForClass:[VXTimeControl class]];
 
     CGFloat x = 0;
-    _hourField = [self addFieldOfWidth:kDigitsWidth at:x toolTip:[self localized:@"Heures"]];
+    _hourField = [self addFieldOfWidth:kDigitsWidth at:x toolTip:VXLocalized(@"Heures", bundle)];
     x += kDigitsWidth;
     // Without a bezel its text stands higher.
     const NSRect colonPlace = NSOffsetRect([self placeOfWidth:kColonWidth at:x], 0, -kBezel);
@@ -146,14 +142,14 @@ NSArray *halvesOfTheDay() {
     [_colon setDrawsBackground:NO];
     [self addSubview:_colon];
     x += kColonWidth;
-    _minuteField = [self addFieldOfWidth:kDigitsWidth at:x toolTip:[self localized:@"Minutes"]];
+    _minuteField = [self addFieldOfWidth:kDigitsWidth at:x toolTip:VXLocalized(@"Minutes", bundle)];
     x += kDigitsWidth + kGap;
     if (_halves) {
         NSDictionary *style = @{NSFontAttributeName : [_hourField font]};
         CGFloat width = 0;
         for (NSString *half in _halves) width = MAX(width, [half sizeWithAttributes:style].width);
         width = ceil(width) + 12;
-        _halfField = [self addFieldOfWidth:width at:x toolTip:[self localized:@"Matin ou apres-midi"]];
+        _halfField = [self addFieldOfWidth:width at:x toolTip:VXLocalized(@"Matin ou apres-midi", bundle)];
         x += width + kGap;
     }
 
@@ -163,7 +159,7 @@ NSArray *halvesOfTheDay() {
     [_stepper setMaxValue:1];
     [_stepper setValueWraps:NO];
     [_stepper setAutorepeat:NO];  // repeats at once where it does: one click would be two steps
-    [_stepper setToolTip:[self localized:@"Avancer ou reculer"]];
+    [_stepper setToolTip:VXLocalized(@"Avancer ou reculer", bundle)];
     [_stepper setTarget:self];
     [_stepper setAction:@selector(stepperClicked:)];
     [self addSubview:_stepper];

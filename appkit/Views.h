@@ -6,21 +6,20 @@
 #include <utility>
 
 #include "platform/View.h"
-#include "platform/Window.h"
 
 namespace quorel::appkit {
 
 /// Keeps an Objective-C object for as long as a wrapper of it lives.
 template <class Class>
 class Retained {
-   public:
+public:
     explicit Retained(Class *object) : _object([object retain]) {}
     Retained(const Retained &) = delete;
     Retained &operator=(const Retained &) = delete;
     ~Retained() { [_object release]; }
     Class *get() const { return _object; }
 
-   private:
+private:
     Class *_object;
 };
 
@@ -34,12 +33,12 @@ inline NSRect nsRect(const Rect &rect) {
 
 /// Whatever wraps a view can be asked for it, so that wrapped views can be put into each other.
 class NativeView {
-   public:
+public:
     explicit NativeView(NSView *view) : _view(view) {}
     virtual ~NativeView() = default;
     NSView *nativeView() const { return _view.get(); }
 
-   private:
+private:
     Retained<NSView> _view;
 };
 
@@ -50,7 +49,7 @@ std::vector<std::shared_ptr<quorel::View>> nativeSubviews(NSView *view);
 /// From an interface of views or controls to an NSView. Main thread.
 template <class Interface>
 class BasicView : public Interface, public NativeView {
-   public:
+public:
     explicit BasicView(NSView *view) : NativeView(view) {}
     Rect frame() const override { return rectFrom([nativeView() frame]); }
     void setFrame(const Rect &frame) override { [nativeView() setFrame:nsRect(frame)]; }
@@ -67,7 +66,7 @@ class BasicView : public Interface, public NativeView {
 using View = BasicView<quorel::View>;
 
 class Window : public quorel::Window {
-   public:
+public:
     explicit Window(NSWindow *window) : _window(window) {}
     Rect frame() const override { return rectFrom([_window.get() frame]); }
     void setFrameDisplayAnimate(const Rect &frame, bool display, bool animate) override {
@@ -77,7 +76,7 @@ class Window : public quorel::Window {
     void orderOut(const Object *) override { [_window.get() orderOut:nil]; }
     NSWindow *nativeWindow() const { return _window.get(); }
 
-   private:
+private:
     Retained<NSWindow> _window;
 };
 

@@ -29,6 +29,7 @@ struct Content {
     }
 };
 
+inline constexpr int kSchedulesPerFile = 1000;  // reading a large file at once takes Foundation minutes
 inline constexpr const char* kInfosColumn = "Infos";
 inline constexpr const char* kFlagColumn = "Active On Monday";
 

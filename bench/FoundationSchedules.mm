@@ -136,7 +136,6 @@ struct FoundationSchedules::Parts {
 };
 
 FoundationSchedules::FoundationSchedules(int count) : _parts(std::make_unique<Parts>()) {
-    constexpr int kSchedulesPerFile = 1000;  // reading a large file at once takes Foundation minutes
     _parts->plugins = [NSMutableDictionary new];
     NSMutableArray *list = [[NSMutableArray alloc] initWithCapacity:static_cast<NSUInteger>(count)];
     for (int first = 0; first < count; first += kSchedulesPerFile) {

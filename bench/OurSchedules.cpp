@@ -2,10 +2,14 @@
 
 #include <malloc.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "bench/Content.h"
 #include "bench/FoundationSchedules.h"
 #include "configurator/VXConfigurator.h"
 #include "model/Dictionary.h"
+#include "model/PropertyList.h"
 #include "tests/support/FakeModule.h"
 #include "tests/support/HeadlessNib.h"
 
@@ -19,12 +23,12 @@ public:
     void postNotification(const Notification&) override {}
 };
 
-class FormatterClock : public Clock {
+class Formatter : public TimeFormat {
 public:
-    CalendarDate currentDate() const override { return {2024, 3, 15, 12, 0, 0}; }
     std::string shortTimeString(const CalendarDate& date) const override {
         return shortTimeByFormatter(date.hour, date.minute);
     }
+    int style() const override { return 0; }
 };
 
 class Module : public test::FakeModule {
@@ -33,46 +37,38 @@ public:
     void setParameters(const Value& parameters) override { current = parameters; }
 };
 
-/// Keys and repeated texts are shared.
-Value makeList(int count) {
+/// A property list of the Schedules with these numbers.
+std::string makeFile(int first, int end) {
     Array list;
-    list.reserve(static_cast<std::size_t>(count));
-    Dictionary shape{{schedule_keys::kActionType, ""},
-                     {schedule_keys::kActionParameters, 0},
-                     {schedule_keys::kActionHour, 0},
-                     {schedule_keys::kActionMinute, 0},
-                     {schedule_keys::kIsEnabled, 0}};
-    for (const auto day : schedule_keys::kActiveOnDays) shape.set(day, false);
-    const Dictionary parametersShape{{"n", 0}, {"startup", false}, {"wake", false}};
-    std::map<std::string, Value> texts;
-    const auto shared = [&texts](const std::string& text) { return texts.try_emplace(text, text).first->second; };
-    for (int i = 0; i < count; ++i) {
+    for (int i = first; i < end; ++i) {
         const Content content = Content::ofNumber(i);
-        Dictionary parameters = parametersShape;
-        parameters.set("n", content.parameter);
-        Dictionary schedule = shape;
-        schedule.set(schedule_keys::kActionType, shared(content.type));
-        schedule.set(schedule_keys::kActionParameters, std::move(parameters));
-        schedule.set(schedule_keys::kActionHour, content.hour);
-        schedule.set(schedule_keys::kActionMinute, shared(std::to_string(content.minute)));
-        schedule.set(schedule_keys::kIsEnabled, content.enabled ? 1 : 0);
+        Dictionary schedule{{schedule_keys::kActionType, content.type},
+                            {schedule_keys::kActionParameters,
+                             Dictionary{{"n", content.parameter}, {"startup", false}, {"wake", false}}},
+                            {schedule_keys::kActionHour, content.hour},
+                            {schedule_keys::kActionMinute, std::to_string(content.minute)},
+                            {schedule_keys::kIsEnabled, content.enabled ? 1 : 0}};
         for (unsigned day = 0; day < 7; ++day) {
             schedule.set(schedule_keys::kActiveOnDays[day], (content.days >> day & 1) != 0);
         }
-        list.push_back(Value(std::move(schedule)));
+        list.push_back(std::move(schedule));
     }
-    return Value(std::move(list));
+    return encodePropertyList(list).value();
 }
 
 }  // namespace
 
 struct OurSchedules::Parts {
     headless::HeadlessPlatform host;
-    FormatterClock clock;
     QuietCenter center;
-    Platform platform{
-        host.application, host.authorization,        host.bundles,         host.cells, clock, host.dispatch, center,
-        host.files,       host.standardUserDefaults, host.sharedWorkspace, 0};
+    Formatter timeFormat;
+    Platform platform{{.application = host.application,
+                       .bundles = host.bundles,
+                       .cells = host.cells,
+                       .defaultCenter = center,
+                       .standardUserDefaults = host.standardUserDefaults,
+                       .timeFormat = timeFormat},
+                      host.platform};
     test::ConfiguratorInterface ui;
     std::shared_ptr<VXConfigurator> configurator;
     Value list;
@@ -89,11 +85,17 @@ OurSchedules::OurSchedules(int count) : _parts(std::make_unique<Parts>()) {
         test::installModule(_parts->host.bundles, module, bundle->builtInPlugInsPath(), name);
     }
     _parts->configurator = VXConfigurator::init(bundle, _parts->ui, _parts->platform);
-    const auto before = mallinfo2();
-    _parts->list = makeList(count);
-    const auto after = mallinfo2();
-    _parts->bytesPerSchedule =
-        static_cast<double>(after.uordblks + after.hblkhd - before.uordblks - before.hblkhd) / count;
+    Array list;
+    list.reserve(static_cast<std::size_t>(count));
+    for (int first = 0; first < count; first += kSchedulesPerFile) {
+        const std::string file = makeFile(first, std::min(first + kSchedulesPerFile, count));
+        const auto before = mallinfo2();
+        std::ranges::copy(decodePropertyList(file).array(), std::back_inserter(list));
+        const auto after = mallinfo2();
+        _parts->bytesPerSchedule +=
+            static_cast<double>(after.uordblks + after.hblkhd - before.uordblks - before.hblkhd) / count;
+    }
+    _parts->list = std::move(list);
     handOver();
 }
 

@@ -85,9 +85,9 @@ void memory(benchmark::State& state) {
     state.counters["bytes_per_schedule"] = schedules.bytesPerSchedule();
 }
 
-#define QUOREL_BENCHMARK(name, ...)                                                       \
-    BENCHMARK_TEMPLATE(name, OurSchedules)->Arg(10)->Arg(1000)->Arg(100'000) __VA_ARGS__; \
-    BENCHMARK_TEMPLATE(name, FoundationSchedules)->Arg(10)->Arg(1000)->Arg(100'000) __VA_ARGS__
+#define QUOREL_BENCHMARK(name, ...)                                                                  \
+    BENCHMARK_TEMPLATE(name, OurSchedules)->Arg(10)->Arg(1000)->Arg(2500)->Arg(100'000) __VA_ARGS__; \
+    BENCHMARK_TEMPLATE(name, FoundationSchedules)->Arg(10)->Arg(1000)->Arg(2500)->Arg(100'000) __VA_ARGS__
 
 QUOREL_BENCHMARK(memory, ->Iterations(1));
 QUOREL_BENCHMARK(handOver);

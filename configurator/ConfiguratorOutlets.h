@@ -6,7 +6,7 @@
 
 #include "platform/Controls.h"
 #include "platform/TableView.h"
-#include "platform/Window.h"
+#include "platform/View.h"
 
 namespace quorel {
 

@@ -23,8 +23,8 @@ bool VXConfigurator::tableViewAcceptDropRowDropOperation(TableView&, int row, Dr
     const Value dragged = scheduleAt(_draggedRow);
     const int place = _draggedRow > row ? row : row - 1;
     _scheduleArray.erase(_scheduleArray.begin() + _draggedRow);
-    // The first row dropped on its own position has no place to go to; being taken out is what the drop rule
-    // has for it.
+    // The first row dropped on itself would go above the top. There is no such place: the row is taken out of the list
+    // and the drop refused, as the platform's list does it, which raises an error only after the removal.
     const bool hasPlace = place >= 0;
     if (hasPlace) _scheduleArray.insert(_scheduleArray.begin() + place, dragged);
     outlets.tableView->reloadData();

@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <array>
-#include <functional>
 #include <iterator>
 #include <utility>
 
@@ -9,40 +7,6 @@
 #include "model/Schedule.h"
 
 namespace quorel {
-
-namespace {
-
-/// Answers whether a type has a module. Lists hold few types, each mostly one shared text: those seen last are known
-/// by their address. The texts stay alive elsewhere.
-template <class IsRegistered>
-class TypeFilter {
-public:
-    explicit TypeFilter(IsRegistered isRegistered) : _isRegistered(std::move(isRegistered)) {}
-
-    bool operator()(const Value& schedule) {
-        const Value& type = _typeOf(schedule);
-        if (!type.isText()) return false;
-        const std::string* text = &type.text();
-        for (const Seen& seen : _seen) {
-            if (seen.text == text) return seen.registered;
-        }
-        Seen& oldest = _seen[_next++ % _seen.size()];
-        oldest = {text, _isRegistered(type)};
-        return oldest.registered;
-    }
-
-private:
-    struct Seen {
-        const std::string* text = nullptr;
-        bool registered = false;
-    };
-    IsRegistered _isRegistered;
-    KeyReader _typeOf{schedule_keys::kActionType};
-    std::array<Seen, 4> _seen;
-    std::size_t _next = 0;
-};
-
-}  // namespace
 
 void VXConfigurator::setScheduleArray(const Value& list) {
     _timeTexts.clear();
@@ -56,18 +20,18 @@ void VXConfigurator::setScheduleArray(const Value& list) {
         seed = _scheduleArray;
         schedules = &seed;
     }
-    TypeFilter hasModule([this](const Value& type) { return moduleOfType(type) != nullptr; });
     Array kept;
     kept.reserve(schedules->size());
-    std::copy_if(schedules->begin(), schedules->end(), std::back_inserter(kept), std::ref(hasModule));
+    std::copy_if(schedules->begin(), schedules->end(), std::back_inserter(kept), [this](const Value& schedule) {
+        return moduleOfType(schedule[schedule_keys::kActionType]) != nullptr;
+    });
     _scheduleArray = std::move(kept);
     outlets.tableView->reloadData();
 }
 
 int VXConfigurator::numberOfActionInScheduleArrayOfType(std::string_view type) const {
-    KeyReader typeOf(schedule_keys::kActionType);
     return static_cast<int>(std::count_if(_scheduleArray.begin(), _scheduleArray.end(), [&](const Value& schedule) {
-        const Value& own = typeOf(schedule);
+        const Value& own = schedule[schedule_keys::kActionType];
         return own.isText() && own.text() == type;
     }));
 }

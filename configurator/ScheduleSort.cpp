@@ -17,78 +17,56 @@ bool lowByteIsSet(const Value& value) {
     return (static_cast<unsigned>(value.intValue()) & 0xFFu) != 0;
 }
 
-ComparisonResult swapped(ComparisonResult result) {
-    return static_cast<ComparisonResult>(-static_cast<int>(result));
-}
-
-ComparisonResult compareTimes(const Value& a, const Value& b) {
-    const int hourOfA = a[schedule_keys::kActionHour].intValue();
-    const int hourOfB = b[schedule_keys::kActionHour].intValue();
-    if (hourOfA != hourOfB) return hourOfA < hourOfB ? ComparisonResult::Ascending : ComparisonResult::Descending;
-    const bool earlier = a[schedule_keys::kActionMinute].intValue() < b[schedule_keys::kActionMinute].intValue();
-    return earlier ? ComparisonResult::Ascending : ComparisonResult::Descending;
-}
-
-ComparisonResult compareFlags(bool a, bool b) {
-    if (a == b) return ComparisonResult::Same;
-    return a ? ComparisonResult::Ascending : ComparisonResult::Descending;
-}
-
-/// Orders Schedules by one number each, as sortColomnFunction orders them unreversed.
-class SortKey {
+/// The order that a column and a direction put Schedules in.
+class Order {
 public:
-    explicit SortKey(std::string_view identifier)
-        : _byTime(identifier == schedule_keys::kInfos),
-          _first(_byTime ? schedule_keys::kActionHour : identifier),
-          _second(schedule_keys::kActionMinute) {}
+    explicit Order(const Value& context)
+        : _column(context[kColomnIdentifier].text()),
+          _byTime(_column == schedule_keys::kInfos),
+          _reversed(lowByteIsSet(context[kOrder])) {}
 
-    std::int64_t operator()(const Value& schedule) {
-        if (!_byTime) return lowByteIsSet(_first(schedule)) ? 0 : 1;
-        constexpr std::int64_t kMinutesOffset = std::int64_t{1} << 31;
-        return std::int64_t{_first(schedule).intValue()} * (kMinutesOffset * 2) +
-               (_second(schedule).intValue() + kMinutesOffset);
+    /// What a Schedule is ordered by: hour and minute, or one number that is lower where the flag is set.
+    using Key = std::pair<int, int>;
+    Key keyOf(const Value& schedule) const {
+        if (!_byTime) return {lowByteIsSet(schedule[_column]) ? 0 : 1, 0};
+        return {schedule[schedule_keys::kActionHour].intValue(), schedule[schedule_keys::kActionMinute].intValue()};
+    }
+
+    ComparisonResult compare(const Key& a, const Key& b) const {
+        using enum ComparisonResult;
+        if (a == b && !_byTime) return Same;
+        return (a < b) != _reversed ? Ascending : Descending;
     }
 
 private:
+    std::string _column;
     bool _byTime;
-    KeyReader _first;
-    KeyReader _second;
+    bool _reversed;
 };
-
-// No sort can run on a comparison in which equal times come after each other. Sorting stably by numbers gives what
-// that comparison decides, and leaves the order of equal Schedules alone.
-void sortSchedules(Array& schedules, std::string_view identifier, bool reversed) {
-    struct Entry {
-        std::int64_t key;
-        std::size_t from;
-    };
-    std::vector<Entry> order;
-    order.reserve(schedules.size());
-    SortKey keyOf(identifier);
-    for (const Value& schedule : schedules) {
-        const std::int64_t key = keyOf(schedule);
-        order.push_back({reversed ? ~key : key, order.size()});
-    }
-    std::stable_sort(order.begin(), order.end(), [](const Entry& a, const Entry& b) { return a.key < b.key; });
-    Array sorted;
-    sorted.reserve(schedules.size());
-    for (const Entry& entry : order) sorted.push_back(std::move(schedules[entry.from]));
-    schedules = std::move(sorted);
-}
 
 }  // namespace
 
 ComparisonResult sortColomnFunction(const Value& a, const Value& b, const Value& context) {
-    const Value& identifier = context[kColomnIdentifier];
-    const std::string& key = identifier.text();
-    const ComparisonResult result =
-        key == schedule_keys::kInfos ? compareTimes(a, b) : compareFlags(lowByteIsSet(a[key]), lowByteIsSet(b[key]));
-    return lowByteIsSet(context[kOrder]) ? swapped(result) : result;
+    const Order order(context);
+    return order.compare(order.keyOf(a), order.keyOf(b));
 }
 
 bool VXConfigurator::tableViewShouldSelectTableColumn(TableView&, const TableColumn& column) {
     const bool reversed = std::exchange(sortReversed, !sortReversed);
-    sortSchedules(_scheduleArray, column.identifier(), reversed);
+    const Order order(Dictionary{{kColomnIdentifier, column.identifier()}, {kOrder, reversed}});
+    std::vector<std::pair<Order::Key, const Value*>> entries;  // a Schedule is asked once what it is ordered by
+    entries.reserve(_scheduleArray.size());
+    for (const Value& schedule : _scheduleArray) entries.emplace_back(order.keyOf(schedule), &schedule);
+    // No sort can run on a comparison in which equal times come after each other, or before. What both answers agree
+    // on is an order; Schedules that it leaves open stay as they were.
+    std::stable_sort(entries.begin(), entries.end(), [&](const auto& a, const auto& b) {
+        return order.compare(a.first, b.first) == ComparisonResult::Ascending &&
+               order.compare(b.first, a.first) == ComparisonResult::Descending;
+    });
+    Array sorted;
+    sorted.reserve(entries.size());
+    for (const auto& [key, schedule] : entries) sorted.push_back(*schedule);
+    _scheduleArray = std::move(sorted);
     outlets.tableView->reloadData();
     return false;
 }

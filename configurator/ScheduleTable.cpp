@@ -92,39 +92,39 @@ Value VXConfigurator::tableViewObjectValueForTableColumnRow(TableView&, const Ta
 }
 
 Value VXConfigurator::actionSummaryOf(const Value& schedule) {
-    static const Ref<DictionaryKeys> keys(
-        new DictionaryKeys({summary::kAction, summary::kName, summary::kStartup, summary::kTime, summary::kWakeUp}));
     auto* module = moduleOfType(schedule[schedule_keys::kActionType]);
     if (!module) return {};
     module->setParameters(schedule[schedule_keys::kActionParameters]);
-    Value name = module->pluginName().value_or(std::string());
-    Value action = module->actionString();
-    const Value& time = timeTextOf(schedule);
-    const bool startup = module->needsStartup();
-    const bool wakeUp = module->needsWakeUp();
-    std::vector<Value> values;
-    values.reserve(keys->size());
-    values.push_back(std::move(action));
-    values.push_back(std::move(name));
-    values.push_back(startup);
-    values.push_back(time);
-    values.push_back(wakeUp);
-    return Dictionary(keys, std::move(values));
+    return Dictionary{{summary::kName, module->pluginName().value_or(std::string())},
+                      {summary::kAction, module->actionString()},
+                      {summary::kTime, timeTextOf(schedule)},
+                      {summary::kStartup, module->needsStartup()},
+                      {summary::kWakeUp, module->needsWakeUp()}};
 }
 
-const Value& VXConfigurator::timeTextOf(const Value& schedule) {
+Value VXConfigurator::timeTextOf(const Value& schedule) {
     const int hour = schedule[schedule_keys::kActionHour].intValue();
     const int minute = schedule[schedule_keys::kActionMinute].intValue();
+    if (_timeStyle != _platform.timeFormat.style()) _timeTexts.clear();
+    _timeStyle = _platform.timeFormat.style();
     Value& text = _timeTexts[(std::int64_t{hour} << 32) | static_cast<std::uint32_t>(minute)];
     if (text.isAbsent()) {
-        text = _platform.clock.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
+        text =
+            _platform.timeFormat.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
     }
     return text;
 }
 
 void VXConfigurator::tableViewSetObjectValueForTableColumnRow(TableView&, const Value&, const TableColumn& column,
                                                               int row) {
-    const std::string identifier = column.identifier();
+    toggle(column.identifier(), row);
+}
+
+void VXConfigurator::toggleEnabled(const Object*) {
+    if (!_locked) toggle(schedule_keys::kIsEnabled, outlets.tableView->selectedRow());
+}
+
+void VXConfigurator::toggle(std::string_view identifier, int row) {
     // The summary is no flag, and its column's name no key of a Schedule.
     if (!hasRow(row) || identifier == schedule_keys::kInfos) return;
     Value& entry = _scheduleArray[static_cast<std::size_t>(row)];

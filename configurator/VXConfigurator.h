@@ -64,6 +64,7 @@ public:
     Value tableViewObjectValueForTableColumnRow(TableView& table, const TableColumn& column, int row) override;
     void tableViewSetObjectValueForTableColumnRow(TableView& table, const Value& value, const TableColumn& column,
                                                   int row) override;
+    void toggleEnabled(const Object* sender);  ///< of the selected row, by the keyboard: not while locked
     bool tableViewShouldEditTableColumnRow(TableView& table, const TableColumn& column, int row) override;
     void tableViewSelectionDidChange() override;
     bool selectionShouldChangeInTableView(TableView& table) override;
@@ -110,7 +111,8 @@ private:
     bool hasRow(int row) const;                      ///< the table may ask for rows that are gone
     const Value& scheduleAt(int row) const;          ///< of a row that exists
     Value actionSummaryOf(const Value& schedule);
-    const Value& timeTextOf(const Value& schedule);
+    Value timeTextOf(const Value& schedule);
+    void toggle(std::string_view identifier, int row);
     void clearSelection();
     void postEdited();
 
@@ -123,9 +125,10 @@ private:
     bool _isEditing = false;
     bool _isAdding = false;
     int _draggedRow = -1;
-    /// Texts of the times on show: writing one anew for each cell is what a long table would spend its time on.
-    /// Forgotten with each list, since the user may have changed the style meanwhile.
+    /// Texts of the times on show, in the style that the user had when they were written: writing one anew for each
+    /// cell is what a long table would spend its time on.
     std::unordered_map<std::int64_t, Value> _timeTexts;
+    int _timeStyle = 0;
     Size _editSheetMinSize;
 };
 

@@ -2,16 +2,19 @@
 
 #include <csignal>
 #include <stdexcept>
-#include <utility>
 
 #include "kit/MOLLog.h"
 #include "model/Names.h"
 
 namespace quorel {
 
-Daemon::Daemon(std::string root) : _bus(connectTo(Bus::System, _loop)), _door(_loop, _bus.get(), std::move(root)) {
+Daemon::Daemon(const std::string& root, const Clocks& clocks)
+    : _bus(connectTo(Bus::System, _loop)),
+      _acting(_loop, _bus.get(), root, clocks),
+      _door(_loop, _bus.get(), root, [this](const Value& preferences) { _acting.take(preferences); }) {
     _loop.endOn({SIGTERM, SIGINT, SIGHUP});
     if (!requestName(_bus.get(), std::string(kDaemonName))) throw std::runtime_error("another daemon has the name");
+    _acting.take(PreferencesStore(root).read());
 }
 
 int Daemon::run() {

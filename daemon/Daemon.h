@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "daemon/Acting.h"
 #include "daemon/Door.h"
 #include "linux/Bus.h"
 #include "linux/EventLoop.h"
@@ -11,9 +12,9 @@ namespace quorel {
 /// What the daemon is made of: one loop, one connection to the system bus, and the parts that share them.
 class Daemon {
 public:
-    /// `root` stands before absolute paths of the product. Throws std::exception when the bus or the name is not to be
-    /// had. Call it before threads are started.
-    explicit Daemon(std::string root);
+    /// `root` stands before absolute paths of the product. `clocks` must outlive it. Throws std::exception when the bus
+    /// or the name is not to be had. Call it before threads are started.
+    Daemon(const std::string& root, const Clocks& clocks);
 
     /// Serves until told to end, by a signal or by the bus, which has gone then. The program's exit status.
     int run();
@@ -21,6 +22,7 @@ public:
 private:
     EventLoop _loop;
     const BusConnection _bus;
+    Acting _acting;
     Door _door;
 };
 

@@ -9,6 +9,7 @@
 
 #include "kit/MOLLog.h"
 #include "model/Names.h"
+#include "model/PropertyList.h"
 
 namespace quorel {
 
@@ -33,9 +34,10 @@ const char* textOf(Verdict verdict) {
 
 }  // namespace
 
-Door::Door(EventLoop& loop, sd_bus* bus, std::string root)
+Door::Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored)
     : _bus(bus),
-      _store(std::move(root)),
+      _store(root),
+      _stored(std::move(stored)),
       _reader(loop, _store),
       _tidying(loop, [] { malloc_trim(0); }),
       _endpoint(bus, [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
@@ -118,6 +120,7 @@ void Door::ask(Save& save) {
 void Door::store(Save& save, const std::string& bytes) {
     if (_store.keepUnreadable()) MOLLog("The file in place cannot be read; it is kept beside the new one.");
     if (const auto reason = _store.write(bytes); !reason.empty()) return refuse(save, wire::kStorageFailed, reason);
+    _stored(decodePropertyList(bytes));
     accept(save, "are stored");
 }
 

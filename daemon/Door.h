@@ -23,8 +23,9 @@ namespace quorel {
 /// one list is read at a time, and of a call that waits for a person nothing is kept but its message.
 class Door {
 public:
-    /// The connection is served by the loop. Throws std::exception.
-    Door(EventLoop& loop, sd_bus* bus, std::string root);
+    using Stored = std::function<void(const Value& preferences)>;
+    /// The connection is served by the loop. `stored` is called before a save is answered. Throws std::exception.
+    Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored);
 
 private:
     /// A save under way.
@@ -54,11 +55,12 @@ private:
 
     sd_bus* const _bus;
     const PreferencesStore _store;
+    const Stored _stored;
     std::map<std::string, Save, std::less<>> _saves;      // by the caller's bus name
     std::map<std::string, unsigned, std::less<>> _users;  // of those who have called; a bus name is nobody else's later
     std::deque<std::string> _unread;                      // whose list is to be read
     ListReader _reader;
-    Timer _tidying;
+    LoopTimer _tidying;
     BusEndpoint _endpoint;
 };
 

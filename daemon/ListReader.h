@@ -37,7 +37,7 @@ private:
     std::function<void(Outcome)> _done;
     pid_t _child = 0;
     int _file = -1;  // where the process writes its outcome
-    EventSource _end{nullptr, sd_event_source_disable_unref};
+    EventSource _end;
 };
 
 }  // namespace quorel

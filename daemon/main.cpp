@@ -27,7 +27,10 @@ int main(int count, char** arguments) try {
     std::signal(SIGPIPE, SIG_IGN);
     // Once a large message has gone, the allocator would keep such sizes for itself rather than give them back.
     mallopt(M_MMAP_THRESHOLD, 128 * 1024);
-    return quorel::Daemon(std::move(root)).run();
+    // The zone is the system's, which may change.
+    if (root.empty()) unsetenv("TZ");
+    const quorel::Clocks clocks;
+    return quorel::Daemon(root, clocks).run();
 } catch (const std::exception& exception) {
     quorel::MOLLog("The daemon cannot start: %s.", exception.what());
     return EXIT_FAILURE;

@@ -88,7 +88,8 @@ def read_line(process, seconds=SECONDS_TO_START):
 class PrivateSystem:
     """Has a system bus at once. Only the user who starts it may be the product's daemon on it."""
 
-    def __init__(self):
+    def __init__(self, policy=""):
+        """`policy` allows more on the system bus."""
         self.place = tempfile.mkdtemp()
         os.chmod(self.place, 0o755)
         self.state = f"{self.place}/state"  # where programs of any user keep what a user's home would
@@ -100,7 +101,7 @@ class PrivateSystem:
         self.polkit = None
         self._watchers = {}
         try:
-            self.bus = self._start_bus("system", SYSTEM_POLICY.format(product_policy=self._own_policy()))
+            self.bus = self._start_bus("system", SYSTEM_POLICY.format(product_policy=self._own_policy()) + policy)
         except BaseException:
             self.close()
             raise

@@ -17,12 +17,20 @@ constexpr std::chrono::seconds kLongestReply{60};  // when much that strangers h
 
 using Replied = std::function<void(sd_bus_message*)>;
 
-int handOver(sd_bus_message* reply, void* replied, sd_bus_error*) try {
-    (*static_cast<Replied*>(replied))(reply);
-    return 1;
+int handOver(sd_bus_message* message, void* replied, sd_bus_error*) try {
+    (*static_cast<Replied*>(replied))(message);
+    return 0;                                // a signal may be for others too
 } catch (const std::exception& exception) {  // memory has run out
-    MOLLog("An answer is lost: %s", exception.what());
-    return 1;
+    MOLLog("A message is lost: %s", exception.what());
+    return 0;
+}
+
+/// The slot, with the callback as its own. sd-bus keeps it while it is handing over.
+BusSlot owning(int result, sd_bus_slot* slot, std::unique_ptr<Replied> callback) {
+    if (result < 0) return {};
+    sd_bus_slot_set_destroy_callback(slot, [](void* owned) { delete static_cast<Replied*>(owned); });
+    callback.release();
+    return BusSlot(slot);
 }
 
 }  // namespace
@@ -30,7 +38,7 @@ int handOver(sd_bus_message* reply, void* replied, sd_bus_error*) try {
 BusConnection beginConnection(Bus bus) {
     sd_bus* connection = nullptr;
     const int result = bus == Bus::System ? sd_bus_open_system(&connection) : sd_bus_open_user(&connection);
-    return {result < 0 ? nullptr : connection, sd_bus_close_unref};
+    return BusConnection(result < 0 ? nullptr : connection);
 }
 
 bool serveUntil(sd_bus* bus, BusDeadline deadline, const std::function<bool()>& condition) {
@@ -71,7 +79,7 @@ BusMessagePointer newCall(sd_bus* bus, const char* receiver, const char* path, c
                           const char* method) {
     sd_bus_message* message = nullptr;
     sd_bus_message_new_method_call(bus, &message, receiver, path, interface, method);
-    return {message, sd_bus_message_unref};
+    return BusMessagePointer(message);
 }
 
 BusSlot callAsync(sd_bus* bus, sd_bus_message* call, std::chrono::microseconds limit, Replied replied) {
@@ -79,10 +87,20 @@ BusSlot callAsync(sd_bus* bus, sd_bus_message* call, std::chrono::microseconds l
     sd_bus_slot* slot = nullptr;
     const int result =
         sd_bus_call_async(bus, &slot, call, handOver, callback.get(), static_cast<std::uint64_t>(limit.count()));
-    if (result >= 0)  // sd-bus keeps the slot while it is handing over
-        sd_bus_slot_set_destroy_callback(slot, [](void* owned) { delete static_cast<Replied*>(owned); });
-    if (result >= 0) callback.release();
-    return {slot, sd_bus_slot_unref};
+    return owning(result, slot, std::move(callback));
+}
+
+BusError errorOf(sd_bus_message* reply) {
+    const sd_bus_error* error = sd_bus_message_get_error(reply);
+    if (!error || !error->name) return {};
+    return {error->name, error->message ? error->message : error->name};
+}
+
+BusSlot watchSignals(sd_bus* bus, const std::string& rule, std::function<void(sd_bus_message* signal)> heard) {
+    auto callback = std::make_unique<Replied>(std::move(heard));
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_add_match_async(bus, &slot, rule.c_str(), handOver, nullptr, callback.get());
+    return owning(result, slot, std::move(callback));
 }
 
 }  // namespace quorel

@@ -13,9 +13,9 @@ namespace quorel {
 
 enum class Bus { System, Session };
 
-using BusConnection = std::unique_ptr<sd_bus, decltype(&sd_bus_close_unref)>;
-using BusMessagePointer = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
-using BusSlot = std::unique_ptr<sd_bus_slot, decltype(&sd_bus_slot_unref)>;
+using BusConnection = std::unique_ptr<sd_bus, Release<sd_bus_close_unref>>;
+using BusMessagePointer = std::unique_ptr<sd_bus_message, Release<sd_bus_message_unref>>;
+using BusSlot = std::unique_ptr<sd_bus_slot, Release<sd_bus_slot_unref>>;
 using BusDeadline = std::chrono::steady_clock::time_point;
 
 // A connection and whatever came from it belong to one thread at a time.
@@ -44,5 +44,16 @@ BusMessagePointer newCall(sd_bus* bus, const char* receiver, const char* path, c
 /// may let the slot go. Null when nothing could be sent, in which case nothing will be handed over.
 BusSlot callAsync(sd_bus* bus, sd_bus_message* call, std::chrono::microseconds limit,
                   std::function<void(sd_bus_message* reply)> replied);
+
+/// What a reply says that is an error; an empty name for one that is none. The message is somebody else's text.
+struct BusError {
+    std::string name;
+    std::string message;
+    explicit operator bool() const { return !name.empty(); }
+};
+BusError errorOf(sd_bus_message* reply);
+
+/// Hands over the signals that a match rule describes until the slot has gone, which the callback may let go.
+BusSlot watchSignals(sd_bus* bus, const std::string& rule, std::function<void(sd_bus_message* signal)> heard);
 
 }  // namespace quorel

@@ -9,22 +9,13 @@ namespace quorel {
 
 // An sd_bus_track would do the same, but waits for the bus when a name is added.
 BusCaller::BusCaller(sd_bus* bus, std::string name, std::function<void()> gone)
-    : _bus(bus), _name(std::move(name)), _gone(std::move(gone)) {
-    const auto left = [](sd_bus_message*, void* self, sd_bus_error*) {
-        const auto told = std::move(static_cast<BusCaller*>(self)->_gone);
-        told();
-        return 0;
-    };
-    const auto ignored = [](sd_bus_message*, void*, sd_bus_error*) { return 0; };
-    const std::string match =
-        "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-        "member='NameOwnerChanged',arg0='" +
-        _name + "',arg2=''";
-    sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_add_match_async(bus, &slot, match.c_str(), left, ignored, this);
-    if (result < 0) throw std::runtime_error(std::strerror(-result));
-    _leaving.reset(slot);
-}
+    : _bus(bus),
+      _name(std::move(name)),
+      _leaving(watchSignals(bus,
+                            "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                            "member='NameOwnerChanged',arg0='" +
+                                _name + "',arg2=''",
+                            [gone = std::move(gone)](sd_bus_message*) { gone(); })) {}
 
 BusCaller::~BusCaller() = default;
 

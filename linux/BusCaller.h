@@ -17,7 +17,7 @@ enum class Verdict { Allowed, Refused, Dismissed, NobodyToAsk };
 class BusCaller {
 public:
     /// `gone` is called when the caller leaves the bus: what a caller has given up must not be done behind its back.
-    /// Letting the caller go closes a dialog that is open for it. Throws std::runtime_error.
+    /// Letting the caller go closes a dialog that is open for it.
     BusCaller(sd_bus* bus, std::string name, std::function<void()> gone);
     ~BusCaller();
     BusCaller(const BusCaller&) = delete;
@@ -32,9 +32,8 @@ public:
 private:
     sd_bus* const _bus;
     const std::string _name;
-    std::function<void()> _gone;
-    BusSlot _leaving{nullptr, sd_bus_slot_unref};
-    BusSlot _user{nullptr, sd_bus_slot_unref};
+    BusSlot _leaving;
+    BusSlot _user;
     std::optional<PolkitQuestion> _question;
 };
 

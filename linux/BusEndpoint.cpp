@@ -11,7 +11,7 @@
 namespace quorel {
 
 struct BusAnswer::State {
-    explicit State(sd_bus_message* message) : _message(sd_bus_message_ref(message), sd_bus_message_unref) {}
+    explicit State(sd_bus_message* message) : _message(sd_bus_message_ref(message)) {}
     ~State() { refuse(wire::kFailed, "The notification was not handled."); }
 
     void accept() {

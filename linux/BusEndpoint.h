@@ -47,7 +47,7 @@ private:
 
     const Handler _handler;
     const Pong _pong;
-    BusSlot _slot{nullptr, sd_bus_slot_unref};
+    BusSlot _slot;
 };
 
 }  // namespace quorel

@@ -9,8 +9,8 @@ namespace quorel {
 
 /// A call under way. Must not be moved: what waits for the reply knows where it is.
 struct BusPeer::Call {
-    BusMessagePointer reply{nullptr, sd_bus_message_unref};
-    BusSlot slot{nullptr, sd_bus_slot_unref};
+    BusMessagePointer reply;
+    BusSlot slot;
 };
 
 BusPeer::BusPeer(Bus bus, const char* name, Clock::time_point deadline) : _bus(beginConnection(bus)) {
@@ -61,7 +61,7 @@ BusPeer::Outcome BusPeer::post(const std::string& name, const std::string& objec
 bool BusPeer::begin(Call& call, sd_bus_message* message) {
     // The connection's own time limit must never be the shorter one.
     call.slot = callAsync(_bus.get(), message, std::chrono::microseconds::max(), [&call](sd_bus_message* reply) {
-        call.reply = {sd_bus_message_ref(reply), sd_bus_message_unref};
+        call.reply.reset(sd_bus_message_ref(reply));
     });
     return call.slot != nullptr;
 }

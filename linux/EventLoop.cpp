@@ -26,10 +26,10 @@ EventLoop::EventLoop() {
     sd_event* loop = nullptr;
     check(sd_event_new(&loop), "no event loop");
     _loop.reset(loop);
-    sigset_t ends;  // sd-event wants it for children
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGCHLD);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    sigset_t children;
+    sigemptyset(&children);
+    sigaddset(&children, SIGCHLD);
+    pthread_sigmask(SIG_BLOCK, &children, nullptr);
 }
 
 void EventLoop::endOn(std::initializer_list<int> signals) {
@@ -51,39 +51,49 @@ void EventLoop::end(int status) {
     sd_event_exit(_loop.get(), status);
 }
 
-Timer::Timer(EventLoop& loop, std::function<void()> due) : _due(std::move(due)) {
+LoopTimer::LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock) : _due(std::move(due)) {
     const auto called = [](sd_event_source*, std::uint64_t, void* self) {
-        static_cast<Timer*>(self)->_due();
+        static_cast<LoopTimer*>(self)->_due();
         return 0;
     };
     sd_event_source* source = nullptr;
-    check(sd_event_add_time(loop.get(), &source, CLOCK_BOOTTIME, 0, 1, called, this), "no timer");
+    check(sd_event_add_time(loop.get(), &source, clock, 0, 1, called, this), "no timer");
     _source.reset(source);
     sd_event_source_set_enabled(source, SD_EVENT_OFF);
 }
 
-void Timer::start(std::chrono::microseconds after) {
+void LoopTimer::start(std::chrono::microseconds after) {
     const auto delay = std::max<std::chrono::microseconds::rep>(after.count(), 0);
     sd_event_source_set_time_relative(_source.get(), static_cast<std::uint64_t>(delay));
     sd_event_source_set_enabled(_source.get(), SD_EVENT_ONESHOT);
 }
 
-bool Timer::isRunning() const {
+bool LoopTimer::isRunning() const {
     return sd_event_source_get_enabled(_source.get(), nullptr) > 0;
 }
 
-Wakeup::Wakeup(EventLoop& loop, std::function<void()> woken)
-    : _woken(std::move(woken)), _file(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    check(_file < 0 ? -errno : 0, "no wake-up call");
-    const auto called = [](sd_event_source*, int file, std::uint32_t, void* self) {
-        std::uint64_t count;
-        [[maybe_unused]] const auto size = read(file, &count, sizeof count);
-        static_cast<Wakeup*>(self)->_woken();
+EventSource whenReadable(EventLoop& loop, int file, std::function<void()> readable) {
+    using Callback = std::function<void()>;
+    const auto called = [](sd_event_source*, int, std::uint32_t, void* callback) {
+        (*static_cast<Callback*>(callback))();
         return 0;
     };
+    auto callback = std::make_unique<Callback>(std::move(readable));
     sd_event_source* source = nullptr;
-    check(sd_event_add_io(loop.get(), &source, _file, EPOLLIN, called, this), "no wake-up call");
-    _source.reset(source);
+    check(sd_event_add_io(loop.get(), &source, file, EPOLLIN, called, callback.get()), "no file to watch");
+    // The loop keeps a source until it has been called, also one that lets itself go.
+    sd_event_source_set_destroy_callback(source, [](void* owned) { delete static_cast<Callback*>(owned); });
+    callback.release();
+    return EventSource(source);
+}
+
+Wakeup::Wakeup(EventLoop& loop, std::function<void()> woken) : _file(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    check(_file < 0 ? -errno : 0, "no wake-up call");
+    _source = whenReadable(loop, _file, [this, woken = std::move(woken)] {
+        std::uint64_t count;
+        [[maybe_unused]] const auto size = read(_file, &count, sizeof count);
+        woken();
+    });
 }
 
 Wakeup::~Wakeup() {

@@ -10,7 +10,12 @@
 
 namespace quorel {
 
-using EventSource = std::unique_ptr<sd_event_source, decltype(&sd_event_source_disable_unref)>;
+/// Gives back what libsystemd has handed out.
+template <auto kRelease>
+struct Release {
+    void operator()(auto* object) const { kRelease(object); }
+};
+using EventSource = std::unique_ptr<sd_event_source, Release<sd_event_source_disable_unref>>;
 
 /// What a program waits on: its bus, timers, signals, children. Everything is called on the thread that runs the loop,
 /// one at a time, and must return soon. Whatever watches the loop must go before it does. Constructors here throw
@@ -28,15 +33,15 @@ public:
     void end(int status);
 
 private:
-    std::unique_ptr<sd_event, decltype(&sd_event_unref)> _loop{nullptr, sd_event_unref};
+    std::unique_ptr<sd_event, Release<sd_event_unref>> _loop;
 };
 
-/// Calls once when its time has come. The clock goes on while the computer sleeps: what has become due meanwhile is
-/// called on awaking.
-class Timer {
+/// Calls once when its time has come. By CLOCK_BOOTTIME it goes on while the computer sleeps: what has become due
+/// meanwhile is called on awaking. By CLOCK_MONOTONIC it stands still.
+class LoopTimer {
 public:
-    Timer(EventLoop& loop, std::function<void()> due);
-    Timer(const Timer&) = delete;
+    LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock = CLOCK_BOOTTIME);
+    LoopTimer(const LoopTimer&) = delete;
 
     /// A timer that runs begins anew.
     void start(std::chrono::microseconds after);
@@ -44,8 +49,11 @@ public:
 
 private:
     const std::function<void()> _due;
-    EventSource _source{nullptr, sd_event_source_disable_unref};
+    EventSource _source;
 };
+
+/// Calls whenever a file, which stays the caller's, has something to read.
+EventSource whenReadable(EventLoop& loop, int file, std::function<void()> readable);
 
 /// How another thread gets something called on the loop's.
 class Wakeup {
@@ -58,9 +66,8 @@ public:
     void wake() const;
 
 private:
-    const std::function<void()> _woken;
     const int _file;
-    EventSource _source{nullptr, sd_event_source_disable_unref};
+    EventSource _source;
 };
 
 }  // namespace quorel

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "kit/MOLLog.h"
 
@@ -16,12 +17,21 @@ namespace {
 
 const char* programName = "quorel";
 
-void writeLine(std::string_view line) {
+std::string withoutControls(std::string_view line) {
     std::string text(line);
     for (char& c : text)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
-    // A service's standard error stream is the journal already.
-    if (!std::getenv("JOURNAL_STREAM"))
+    return text;
+}
+
+/// A service's standard error stream is the journal already.
+bool isService() {
+    return std::getenv("JOURNAL_STREAM") != nullptr;
+}
+
+void writeLine(std::string_view line) {
+    const std::string text = withoutControls(line);
+    if (!isService())
         sd_journal_send("MESSAGE=%s", text.c_str(), "PRIORITY=%i", LOG_INFO, "SYSLOG_IDENTIFIER=%s", programName,
                         nullptr);
     std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
@@ -32,6 +42,22 @@ void writeLine(std::string_view line) {
 void installJournalLog(const char* program) {
     programName = program;
     setMOLLogSink(writeLine);
+}
+
+void writeJournalEntry(std::string_view messageId, std::string_view message,
+                       const std::vector<std::pair<std::string_view, std::string>>& fields) {
+    const std::string text = withoutControls(message);
+    if (!isService()) {
+        std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
+        return;
+    }
+    std::vector<std::string> entries = {"MESSAGE=" + text, "MESSAGE_ID=" + std::string(messageId),
+                                        "PRIORITY=" + std::to_string(LOG_INFO),
+                                        "SYSLOG_IDENTIFIER=" + std::string(programName)};
+    for (const auto& [name, value] : fields) entries.push_back(std::string(name) + "=" + value);
+    std::vector<iovec> parts;
+    for (std::string& entry : entries) parts.push_back({entry.data(), entry.size()});
+    sd_journal_sendv(parts.data(), static_cast<int>(parts.size()));
 }
 
 }  // namespace quorel

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/Names.h"
-#include "platform/Authorization.h"
+#include "platform/System.h"
 
 namespace quorel {
 

@@ -30,7 +30,7 @@ public:
 private:
     sd_bus* const _bus;
     std::string _cancellation;  // names the question while it may have a dialog; empty otherwise
-    BusSlot _call{nullptr, sd_bus_slot_unref};
+    BusSlot _call;
 };
 
 inline constexpr const char* kPolkitName = "org.freedesktop.PolicyKit1";

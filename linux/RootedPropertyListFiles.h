@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/PropertyListFiles.h"
+#include "platform/System.h"
 
 namespace quorel {
 

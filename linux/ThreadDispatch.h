@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Dispatch.h"
+#include "platform/System.h"
 
 namespace quorel {
 

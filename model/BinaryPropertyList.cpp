@@ -148,10 +148,8 @@ private:
             return true;
         }
         auto text = kind == 0x5 ? std::optional(std::string(bytes)) : fromUtf16(bytes);
-        if (!text) return false;
-        auto value = _shared.text(std::move(*text));
-        if (!value) return false;
-        object.value = std::move(*value);
+        if (!text || !isPropertyListText(*text)) return false;
+        object.value = Value(std::move(*text));
         return true;
     }
 
@@ -198,7 +196,7 @@ private:
     bool readDictionary(std::size_t at, std::uint64_t count, Object& object, int depth) {
         if (count > _bytes.size() || !isInside(at, 2 * count * _referenceSize)) return false;
         object.height = 1;
-        SharedContent::Entries entries;
+        DictionaryMaker::Entries entries;
         for (std::uint64_t i = 0; i < count; ++i) {
             const Object* key = member(at, i, object, depth);
             if (!key || !key->value.isText()) return false;
@@ -206,7 +204,7 @@ private:
             if (!value) return false;
             entries.emplace_back(key->value.text(), value->value);
         }
-        object.value = _shared.dictionary(std::move(entries));
+        object.value = _maker.dictionary(std::move(entries));
         return true;
     }
 
@@ -216,7 +214,7 @@ private:
     std::size_t _referenceSize = 0;
     std::size_t _table = 0;
     std::vector<Object> _objects;  // never grows while it is read: pointers into it stay
-    SharedContent _shared;
+    DictionaryMaker _maker;
 };
 
 }  // namespace

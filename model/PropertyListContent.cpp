@@ -15,8 +15,6 @@ constexpr sys_seconds kReference = sys_days(std::chrono::year(2001) / 1 / 1);
 constexpr sys_seconds kEarliest = sys_days(std::chrono::year(1) / 1 / 1);
 constexpr sys_seconds kBeyond = sys_days(std::chrono::year(10000) / 1 / 1);
 
-constexpr std::size_t kLongestSharedText = 64;
-
 /// How many bytes the character at the front takes; 0 where it is malformed, or U+FFFE or U+FFFF.
 std::size_t characterLength(std::string_view text) {
     const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
@@ -53,7 +51,8 @@ std::optional<sys_seconds> calendarTime(Date date) {
     const double whole = std::floor(date.secondsSinceReference);
     const auto first = static_cast<double>((kEarliest - kReference).count());
     const auto beyond = static_cast<double>((kBeyond - kReference).count());
-    if (!(whole >= first && whole < beyond)) return {};  // not a number among the rest
+    // Comparisons with not-a-number are false: put this way round, that is refused as well.
+    if (!(whole >= first && whole < beyond)) return {};
     return kReference + seconds(static_cast<std::int64_t>(whole));
 }
 
@@ -61,18 +60,9 @@ Date dateOf(sys_seconds time) {
     return {static_cast<double>((time - kReference).count())};
 }
 
-std::optional<Value> SharedContent::text(std::string text) {
-    if (!isPropertyListText(text)) return {};
-    if (text.size() > kLongestSharedText) return Value(std::move(text));
-    if (const auto known = _texts.find(text); known != _texts.end()) return known->second;
-    Value value(std::move(text));
-    _texts.emplace(value.text(), value);
-    return value;
-}
-
-Value SharedContent::dictionary(Entries entries) {
+Value DictionaryMaker::dictionary(Entries entries) {
     std::stable_sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::vector<std::string> keys;
+    Dictionary::Keys keys;
     std::vector<Value> values;
     keys.reserve(entries.size());
     values.reserve(entries.size());
@@ -84,10 +74,9 @@ Value SharedContent::dictionary(Entries entries) {
         keys.push_back(std::move(key));
         values.push_back(std::move(value));
     }
-    if (keys.empty()) return Value(Dictionary());
     auto& shared = _keys[keys];
-    if (!shared) shared = Ref(new DictionaryKeys(std::move(keys)));
-    return Value(Dictionary(shared, std::move(values)));
+    if (!shared) shared = std::make_shared<const Dictionary::Keys>(std::move(keys));
+    return Dictionary(shared, std::move(values));
 }
 
 }  // namespace quorel

@@ -2,10 +2,10 @@
 
 #include <chrono>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -22,20 +22,18 @@ bool isPropertyListText(std::string_view text);
 std::optional<std::chrono::sys_seconds> calendarTime(Date date);
 Date dateOf(std::chrono::sys_seconds time);
 
-/// Makes the values of one list, sharing what is equal: the keys of dictionaries alike, and short texts.
-class SharedContent {
+/// Makes the dictionaries of one list; those alike share their keys.
+class DictionaryMaker {
 public:
-    /// Nothing where isPropertyListText does not hold.
-    std::optional<Value> text(std::string text);
-
     using Entries = std::vector<std::pair<std::string, Value>>;
     /// In any order; of entries with one key the last counts.
     Value dictionary(Entries entries);
 
 private:
-    std::map<std::vector<std::string>, Ref<DictionaryKeys>> _keys;
-    std::unordered_map<std::string_view, Value> _texts;  // by the texts that the values hold
+    std::map<Dictionary::Keys, std::shared_ptr<const Dictionary::Keys>> _keys;
 };
+
+inline constexpr std::string_view kBase64Digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 /// The two encodings. Nothing for whatever is malformed or too deep; the caller has bounded the size.
 std::optional<Value> readXmlPropertyList(std::string_view bytes);

@@ -113,17 +113,16 @@ private:
     }
 
     static std::string base64(const Data& data) {
-        constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
         std::string text;
         text.reserve((data.size() + 2) / 3 * 4);
         for (std::size_t i = 0; i < data.size(); i += 3) {
             const std::size_t left = data.size() - i;
             const auto byte = [&](std::size_t place) -> unsigned { return place < left ? data[i + place] : 0; };
             const unsigned bits = byte(0) << 16 | byte(1) << 8 | byte(2);
-            text += kDigits[bits >> 18];
-            text += kDigits[bits >> 12 & 63];
-            text += left > 1 ? kDigits[bits >> 6 & 63] : '=';
-            text += left > 2 ? kDigits[bits & 63] : '=';
+            text += kBase64Digits[bits >> 18];
+            text += kBase64Digits[bits >> 12 & 63];
+            text += left > 1 ? kBase64Digits[bits >> 6 & 63] : '=';
+            text += left > 2 ? kBase64Digits[bits & 63] : '=';
         }
         return text;
     }

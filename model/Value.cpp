@@ -8,38 +8,25 @@
 
 namespace quorel {
 
-template <class T>
-struct Value::Shared : RefCounted {
-    explicit Shared(T value) : content(std::move(value)) {}
-    T content;
-};
-
-template <class T>
-Value::Content Value::share(T content) {
-    const auto* shared = new Shared<T>(std::move(content));
-    shared->retain();
-    return {.shared = shared};
-}
-
-template <class T>
-const T& Value::sharedContent(Kind kind) const {
-    static const T empty;
-    return _kind == kind ? static_cast<const Shared<T>*>(_content.shared)->content : empty;
-}
-
-void Value::destroyShared() {
-    if (isText()) delete static_cast<const Shared<std::string>*>(_content.shared);
-    if (isData()) delete static_cast<const Shared<Data>*>(_content.shared);
-    if (isArray()) delete static_cast<const Shared<Array>*>(_content.shared);
-    if (isDictionary()) delete static_cast<const Shared<Dictionary>*>(_content.shared);
-}
-
 Value::Value(const char* text) : Value(std::string(text)) {}
 Value::Value(std::string_view text) : Value(std::string(text)) {}
-Value::Value(std::string text) : _kind(Kind::kText), _content(share(std::move(text))) {}
-Value::Value(Data data) : _kind(Kind::kData), _content(share(std::move(data))) {}
-Value::Value(Array array) : _kind(Kind::kArray), _content(share(std::move(array))) {}
-Value::Value(Dictionary dictionary) : _kind(Kind::kDictionary), _content(share(std::move(dictionary))) {}
+Value::Value(std::string text) : _content(std::make_shared<const std::string>(std::move(text))) {}
+Value::Value(Data data) : _content(std::make_shared<const Data>(std::move(data))) {}
+Value::Value(Array array) : _content(std::make_shared<const Array>(std::move(array))) {}
+Value::Value(Dictionary dictionary) : _content(std::make_shared<const Dictionary>(std::move(dictionary))) {}
+
+template <class T>
+T Value::scalar() const {
+    const T* own = std::get_if<T>(&_content);
+    return own ? *own : T();
+}
+
+template <class T>
+const T& Value::shared() const {
+    static const T empty;
+    const auto* own = std::get_if<Shared<T>>(&_content);
+    return own ? **own : empty;
+}
 
 namespace {
 
@@ -68,38 +55,38 @@ int intFromText(std::string_view text) {
 }  // namespace
 
 int Value::intValue() const {
-    if (isInteger() || isBoolean()) return static_cast<int>(static_cast<std::uint32_t>(_content.integer));
+    if (isBoolean()) return scalar<bool>() ? 1 : 0;
     if (isText()) return intFromText(text());
-    if (isReal()) return intFromReal(_content.real);
-    return 0;
+    if (isReal()) return intFromReal(real());
+    return static_cast<int>(static_cast<std::uint32_t>(integer()));
 }
 
 std::int64_t Value::integer() const {
-    return isInteger() ? _content.integer : 0;
+    return scalar<std::int64_t>();
 }
 
 double Value::real() const {
-    return isReal() ? _content.real : 0;
+    return scalar<double>();
 }
 
 Date Value::date() const {
-    return {isDate() ? _content.real : 0};
+    return scalar<Date>();
 }
 
 const std::string& Value::text() const {
-    return sharedContent<std::string>(Kind::kText);
+    return shared<std::string>();
 }
 
 const Data& Value::data() const {
-    return sharedContent<Data>(Kind::kData);
+    return shared<Data>();
 }
 
 const Array& Value::array() const {
-    return sharedContent<Array>(Kind::kArray);
+    return shared<Array>();
 }
 
 const Dictionary& Value::dictionary() const {
-    return sharedContent<Dictionary>(Kind::kDictionary);
+    return shared<Dictionary>();
 }
 
 const Value& Value::operator[](std::string_view key) const {
@@ -112,17 +99,9 @@ Value Value::with(std::string_view key, Value value) const {
     return Value(std::move(changed));
 }
 
-bool Value::isIdenticalTo(const Value& other) const {
-    if (_kind != other._kind) return false;
-    if (isAbsent()) return true;
-    if (isShared()) return _content.shared == other._content.shared;
-    if (isReal() || isDate()) return _content.real == other._content.real;
-    return _content.integer == other._content.integer;
-}
-
 bool operator==(const Value& a, const Value& b) {
-    if (a.isIdenticalTo(b)) return true;
-    if (a._kind != b._kind) return false;
+    if (a._content == b._content) return true;  // of shared contents: one and the same
+    if (a._content.index() != b._content.index()) return false;
     if (a.isText()) return a.text() == b.text();
     if (a.isData()) return a.data() == b.data();
     if (a.isArray()) return a.array() == b.array();

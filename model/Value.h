@@ -1,13 +1,12 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
 #include <vector>
-
-#include "model/Ref.h"
 
 namespace quorel {
 
@@ -28,23 +27,19 @@ struct Date {
 class Value {
 public:
     Value() = default;  ///< absent
-    Value(const Value& other) noexcept : _kind(other._kind), _content(other._content) {
-        if (isShared()) _content.shared->retain();
-    }
-    Value(Value&& other) noexcept : _kind(std::exchange(other._kind, Kind::kAbsent)), _content(other._content) {}
+    Value(const Value& other) = default;
+    Value(Value&& other) noexcept : _content(std::exchange(other._content, {})) {}  ///< leaves the other one absent
+    /// By value: what is assigned may lie within what is let go.
     Value& operator=(Value other) noexcept {
-        std::swap(_kind, other._kind);
-        std::swap(_content, other._content);
+        _content.swap(other._content);
         return *this;
     }
-    ~Value() {
-        if (isShared() && _content.shared->release()) destroyShared();
-    }
-    Value(bool value) : _kind(Kind::kBoolean), _content{.integer = value} {}
-    Value(int value) : Value(std::int64_t{value}) {}
-    Value(std::int64_t value) : _kind(Kind::kInteger), _content{.integer = value} {}
-    Value(double value) : _kind(Kind::kReal), _content{.real = value} {}
-    Value(Date value) : _kind(Kind::kDate), _content{.real = value.secondsSinceReference} {}
+    ~Value() = default;
+    Value(bool value) : _content(value) {}
+    Value(int value) : _content(std::int64_t{value}) {}
+    Value(std::int64_t value) : _content(value) {}
+    Value(double value) : _content(value) {}
+    Value(Date value) : _content(value) {}
     Value(const char* text);
     Value(std::string_view text);
     Value(std::string text);
@@ -53,16 +48,16 @@ public:
     Value(Dictionary dictionary);
     Value(const void*) = delete;  // would silently become a boolean
 
-    bool isAbsent() const { return _kind == Kind::kAbsent; }
-    bool isPresent() const { return _kind != Kind::kAbsent; }
-    bool isBoolean() const { return _kind == Kind::kBoolean; }
-    bool isInteger() const { return _kind == Kind::kInteger; }
-    bool isReal() const { return _kind == Kind::kReal; }
-    bool isDate() const { return _kind == Kind::kDate; }
-    bool isText() const { return _kind == Kind::kText; }
-    bool isData() const { return _kind == Kind::kData; }
-    bool isArray() const { return _kind == Kind::kArray; }
-    bool isDictionary() const { return _kind == Kind::kDictionary; }
+    bool isAbsent() const { return holds<std::monostate>(); }
+    bool isPresent() const { return !isAbsent(); }
+    bool isBoolean() const { return holds<bool>(); }
+    bool isInteger() const { return holds<std::int64_t>(); }
+    bool isReal() const { return holds<double>(); }
+    bool isDate() const { return holds<Date>(); }
+    bool isText() const { return holds<Shared<std::string>>(); }
+    bool isData() const { return holds<Shared<Data>>(); }
+    bool isArray() const { return holds<Shared<Array>>(); }
+    bool isDictionary() const { return holds<Shared<Dictionary>>(); }
 
     /// The one reading of a value as a number, for all readers: integers truncated to 32 bits, reals towards
     /// zero and kept in range, booleans 0 or 1, texts by their leading decimal integer, all else 0.
@@ -82,30 +77,23 @@ public:
     /// A copy of this dictionary in which `key` holds `value`; from anything else, a dictionary of that one entry.
     Value with(std::string_view key, Value value) const;
 
-    /// True when both share one and the same content, which makes them equal without a look.
-    bool isIdenticalTo(const Value& other) const;
     friend bool operator==(const Value& a, const Value& b);
 
 private:
-    /// From kText on, the content is shared.
-    enum class Kind : std::uint8_t { kAbsent, kBoolean, kInteger, kReal, kDate, kText, kData, kArray, kDictionary };
     template <class T>
-    struct Shared;
-    union Content {
-        std::int64_t integer;
-        double real;
-        const RefCounted* shared;
-    };
+    using Shared = std::shared_ptr<const T>;  // never null
+    template <class T>
+    bool holds() const {
+        return std::holds_alternative<T>(_content);
+    }
+    template <class T>
+    T scalar() const;
+    template <class T>
+    const T& shared() const;
 
-    template <class T>
-    static Content share(T content);
-    template <class T>
-    const T& sharedContent(Kind kind) const;
-    bool isShared() const { return _kind >= Kind::kText; }
-    void destroyShared();
-
-    Kind _kind = Kind::kAbsent;
-    Content _content{.integer = 0};
+    std::variant<std::monostate, bool, std::int64_t, double, Date, Shared<std::string>, Shared<Data>, Shared<Array>,
+                 Shared<Dictionary>>
+        _content;
 };
 
 }  // namespace quorel

@@ -1,6 +1,5 @@
 #include <expat.h>
 
-#include <array>
 #include <charconv>
 #include <cstdint>
 #include <exception>
@@ -76,26 +75,18 @@ std::optional<Value> calendarDateOf(std::string_view text) {
 }
 
 std::optional<Value> dataOf(std::string_view text) {
-    constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    static const auto kDigitValues = [&] {
-        std::array<std::int8_t, 256> values;
-        values.fill(-1);
-        for (std::size_t i = 0; i < kDigits.size(); ++i)
-            values[static_cast<unsigned char>(kDigits[i])] = static_cast<std::int8_t>(i);
-        return values;
-    }();
     Data data;
     std::uint32_t bits = 0;
     unsigned digits = 0, padding = 0;
     for (const char c : text) {
         if (kSpace.find(c) != std::string_view::npos) continue;
-        const std::int8_t value = kDigitValues[static_cast<unsigned char>(c)];
+        const std::size_t digit = kBase64Digits.find(c);
         if (c == '=') {
             ++padding;
             continue;
         }
-        if (value < 0 || padding > 0) return {};
-        bits = bits << 6 | static_cast<std::uint32_t>(value);
+        if (digit == std::string_view::npos || padding > 0) return {};
+        bits = bits << 6 | static_cast<std::uint32_t>(digit);
         if (++digits % 4 == 0)
             for (const unsigned shift : {16U, 8U, 0U}) data.push_back(static_cast<std::uint8_t>(bits >> shift));
     }
@@ -128,8 +119,8 @@ public:
 private:
     struct Container {
         bool isDictionary = false;
-        Array values;                    ///< of an array
-        SharedContent::Entries entries;  ///< of a dictionary; the last one's value is absent until it is read
+        Array values;                      ///< of an array
+        DictionaryMaker::Entries entries;  ///< of a dictionary; the last one's value is absent until it is read
 
         bool lacksValue() const { return !entries.empty() && entries.back().second.isAbsent(); }
     };
@@ -177,7 +168,7 @@ private:
         Container container = std::move(_containers.back());
         _containers.pop_back();
         if (container.lacksValue()) return false;
-        return add(container.isDictionary ? _shared.dictionary(std::move(container.entries))
+        return add(container.isDictionary ? _maker.dictionary(std::move(container.entries))
                                           : Value(std::move(container.values)));
     }
 
@@ -207,7 +198,7 @@ private:
     }
 
     std::optional<Value> valueOf(std::string_view element, std::string text) {
-        if (element == "string") return _shared.text(std::move(text));
+        if (element == "string") return Value(std::move(text));
         if (element == "integer") return integerOf(text);
         if (element == "real") return realOf(text);
         if (element == "date") return calendarDateOf(text);
@@ -220,7 +211,7 @@ private:
                                                                                XML_ParserFree};
     std::vector<Container> _containers;  ///< the open ones, outermost first
     std::string _text;
-    SharedContent _shared;
+    DictionaryMaker _maker;
     Value _root;
     bool _insideRoot = false;
     bool _insideText = false;  ///< in an element of text

@@ -1,6 +1,6 @@
 /*
- * Reading the parameters of a module. They come out of a file, so anything may stand under a key.
- * Functions only: two bundles in one process cannot share a class.
+ * What both modules do alike: reading their parameters, which come out of a file, so that anything may stand under a
+ * key, and looking up their texts. Functions only: two bundles in one process cannot share a class.
  */
 #import <Foundation/Foundation.h>
 
@@ -23,4 +23,9 @@ static inline bool VXFlagParameter(NSDictionary *parameters, NSString *key, bool
 static inline NSMutableDictionary *VXMutableParameters(NSDictionary *parameters) {
     if (![parameters isKindOfClass:[NSDictionary class]]) return [[NSMutableDictionary alloc] init];
     return [parameters mutableCopy];
+}
+
+/* A text of the module's own bundle, in the user's language. */
+static inline NSString *VXLocalized(NSString *key, id module) {
+    return [[NSBundle bundleForClass:[module class]] localizedStringForKey:key value:@"" table:nil];
 }

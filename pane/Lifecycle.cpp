@@ -20,7 +20,7 @@ std::shared_ptr<VXPrefPaneController> VXPrefPaneController::initWithBundle(std::
 }
 
 void VXPrefPaneController::initNotifications() {
-    // Nobody unregisters the controller, so the center must not be the one that keeps it, or outlive it unawares.
+    // The observer is never removed: the center must neither keep the controller nor reach for one that is gone.
     const auto weak = weak_from_this();
     _platform.defaultCenter.addObserver(kMOLConfiguratorHasBeenEditedNotification,
                                         [weak](const Notification& notification) {
@@ -71,8 +71,10 @@ void VXPrefPaneController::willUnselect() {
 }
 
 void VXPrefPaneController::setNeedsSave(const Notification*) {
-    outlets.applyButton->setEnabled(true);
-    outlets.revertButton->setEnabled(true);
+    // Every pane of the process hears of an edit, also one whose interface file is not loaded yet.
+    for (const auto& button : {outlets.applyButton, outlets.revertButton}) {
+        if (button) button->setEnabled(true);
+    }
 }
 
 void VXPrefPaneController::applyNow(const Object*) {

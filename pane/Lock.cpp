@@ -38,7 +38,7 @@ void VXPrefPaneController::prefsUnlocked() {
     outlets.menuCheck->setEnabled(true);
     outlets.checkUpdateAtStartup->setEnabled(true);
     outlets.popUpUpdate->setEnabled(true);
-    outlets.menuCheck->setEnabled(true);
+    outlets.menuCheck->setEnabled(true);  // once more: the sequence is the contract, and harmless
     outlets.networkAdminCheck->setEnabled(false);
     outlets.networkAdminCheck->setHidden(true);
     checkboxAction(nullptr);
@@ -53,7 +53,7 @@ void VXPrefPaneController::prefsLocked() {
     outlets.menuCheck->setEnabled(false);
     outlets.checkUpdateAtStartup->setEnabled(false);
     outlets.popUpUpdate->setEnabled(false);
-    outlets.menuCheck->setEnabled(false);
+    outlets.menuCheck->setEnabled(false);  // as above
     outlets.networkAdminCheck->setEnabled(false);
 }
 

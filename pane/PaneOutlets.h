@@ -3,12 +3,12 @@
 #include <memory>
 
 #include "platform/Controls.h"
-#include "platform/Window.h"
+#include "platform/View.h"
 
 namespace quorel {
 
-/// The controls of the pane's interface file. All are connected before `awakeFromNib`, except those that may be
-/// null.
+/// The controls of the pane's interface file: null until it is loaded. From `awakeFromNib` on all are there, except
+/// those that may be null; a face that misses one gives a control that takes every message and does nothing.
 struct PaneOutlets {
     std::shared_ptr<View> configView;  ///< container of the configurator's view; may be null
     std::shared_ptr<Window> aboutSheet;

@@ -61,13 +61,16 @@ void VXPrefPaneController::savePrefs() {
     assertMainThread();
     const auto* checker = VXUpdateChecker::sharedInstance();
     const auto version = checker ? checker->versionString() : std::nullopt;
+    // Without a configurator what was read goes back as it was: the list on the computer must not be lost.
+    const Value schedules =
+        _configurator ? Value(_configurator->scheduleArray()) : _preferences[preferences::kScheduleArray];
     _preferences = Value(Dictionary{
         {preferences::kCheckUpdates, outlets.checkUpdateAtStartup->state()},
         {preferences::kCheckUpdatesFrequency, outlets.popUpUpdate->indexOfSelectedItem()},
         {preferences::kShowInMenuBar, outlets.menuCheck->state()},
         {preferences::kEnableNetworkAdministration, 0},
         {preferences::kPrefsVersion, version ? identityOf(*version) : std::int64_t{0}},
-        {preferences::kScheduleArray, _configurator ? _configurator->scheduleArray() : Array()},
+        {preferences::kScheduleArray, schedules},
     });
 
     auto* center = VXCommunicationCenter::sharedInstance();

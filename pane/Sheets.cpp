@@ -10,6 +10,7 @@ void VXPrefPaneController::about() {
 
 void VXPrefPaneController::about(const Object*) {
     assertMainThread();
+    if (!outlets.aboutSheet) return;  // the interface file is not loaded yet
     const auto* checker = VXUpdateChecker::sharedInstance();
     // The one text that is the same in every language.
     outlets.theVersion->setStringValue(

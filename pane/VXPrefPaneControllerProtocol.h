@@ -3,7 +3,6 @@
 #include <memory>
 
 #include "platform/View.h"
-#include "platform/Window.h"
 
 namespace quorel {
 

@@ -2,9 +2,12 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
-#include "platform/Window.h"
+#include "model/CalendarDate.h"
+#include "model/Value.h"
+#include "platform/View.h"
 
 namespace quorel {
 
@@ -31,6 +34,26 @@ public:
     virtual int runAlertPanel(std::string_view title, std::string_view message, std::string_view defaultButton,
                               std::optional<std::string_view> alternateButton) = 0;
     virtual void beep() = 0;
+};
+
+/// The user's persistent settings in the domain of the host application. Main thread.
+class UserDefaults {
+public:
+    virtual ~UserDefaults() = default;
+    virtual Value objectForKey(std::string_view key) const = 0;  ///< absent when not set
+    virtual void setObjectForKey(const Value& value, std::string_view key) = 0;
+    virtual void removeObjectForKey(std::string_view key) = 0;
+    virtual void synchronize() = 0;  ///< writes to disk before returning
+};
+
+/// The user's way of writing times. Main thread.
+class TimeFormat {
+public:
+    virtual ~TimeFormat() = default;
+    /// Time of day in the short style: "23:00" or "11:00 PM".
+    virtual std::string shortTimeString(const CalendarDate& date) const = 0;
+    /// Another number whenever the user may have chosen another style.
+    virtual int style() const = 0;
 };
 
 }  // namespace quorel

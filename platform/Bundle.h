@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "model/Value.h"
-#include "platform/Image.h"
-#include "platform/Object.h"
+#include "platform/View.h"
 
 namespace quorel {
 

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "model/CalendarDate.h"
-#include "platform/Image.h"
 #include "platform/View.h"
 
 namespace quorel {

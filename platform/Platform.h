@@ -1,32 +1,24 @@
 #pragma once
 
 #include "platform/Application.h"
-#include "platform/Authorization.h"
 #include "platform/Bundle.h"
-#include "platform/Clock.h"
-#include "platform/Dispatch.h"
 #include "platform/NotificationCenter.h"
-#include "platform/PropertyListFiles.h"
+#include "platform/System.h"
 #include "platform/TableView.h"
-#include "platform/UserDefaults.h"
-#include "platform/Workspace.h"
 
 namespace quorel {
 
-/// Everything that the logic asks of its host, gathered once by the composition root.
-/// The services outlive every object that was given the platform.
-struct Platform {
+/// What the pane asks of a toolkit. The services outlive every object that was given them.
+struct Toolkit {
     Application& application;
-    Authorization& authorization;
     Bundles& bundles;
     Cells& cells;
-    Clock& clock;
-    Dispatch& dispatch;
     NotificationCenter& defaultCenter;
-    PropertyListFiles& files;
     UserDefaults& standardUserDefaults;
-    Workspace& sharedWorkspace;
-    unsigned effectiveUserId = 0;  ///< of this process, as geteuid answers it
+    TimeFormat& timeFormat;
 };
+
+/// Everything that the logic asks of its host, gathered once by the composition root.
+struct Platform : Toolkit, System {};
 
 }  // namespace quorel

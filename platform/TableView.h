@@ -85,7 +85,7 @@ public:
     virtual int selectedRow() const = 0;  ///< -1 when none is selected
     virtual int numberOfSelectedRows() const = 0;
     virtual void deselectRow(int row) = 0;
-    virtual void reloadData() = 0;
+    virtual void reloadData() = 0;  ///< draws all rows anew; the selection stays, but for rows that are gone
 };
 
 /// Makes the cells that code creates rather than an interface file.

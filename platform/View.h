@@ -3,10 +3,35 @@
 #include <memory>
 #include <vector>
 
-#include "platform/Geometry.h"
-#include "platform/Object.h"
-
 namespace quorel {
+
+/// Root of whatever can be a sender, a target, a view or a loaded class.
+/// A null pointer stands for "nobody": an action sent by code rather than by a control.
+class Object {
+public:
+    Object() = default;
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+    virtual ~Object() = default;
+};
+
+/// Points, in the coordinates of the frameworks: the origin is at the bottom left.
+struct Size {
+    double width = 0;
+    double height = 0;
+    friend bool operator==(const Size&, const Size&) = default;
+};
+
+struct Rect {
+    double x = 0;
+    double y = 0;
+    double width = 0;
+    double height = 0;
+    friend bool operator==(const Rect&, const Rect&) = default;
+};
+
+/// A picture, opaque to the logic; it comes from a Bundle and goes into an ImageView.
+class Image : public Object {};
 
 enum class Anchor { Leading, Trailing, Top, Bottom };
 
@@ -29,6 +54,14 @@ public:
 
     /// Redraws before returning, without waiting for the event loop.
     virtual void display() = 0;
+};
+
+/// A window or sheet. Main thread.
+class Window : public Object {
+public:
+    virtual Rect frame() const = 0;  ///< on the screen, title bar included
+    virtual void setFrameDisplayAnimate(const Rect& frame, bool display, bool animate) = 0;
+    virtual void orderOut(const Object* sender) = 0;
 };
 
 }  // namespace quorel

@@ -37,10 +37,6 @@ static const int kDefaultIdleMinutes = 15;
     [super dealloc];
 }
 
-- (NSString *)localized:(NSString *)key {
-    return [[NSBundle bundleForClass:[self class]] localizedStringForKey:key value:@"" table:nil];
-}
-
 - (BOOL)isBaseModule {
     return YES;
 }
@@ -50,14 +46,15 @@ static const int kDefaultIdleMinutes = 15;
 }
 
 - (NSString *)pluginName {
-    return [self localized:@"Veille"];
+    return VXLocalized(@"Veille", self);
 }
 
 - (void)loadNib {
     if (_setupView) return;
-    _setupView = [[VXSleepOptionsView alloc] initWithCheckBoxTitle:[self localized:@"Seulement apres une inactivite de"]
-                                                              unit:[self localized:@"minutes"]
-                                                           toolTip:[self localized:@"Duree d'inactivite"]];
+    _setupView =
+        [[VXSleepOptionsView alloc] initWithCheckBoxTitle:VXLocalized(@"Seulement apres une inactivite de", self)
+                                                     unit:VXLocalized(@"minutes", self)
+                                                  toolTip:VXLocalized(@"Duree d'inactivite", self)];
     [self fillSetupInterfaceFromParameters];
 }
 
@@ -123,8 +120,8 @@ static const int kDefaultIdleMinutes = 15;
 }
 
 - (NSString *)actionString {
-    if (![[_parameters objectForKey:kOnlyWhenIdle] boolValue]) return [self localized:@"Mise en veille immediate"];
-    return [NSString stringWithFormat:[self localized:@"Apres %d min d'inactivite"],
+    if (![[_parameters objectForKey:kOnlyWhenIdle] boolValue]) return VXLocalized(@"Mise en veille immediate", self);
+    return [NSString stringWithFormat:VXLocalized(@"Apres %d min d'inactivite", self),
                                       [[_parameters objectForKey:kIdleMinutes] intValue]];
 }
 

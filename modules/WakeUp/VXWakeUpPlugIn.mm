@@ -28,10 +28,6 @@
     [super dealloc];
 }
 
-- (NSString *)localized:(NSString *)key {
-    return [[NSBundle bundleForClass:[self class]] localizedStringForKey:key value:@"" table:nil];
-}
-
 - (BOOL)isBaseModule {
     return YES;
 }
@@ -41,7 +37,7 @@
 }
 
 - (NSString *)pluginName {
-    return [self localized:@"Reveil"];
+    return VXLocalized(@"Reveil", self);
 }
 
 - (void)loadNib {
@@ -97,7 +93,7 @@
 }
 
 - (NSString *)actionString {
-    return [self localized:[self needsStartup] ? @"Demarre ou reveille l'ordinateur" : @"Reveille l'ordinateur"];
+    return VXLocalized([self needsStartup] ? @"Demarre ou reveille l'ordinateur" : @"Reveille l'ordinateur", self);
 }
 
 @end

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/Application.h"
-#include "platform/Workspace.h"
+#include "platform/System.h"
 
 namespace quorel::headless {
 

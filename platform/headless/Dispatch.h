@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Dispatch.h"
+#include "platform/System.h"
 
 namespace quorel::headless {
 

@@ -20,9 +20,20 @@ struct HeadlessPlatform {
     NotificationCenter defaultCenter;
     PropertyListFiles files;
     UserDefaults standardUserDefaults;
+    TimeFormat timeFormat;
     Workspace sharedWorkspace;
-    Platform platform{application, authorization,        bundles,         cells, clock, dispatch, defaultCenter,
-                      files,       standardUserDefaults, sharedWorkspace, 501};
+    Platform platform{{.application = application,
+                       .bundles = bundles,
+                       .cells = cells,
+                       .defaultCenter = defaultCenter,
+                       .standardUserDefaults = standardUserDefaults,
+                       .timeFormat = timeFormat},
+                      {.authorization = authorization,
+                       .clock = clock,
+                       .dispatch = dispatch,
+                       .files = files,
+                       .sharedWorkspace = sharedWorkspace,
+                       .effectiveUserId = 501}};
 };
 
 }  // namespace quorel::headless

@@ -5,11 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/Authorization.h"
-#include "platform/Clock.h"
+#include "platform/Application.h"
 #include "platform/NotificationCenter.h"
-#include "platform/PropertyListFiles.h"
-#include "platform/UserDefaults.h"
+#include "platform/System.h"
 
 namespace quorel::headless {
 
@@ -19,12 +17,16 @@ public:
         const auto found = values.find(std::string(key));
         return found == values.end() ? Value() : found->second;
     }
-    void setObjectForKey(const Value& value, std::string_view key) override { values[std::string(key)] = value; }
+    void setObjectForKey(const Value& value, std::string_view key) override {
+        values[std::string(key)] = value;
+        ++writes;
+    }
     void removeObjectForKey(std::string_view key) override { values.erase(std::string(key)); }
     void synchronize() override { onDisk = values; }
 
     std::map<std::string, Value> values;
     std::map<std::string, Value> onDisk;  ///< what a later launch would find
+    int writes = 0;
 };
 
 class NotificationCenter : public quorel::NotificationCenter {
@@ -46,17 +48,25 @@ private:
     std::vector<std::pair<std::string, Observer>> _observers;
 };
 
-/// A clock that stands where it is put and writes times as "23:00".
+/// A clock that stands where it is put.
 class Clock : public quorel::Clock {
 public:
     CalendarDate currentDate() const override { return now; }
+
+    CalendarDate now{2024, 3, 15, 10, 20, 30};
+};
+
+/// Writes times as "23:00", or with another separator.
+class TimeFormat : public quorel::TimeFormat {
+public:
     std::string shortTimeString(const CalendarDate& date) const override {
         ++formats;
         const auto twoDigits = [](int number) { return std::string(number < 10 ? "0" : "") + std::to_string(number); };
-        return twoDigits(date.hour) + ":" + twoDigits(date.minute);
+        return twoDigits(date.hour) + separator + twoDigits(date.minute);
     }
+    int style() const override { return separator; }
 
-    CalendarDate now{2024, 3, 15, 10, 20, 30};
+    char separator = ':';
     mutable int formats = 0;  ///< times written so far
 };
 

@@ -28,6 +28,7 @@ void TableView::deselectRow(int row) {
 
 void TableView::reloadData() {
     ++reloads;
+    if (onReload) onReload();
     const int rows = dataSource ? dataSource->numberOfRowsInTableView(*this) : 0;
     const auto beyond = _selection.lower_bound(rows);
     if (beyond == _selection.end()) return;

@@ -111,6 +111,7 @@ public:
     bool allowsColumnSelection = false;
     bool verticalMotionCanBeginDrag = true;
     int reloads = 0;
+    std::function<void()> onReload;
 
 private:
     TableColumn& column(std::string_view identifier);

@@ -10,11 +10,7 @@
 @implementation BROKEN_CLASS
 
 + (BOOL)initializeClass:(NSBundle *)bundle {
-#ifdef BROKEN_ACCEPTS
     return YES;
-#else
-    return NO;
-#endif
 }
 
 + (void)terminateClass {

@@ -8,7 +8,7 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 SUPPORT = os.path.join(HERE, "../support")
 sys.path.insert(0, os.path.join(HERE, "../../demo"))
-from private_system import PrivateSystem, read_line
+from private_system import PrivateSystem, read_line, wait_until
 
 DAEMON, PROBE = (os.path.abspath(path) for path in sys.argv[1:3])
 SANITIZED = len(sys.argv) > 3
@@ -64,8 +64,10 @@ class Caller:
 
 
 class DaemonCase(unittest.TestCase):
+    policy = ""
+
     def setUp(self):
-        self.system = PrivateSystem()
+        self.system = PrivateSystem(self.policy)
         self.addCleanup(self.system.close)
         self.root = f"{self.system.place}/root"
         self.folder = f"{self.root}/Library/Preferences"

@@ -177,16 +177,6 @@ class AskedTest(LockCase):
         self.toggle()
         self.assert_unlocked()
 
-    def test_a_dialog_that_is_cancelled_leaves_it_locked(self):
-        self.open_pane(unlocked=False, user="nobody")
-        locked = self.display.picture(self.screen.wait(value=LOCKED))
-        agent = self.ask_through("cancel")
-        self.toggle()
-        self.assertEqual(agent.stdout.readline(), "asked com.quorel.modify-preferences\n")
-        self.screen.settle()
-        self.assert_locked()
-        self.assertEqual(self.display.picture(self.screen.wait(value=LOCKED)), locked)
-
     def ask_through(self, manner):
         agent = subprocess.Popen([sys.executable, f"{HERE}/../support/auth_agent.py",
                                   str(self.application.process.pid), manner],

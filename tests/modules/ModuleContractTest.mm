@@ -1,7 +1,6 @@
 #import <Quorel/VXPrefPanePlugInProtocol.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
 
 typedef NSObject<VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages> Module;
@@ -35,12 +34,12 @@ struct Expected {
 };
 
 class OneModule : public testing::Test {
-   protected:
+protected:
     static void SetUpTestSuite() { [NSApplication sharedApplication]; }
 };
 
 class ModuleContract : public OneModule, public testing::WithParamInterface<Expected> {
-   protected:
+protected:
     void SetUp() override {
         bundle = bundleAt(GetParam().path);
         Class moduleClass = classIn(bundle);
@@ -130,54 +129,6 @@ TEST_P(ModuleContract, GetsOverWhateverStandsInTheFile) {
     expectUsable();
 }
 
-/// The kinds of arguments that a format takes, in their order.
-std::string arguments(NSString *format) {
-    const std::string text = [format UTF8String];
-    const std::regex argument("%[0-9.]*([@a-z%])");
-    std::string all;
-    for (std::sregex_iterator each(text.begin(), text.end(), argument), end; each != end; ++each) all += (*each)[1];
-    return all;
-}
-
-void collectTexts(NSView *view, NSMutableSet *texts) {
-    if ([view toolTip]) [texts addObject:[view toolTip]];
-    if ([view isKindOfClass:[NSPopUpButton class]]) return;
-    if ([view isKindOfClass:[NSButton class]]) [texts addObject:[(NSButton *)view title]];
-    if ([view isKindOfClass:[NSTextField class]] && ![(NSTextField *)view isEditable]) {
-        [texts addObject:[(NSTextField *)view stringValue]];
-    }
-    for (NSView *each in [view subviews]) collectTexts(each, texts);
-}
-
-TEST_P(ModuleContract, SpeaksBothLanguages) {
-    const auto table = [&](NSString *language) {
-        return [NSDictionary dictionaryWithContentsOfFile:[bundle pathForResource:@"Localizable"
-                                                                           ofType:@"strings"
-                                                                      inDirectory:nil
-                                                                  forLocalization:language]];
-    };
-    NSDictionary *english = table(@"English");
-    NSDictionary *french = table(@"French");
-    EXPECT_GT([english count], 0u);
-    EXPECT_TRUE([[NSSet setWithArray:[english allKeys]] isEqual:[NSSet setWithArray:[french allKeys]]]);
-    for (NSString *key in english) {
-        EXPECT_GT([[english objectForKey:key] length], 0u) << [key UTF8String];
-        EXPECT_GT([[french objectForKey:key] length], 0u) << [key UTF8String];
-        EXPECT_EQ(arguments([english objectForKey:key]), arguments(key)) << [key UTF8String];
-        EXPECT_EQ(arguments([french objectForKey:key]), arguments(key)) << [key UTF8String];
-    }
-
-    [module loadNib];
-    NSMutableSet *texts = [NSMutableSet setWithObject:[module pluginName]];
-    for (const BOOL startup : {NO, YES}) {
-        [module setParameters:nil];
-        [module setNeedsStartup:startup];
-        [module fillSetupInterfaceFromParameters];
-        collectTexts([module setupView], texts);
-    }
-    for (NSString *text in texts) EXPECT_TRUE([[english allValues] containsObject:text]) << [text UTF8String];
-}
-
 constexpr Expected kModules[] = {
     {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", true, false, false, false, true},
     {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", true, true, false, true, false},
@@ -208,68 +159,6 @@ TEST_F(OneModule, SleepBringsTheMinutesIntoRange) {
             EXPECT_EQ([[[sleep parameters] objectForKey:@"Idle Minutes"] intValue], minutes) << typed;
             EXPECT_EQ([field intValue], minutes) << typed;
         }
-    }
-}
-
-TEST_F(OneModule, SampleShowsAndKeepsItsParameters) {
-    @autoreleasepool {
-        Module *say = [[[classIn(bundleAt(SAMPLE_MODULE "/SayMessage.vxplugin")) alloc] init] autorelease];
-        [say loadNib];
-        [say setParameters:@{@"Message" : @"100 %@ \"now\"", @"Times" : @3}];
-        EXPECT_STREQ([[say actionString] UTF8String], "Says \"100 %@ \"now\"\", times: 3");
-
-        // What the sheet does on a click of the start-up box.
-        NSMutableSet *before = [NSMutableSet set];
-        collectTexts([say setupView], before);
-        [say setNeedsStartup:YES];
-        [say checkboxAction:nil];
-        NSMutableSet *after = [NSMutableSet set];
-        collectTexts([say setupView], after);
-        EXPECT_FALSE([before isEqual:after]);
-
-        for (NSView *each in [[say setupView] subviews]) {
-            if ([each isKindOfClass:[NSPopUpButton class]]) {
-                [(NSPopUpButton *)each selectItemAtIndex:9];
-            } else if ([(NSTextField *)each isEditable]) {
-                [(NSTextField *)each setStringValue:@"Bonjour"];
-            }
-        }
-        [say fillParametersFromSetupInterface];
-        NSDictionary *expected =
-            @{@"Message" : @"Bonjour",
-              @"Times" : @10,
-              @"Needs Startup" : @(true),
-              @"Needs Wake Up" : @(true)};
-        EXPECT_TRUE([[say parameters] isEqual:expected]) << [[[say parameters] description] UTF8String];
-    }
-}
-
-// Each gets past all steps before the one at which it is to be dropped.
-TEST(BrokenModules, FailAtTheStepTheyAreNamedAfter) {
-    @autoreleasepool {
-        const auto load = [](const char *name) {
-            return classIn(bundleAt(std::string(BROKEN_MODULES "/") + name + ".vxplugin"));
-        };
-        EXPECT_TRUE(bundleAt(BROKEN_MODULES "/NoCode.vxplugin"));
-        EXPECT_FALSE(load("NoCode"));
-        EXPECT_FALSE(load("NoEditClass"));
-        EXPECT_TRUE(NSClassFromString(@"NoEditClassModule"));
-
-        Class notConforming = load("NotConforming");
-        ASSERT_TRUE(notConforming);
-        EXPECT_FALSE([notConforming conformsToProtocol:contract()]);
-        EXPECT_TRUE([notConforming initializeClass:nil]);
-
-        Class refusing = load("Refusing");
-        EXPECT_TRUE([refusing conformsToProtocol:contract()]);
-        EXPECT_FALSE([refusing initializeClass:nil]);
-
-        Class nameless = load("Nameless");
-        EXPECT_TRUE([nameless conformsToProtocol:contract()]);
-        EXPECT_TRUE([nameless initializeClass:nil]);
-        Module *module = [[[nameless alloc] init] autorelease];
-        EXPECT_GT([[module pluginIdentifier] length], 0u);
-        EXPECT_FALSE([module pluginName]);
     }
 }
 

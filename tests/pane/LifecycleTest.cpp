@@ -37,6 +37,17 @@ TEST_F(LifecycleTest, ConstructionAnnouncesThePaneAndReadsNothing) {
     EXPECT_EQ(host.authorization.created, 0);
 }
 
+// An edit in one pane of the process is heard by all.
+TEST_F(LifecycleTest, AnEditBeforeTheInterfaceFileChangesNothing) {
+    create();
+    const auto second = VXPrefPaneController::initWithBundle(bundle, configuratorUi, host.platform);
+    setCanApply(false);
+    host.defaultCenter.postNotification({std::string(kMOLConfiguratorHasBeenEditedNotification), {}, {}});
+    EXPECT_TRUE(canApply());
+    second->about(nullptr);
+    EXPECT_TRUE(host.application.begun.empty());
+}
+
 TEST_F(LifecycleTest, EmbedsTheConfigurator) {
     ui.configView->addSubview(std::make_shared<headless::View>());
     create();
@@ -58,71 +69,26 @@ TEST_F(LifecycleTest, EmbedsTheConfigurator) {
 }
 
 TEST_F(LifecycleTest, SelectingAgainStartsOver) {
-    unlockBeforehand();
+    center.daemonAlive = center.agentAlive = true;
+    center.onPing = [&] {
+        EXPECT_EQ(ui.popUpUpdate->numberOfItems(), 3);
+        EXPECT_EQ(tags(), "ab");
+        EXPECT_EQ(ui.lockDescLabel->stringValue(), "[Cadenas ferme]");
+    };
     create();
-    for (int selection = 0; selection < 3; ++selection) {
+    for (int selection = 1; selection <= 3; ++selection) {
         store(storedDefaults());
         pane->didSelect();
+        EXPECT_EQ(center.daemonPings, selection);
+        if (selection == 1) EXPECT_EQ(lights(), "--") << "results come when the main thread is free again";
+        host.dispatch.run();
+        EXPECT_EQ(lights(), "++");
         EXPECT_EQ(ui.popUpUpdate->items,
                   (std::vector<std::optional<std::string>>{"[Quotidien]", "[Hebdomadaire]", "[Mensuel]"}));
         EXPECT_EQ(ui.popUpUpdate->indexOfSelectedItem(), 1);
         EXPECT_EQ(tags(), "ab");
         EXPECT_FALSE(canApply());
-        configuratorUi.table->selectRows({0});
-        pane->configurator()->deleteSchedule(nullptr);
-        EXPECT_EQ(tags(), "b");
-    }
-}
-
-TEST_F(LifecycleTest, TheFirstPingsFindThePaneFilledAndLocked) {
-    store(storedDefaults());
-    center.daemonAlive = center.agentAlive = true;
-    int pings = 0;
-    center.onPing = [&] {
-        ++pings;
-        EXPECT_EQ(ui.popUpUpdate->numberOfItems(), 3);
-        EXPECT_EQ(tags(), "ab");
-        EXPECT_EQ(ui.lockDescLabel->stringValue(), "[Cadenas ferme]");
-        EXPECT_FALSE(ui.menuCheck->isEnabled());
-    };
-    create();
-    pane->didSelect();
-    EXPECT_EQ(pings, 2);
-    EXPECT_EQ(lights(), "--");  // the results come when the main thread is free again
-    host.dispatch.run();
-    EXPECT_EQ(lights(), "++");
-}
-
-TEST_F(LifecycleTest, WhatCountsAsAnEdit) {
-    unlockBeforehand();
-    store(storedDefaults());
-    open();
-    auto& table = *configuratorUi.table;
-    const auto inSheet = [&](const auto& button) {
-        host.application.duringNextModal([button] { button->click(); });
-        table.doubleClickRow(0);
-    };
-    struct {
-        const char* what;
-        std::function<void()> act;
-        bool counts;
-    } const cases[] = {
-        {"flag", [&] { table.clickCell(0, "Is Enabled"); }, true},
-        {"day", [&] { table.clickCell(1, "Active On Sunday"); }, true},
-        {"frequency", [&] { ui.popUpUpdate->pick("[Mensuel]"); }, true},
-        {"check updates", [&] { ui.checkUpdateAtStartup->click(); }, true},
-        {"menu bar", [&] { ui.menuCheck->click(); }, true},
-        {"save the sheet", [&] { inSheet(configuratorUi.saveButton); }, true},
-        {"delete", [&] { table.selectRows({0}), configuratorUi.deleteButton->click(); }, true},
-        {"cancel the sheet", [&] { inSheet(configuratorUi.cancelButton); }, false},
-        {"sort", [&] { table.clickHeader("Infos"); }, false},
-        {"reorder", [&] { table.drag({1}, 0); }, false},
-    };
-    for (const auto& [what, act, counts] : cases) {
-        pane->getPrefs();
-        ASSERT_FALSE(canApply());
-        act();
-        EXPECT_EQ(canApply(), counts) << what;
+        pane->configurator()->setScheduleArray(Value());
     }
 }
 
@@ -136,6 +102,11 @@ TEST_F(LifecycleTest, WhatChangesApplyAndRevert) {
         std::function<void()> act;
         Outcome outcome;
     } const cases[] = {
+        {"edit", true, true,
+         [&] {
+             host.defaultCenter.postNotification({std::string(kMOLConfiguratorHasBeenEditedNotification), {}, {}});
+         },
+         kEnabled},
         {"revert", true, true, [&] { pane->revert(nullptr); }, kDisabled},
         {"revert to defaults", false, true, [&] { pane->revert(nullptr); }, kUnchanged},
         {"apply", true, true, [&] { pane->applyNow(nullptr); }, kDisabled},
@@ -157,49 +128,26 @@ TEST_F(LifecycleTest, WhatChangesApplyAndRevert) {
             EXPECT_EQ(canApply(), outcome == kUnchanged ? before : outcome == kEnabled) << event;
         }
     }
-}
-
-TEST_F(LifecycleTest, RevertBringsBackTheFileAndTheFrequencyFollowsTheCheck) {
-    unlockBeforehand();
-    store(storedDefaults());
-    center.daemonAlive = true;
-    open();
-    for (const bool on : {false, true, false}) {
-        ui.checkUpdateAtStartup->click();
-        EXPECT_EQ(ui.popUpUpdate->isEnabled(), on);
+    for (const bool on : {false, true}) {
+        ui.checkUpdateAtStartup->setState(on);
+        pane->checkboxAction(nullptr);
+        pane->revert(nullptr);
+        EXPECT_EQ(ui.popUpUpdate->isEnabled(), on) << "reading does not reach that far";
     }
-    ui.menuCheck->click();
-    configuratorUi.table->clickCell(0, "Is Enabled");
-    ui.revertButton->click();
-    EXPECT_EQ(ui.checkUpdateAtStartup->state(), kStateOn);
-    EXPECT_FALSE(ui.popUpUpdate->isEnabled()) << "reading does not reach that far";
-    EXPECT_EQ(ui.menuCheck->state(), kStateOn);
-    EXPECT_EQ(pane->configurator()->scheduleArray().at(0)["Is Enabled"], Value(1));
-    EXPECT_TRUE(center.toDaemon.empty());
 }
 
-TEST_F(LifecycleTest, LeavingAlwaysSaves) {
-    for (int choice = 0; choice < 8; ++choice) {
-        const bool unlocked = choice & 1, edited = choice & 2, alive = choice & 4;
-        host.standardUserDefaults.values.clear();
+TEST_F(LifecycleTest, LeavingSavesWhateverTheLockAndWithoutAnEdit) {
+    center.daemonAlive = true;
+    for (const bool unlocked : {false, true}) {
         if (unlocked) unlockBeforehand();
         store(storedDefaults());
         open();
-        if (edited) ui.menuCheck->setState(kStateOff);
-        const int reads = host.files.reads;
-        setCanApply(edited);
-        center.daemonAlive = alive;
+        ui.menuCheck->setState(kStateOff);
         center.toDaemon.clear();
         pane->willUnselect();
-        EXPECT_EQ(host.files.reads - reads, alive ? 1 : 0);
-        ASSERT_EQ(center.toDaemon.size(), alive ? 1u : 0u);
-        if (alive) {
-            EXPECT_EQ(center.toDaemon[0].userInfo["Show In Menu Bar"], Value(edited ? 0 : 1));
-        }
-        EXPECT_EQ(ui.menuCheck->state(), edited && !alive ? kStateOff : kStateOn);
+        ASSERT_EQ(center.toDaemon.size(), 1u);
+        EXPECT_EQ(center.toDaemon[0].userInfo["Show In Menu Bar"], Value(0));
     }
-    EXPECT_TRUE(host.application.alerts.empty());
-    EXPECT_EQ(host.application.beeps, 0);
 }
 
 TEST_F(LifecycleTest, GoesWhenItWasNeverSelected) {
@@ -211,14 +159,21 @@ TEST_F(LifecycleTest, GoesWhenItWasNeverSelected) {
     host.defaultCenter.postNotification({std::string(kMOLConfiguratorHasBeenEditedNotification), {}, {}});
 }
 
-TEST_F(LifecycleTest, AnEmbeddingHostNeverHearsARefusal) {
-    create();
-    const auto view = std::make_shared<headless::View>();
-    VXPrefPaneControllerProtocol& embedded = *pane;
-    embedded.setMainView(view);
-    EXPECT_EQ(embedded.mainView(), view);
-    embedded.setShouldUnselect(PreferencePane::UnselectCancel);
-    EXPECT_EQ(embedded.shouldUnselect(), PreferencePane::UnselectNow);
+TEST_F(LifecycleTest, WithoutAConfiguratorTheListGoesBackAsItWasRead) {
+    configuratorUi.loadable = false;
+    const Value list(Array{schedule("a"), schedule("of nobody", "gone")});
+    store(Value(storedDefaults()).with("Schedule Array", list));
+    open();
+    for (const bool alive : {false, true}) {  // what could not be sent is not lost either
+        center.daemonAlive = alive;
+        pane->willUnselect();
+    }
+    store({});
+    pane->didSelect();
+    pane->willUnselect();
+    ASSERT_EQ(center.toDaemon.size(), 2u);
+    EXPECT_EQ(center.toDaemon[0].userInfo["Schedule Array"], list);
+    EXPECT_TRUE(center.toDaemon[1].userInfo["Schedule Array"].isAbsent());
 }
 
 TEST_F(LifecycleTest, DoesWithoutConfiguratorAndKit) {

@@ -11,6 +11,7 @@
 namespace quorel::test {
 
 /// A channel to programs that are alive or not, as told. Installs itself as the shared instance while it lives.
+/// Whatever is posted counts as not delivered: the pane is not to mind.
 class FakeCommunicationCenter : public VXCommunicationCenter {
 public:
     FakeCommunicationCenter() { setSharedInstance(this); }
@@ -31,11 +32,11 @@ public:
     bool postNotificationToDaemon(const Notification& notification) override {
         toDaemon.push_back(notification);
         if (onDaemon) onDaemon(notification);
-        return true;
+        return false;
     }
     bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) override {
         toAgent.emplace_back(notification, userId);
-        return true;
+        return false;
     }
 
     bool daemonAlive = false;

@@ -25,13 +25,16 @@ public:
     std::shared_ptr<headless::View> view;
     bool reactsToCheckboxes = false;
     std::function<void(FakeModule&)> onCheckbox;
-    std::function<void(FakeModule&)> onFillParameters;
+    std::function<void()> whenAsked;
     std::vector<std::string> calls;  ///< what changed the module or its view, in order
 
     bool isBaseModule() override { return base; }
     void loadNib() override { calls.push_back("loadNib"); }
     std::shared_ptr<View> setupView() override { return view; }
-    bool needsWakeUp() override { return flag("wake"); }
+    bool needsWakeUp() override {
+        if (whenAsked) whenAsked();
+        return flag("wake");
+    }
     void setNeedsWakeUp(bool needs) override { setFlag("wake", needs, wakeUpChangeable); }
     bool needsWakeUpByDefault() override { return wakeUpByDefault; }
     bool needsStartup() override { return flag("startup"); }
@@ -39,10 +42,7 @@ public:
     bool needsStartupByDefault() override { return startupByDefault; }
     std::optional<std::string> pluginName() override { return name; }
     void fillSetupInterfaceFromParameters() override { calls.push_back("fillSetupInterface"); }
-    void fillParametersFromSetupInterface() override {
-        calls.push_back("fillParameters");
-        if (onFillParameters) onFillParameters(*this);
-    }
+    void fillParametersFromSetupInterface() override { calls.push_back("fillParameters"); }
     Value defaultParameters() override { return defaults; }
     std::string actionString() override { return "does " + std::to_string(current["n"].intValue()); }
     std::string pluginIdentifier() override { return identifier; }

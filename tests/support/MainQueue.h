@@ -7,7 +7,7 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/Dispatch.h"
+#include "platform/System.h"
 
 namespace quorel::test {
 

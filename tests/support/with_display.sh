@@ -15,6 +15,7 @@ ours() {
 # The helper programs make themselves independent; one may be about to.
 tries=0
 while left=$(ours); [ -n "$left" ] && [ $tries -lt 50 ]; do
+    # shellcheck disable=SC2086 # one number or several
     kill $left 2>/dev/null
     tries=$((tries + 1))
     sleep 0.1

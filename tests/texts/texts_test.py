@@ -18,7 +18,7 @@ LITERAL = re.compile(r'"((?:[^"\\]|\\.)*)"')
 ENTRY = re.compile(r'^"((?:[^"\\]|\\.)*)" = "((?:[^"\\]|\\.)*)";$')
 
 BUNDLES = {
-    "pane": (["pane/*.cpp", "configurator/*.cpp", "appkit/*.mm"], ["resources/interface/*.xib"], "resources/texts"),
+    "pane": (["pane/*.cpp", "configurator/*.cpp", "kit/*.cpp", "appkit/*.mm"], ["resources/interface/*.xib"], "resources/texts"),
     "Sleep": (["modules/Sleep/*.mm"], [], "modules/Sleep"),
     "WakeUp": (["modules/WakeUp/*.mm"], [], "modules/WakeUp"),
     "sample": (["modules/sample/*.m", "modules/sample/*.mm"], [], "modules/sample"),

@@ -1,0 +1,121 @@
+#include "daemon/Acting.h"
+
+#include <systemd/sd-id128.h>
+
+#include <cctype>
+#include <cstdlib>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "daemon/OutcomeSentence.h"
+#include "linux/JournalLog.h"
+#include "model/Preferences.h"
+
+namespace quorel {
+
+namespace {
+
+/// Of every outcome's entry in the journal.
+constexpr std::string_view kOutcomeMessage = "6c0b7b1d5f4e4a0f9d6e3c8a27b41f53";
+
+constexpr const char* kHardwareClock = "/sys/class/rtc/rtc0";
+
+/// The service manager says where, and makes it.
+std::string stateFolder(const std::string& root) {
+    const char* given = root.empty() ? std::getenv("STATE_DIRECTORY") : nullptr;
+    return given ? given : root + "/var/lib/quorel";
+}
+
+std::string textOf(const Value& value) {
+    return value.isText() ? value.text() : std::to_string(value.isBoolean() ? value.intValue() : value.integer());
+}
+
+/// Another one after each boot.
+std::string bootId() {
+    sd_id128_t id{};
+    char text[SD_ID128_STRING_MAX];
+    return sd_id128_get_boot(&id) < 0 ? std::string() : sd_id128_to_string(id, text);
+}
+
+}  // namespace
+
+template <class Event>
+auto Acting::tell(Event event) {
+    if constexpr (std::is_void_v<decltype(event(_clocks.now()))>) {
+        if (!_hasBegun) return;
+        event(_clocks.now());
+        _clockWatch.waitFor(_scheduler.nextCall());
+    } else {
+        const auto result = event(_clocks.now());
+        _clockWatch.waitFor(_scheduler.nextCall());
+        return result;
+    }
+}
+
+Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Clocks& clocks)
+    : _clocks(clocks),
+      _state(stateFolder(root) + "/state.plist"),
+      _alarms(loop, clocks, {root.empty(), root + kHardwareClock, stateFolder(root) + "/startup-alarm"}),
+      _sessions(bus, clocks,
+                [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
+      _power(bus, clocks, _sessions,
+             {[this](Ticket ticket, const Conditions& conditions) {
+                  tell([&](Now now) { _scheduler.looked(now, ticket, conditions); });
+              },
+              [this](Ticket ticket, PowerReply reply, const std::string& reason) {
+                  tell([&](Now now) { _scheduler.powerReplied(now, ticket, reply, reason); });
+              },
+              {}}),
+      _scheduler({_calendar, _power, _alarms, _actions, _state, *this}),
+      _clockWatch(loop, clocks,
+                  {[this] { tell([&](Now now) { _scheduler.tick(now); }); },
+                   [this] { tell([&](Now now) { _scheduler.zoneChanged(now); }); }}),
+      _sleepWatch(loop, bus,
+                  {[this](bool lidClosed) { tell([&](Now now) { _scheduler.goingToSleep(now, lidClosed); }); },
+                   [this](bool lidClosed) {
+                       _sessions.restart();
+                       tell([&](Now now) { _scheduler.resumed(now, lidClosed); });
+                   },
+                   [this] { tell([&](Now now) { _scheduler.goingDown(now); }); }}) {}
+
+void Acting::take(const Value& preferences) {
+    const Value& list = preferences[preferences::kScheduleArray];
+    const bool begins = !std::exchange(_hasBegun, true);
+    tell([&](Now now) {
+        if (begins)
+            _scheduler.start(now, list, _state.read(), bootId());
+        else
+            _scheduler.listSaved(now, list);
+    });
+}
+
+bool Acting::skip(const std::string& token, const std::string& by) {
+    return tell([&](Now now) { return _scheduler.skip(now, token, by); });
+}
+
+bool Acting::postpone(const std::string& token, const std::string& by) {
+    return tell([&](Now now) { return _scheduler.postpone(now, token, by); });
+}
+
+void Acting::ended(const Outcome& outcome) {
+    std::vector<std::string> names;
+    std::vector<std::pair<std::string_view, std::string>> fields = {{"QUOREL_CODE", outcome.code}};
+    if (outcome.due != 0) fields.emplace_back("QUOREL_DUE", std::to_string(outcome.due));
+    if (!outcome.action.empty()) fields.emplace_back("QUOREL_ACTION", outcome.action);
+    const Dictionary& arguments = outcome.arguments;
+    names.reserve(arguments.size());
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        std::string& name = names.emplace_back("QUOREL_");
+        for (const char letter : arguments.keyAt(i)) name += static_cast<char>(std::toupper(letter));
+        fields.emplace_back(name, textOf(arguments.valueAt(i)));
+    }
+    writeJournalEntry(kOutcomeMessage, sentenceOf(outcome), fields);
+}
+
+void Acting::changed() {
+    if (changedCallback) changedCallback();
+}
+
+}  // namespace quorel

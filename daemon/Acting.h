@@ -1,0 +1,58 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "daemon/ComputerAlarms.h"
+#include "daemon/ModuleActions.h"
+#include "daemon/StateFile.h"
+#include "linux/ClockWatch.h"
+#include "linux/LoginPower.h"
+#include "linux/LoginSessions.h"
+#include "linux/SleepWatch.h"
+#include "linux/SystemCalendar.h"
+#include "scheduler/Scheduler.h"
+
+namespace quorel {
+
+/// Carries the stored Schedules out: joins the scheduler to the computer. One thread.
+class Acting : private Reports {
+public:
+    /// `root` stands before the absolute paths of what it reads and writes; below one of its own it arms no wake alarm.
+    /// `clocks`, loop and bus must outlive it.
+    Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Clocks& clocks);
+
+    /// The preferences that are in place. The first call begins.
+    void take(const Value& preferences);
+
+    /// As the scheduler's own.
+    bool skip(const std::string& token, const std::string& by);
+    bool postpone(const std::string& token, const std::string& by);
+
+    const Scheduler& scheduler() const { return _scheduler; }
+    const ComputerAlarms& alarms() const { return _alarms; }
+    /// Called after what can be asked here has changed.
+    std::function<void()> changedCallback;
+
+private:
+    void ended(const Outcome& outcome) override;
+    void changed() override;
+
+    /// Tells the scheduler something, and waits for what it waits for then.
+    template <class Event>
+    auto tell(Event event);
+
+    const Clocks& _clocks;
+    SystemCalendar _calendar;
+    StateFile _state;
+    ComputerAlarms _alarms;
+    ModuleActions _actions;
+    LoginSessions _sessions;
+    LoginPower _power;
+    Scheduler _scheduler;
+    ClockWatch _clockWatch;
+    SleepWatch _sleepWatch;
+    bool _hasBegun = false;
+};
+
+}  // namespace quorel

@@ -1,0 +1,80 @@
+#include "daemon/ComputerAlarms.h"
+
+#include <utility>
+
+#include "kit/MOLLog.h"
+
+namespace quorel {
+
+namespace {
+
+using Result = StartupAlarm::Result;
+
+const char* textOf(Result result) {
+    switch (result) {
+        case Result::kAbsent:
+            return "this computer has no clock with an alarm";
+        case Result::kPast:
+            return "its time is too close";
+        case Result::kTooFar:
+            return "its time is further ahead than the computer's clock can be set";
+        case Result::kTaken:
+            return "somebody else's alarm is set, and is earlier";
+        case Result::kReplaced:
+            return "it replaces somebody else's";
+        default:
+            return "it cannot be set";
+    }
+}
+
+}  // namespace
+
+ComputerAlarms::ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options options)
+    : _clocks(clocks),
+      _arms(options.wake),
+      _wake(loop),
+      _startup(std::move(options.clock), std::move(options.note)),
+      _ability(_arms ? WakeAlarm::ability() : WakeAlarm::Ability::kNoClock) {
+    if (!_arms)
+        MOLLog("No wake alarm is armed: the daemon runs below a folder of its own.");
+    else if (_ability == WakeAlarm::Ability::kNoClock)
+        MOLLog("Nothing can wake this computer: no clock has an alarm.");
+    else if (_ability == WakeAlarm::Ability::kForbidden)
+        MOLLog("The system does not let the daemon set wake alarms.");
+    _startup.set(std::nullopt, clocks.now().instant());
+    _reachFar = _startup.reachesFar();
+}
+
+void ComputerAlarms::armWake(std::optional<Instant> at) {
+    if (_ability != WakeAlarm::Ability::kWakes) return;
+    const std::string reason = _wake.set(at);
+    if (!reason.empty()) MOLLog("The wake alarm cannot be set: %s.", reason.c_str());
+}
+
+void ComputerAlarms::armStartup(std::optional<Instant> at) {
+    const Result before = _startupOutcome.result;
+    _startupOutcome = _startup.set(at, _clocks.now().instant());
+    const Result result = _startupOutcome.result;
+    if (result == Result::kDone || (result == before && result != Result::kReplaced)) return;
+    if (!at && result == Result::kAbsent) return;  // which matters to nobody
+    MOLLog("The start-up alarm: %s%s%s.", textOf(result), _startupOutcome.reason.empty() ? "" : ": ",
+           _startupOutcome.reason.c_str());
+}
+
+std::string_view ComputerAlarms::waking() const {
+    if (!_arms) return "off";
+    switch (_ability) {
+        case WakeAlarm::Ability::kWakes:
+            return "yes";
+        case WakeAlarm::Ability::kForbidden:
+            return "forbidden";
+        default:
+            return "no-clock";
+    }
+}
+
+std::string_view ComputerAlarms::starting() const {
+    return _startup.exists() ? "yes" : _arms ? "no-clock" : "off";
+}
+
+}  // namespace quorel

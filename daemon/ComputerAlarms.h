@@ -1,0 +1,46 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "linux/Clocks.h"
+#include "linux/StartupAlarm.h"
+#include "linux/WakeAlarm.h"
+#include "scheduler/World.h"
+
+namespace quorel {
+
+/// The computer's two alarms, and whether it has them. What stands in their way is said once.
+class ComputerAlarms : public Alarms {
+public:
+    struct Options {
+        bool wake = true;   ///< whether the kernel is to be asked for wake alarms
+        std::string clock;  ///< the kernel's folder of the hardware clock
+        std::string note;   ///< a file that says which start-up alarm is ours
+    };
+    /// An alarm of an earlier run is taken away. `clocks` and the loop must outlive it.
+    ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options options);
+
+    bool reachFar() const override { return _reachFar; }
+    void armWake(std::optional<Instant> at) override;
+    void armStartup(std::optional<Instant> at) override;
+
+    /// Whether the computer can wake, or start, by itself: "yes", "no-clock" where it has no clock with an alarm,
+    /// "forbidden", or "off" where this daemon is not to arm alarms.
+    std::string_view waking() const;
+    std::string_view starting() const;
+    /// Somebody else's start-up alarm that was met last.
+    std::optional<Instant> othersStartup() const { return _startupOutcome.others; }
+
+private:
+    const Clocks& _clocks;
+    const bool _arms;
+    WakeAlarm _wake;
+    StartupAlarm _startup;
+    WakeAlarm::Ability _ability;
+    bool _reachFar;
+    StartupAlarm::Outcome _startupOutcome;
+};
+
+}  // namespace quorel

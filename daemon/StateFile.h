@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "scheduler/World.h"
+
+namespace quorel {
+
+/// What the scheduler keeps from one run of the daemon to the next: a property list in a file.
+class StateFile : public Store {
+public:
+    explicit StateFile(std::string path);
+
+    /// Absent when there is no file, and a text when there is one that cannot be read.
+    Value read() const;
+    void save(const Value& state) override;
+
+private:
+    const std::string _path;
+    bool _fails = false;  ///< said once
+};
+
+}  // namespace quorel

@@ -1,0 +1,19 @@
+#include "linux/Clocks.h"
+
+namespace quorel {
+
+namespace {
+
+std::int64_t millisecondsOf(clockid_t clock) {
+    timespec time{};
+    clock_gettime(clock, &time);
+    return time.tv_sec * 1000 + time.tv_nsec / 1'000'000;
+}
+
+}  // namespace
+
+Now Clocks::now() const {
+    return {millisecondsOf(CLOCK_REALTIME), millisecondsOf(CLOCK_BOOTTIME), millisecondsOf(CLOCK_MONOTONIC)};
+}
+
+}  // namespace quorel

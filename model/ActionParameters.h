@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string_view>
+
+namespace quorel {
+
+/// What stands under "Action Parameters": the keys that the product's own actions and its daemon share. Whatever stands
+/// under them is read through `Value::intValue`; a flag is on when that is not 0.
+namespace parameters {
+
+inline constexpr std::string_view kNeedsWakeUp = "Needs Wake Up";   ///< flag: wakes a computer that sleeps
+inline constexpr std::string_view kNeedsStartup = "Needs Startup";  ///< flag: starts one that is off
+
+inline constexpr std::string_view kOnlyWhenIdle = "Only When Idle";  ///< flag: sleep and shut-down
+inline constexpr std::string_view kIdleMinutes = "Idle Minutes";     ///< brought into the range below
+inline constexpr int kDefaultIdleMinutes = 15;                       ///< when absent
+inline constexpr int kLeastIdleMinutes = 1;
+inline constexpr int kMostIdleMinutes = 999;
+
+inline constexpr std::string_view kRestart = "Restart";  ///< flag: a shut-down that starts the computer again
+
+}  // namespace parameters
+
+}  // namespace quorel

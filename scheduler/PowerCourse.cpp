@@ -1,0 +1,130 @@
+#include "scheduler/PowerCourse.h"
+
+#include <algorithm>
+
+#include "scheduler/Outcome.h"
+#include "scheduler/Rules.h"
+
+namespace quorel {
+
+Hold holdOf(const Conditions& conditions, Seconds idle, const std::string& running) {
+    if (conditions.failure) return {outcome::kHoldUnknown, {}, plainText(*conditions.failure)};
+    if (!conditions.scheduledShutdown.empty()) {
+        return {outcome::kHoldShutdown, plainText(conditions.scheduledShutdown), {}};
+    }
+    // Use comes before inhibitors: a film takes both, and the patience with use is the longer one.
+    if (idle > 0) {
+        for (const Session& session : conditions.sessions) {
+            // A graphical one is as idle as its agent says; without an agent, or without graphics, as logind says.
+            // Where neither can tell it is in use.
+            const std::optional<Seconds> told =
+                session.isGraphical && session.agentIdle ? session.agentIdle : session.hintIdle;
+            if (told.value_or(0) < idle) return {outcome::kHoldUse, plainText(session.name), {}};
+        }
+        if (conditions.sessions.empty() && conditions.sinceLastSession < idle) return {outcome::kHoldUse, {}, {}};
+    }
+    if (!running.empty()) return {outcome::kHoldAction, plainText(running), {}};
+    if (!conditions.inhibitors.empty()) {
+        const Inhibitor& first = conditions.inhibitors.front();
+        return {outcome::kHoldInhibitor, plainText(first.who), plainText(first.why)};
+    }
+    return {};
+}
+
+PowerCourse::Move PowerCourse::begin(Instant now) {
+    return look(now, _quiet ? Step::kChecking : Step::kLooking);
+}
+
+PowerCourse::Move PowerCourse::goOn(Instant now, Instant waitingSince) {
+    _waitingSince = _heldSince = waitingSince;
+    return look(now, Step::kWaiting);
+}
+
+PowerCourse::Move PowerCourse::look(Instant now, Step step) {
+    _step = step;
+    _asked = true;
+    _next = now + rules::kLongestLook;
+    return {Do::kLook};
+}
+
+PowerCourse::Move PowerCourse::reached(Instant now) {
+    if (_step == Step::kActing) return failed(now, std::string(outcome::kNoAnswer));
+    if (_asked) return looked(now, {outcome::kHoldUnknown, {}, std::string(outcome::kNoAnswer)});
+    return look(now, _step == Step::kWarned ? Step::kChecking : Step::kWaiting);
+}
+
+PowerCourse::Move PowerCourse::looked(Instant now, const Hold& hold) {
+    if (!_asked) return {};
+    _asked = false;
+    if (hold) return wait(now, hold);
+    _hold = {};
+    if (_step == Step::kChecking) {
+        _step = Step::kActing;
+        _next = now + rules::kLongestCall;
+        return {Do::kAct};
+    }
+    _step = Step::kWarned;
+    _next = std::max(_at, now + rules::kWarning);
+    return {};
+}
+
+PowerCourse::Move PowerCourse::wait(Instant now, const Hold& hold) {
+    const auto isUse = [](const Hold& one) { return one.kind == outcome::kHoldUse; };
+    const Instant counted = std::max(now, _at);
+    if (_quiet) return {Do::kEnd};
+    if (_waitingSince == 0) _waitingSince = _heldSince = counted;
+    if (isUse(hold) != _heldByUse) _heldSince = counted;
+    _heldByUse = isUse(hold);
+    _hold = hold;
+    const bool patient = _heldByUse
+                             ? now - _waitingSince < rules::kPatienceWithUse
+                             : now - _heldSince < rules::kPatience && now - _waitingSince < rules::kPatienceWithUse;
+    if (!patient) return giveUp(now);
+    _refusals = 0;
+    _step = Step::kWaiting;
+    _next = now + rules::kBetweenLooks;
+    return {};
+}
+
+PowerCourse::Move PowerCourse::giveUp(Instant now) const {
+    if (!_hold) return {Do::kEnd, outcome::kOvertaken, {{"By", outcome::kNext}}};
+    const Seconds waited = std::max<Seconds>(now - _waitingSince, 0);
+    return {Do::kEnd,
+            outcome::kGaveUp,
+            {{"Hold", _hold.kind}, {"Who", _hold.who}, {"Why", _hold.why}, {"Minutes", waited / kMinute}}};
+}
+
+PowerCourse::Move PowerCourse::replied(Instant now, PowerReply reply, const std::string& reason) {
+    if (_step != Step::kActing) return {};
+    if (reply == PowerReply::kRefused) return failed(now, reason);
+    if (reply == PowerReply::kUnderWay) return {Do::kEnd, outcome::kOvertaken, {{"By", outcome::kOther}}};
+    _next = now + rules::kLongestParting;
+    return {};
+}
+
+PowerCourse::Move PowerCourse::awake(Instant now, bool slept) {
+    if (_step != Step::kActing) return {};
+    if (slept) return {Do::kEnd, outcome::kSlept, {{"Until", now}}};
+    return failed(now, std::string(outcome::kStayedAwake));
+}
+
+PowerCourse::Move PowerCourse::failed(Instant now, const std::string& reason) {
+    if (_quiet || ++_refusals == rules::kMostRefusals) {
+        return {Do::kEnd, outcome::kRefused, {{"Reason", plainText(reason)}}};
+    }
+    return look(now, Step::kChecking);
+}
+
+PowerCourse::Move PowerCourse::used(Instant now, const std::string& who) {
+    if (_step != Step::kWarned || _idle == 0) return {};
+    return wait(now, {outcome::kHoldUse, plainText(who), {}});
+}
+
+void PowerCourse::clockMoved(Instant before, Seconds by) {
+    if (_at <= before) _at += by;  // it has been reached, and is not to come again
+    _next = _step == Step::kWarned ? std::max(_at, _next + by) : _next + by;
+    if (_waitingSince != 0) _waitingSince += by;
+    _heldSince += by;
+}
+
+}  // namespace quorel

@@ -1,0 +1,140 @@
+#include "scheduler/ScheduleReading.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "model/ActionParameters.h"
+#include "model/Dictionary.h"
+#include "model/Schedule.h"
+#include "scheduler/Occurrence.h"
+#include "scheduler/Outcome.h"
+
+namespace quorel {
+
+namespace {
+
+/// FNV-1a: the same on every computer and in every version, since digests are stored.
+class Digest {
+public:
+    std::uint64_t result() const { return _hash; }
+
+    Digest& add(std::string_view bytes) {
+        addNumber(bytes.size());
+        for (const char byte : bytes) addByte(static_cast<unsigned char>(byte));
+        return *this;
+    }
+
+    Digest& addNumber(std::uint64_t number) {
+        for (int i = 0; i < 8; ++i) addByte(static_cast<unsigned char>(number >> (8 * i)));
+        return *this;
+    }
+
+    Digest& add(const Value& value) {
+        if (value.isBoolean()) addNumber('b').addNumber(static_cast<std::uint64_t>(value.intValue()));
+        if (value.isInteger()) addNumber('i').addNumber(static_cast<std::uint64_t>(value.integer()));
+        if (value.isReal()) addNumber('r').addNumber(std::bit_cast<std::uint64_t>(value.real()));
+        if (value.isDate()) addNumber('t').addNumber(std::bit_cast<std::uint64_t>(value.date().secondsSinceReference));
+        if (value.isText()) addNumber('s').add(std::string_view(value.text()));
+        if (value.isData()) {
+            const Data& data = value.data();
+            addNumber('d').add(std::string_view(reinterpret_cast<const char*>(data.data()), data.size()));
+        }
+        if (value.isArray()) {
+            addNumber('a').addNumber(value.array().size());
+            for (const Value& element : value.array()) add(element);
+        }
+        if (value.isDictionary()) {
+            const Dictionary& dictionary = value.dictionary();
+            addNumber('m').addNumber(dictionary.size());
+            for (std::size_t i = 0; i < dictionary.size(); ++i) {
+                add(std::string_view(dictionary.keyAt(i))).add(dictionary.valueAt(i));
+            }
+        }
+        return *this;
+    }
+
+private:
+    void addByte(unsigned char byte) { _hash = (_hash ^ byte) * 0x100000001B3u; }
+    std::uint64_t _hash = 0xCBF29CE484222325u;
+};
+
+ActionKind kindOf(const std::string& action) {
+    if (action == schedule_keys::kSleepType) return ActionKind::kSleep;
+    if (action == schedule_keys::kWakeUpType) return ActionKind::kWakeUp;
+    if (action == schedule_keys::kShutDownType) return ActionKind::kShutDown;
+    return ActionKind::kModule;
+}
+
+bool isOn(const Value& dictionary, std::string_view key) {
+    return dictionary[key].intValue() != 0;
+}
+
+/// What the action's own parameters say. Sleep and shut-down never wake or start the computer and a wake-up always
+/// wakes it, whatever stands there.
+void readParameters(ScheduleReading& reading) {
+    const Value& own = reading.parameters;
+    if (reading.isPower()) {
+        const Value& minutes = own[parameters::kIdleMinutes];
+        const int idle = minutes.isAbsent() ? parameters::kDefaultIdleMinutes : minutes.intValue();
+        const int kept = std::clamp(idle, parameters::kLeastIdleMinutes, parameters::kMostIdleMinutes);
+        if (isOn(own, parameters::kOnlyWhenIdle)) reading.idle = kept * kMinute;
+        reading.restarts = reading.kind == ActionKind::kShutDown && isOn(own, parameters::kRestart);
+    } else {
+        reading.wakes = reading.kind == ActionKind::kWakeUp || isOn(own, parameters::kNeedsWakeUp);
+        reading.starts = isOn(own, parameters::kNeedsStartup);
+    }
+}
+
+/// Empty where the Schedule can run.
+std::string_view faultOf(ScheduleReading& reading, const Actions& actions) {
+    if (reading.hour < 0 || reading.hour > 23) return "hour";
+    if (reading.minute < 0 || reading.minute > 59) return "minute";
+    if (reading.kind != ActionKind::kModule) return {};
+    const std::optional<Module> module = actions.module(reading.action);
+    if (!module) return "action";
+    if (!module->hasProgram) return "program";
+    reading.makeUp = module->makeUp;
+    return {};
+}
+
+}  // namespace
+
+ListReading readScheduleList(const Value& list, const Actions& actions) {
+    KeyReader enabled(schedule_keys::kIsEnabled), type(schedule_keys::kActionType), hour(schedule_keys::kActionHour),
+        minute(schedule_keys::kActionMinute), parameters(schedule_keys::kActionParameters);
+    std::vector<KeyReader> days(schedule_keys::kActiveOnDays.begin(), schedule_keys::kActiveOnDays.end());
+
+    ListReading result;
+    std::size_t number = 0;
+    for (const Value& entry : list.array()) {
+        ++number;
+        if (enabled(entry).intValue() == 0) continue;
+        auto reading = std::make_shared<ScheduleReading>();
+        reading->hour = hour(entry).intValue();
+        reading->minute = minute(entry).intValue();
+        for (std::size_t day = 0; day < days.size(); ++day) reading->days[day] = days[day](entry).intValue() != 0;
+        reading->action = type(entry).text();
+        reading->kind = kindOf(reading->action);
+        if (parameters(entry).isDictionary()) reading->parameters = parameters(entry);
+        readParameters(*reading);
+        if (const std::string_view fault = faultOf(*reading, actions); !fault.empty()) {
+            result.faults.push_back({number, plainText(reading->action), fault});
+            continue;
+        }
+        reading->digest = Digest()
+                              .addNumber(static_cast<std::uint64_t>(reading->hour * 60 + reading->minute))
+                              .add(std::string_view(reading->action))
+                              .add(reading->parameters)
+                              .result();
+        result.schedules.push_back(std::move(reading));
+    }
+    return result;
+}
+
+std::string Occurrence::token() const {
+    std::string digits;
+    for (int shift = 60; shift >= 0; shift -= 4) digits += "0123456789abcdef"[schedule->digest >> shift & 15];
+    return std::to_string(due) + "-" + digits + "-" + std::to_string(number);
+}
+
+}  // namespace quorel

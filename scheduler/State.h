@@ -1,0 +1,60 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/Value.h"
+#include "scheduler/Occurrence.h"
+#include "scheduler/PowerCourse.h"
+
+namespace quorel {
+
+/// An occurrence that something has happened to.
+struct OpenOccurrence {
+    Occurrence occurrence;
+    Step step = Step::kPlanned;
+    Instant at = 0;       ///< when it is to happen, or in kRunning did begin
+    std::string by = {};  ///< who skipped or postponed it
+    bool madeUp = false;
+    std::optional<PowerCourse> course = {};  ///< of a sleep or shut-down whose time has come
+    Ticket ticket = 0;                       ///< of the course's last question
+    std::int64_t asleepBefore = 0;           ///< time spent asleep, in milliseconds, when the system was asked
+
+    /// What it goes by outside: its time is part of it once it has been moved.
+    std::string token() const;
+};
+
+/// What outlives the program.
+struct StoredState {
+    struct Open {
+        std::string action;  ///< enough to tell of it when its Schedule is no more
+        std::uint64_t digest = 0;
+        Instant due = 0;
+        Instant at = 0;
+        unsigned weekday = 0;
+        unsigned number = 0;
+        Step step = Step::kPlanned;
+        std::string by;
+        bool madeUp = false;
+        Instant waitingSince = 0;
+    };
+    Instant watermark = 0;   ///< everything up to here has been taken up
+    Instant awakeUntil = 0;  ///< the end of the ten minutes after a wake-up
+    std::string bootId;
+    std::int64_t slept = 0;  ///< time spent asleep since boot, in milliseconds
+    std::vector<Open> open;
+    Array outcomes;  ///< as Outcome::value has them
+
+    Value value() const;
+    /// Nothing where the value is no state that this version understands.
+    static std::optional<StoredState> from(const Value& value);
+};
+
+/// As it is stored and sent: "planned", "skipped", "done", "postponed", "make-up", "running", "looking", "waiting",
+/// "warned", "checking", "acting".
+std::string_view nameOf(Step step);
+/// Adds one to the last 500.
+void keepOutcome(Array& outcomes, Value outcome);
+
+}  // namespace quorel

@@ -1,0 +1,94 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "appkit/Bundles.h"
+#include "appkit/VXPrefPaneController.h"
+
+namespace quorel::appkit {
+namespace {
+
+class HostTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() { [NSApplication sharedApplication]; }
+    ~HostTest() override { [pool drain]; }
+
+    VXPrefPaneController *makePane() {
+        NSBundle *bundle = [NSBundle bundleWithPath:@PANE];
+        return [[[[bundle principalClass] alloc] initWithBundle:bundle] autorelease];
+    }
+
+    NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
+};
+
+TEST_F(HostTest, ThePaneIsWhatItsProtocolsSay) {
+    VXPrefPaneController *pane = makePane();
+    ASSERT_TRUE(pane);
+    EXPECT_TRUE([pane conformsToProtocol:NSProtocolFromString(@"VXPrefPaneControllerProtocol")]);
+    EXPECT_TRUE([pane conformsToProtocol:NSProtocolFromString(@"VXCommunicationProtocol")]);
+    for (NSString *name in @[
+             @"willSelect", @"didSelect", @"willUnselect", @"about", @"vxPrefPaneWindow", @"setVxPrefPaneWindow:",
+             @"mainView", @"setMainView:", @"shouldUnselect", @"setShouldUnselect:", @"pong", @"communicationCenter"
+         ]) {
+        EXPECT_TRUE([pane respondsToSelector:NSSelectorFromString(name)]) << [name UTF8String];
+    }
+    [pane setShouldUnselect:NSUnselectCancel];
+    EXPECT_EQ([pane shouldUnselect], NSUnselectNow);
+    EXPECT_TRUE([pane pong]);
+    EXPECT_TRUE([pane communicationCenter]);
+
+    // Its interface file is not loaded.
+    [[NSNotificationCenter defaultCenter] postNotificationName:@"kMOLConfiguratorHasBeenEditedNotification" object:nil];
+    [pane about];
+}
+
+TEST_F(HostTest, ThePaneNamesItsWindowAndDoesNotKeepIt) {
+    VXPrefPaneController *pane = makePane();
+    for (const bool deferred : {false, true}) {
+        NSWindow *window = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 300, 200)
+                                                       styleMask:NSTitledWindowMask | NSClosableWindowMask
+                                                         backing:NSBackingStoreBuffered
+                                                           defer:deferred];
+        [window setReleasedWhenClosed:NO];
+        @autoreleasepool {
+            [pane setVxPrefPaneWindow:window];
+            EXPECT_EQ([pane vxPrefPaneWindow], window);
+            [window setContentView:[[[NSView alloc] initWithFrame:NSZeroRect] autorelease]];
+            for (int shown = 0; shown < 2; ++shown) {
+                [window orderFront:nil];
+                [window close];
+                EXPECT_EQ([pane vxPrefPaneWindow], window);
+            }
+            [window release];
+        }
+        EXPECT_EQ([pane vxPrefPaneWindow], nil);
+    }
+}
+
+// The pane says nothing of modules that are none, and looks for them in one folder alone.
+TEST_F(HostTest, BundlesAreListedDirectlyAndAskedInSilence) {
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::path([NSTemporaryDirectory() UTF8String]) / "PlugIns";
+    for (const char *name : {"A", "Resources/B", "Resources/French.lproj/C", "French.lproj/D"}) {
+        fs::create_directories(folder / (std::string(name) + ".vxplugin/Resources"));
+    }
+    const fs::path module = folder / "A.vxplugin";
+    EXPECT_EQ(Bundles().pathsForResourcesOfTypeInDirectory("vxplugin", folder.string() + "/"),
+              std::vector<std::string>{module.string()});
+
+    std::ofstream(module / "Resources/Info-gnustep.plist") << R"({ NSExecutable = "A"; VXEditClass = "A"; })";
+    for (const bool junk : {false, true}) {
+        if (junk) std::ofstream(module / "A") << "no code";
+        testing::internal::CaptureStderr();
+        const auto bundle = Bundles().bundleWithPath(module.string());
+        ASSERT_TRUE(bundle);
+        bundle->load();
+        EXPECT_FALSE(bundle->classNamed("A"));
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << junk;
+    }
+    fs::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace quorel::appkit

@@ -1,0 +1,47 @@
+#include "linux/ClockWatch.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+
+namespace quorel {
+namespace {
+
+constexpr std::uint64_t kLongest = 20'000'000;
+
+TEST(ClockWatchTest, CallsAtTheInstantAndWhenTheZoneIsReplaced) {
+    std::string folder = testing::TempDir() + "etcXXXXXX";
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    EventLoop loop;
+    {
+        int ticks = 0;
+        int zones = 0;
+        const Clocks clocks;
+        ClockWatch watch(loop, clocks, {[&] { ++ticks; }, [&] { ++zones; }}, folder.c_str());
+        const auto runUntil = [&](const int& count, int reached) {
+            while (count < reached)
+                if (sd_event_run(loop.get(), kLongest) <= 0) break;
+            return count;
+        };
+        const Instant due = clocks.now().instant() + 1;
+        watch.waitFor(due);
+        ASSERT_EQ(runUntil(ticks, 1), 1);
+        EXPECT_GE(clocks.now().instant(), due);
+        watch.waitFor(due - 100);  // one that has passed is not lost
+        EXPECT_EQ(runUntil(ticks, 2), 2);
+        EXPECT_EQ(sd_event_run(loop.get(), 200'000), 0);  // and it is over
+
+        std::filesystem::create_symlink("/some/zone", folder + "/other");
+        std::filesystem::create_symlink("/some/zone", folder + "/new");
+        while (sd_event_run(loop.get(), 200'000) > 0) continue;
+        EXPECT_EQ(zones, 0);
+        std::filesystem::rename(folder + "/new", folder + "/localtime");
+        EXPECT_GE(runUntil(zones, 1), 1);
+        EXPECT_EQ(ticks, 2);
+    }
+    std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace quorel
