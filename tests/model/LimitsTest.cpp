@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 #include <random>
 
 #include "BinaryFile.h"
@@ -72,7 +72,7 @@ TEST(LimitsTest, Size) {
     EXPECT_TRUE(decodePropertyList(sized(kMaximumPropertyListBytes + 1)).isAbsent());
     EXPECT_FALSE(encodePropertyList(std::string(kMaximumPropertyListBytes, 'x')));
     EXPECT_FALSE(encodePropertyList(std::string(kMaximumPropertyListBytes / 2, '&')));
-    EXPECT_FALSE(encodePropertyList(Array(3'000'000, true)));
+    EXPECT_FALSE(encodePropertyList(Array(2'200'000, true)));
 }
 
 TEST(LimitsTest, NothingUnfoldsBeyondTheSize) {
@@ -82,7 +82,7 @@ TEST(LimitsTest, NothingUnfoldsBeyondTheSize) {
     const std::string megabyte = "\x5f\x12" + bigEndian(1 << 20, 4) + std::string(1 << 20, 'x');
     EXPECT_TRUE(decodePropertyList(binaryFile({arrayObject(std::vector(15, 1U)), megabyte})).isPresent());
     EXPECT_TRUE(decodePropertyList(binaryFile({arrayObject(std::vector(17, 1U)), megabyte})).isAbsent());
-    EXPECT_TRUE(decodePropertyList(binaryFile({arrayObject(std::vector(3'000'000, 1U)), "\x09"})).isAbsent());
+    EXPECT_TRUE(decodePropertyList(binaryFile({arrayObject(std::vector(2'200'000, 1U)), "\x09"})).isAbsent());
 }
 
 TEST(LimitsTest, TimeGrowsWithTheSize) {
@@ -106,10 +106,10 @@ TEST(LimitsTest, TimeGrowsWithTheSize) {
         {"binary keys", binaryFile(objects)},
     };
     for (const auto& [what, bytes] : cases) {
-        const auto started = std::chrono::steady_clock::now();
+        const std::clock_t started = std::clock();  // of the processor, however busy the machine is
         EXPECT_TRUE(decodePropertyList(bytes).isPresent()) << what;
         // Far above what it takes, also under a sanitizer; quadratic ones take minutes.
-        EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(15)) << what;
+        EXPECT_LT(std::clock() - started, 15 * CLOCKS_PER_SEC) << what;
     }
 }
 
