@@ -100,22 +100,20 @@ std::string_view faultOf(ScheduleReading& reading, const Actions& actions) {
 }  // namespace
 
 ListReading readScheduleList(const Value& list, const Actions& actions) {
-    KeyReader enabled(schedule_keys::kIsEnabled), type(schedule_keys::kActionType), hour(schedule_keys::kActionHour),
-        minute(schedule_keys::kActionMinute), parameters(schedule_keys::kActionParameters);
-    std::vector<KeyReader> days(schedule_keys::kActiveOnDays.begin(), schedule_keys::kActiveOnDays.end());
-
     ListReading result;
     std::size_t number = 0;
     for (const Value& entry : list.array()) {
         ++number;
-        if (enabled(entry).intValue() == 0) continue;
+        if (entry[schedule_keys::kIsEnabled].intValue() == 0) continue;
         auto reading = std::make_shared<ScheduleReading>();
-        reading->hour = hour(entry).intValue();
-        reading->minute = minute(entry).intValue();
-        for (std::size_t day = 0; day < days.size(); ++day) reading->days[day] = days[day](entry).intValue() != 0;
-        reading->action = type(entry).text();
+        reading->hour = entry[schedule_keys::kActionHour].intValue();
+        reading->minute = entry[schedule_keys::kActionMinute].intValue();
+        for (std::size_t day = 0; day < schedule_keys::kActiveOnDays.size(); ++day)
+            reading->days[day] = entry[schedule_keys::kActiveOnDays[day]].intValue() != 0;
+        reading->action = entry[schedule_keys::kActionType].text();
         reading->kind = kindOf(reading->action);
-        if (parameters(entry).isDictionary()) reading->parameters = parameters(entry);
+        if (const Value& parameters = entry[schedule_keys::kActionParameters]; parameters.isDictionary())
+            reading->parameters = parameters;
         readParameters(*reading);
         if (const std::string_view fault = faultOf(*reading, actions); !fault.empty()) {
             result.faults.push_back({number, plainText(reading->action), fault});
