@@ -11,7 +11,8 @@ import sys
 
 import dbus
 
-from daemon_case import SUPPORT, DaemonCase, main, preferences, wait_until, xml
+from daemon_case import SUPPORT, DaemonCase, main, preferences, xml
+from private_system import wait_until
 
 STEPPING_DAEMON = os.path.abspath(sys.argv[3])
 POLICY = """

@@ -8,7 +8,7 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 SUPPORT = os.path.join(HERE, "../support")
 sys.path.insert(0, os.path.join(HERE, "../../demo"))
-from private_system import PrivateSystem, read_line, wait_until
+from private_system import PrivateSystem, read_line
 
 DAEMON, PROBE = (os.path.abspath(path) for path in sys.argv[1:3])
 SANITIZED = len(sys.argv) > 3
