@@ -1,0 +1,168 @@
+"""The package on a machine that never saw it: what its installation, use, upgrade, removal and purge do there.
+
+machine_test.py IMAGE PAYLOAD: the payload holds the package, two higher versions of it below upgrade/, and the opener.
+Each case goes on where the one before it left the machine, and puts right what it needs itself.
+"""
+import os
+import plistlib
+import re
+import shlex
+import sys
+import unittest
+
+from machine import Machine
+
+IMAGE, PAYLOAD = sys.argv[1:3]
+README = f"{os.path.dirname(os.path.abspath(__file__))}/../../README.md"
+FILE = "/Library/Preferences/com.quorel.plist"
+
+# A log-in by PAM, of a session that starts what desktops start by itself.
+DESK = """[Service]
+User=anna
+PAMName=login
+WorkingDirectory=~
+ExecStart=/usr/bin/xinit /usr/bin/openbox-session -- /usr/bin/Xvfb :7 -nolisten tcp
+"""
+
+
+def preferences(**changes):
+    return {"Check Updates": 0, "Check Updates Frequency": 1, "Show In Menu Bar": 1,
+            "Enable Network Administration": 0, "Prefs Version": 1, "Schedule Array": [], **changes}
+
+
+def call(name, method, *arguments, flags=""):
+    return shlex.join(["busctl", *flags.split(), "call", f"com.quorel.{name}", "/com/quorel/Communication",
+                       "com.quorel.Communication1", method, *map(str, arguments)])
+
+
+def save(**changes):
+    data = plistlib.dumps(preferences(**changes), fmt=plistlib.FMT_BINARY)
+    return call("Daemon", "PostNotification", "ssay", "DaemonMustReloadPrefs", "com.quorel.Daemon", len(data), *data)
+
+
+def anna(command):
+    return f"runuser -u anna -- env XDG_RUNTIME_DIR=/run/user/1000 DISPLAY=:7 {command}"
+
+
+PING = call("Daemon", "Ping")
+PING_AGENT = anna(call("UserAgent", "Ping", flags="--user --auto-start=no"))
+DAEMON = "systemctl show --value -p MainPID quorel-daemon"
+AGENT = "pgrep -x quorel-agent"
+FILES = ("find / -xdev \\( -path /home -o -path /root -o -path /tmp -o -path /var/tmp -o -path /var/log -o -path "
+         "/var/cache -o -path /run -o -path /var/lib/apt \\) -prune -o -print | sort")
+
+
+def setUpModule():
+    global guest
+    guest = Machine(IMAGE, PAYLOAD)
+    unittest.addModuleCleanup(guest.close)
+    guest.run(f"{FILES} > /var/tmp/before; mkdir -p /root/build; ln -s /payload /root/build/package")
+    guest.run(f"cat > /etc/systemd/system/desk.service << 'END'\n{DESK}END\nsystemctl daemon-reload")
+
+
+class PackageTest(unittest.TestCase):
+    def stored(self):
+        return plistlib.loads(guest.run(f"cat {FILE}").encode())
+
+    def is_up_without_complaint(self):
+        guest.wait("systemctl is-active quorel-daemon")
+        self.assertEqual(guest.run("systemctl --failed --plain --no-legend"), "")
+        self.assertEqual(guest.run("journalctl -q -b -p warning -u quorel-daemon -t quorel-daemon -t quorel-agent"), "")
+
+    def is_refused_and_stays_down(self, command):
+        self.assertNotEqual(guest.ask(command)[0], 0, command)
+        self.assertEqual(guest.ask("systemctl is-active quorel-daemon")[1], "inactive", command)
+
+    def install(self, package):
+        guest.run(f"cd /root && DEBIAN_FRONTEND=noninteractive apt-get install -y {package} 2>&1")
+
+    def test_01_installs_as_the_readme_says(self):
+        with open(README) as file:
+            command = re.search("^sudo apt install .*$", file.read(), re.MULTILINE).group()
+        guest.run(f"cd /root && {command} < /dev/null")
+        self.is_up_without_complaint()
+        self.assertEqual(guest.run("dpkg --verify quorel"), "")
+        self.assertEqual(guest.run(anna(PING)), "b true")
+        self.assertIn("com.quorel.Communication1",
+                      guest.run(anna("busctl introspect com.quorel.Daemon /com/quorel/Communication")))
+
+    def test_02_stores_for_root_alone(self):
+        guest.run(save(**{"Show In Menu Bar": 0}))
+        status, output = guest.ask(anna(save()))
+        self.assertNotEqual(status, 0)
+        self.assertIn("administrator", output)
+        self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
+
+    def test_03_comes_back_however_often_it_is_killed(self):
+        before = guest.run(DAEMON)
+        guest.run("systemctl kill -s KILL quorel-daemon")
+        guest.wait(f"{DAEMON} | grep -vx -e 0 -e {before}")
+        for _ in range(7):
+            guest.run(f"systemctl kill -s KILL quorel-daemon; {PING}")
+        self.assertEqual(guest.run("systemctl --failed --plain --no-legend"), "")
+
+    def test_04_stopped_is_started_by_a_call(self):
+        guest.run("systemctl stop quorel-daemon")
+        self.assertEqual(guest.run(anna(PING)), "b true")
+
+    def test_05_is_there_after_a_reboot(self):
+        guest.reboot()
+        self.is_up_without_complaint()
+        self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
+
+    def test_06_session_starts_the_agent(self):
+        guest.run("systemctl start desk")
+        self.assertEqual(guest.wait(PING_AGENT), "b true")
+        # It came with the session's own start, and not as a service.
+        self.assertEqual(guest.ask(anna("systemctl --user is-active quorel-agent"))[1], "inactive")
+        self.assertIn("Active=yes", guest.run("loginctl show-user anna -p State -p Sessions; loginctl show-session -p "
+                                             "Active $(loginctl show-user anna --value -p Display)"))
+        self.assertEqual(guest.ask(anna("/usr/libexec/quorel/quorel-agent")), (0, ""))
+
+    def test_07_settings_application_loads_pane_and_modules(self):
+        guest.run("mkdir -p /home/anna/GNUstep && chown anna: /home/anna/GNUstep")
+        guest.run(anna("""SystemPreferences -GSAppKitUserBundles '("/payload/Opener.bundle")' > /tmp/pane.log 2>&1 &"""))
+        for loaded in ("Quorel.prefPane/Quorel", "Sleep.vxplugin/Sleep", "WakeUp.vxplugin/WakeUp"):
+            guest.wait(f"grep -q {loaded}$ /proc/$(pgrep -f ^SystemPreferences)/maps")
+
+    def test_08_pane_looks_for_the_daemon_and_starts_nothing(self):
+        guest.run("systemctl stop quorel-daemon")
+        look = "type='method_call',member='GetNameOwner',arg0='com.quorel.Daemon'"
+        guest.run(f'dbus-monitor --system "{look}" | grep -m1 member=GetNameOwner')
+        self.assertEqual(guest.ask("systemctl is-active quorel-daemon")[1], "inactive")
+        guest.run("systemctl start quorel-daemon; pkill -f ^SystemPreferences")
+
+    def test_09_upgrade_renews_the_daemon_and_leaves_the_rest(self):
+        daemon, agent = guest.run(DAEMON), guest.run(AGENT)
+        self.install("/payload/upgrade/1.deb")
+        guest.wait(f"{DAEMON} | grep -vx -e 0 -e {daemon}")
+        self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
+        self.assertEqual((guest.run(AGENT), guest.run(PING_AGENT)), (agent, "b true"))
+        guest.run("systemctl restart desk")
+        guest.wait(PING_AGENT)
+        self.assertNotEqual(guest.run(AGENT), agent)
+
+    def test_10_disabled_is_started_by_nobody(self):
+        guest.run("systemctl disable --now quorel-daemon")
+        for caller in (PING, anna(PING), save()):
+            self.is_refused_and_stays_down(caller)
+        self.install("/payload/upgrade/2.deb")
+        self.is_refused_and_stays_down(PING)
+        guest.run("systemctl enable --now quorel-daemon")
+        self.assertEqual(guest.run(anna(PING)), "b true")
+
+    def test_11_removal_keeps_what_was_set(self):
+        guest.run("systemctl stop desk; cd / && apt-get remove -y quorel 2>&1")
+        left = guest.run(f"{FILES} | comm -13 /var/tmp/before - | grep -v -e ^/etc/ -e ^/var/lib/dpkg/ -e "
+                         "^/var/lib/systemd/deb-systemd-")
+        self.assertEqual(left.split(), ["/Library", os.path.dirname(FILE), FILE])
+        self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
+
+    def test_12_purge_leaves_nothing(self):
+        guest.run("apt-get purge -y quorel 2>&1")
+        guest.run("rm /etc/systemd/system/desk.service; systemctl daemon-reload")
+        self.assertEqual(guest.run(f"{FILES} | comm -13 /var/tmp/before -"), "")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)
