@@ -25,7 +25,7 @@ class Machine:
             ["qemu-system-x86_64", "-M", "pc", "-m", "1024", "-accel", accelerator, "-display", "none", "-vga", "none",
              "-nodefaults", "-net", "none", "-no-shutdown", "-rtc", "base=utc", "-global", "PIIX4_PM.disable_s3=0",
              "-kernel", f"{image}/vmlinuz", "-initrd", f"{image}/initrd",
-             "-append", "console=ttyS0 quiet no_console_suspend mitigations=off",
+             "-append", "console=ttyS0 quiet no_console_suspend mitigations=off no_timer_check",
              "-drive", f"file={image}/disk,format=raw,if=virtio,snapshot=on",
              "-drive", f"file={disk},format=raw,if=virtio,snapshot=on",
              "-serial", "stdio", "-serial", f"unix:{self.place}/serial,server=on,wait=off",
