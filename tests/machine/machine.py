@@ -7,7 +7,7 @@ import subprocess
 import tempfile
 import time
 
-LIMIT = 300  # seconds for what is a matter of some, on a busy computer that has to emulate another one
+LIMIT = 600  # seconds for what is a matter of some, on a busy computer that emulates another one
 
 
 class Machine:
@@ -37,9 +37,9 @@ class Machine:
 
     def booted(self):
         """Returns when the guest is up, after its start and after each one that follows."""
-        while self._line(time.monotonic() + 2 * LIMIT) != "ready":
+        while self._line(time.monotonic() + LIMIT) != "ready":
             pass
-        self.run("mkdir -p /payload && mount /dev/vdb /payload; systemctl is-system-running --wait; true", 2 * LIMIT)
+        self.run("mkdir -p /payload && mount /dev/vdb /payload; systemctl is-system-running --wait; true", LIMIT)
 
     def reboot(self):
         self._send("systemctl reboot", LIMIT)  # which may come before the answer
