@@ -39,7 +39,7 @@ class Machine:
         """Returns when the guest is up, after its start and after each one that follows."""
         while self._line(time.monotonic() + LIMIT) != "ready":
             pass
-        self.run("mkdir -p /payload && mount /dev/vdb /payload; systemctl is-system-running --wait; true", LIMIT)
+        self.run("mkdir -p /payload && mount /dev/vdb /payload && (systemctl is-system-running --wait; true)", LIMIT)
 
     def reboot(self):
         self._send("systemctl reboot", LIMIT)  # which may come before the answer
