@@ -144,7 +144,7 @@ class ActingTest(DaemonCase):
         self.last("slept", Until=instant("23:16"))
         self.assertEqual(self.calls("Suspend"), ["Suspend 1"])
         self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "the lock is taken again")
-        self.hear("Sleep of 2027-03-01 23:15: slept until 2027-03-01 23:16.")
+        self.hear("Sleep of Mon 2027-03-01 23:15: slept until Mon 2027-03-01 23:16")
 
     def test_sleeps_without_a_word_of_the_end(self):
         self.begin(schedule(SLEEP, "23:15"), comes_back=False)
@@ -158,8 +158,8 @@ class ActingTest(DaemonCase):
         idle = [{"Type": "tty", "IdleSinceHint": (instant("23:15") - 3600) * 1_000_000}]
         for changes, cure, hold, text, parameters in (
                 ({"inhibitors": ALICES_LOCK}, {"inhibitors": []}, "inhibitor", "Upgrades: installing\ufffd[31m", {}),
-                ({"scheduled": ["reboot", 5]}, {"scheduled": ["", 0]}, "shutdown", "scheduled a reboot", {}),
-                ({"sessions": in_use}, {"sessions": idle}, "use", "bob\ufffd (tty3) was in use", {"Only_When_Idle": 1})):
+                ({"scheduled": ["reboot", 5]}, {"scheduled": ["", 0]}, "shutdown", "a shut-down is planned (reboot)", {}),
+                ({"sessions": in_use}, {"sessions": idle}, "use", "in use by bob\ufffd (tty3)", {"Only_When_Idle": 1})):
             with self.subTest(hold):
                 self.setUp()
                 self.begin(schedule(SLEEP, "23:15", **parameters), **changes)
@@ -212,7 +212,7 @@ class ActingTest(DaemonCase):
         self.wait_for(lambda: "idle" not in self.own_locks(), "it may fall asleep")
 
     def test_shuts_down(self):
-        for parameters, call, words in (({}, "PowerOff", "shut down."), ({"Restart": 1}, "Reboot", "restarted.")):
+        for parameters, call, words in (({}, "PowerOff", ": shut down"), ({"Restart": 1}, "Reboot", ": restarted")):
             with self.subTest(call):
                 self.setUp()
                 self.begin(schedule(SHUT_DOWN, "23:15", **parameters))
