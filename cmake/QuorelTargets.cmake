@@ -50,3 +50,20 @@ function(quorel_test name)
   endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT})
 endfunction()
+
+# quorel_script_test(name script [POLKIT] [TIMEOUT seconds] argument...): a test in Python, with what such tests share
+# to be imported; inside a mount namespace of its own where it starts polkitd, which takes root.
+function(quorel_script_test name script)
+  cmake_parse_arguments(TEST "POLKIT" "TIMEOUT" "" ${ARGN})
+  set(namespace)
+  if(TEST_POLKIT)
+    set(namespace unshare --mount)
+  endif()
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 300)
+  endif()
+  add_test(NAME ${name} COMMAND ${namespace} /usr/bin/python3 ${CMAKE_CURRENT_SOURCE_DIR}/${script}
+    ${TEST_UNPARSED_ARGUMENTS})
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} SKIP_RETURN_CODE 77
+    ENVIRONMENT PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/support:${CMAKE_SOURCE_DIR}/demo)
+endfunction()

@@ -11,20 +11,10 @@ import socket
 import subprocess
 import time
 
+from private_system import wait_until as wait_for
+
 APPLICATION = "/usr/lib/GNUstep/Applications/SystemPreferences.app/SystemPreferences"
 CONFIG = "/etc/GNUstep/GNUstep.conf"
-
-
-def wait_for(condition, what, seconds=20):
-    """The condition's first answer that is true, as soon as there is one."""
-    deadline = time.monotonic() + seconds
-    while True:
-        answer = condition()
-        if answer:
-            return answer
-        if time.monotonic() > deadline:
-            raise TimeoutError(what() if callable(what) else what)
-        time.sleep(0.03)
 
 
 def end(process):

@@ -2,11 +2,23 @@
 import http.server
 import plistlib
 import ssl
+import subprocess
 import threading
 
 
 def record(version="9.0", page="https://example.org/download", **more):
     return plistlib.dumps({"Version": version, "URL": page, **more})
+
+
+def certificate(folder, name="feed", subject="IP:127.0.0.1"):
+    """A certificate that vouches for itself, and its key, in one file."""
+    path = f"{folder}/{name}.pem"
+    subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-noenc",
+                    "-days", "2", "-subj", "/CN=test", "-addext", f"subjectAltName={subject}",
+                    "-keyout", path, "-out", f"{path}.crt"], check=True, stderr=subprocess.DEVNULL)
+    with open(path, "ab") as both, open(f"{path}.crt", "rb") as public:
+        both.write(public.read())
+    return path
 
 
 class FeedServer:

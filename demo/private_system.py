@@ -4,6 +4,7 @@ programs. Everything ends with close(); several may follow each other.
 polkitd reads fixed folders. They are covered by empty ones, in a mount namespace that only this process and its
 children see: whoever calls start_polkit must run inside "unshare --mount", as root.
 """
+import contextlib
 import os
 import pwd
 import select
@@ -23,6 +24,7 @@ BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration
   <type>{kind}</type>
   <listen>unix:path={socket}</listen>
   <auth>EXTERNAL</auth>
+  <servicedir>{services}</servicedir>
   {policy}
 </busconfig>
 """
@@ -57,27 +59,32 @@ POLKITD = "/usr/lib/polkit-1/polkitd"
 ACTIONS = "/usr/share/polkit-1/actions"
 RULES = ("/etc/polkit-1/rules.d", "/usr/share/polkit-1/rules.d")
 
-SECONDS_TO_START = 10
-SECONDS_TO_END = 5
+SECONDS = 60  # for whatever should happen at once, on a computer that has much else to do
 
 
-def wait_until(condition, what, seconds=SECONDS_TO_START):
-    """Waits for a state, and answers with what the condition answered."""
+def polkit_rule(answer, user="nobody"):
+    """What polkit says to this user who wants to change the preferences: "yes" or "no"."""
+    return ("polkit.addRule(function(action, subject) {"
+            f"if (action.id == 'com.quorel.modify-preferences' && subject.user == '{user}') return '{answer}'; }});")
+
+
+def wait_until(condition, what, seconds=SECONDS):
+    """The condition's first answer that is true, as soon as there is one. `what` may be a function."""
     deadline = time.monotonic() + seconds
-    while not (result := condition()):
+    while not (answer := condition()):
         if time.monotonic() > deadline:
-            raise RuntimeError(f"not within {seconds} s: {what}")
-        time.sleep(0.005)
-    return result
+            raise TimeoutError(f"not within {seconds} s: {what() if callable(what) else what}")
+        time.sleep(0.01)
+    return answer
 
 
-def read_line(process, seconds=SECONDS_TO_START):
+def read_line(process, seconds=SECONDS):
     """The next line that a program writes, without its end. Nothing else may read from the program."""
     deadline = time.monotonic() + seconds
     line = b""
     while not line.endswith(b"\n"):
         if not select.select([process.stdout], [], [], max(0, deadline - time.monotonic()))[0]:
-            raise RuntimeError(f"not within {seconds} s: a line of {process.args[:2]}")
+            raise TimeoutError(f"not within {seconds} s: a line of {process.args[:2]}")
         byte = os.read(process.stdout.fileno(), 1)
         if not byte:
             raise RuntimeError(f"{process.args[:2]} has ended")
@@ -93,11 +100,14 @@ class PrivateSystem:
         self.place = tempfile.mkdtemp()
         os.chmod(self.place, 0o755)
         self.state = f"{self.place}/state"  # where programs of any user keep what a user's home would
+        self.services = f"{self.place}/services"  # of both buses: what they can start
         os.mkdir(self.state)
+        os.mkdir(self.services)
         os.chmod(self.state, 0o1777)
         self.processes = []
         self.mounts = []
         self.addresses = {}
+        self.variables = {"XDG_STATE_HOME": self.state}  # of the programs' environment
         self.polkit = None
         self._watchers = {}
         try:
@@ -107,9 +117,9 @@ class PrivateSystem:
             raise
 
     def environment(self):
-        """What a program must be started with."""
+        """What a program must be started with. Its log goes to its standard error stream alone."""
         names = {"system": "DBUS_SYSTEM_BUS_ADDRESS", "session": "DBUS_SESSION_BUS_ADDRESS"}
-        return dict(os.environ, XDG_STATE_HOME=self.state,
+        return dict(os.environ, JOURNAL_STREAM="0:0", **self.variables,
                     **{names[kind]: address for kind, address in self.addresses.items()})
 
     def connect(self, kind="system"):
@@ -123,7 +133,8 @@ class PrivateSystem:
         return watcher.get_name_owner(name) if watcher.name_has_owner(name) else None
 
     def start_session_bus(self):
-        return self._start_bus("session", SESSION_POLICY)
+        self.session = self._start_bus("session", SESSION_POLICY)
+        return self.session
 
     def start_polkit(self, rule=""):
         """Knows the product's action alone, and this rule."""
@@ -145,10 +156,14 @@ class PrivateSystem:
         return self.start([program, "--root", root, *arguments], name="com.quorel.UserAgent", kind="session",
                           **options)
 
-    def start(self, arguments, name=None, kind="system", **options):
-        """Starts a program; where a name is given, waits until the program owns it."""
+    def start(self, arguments, name=None, kind="system", log=None, **options):
+        """Starts a program; where a name is given, waits until the program owns it. `log` names a file of this folder
+        to which it writes its errors."""
         before = self.owner(name, kind) if name else None
-        process = subprocess.Popen(arguments, env=self.environment(), **options)
+        with contextlib.ExitStack() as ends:
+            if log:
+                options["stderr"] = ends.enter_context(open(f"{self.place}/{log}", "a"))
+            process = subprocess.Popen(arguments, env=self.environment(), **options)
         self.processes.append(process)
 
         def is_up():
@@ -160,13 +175,20 @@ class PrivateSystem:
             wait_until(is_up, f"{arguments[0]} owns {name}")
         return process
 
+    def log(self, name):
+        try:
+            with open(f"{self.place}/{name}") as file:
+                return file.read()
+        except FileNotFoundError:
+            return ""
+
     def end(self, process):
         """Ends one of the programs, a stopped one too; answers with its status."""
         if process.poll() is None:
             process.terminate()
             process.send_signal(signal.SIGCONT)
             try:
-                process.wait(SECONDS_TO_END)
+                process.wait(SECONDS)
             except subprocess.TimeoutExpired:
                 process.kill()
                 process.wait()
@@ -190,7 +212,10 @@ class PrivateSystem:
             self.end(process)
         while self.mounts:
             subprocess.run(["umount", self.mounts.pop()], check=True)
+        logs = "".join(self.log(name) for name in os.listdir(self.place) if name.endswith(".log"))
         shutil.rmtree(self.place, ignore_errors=True)
+        if "Sanitizer:" in logs:  # not every end has a status that tells
+            raise AssertionError(logs)
 
     def _own_policy(self):
         with open(f"{RESOURCES}/com.quorel.Daemon.conf") as file:
@@ -203,7 +228,7 @@ class PrivateSystem:
     def _start_bus(self, kind, policy):
         config, socket = f"{self.place}/{kind}.conf", f"{self.place}/{kind}"
         with open(config, "w") as file:
-            file.write(BUS.format(kind=kind, socket=socket, policy=policy))
+            file.write(BUS.format(kind=kind, socket=socket, services=self.services, policy=policy))
         bus = subprocess.Popen(["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"],
                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.processes.append(bus)

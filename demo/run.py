@@ -14,14 +14,11 @@ import signal
 import subprocess
 import sys
 
-from desktop import DesktopServers, SettingsApplication, VirtualDisplay, wait_for
+from desktop import DesktopServers, SettingsApplication, VirtualDisplay
 from feed_server import FeedServer, record
-from private_system import PrivateSystem
+from private_system import PrivateSystem, polkit_rule, wait_until
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-LET_IN = """polkit.addRule(function(action, subject) {{
-    if (action.id == "com.quorel.modify-preferences" && subject.user == "{user}") return polkit.Result.YES;
-}});"""
 
 
 class Ends(contextlib.ExitStack):
@@ -50,7 +47,7 @@ def edit(screen, display, path, screenshot):
     screen.click(screen.wait(title="Show in the menu bar", enabled=True))
     screen.click(screen.wait(title="Apply", enabled=True))
     try:
-        wait_for(lambda: stored(path)["Show In Menu Bar"] != before, "not stored", 10)
+        wait_until(lambda: stored(path)["Show In Menu Bar"] != before, "not stored", 10)
         screen.wait(title="Apply", enabled=False)
         return True
     except TimeoutError:
@@ -86,7 +83,7 @@ def show(build, user, place, path, ends):
     system = PrivateSystem()
     ends.callback(system.close)
     system.start_session_bus()
-    system.start_polkit(LET_IN.format(user=user.pw_name))
+    system.start_polkit(polkit_rule("yes", user.pw_name))
     system.start_daemon(f"{build}/daemon/quorel-daemon", root)
     system.start_agent(f"{build}/agent/quorel-agent", root, "--feed", feed_address, **as_user)
     environment = dict(system.environment(), HOME=user.pw_dir)

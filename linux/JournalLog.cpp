@@ -1,6 +1,7 @@
 #include "linux/JournalLog.h"
 
-#define SD_JOURNAL_SUPPRESS_LOCATION  // this file's name would tell nobody anything
+// sd_journal_send would note the file and line that call it: these here, whatever the message is about.
+#define SD_JOURNAL_SUPPRESS_LOCATION
 #include <syslog.h>
 #include <systemd/sd-journal.h>
 

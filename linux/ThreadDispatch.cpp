@@ -48,15 +48,15 @@ private:
     std::condition_variable _added;
     std::deque<std::shared_ptr<Strand>> _ready;
     std::size_t _workers = 0;
-    std::size_t _idle = 0;  // will look at _ready before they wait
+    std::size_t _idle = 0;  // that run no block now; each takes what is ready before it waits
 };
 
-/// One thread that hands over blocks when they are due.
-class Alarm {
+/// The blocks of `after`, and the one thread that hands them to their queues when they are due.
+class DelayedBlocks {
 public:
-    static Alarm& shared() {
-        static Alarm& alarm = *new Alarm;  // never destroyed
-        return alarm;
+    static DelayedBlocks& shared() {
+        static DelayedBlocks& blocks = *new DelayedBlocks;  // never destroyed
+        return blocks;
     }
     void add(Clock::time_point due, std::shared_ptr<Strand> strand, DispatchQueue::Block block);
 
@@ -91,7 +91,7 @@ public:
 
     void after(std::chrono::nanoseconds delay, Block block) override {
         const auto wait = std::clamp<std::chrono::nanoseconds>(delay, std::chrono::nanoseconds::zero(), kLongestDelay);
-        Alarm::shared().add(Clock::now() + wait, shared_from_this(), std::move(block));
+        DelayedBlocks::shared().add(Clock::now() + wait, shared_from_this(), std::move(block));
     }
 
     /// A worker's turn: one block, or the turn given to who waits for it in sync. True when there is another turn.
@@ -168,14 +168,14 @@ void Workers::work() {
     }
 }
 
-void Alarm::add(Clock::time_point due, std::shared_ptr<Strand> strand, DispatchQueue::Block block) {
+void DelayedBlocks::add(Clock::time_point due, std::shared_ptr<Strand> strand, DispatchQueue::Block block) {
     const std::lock_guard lock(_mutex);
     if (!_started) _started = startThread([this] { keepTime(); });
     const auto added = _entries.emplace(due, Entry{std::move(strand), std::move(block)});
     if (added == _entries.begin()) _added.notify_one();
 }
 
-void Alarm::keepTime() {
+void DelayedBlocks::keepTime() {
     std::unique_lock lock(_mutex);
     for (;;) {
         if (_entries.empty()) {

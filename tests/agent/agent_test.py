@@ -10,10 +10,13 @@ import time
 import unittest
 
 import dbus
+import dbus.mainloop.glib
 import dbus.service
+from gi.repository import GLib
 
-from feed_server import FeedServer, record
-from private_session import PrivateSession, eventually
+from fake_browser import FakeBrowser
+from feed_server import FeedServer, certificate, record
+from private_system import SECONDS, PrivateSystem, wait_until
 
 AGENT = os.path.abspath(sys.argv[1])
 NAME = "com.quorel.UserAgent"
@@ -23,12 +26,16 @@ PREFERENCES = "Library/Preferences/com.quorel.plist"
 INSTALLED = "1.0.0"
 DAY = 24 * 60 * 60
 UP_TO_DATE, NEWER, UNREACHABLE = "Up to date", "New version available", "Update check failed"
-# Writes down what it is given, one argument a line, and the signals that it cannot get.
-XDG_OPEN = """#!/usr/bin/python3
-import signal, sys
-with open("{place}/opened", "a") as file:
-    print(*sys.argv[1:], *signal.pthread_sigmask(signal.SIG_BLOCK, []), sep="\\n", file=file)
-"""
+dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+
+
+def eventually(what, condition):
+    """Serves this process's own D-Bus objects until the condition holds."""
+    def served():
+        while GLib.MainContext.default().iteration(False):
+            pass
+        return condition()
+    return wait_until(served, what)
 
 
 class NotificationServer(dbus.service.Object):
@@ -61,22 +68,26 @@ class NotificationServer(dbus.service.Object):
 
 class AgentTest(unittest.TestCase):
     def setUp(self):
-        self.session = PrivateSession(self)
-        place = self.session.place
-        self.bus = self.session.start_bus("session")
-        self.connection = self.session.connect("session")
+        self.system = PrivateSystem()
+        self.addCleanup(self.system.close)
+        place = self.system.place
+        self.bus = self.system.start_session_bus()
+        self.connection = self.connect()
         self.feed = FeedServer(self)
+        self.browser = FakeBrowser(place)
         self.state = f"{place}/state/quorel/last-update-check"
         os.makedirs(f"{place}/root/Library/Preferences")
-        os.makedirs(f"{place}/bin")
-        with open(f"{place}/bin/xdg-open", "w") as file:
-            file.write(XDG_OPEN.format(place=place))
-        os.chmod(f"{place}/bin/xdg-open", 0o755)
-        self.session.environment.update(PATH=f"{place}/bin:{os.environ['PATH']}", XDG_STATE_HOME=f"{place}/state")
+        self.system.variables.update(PATH=self.browser.path, LANG="C.UTF-8")
         self.set_preferences(0)
 
+    def connect(self):
+        connection = self.system.connect("session")
+        connection.set_exit_on_disconnect(False)
+        self.addCleanup(connection.close)
+        return connection
+
     def set_preferences(self, check_updates, frequency=0):
-        with open(f"{self.session.place}/root/{PREFERENCES}", "wb") as file:
+        with open(f"{self.system.place}/root/{PREFERENCES}", "wb") as file:
             plistlib.dump({"Check Updates": check_updates, "Check Updates Frequency": frequency}, file)
 
     def set_last_check(self, seconds_ago):
@@ -89,15 +100,13 @@ class AgentTest(unittest.TestCase):
             return file.read()
 
     def start_agent(self, *arguments, feed=None):
-        agent = self.session.start(AGENT, "--root", f"{self.session.place}/root", "--feed", feed or self.feed.url(),
-                                   *arguments, log="agent.log")
-        eventually("the agent has its name", lambda: self.connection.name_has_owner(NAME))
-        return agent
+        return self.system.start_agent(AGENT, f"{self.system.place}/root", "--feed", feed or self.feed.url(),
+                                       *arguments, log="agent.log")
 
     def end(self, agent, number=signal.SIGTERM):
         began = time.monotonic()
         agent.send_signal(number)
-        self.assertEqual(agent.wait(20), 0)
+        self.assertEqual(agent.wait(SECONDS), 0)
         return time.monotonic() - began
 
     def show_notifications(self, connection=None):
@@ -106,17 +115,10 @@ class AgentTest(unittest.TestCase):
         return server
 
     def call(self, method, signature="", *arguments):
-        return self.connection.call_blocking(NAME, PATH, INTERFACE, method, signature, arguments, timeout=10)
+        return self.connection.call_blocking(NAME, PATH, INTERFACE, method, signature, arguments, timeout=SECONDS)
 
     def ask(self, name="UserAgentMustCheckUpdates", receiver=NAME):
         self.call("PostNotification", "ssay", name, receiver, b"")
-
-    def opened(self):
-        try:
-            with open(f"{self.session.place}/opened") as file:
-                return file.read()
-        except FileNotFoundError:
-            return ""
 
     def test_check_by_hand(self):
         notifications = self.show_notifications()
@@ -151,7 +153,7 @@ class AgentTest(unittest.TestCase):
                  ["download", "Télécharger"])):
             with self.subTest(capabilities):
                 notifications.capabilities = capabilities
-                self.session.environment["LANG"] = language
+                self.system.variables["LANG"] = language
                 agent = self.start_agent()
                 self.ask()
                 eventually("the user is told", lambda: notifications.shown)
@@ -165,7 +167,7 @@ class AgentTest(unittest.TestCase):
         self.start_agent()
         self.ask()
         eventually("the user is told", lambda: notifications.shown)
-        forger = self.session.connect("session")
+        forger = self.connect()
         signal_message = dbus.lowlevel.SignalMessage("/org/freedesktop/Notifications", NOTIFICATIONS, "ActionInvoked")
         signal_message.append(7, "download", signature="us")
         signal_message.set_destination(notifications.client)
@@ -175,8 +177,8 @@ class AgentTest(unittest.TestCase):
         notifications.ActionInvoked(7, "default")
         self.call("Ping")
         notifications.ActionInvoked(7, "download")
-        eventually("the page is opened", self.opened)
-        self.assertEqual(self.opened(), page + "\n")
+        eventually("the page is opened", self.browser.pages)
+        self.assertEqual(self.browser.pages(), [page])
         # A message without a page takes the button away.
         self.feed.answers["/"] = record(INSTALLED)
         self.ask()
@@ -186,22 +188,22 @@ class AgentTest(unittest.TestCase):
         self.ask()
         eventually("the user is told", lambda: len(notifications.shown) == 3)
         notifications.ActionInvoked(7, "download")
-        eventually("the second page is opened", lambda: "second" in self.opened())
-        self.assertEqual(self.opened(), page + "\nhttps://example.org/second\n")
+        eventually("the second page is opened", lambda: len(self.browser.pages()) > 1)
+        self.assertEqual(self.browser.pages(), [page, "https://example.org/second"])
 
     def test_without_notifications_the_log_tells(self):
         self.feed.answers["/"] = record("9.0-%n%s")
         self.start_agent()
         self.ask()
-        eventually("the log tells", lambda: self.session.log("agent.log").endswith("\n"))
+        eventually("the log tells", lambda: self.system.log("agent.log").endswith("\n"))
         self.assertIn("Version 9.0-%n%s can be downloaded. https://example.org/download",
-                      self.session.log("agent.log"))
+                      self.system.log("agent.log"))
 
     def test_a_new_notification_server_gets_new_notifications(self):
         self.feed.answers["/"] = record()
         self.start_agent()
         for _ in range(2):
-            server = self.show_notifications(self.session.connect("session"))
+            server = self.show_notifications(self.connect())
             self.ask()
             eventually("the user is told", lambda: server.shown)
             self.assertEqual(server.shown[0][0], 0)  # none to replace
@@ -212,7 +214,7 @@ class AgentTest(unittest.TestCase):
         self.addCleanup(released.set)
 
         def answer_when_released(request):
-            released.wait(30)
+            released.wait(SECONDS)
             request.answer(record(INSTALLED))
         self.feed.answers["/"] = answer_when_released
         self.set_preferences(1)
@@ -230,7 +232,7 @@ class AgentTest(unittest.TestCase):
         self.addCleanup(released.set)
 
         def answer_when_released(request):
-            released.wait(30)
+            released.wait(SECONDS)
             request.answer(record())
         self.feed.answers["/"] = answer_when_released
         notifications = self.show_notifications()
@@ -303,8 +305,8 @@ class AgentTest(unittest.TestCase):
                                         (["--feed", "http://example.org/"], 2, "Not an address"),
                                         (["--feed", "file:///etc/passwd"], 2, "Not an address")):
             with self.subTest(arguments):
-                second = subprocess.run([AGENT, *arguments], env=self.session.environment, stderr=subprocess.PIPE,
-                                        text=True, timeout=20)
+                second = subprocess.run([AGENT, *arguments], env=self.system.environment(), stderr=subprocess.PIPE,
+                                        text=True, timeout=SECONDS)
                 self.assertEqual(second.returncode, status)
                 self.assertIn(said, second.stderr) if said else self.assertEqual(second.stderr, "")
         self.assertTrue(self.call("Ping"))
@@ -312,20 +314,15 @@ class AgentTest(unittest.TestCase):
     def test_ends_with_the_bus(self):
         agent = self.start_agent()
         self.bus.kill()
-        self.assertEqual(agent.wait(20), 1)
-        self.assertIn("The session bus has gone.", self.session.log("agent.log"))
+        self.assertEqual(agent.wait(SECONDS), 1)
+        self.assertIn("The session bus has gone.", self.system.log("agent.log"))
 
     def test_trusts_the_given_authorities(self):
-        certificate = f"{self.session.place}/feed.pem"
-        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
-                        "-noenc", "-days", "2", "-subj", "/CN=test", "-addext", "subjectAltName=IP:127.0.0.1",
-                        "-keyout", certificate, "-out", f"{certificate}.crt"], check=True, stderr=subprocess.DEVNULL)
-        with open(certificate, "a") as both, open(f"{certificate}.crt") as public:
-            both.write(public.read())
-        secure = FeedServer(self, certificate)
+        authority = certificate(self.system.place)
+        secure = FeedServer(self, authority)
         secure.answers["/"] = record()
         notifications = self.show_notifications()
-        for arguments, title in (([], UNREACHABLE), (["--ca-file", certificate], NEWER)):
+        for arguments, title in (([], UNREACHABLE), (["--ca-file", authority], NEWER)):
             agent = self.start_agent(*arguments, feed=secure.url())
             self.ask()
             eventually("the user is told", lambda: notifications.shown)

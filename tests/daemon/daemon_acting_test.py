@@ -84,9 +84,8 @@ class ActingTest(DaemonCase):
         return [lock[0] for lock in self.script()["locks"]]
 
     def start_daemon(self):
-        with open(self.log, "a") as log:
-            self.daemon = self.system.start([STEPPING_DAEMON, self.clocks, self.root], name="com.quorel.Daemon",
-                                            stderr=log)
+        self.daemon = self.system.start([STEPPING_DAEMON, self.clocks, self.root], name="com.quorel.Daemon",
+                                        log="daemon.log")
         if self.logind:
             self.wait_for(lambda: "sleep:shutdown" in self.own_locks(), "the daemon holds sleep up for a moment")
 
@@ -102,8 +101,8 @@ class ActingTest(DaemonCase):
 
     def wait_for(self, condition, what):
         try:
-            return wait_until(condition, what, 20)
-        except RuntimeError as error:
+            return wait_until(condition, what)
+        except TimeoutError as error:
             raise AssertionError(f"{error}; the log: {self.logged()}") from None
 
     def state(self):

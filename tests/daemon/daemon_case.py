@@ -1,16 +1,16 @@
-"""What the tests of the real daemon share: daemon_..._test.py DAEMON PROBE [SANITIZERS]"""
+"""What the tests of the real daemon share: daemon_..._test.py DAEMON KIT_CALLER [SANITIZERS]"""
 import os
 import plistlib
 import subprocess
 import sys
 import unittest
 
+from private_system import PrivateSystem, read_line
+from talk import Talk
+
 HERE = os.path.dirname(os.path.abspath(__file__))
 SUPPORT = os.path.join(HERE, "../support")
-sys.path.insert(0, os.path.join(HERE, "../../demo"))
-from private_system import PrivateSystem, read_line
-
-DAEMON, PROBE = (os.path.abspath(path) for path in sys.argv[1:3])
+DAEMON, KIT_CALLER = (os.path.abspath(path) for path in sys.argv[1:3])
 SANITIZED = len(sys.argv) > 3
 NOBODY = 65534
 BUSY, FAILED, INVALID, NOT_AUTHORIZED, STORAGE_FAILED, UNKNOWN = (
@@ -38,29 +38,31 @@ def xml(content):
     return plistlib.dumps(content)
 
 
-class Caller:
-    """A process of a user that calls the daemon, one call at a time."""
+class Caller(Talk):
+    """A process of a user that calls the daemon."""
 
-    def __init__(self, system, user=0):
-        self.system = system
-        self.process = system.start([sys.executable, f"{HERE}/caller.py"], user=user, stdin=subprocess.PIPE,
-                                    stdout=subprocess.PIPE, text=True, bufsize=1)
+    def __init__(self, system, user):
+        super().__init__(system, sys.executable, f"{HERE}/caller.py", user=user)
+
+    def open(self):
+        super().open()
         self.bus_name = read_line(self.process)
 
-    def begin(self, payload, name="DaemonMustReloadPrefs", receiver="com.quorel.Daemon"):
-        self.process.stdin.write(f"{name} {receiver} {payload.hex() or '-'}\n")
+    def begin(self, payload, name="DaemonMustReloadPrefs", receiver="com.quorel.Daemon", sender=""):
+        super().begin(f"{name} {receiver} {payload.hex() or '-'} {sender}")
 
-    def result(self, seconds=60):
+    def leave(self):
+        """Leaves the bus, without an end of the process."""
+        super().begin("leave")
+
+    def result(self):
         """The error's name and text; two empty texts for an accepted call."""
-        name, _, text = read_line(self.process, seconds).partition(" ")
+        name, _, text = super().result().partition(" ")
         return name if name != "accepted" else "", text
 
     def save(self, payload, **how):
         self.begin(payload, **how)
         return self.result()
-
-    def close(self):
-        self.system.end(self.process)
 
 
 class DaemonCase(unittest.TestCase):
@@ -72,23 +74,20 @@ class DaemonCase(unittest.TestCase):
         self.root = f"{self.system.place}/root"
         self.folder = f"{self.root}/Library/Preferences"
         self.file = f"{self.folder}/com.quorel.plist"
-        self.log = f"{self.system.place}/log"
-        self.addCleanup(lambda: self.assertNotIn("Sanitizer", self.logged()))
+        self.kit = None
 
     def start_daemon(self):
-        with open(self.log, "a") as log:
-            self.daemon = self.system.start_daemon(DAEMON, self.root, stderr=log)
+        self.daemon = self.system.start_daemon(DAEMON, self.root, log="daemon.log")
         return self.daemon
 
     def caller(self, user=0):
         return Caller(self.system, user)
 
-    def probe(self, *arguments):
+    def probe(self, command="ping-daemon"):
         """What the pane's side of the channel answers, and in how many seconds."""
-        output = subprocess.run([PROBE, *arguments], env=self.system.environment(), stdout=subprocess.PIPE,
-                                stderr=subprocess.DEVNULL, check=True, timeout=60).stdout
-        answer, milliseconds = output.split()
-        return answer == b"yes", float(milliseconds) / 1000
+        self.kit = self.kit or Talk(self.system, KIT_CALLER, "1000", "120000", stderr=subprocess.DEVNULL)
+        answer, milliseconds = self.kit(command).split()
+        return answer == "1", float(milliseconds) / 1000
 
     def stored(self):
         with open(self.file, "rb") as file:
@@ -100,10 +99,7 @@ class DaemonCase(unittest.TestCase):
         return status.st_ino, status.st_mtime_ns, status.st_ctime_ns
 
     def logged(self):
-        if not os.path.exists(self.log):
-            return ""
-        with open(self.log) as log:
-            return log.read()
+        return self.system.log("daemon.log")
 
 
 def main():

@@ -1,20 +1,14 @@
 #!/usr/bin/env python3
 """Who may change the preferences, with the real polkitd."""
-import os
 import signal
 import subprocess
 import sys
 
 from daemon_case import (BUSY, NOBODY, NOT_AUTHORIZED, PREFERENCES, SUPPORT, DaemonCase, main, preferences, xml)
-from private_system import read_line, wait_until
+from private_system import polkit_rule, read_line, wait_until
 
 CHANGED = preferences(Show_In_Menu_Bar=0)
 ASKED = "asked com.quorel.modify-preferences"
-
-
-def rule(answer):
-    return ("polkit.addRule(function(action, subject) {"
-            f"if (action.id == 'com.quorel.modify-preferences' && subject.user == 'nobody') return '{answer}'; }});")
 
 
 class PermissionTest(DaemonCase):
@@ -39,7 +33,7 @@ class PermissionTest(DaemonCase):
         self.assertEqual(read_line(agent), ASKED)
 
     def test_refused_by_rule_and_without_anybody_to_ask(self):
-        for rules in (rule("no"), ""):
+        for rules in (polkit_rule("no"), ""):
             with self.subTest(rules):
                 self.start(rules)
                 error, _ = self.caller(NOBODY).save(xml(CHANGED))
@@ -50,7 +44,7 @@ class PermissionTest(DaemonCase):
                 self.setUp()
 
     def test_let_in_by_rule(self):
-        self.start(rule("yes"))
+        self.start(polkit_rule("yes"))
         self.assertEqual(self.caller(NOBODY).save(xml(CHANGED)), ("", ""))
         self.assertEqual(self.stored(), CHANGED)
         self.assertIn(f"Preferences of user {NOBODY} are stored.", self.logged())
@@ -100,7 +94,7 @@ class PermissionTest(DaemonCase):
         agent = self.answer_with("ignore", nobody)
         nobody.begin(xml(CHANGED))
         self.assert_asked(agent)
-        alive, seconds = self.probe("ping")
+        alive, seconds = self.probe()
         self.assertTrue(alive)
         self.assertLess(seconds, 0.5)
         saved = preferences(Check_Updates=0)
@@ -113,13 +107,11 @@ class PermissionTest(DaemonCase):
         agent = self.answer_with("later", nobody)
         nobody.begin(xml(CHANGED))
         self.assert_asked(agent)
-        name = nobody.bus_name
-        nobody.process.kill()
-        nobody.process.wait()
-        wait_until(lambda: not self.system.owner(name), "the caller has left the bus")
-        self.assertEqual(read_line(agent), "cancelled")  # the dialog goes too
+        nobody.leave()
+        self.assertEqual(read_line(agent), "cancelled")
         agent.send_signal(signal.SIGUSR1)
         wait_until(lambda: "are dropped: the sender has gone" in self.logged(), "the daemon has noticed")
+        self.assertTrue(self.probe()[0])
         self.assert_unchanged()
 
     def test_few_calls_of_a_user_wait(self):
@@ -135,16 +127,14 @@ class PermissionTest(DaemonCase):
 
     def test_one_call_of_a_sender_waits(self):
         self.start()
-        twice = self.system.start([sys.executable, f"{os.path.dirname(__file__)}/call_twice.py", xml(CHANGED).hex()],
-                                  user=NOBODY, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-        agent = self.answer_with("ignore", type("Twice", (), {"process": twice}))
-        twice.stdin.write("\n")
-        twice.stdin.flush()
+        nobody = self.caller(NOBODY)
+        agent = self.answer_with("ignore", nobody)
+        nobody.begin(xml(CHANGED))
         self.assert_asked(agent)
-        self.assertEqual(read_line(twice), BUSY)
+        self.assertEqual(nobody.save(xml(CHANGED))[0], BUSY)
 
     def test_polkit_absent_or_dying_refuses(self):
-        self.start(rule("yes"))
+        self.start(polkit_rule("yes"))
         nobody = self.caller(NOBODY)
         self.system.end(self.polkit)
         self.assertEqual(nobody.save(xml(CHANGED))[0], NOT_AUTHORIZED)
@@ -161,19 +151,8 @@ class PermissionTest(DaemonCase):
         for receiver in (root.bus_name, "com.quorel.Daemon"):
             error, _ = nobody.save(xml(CHANGED), receiver=receiver)
             self.assertNotEqual(error, "")
-        # A sender field made up by the client: the bus overwrites it.
-        code = ("import sys, dbus, dbus.lowlevel as low\n"
-                "bus = dbus.SystemBus()\n"
-                "call = low.MethodCallMessage('com.quorel.Daemon', '/com/quorel/Communication',"
-                " 'com.quorel.Communication1', 'PostNotification')\n"
-                "call.append('DaemonMustReloadPrefs', 'com.quorel.Daemon',"
-                " dbus.ByteArray(bytes.fromhex(sys.argv[2])), signature='ssay')\n"
-                "call.set_sender(sys.argv[1])\n"
-                "try: bus.send_message_with_reply_and_block(call, 10); print('accepted')\n"
-                "except dbus.DBusException as error: print(error.get_dbus_name())\n")
-        forger = self.system.start([sys.executable, "-c", code, root.bus_name, xml(CHANGED).hex()], user=NOBODY,
-                                   stdout=subprocess.PIPE, text=True)
-        self.assertEqual(read_line(forger), NOT_AUTHORIZED)
+        error, _ = nobody.save(xml(CHANGED), sender=root.bus_name)  # the bus overwrites it
+        self.assertEqual(error, NOT_AUTHORIZED)
         self.assert_unchanged()
 
 

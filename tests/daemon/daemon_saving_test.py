@@ -6,6 +6,7 @@ import signal
 import subprocess
 
 from daemon_case import DAEMON, INVALID, NOBODY, PREFERENCES, UNKNOWN, DaemonCase, main, preferences, xml
+from private_system import SECONDS
 
 
 class SavingTest(DaemonCase):
@@ -31,7 +32,7 @@ class SavingTest(DaemonCase):
         sent = f"{self.system.place}/sent"
         with open(sent, "wb") as file:
             file.write(xml(PREFERENCES))
-        self.assertTrue(self.probe("save", sent)[0])
+        self.assertTrue(self.probe(f"save {sent}")[0])
         self.assertEqual(self.stored(), PREFERENCES)
 
     def test_refuses_and_names_the_fault(self):
@@ -88,30 +89,30 @@ class SavingTest(DaemonCase):
 
     def test_second_daemon_ends_with_an_error(self):
         second = subprocess.run([DAEMON, "--root", self.root], env=self.system.environment(), stderr=subprocess.PIPE,
-                                timeout=10)
+                                timeout=SECONDS)
         self.assertNotEqual(second.returncode, 0)
         self.assertIn(b"cannot start", second.stderr)
-        self.assertTrue(self.probe("ping")[0])
+        self.assertTrue(self.probe()[0])
 
     def test_only_the_starting_user_may_be_the_daemon(self):
         self.system.end(self.daemon)
         other = subprocess.run([DAEMON, "--root", self.root], env=self.system.environment(), stderr=subprocess.PIPE,
-                               user=NOBODY, timeout=10)
+                               user=NOBODY, timeout=SECONDS)
         self.assertNotEqual(other.returncode, 0)
         self.assertIn(b"refused", other.stderr)
 
     def test_ends(self):
         for number in (signal.SIGTERM, signal.SIGINT):
             self.daemon.send_signal(number)
-            self.assertEqual(self.daemon.wait(5), 0)
+            self.assertEqual(self.daemon.wait(SECONDS), 0)
             self.start_daemon()
         self.system.bus.terminate()
-        self.assertNotEqual(self.daemon.wait(5), 0)
+        self.assertNotEqual(self.daemon.wait(SECONDS), 0)
         self.assertIn("The bus has gone.", self.logged())
 
     def test_wrong_arguments(self):
         for arguments in (["--root"], ["--other", "x"], ["x"]):
-            ended = subprocess.run([DAEMON, *arguments], stderr=subprocess.DEVNULL, timeout=10)
+            ended = subprocess.run([DAEMON, *arguments], stderr=subprocess.DEVNULL, timeout=SECONDS)
             self.assertEqual(ended.returncode, 2)
 
 

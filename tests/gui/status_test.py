@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """The lights, the update check and the about sheet, with programs that come, go and hang: status_test.py BUILD"""
-import os
 import signal
 import time
 
 from pane_case import PaneCase, main, preferences, schedule, wait_for
+from fake_browser import FakeBrowser
 from feed_server import FeedServer, record
 
 CYCLE = 10  # seconds between two looks at the programs
@@ -102,19 +102,7 @@ class UpdateTest(StatusCase):
     def setUp(self):
         super().setUp()
         self.feed = FeedServer(self)
-        os.mkdir(f"{self.place}/bin")
-        self.opened_pages = f"{self.place}/pages"
-        browser = f"{self.place}/bin/xdg-open"
-        with open(browser, "w") as file:
-            file.write(f'#!/bin/sh\necho "$@" >> {self.opened_pages}\n')
-        os.chmod(browser, 0o755)
-
-    def pages(self):
-        try:
-            with open(self.opened_pages) as file:
-                return file.read().splitlines()
-        except OSError:
-            return []
+        self.browser = FakeBrowser(self.place)
 
     def check(self, *texts):
         """Looks for an update and waits for an alert that says this."""
@@ -136,7 +124,7 @@ class UpdateTest(StatusCase):
         self.check("New version available", newer)
         self.answer("OK")
         wait_for(self.pages, "no page is opened")
-        self.assertEqual(self.pages(), [self.page])
+        self.assertEqual(self.browser.pages(), [self.page])
 
         self.feed.answers["/pane"] = record("1.0")
         self.check("Up to date", "You have the latest version of Quorel.")
@@ -155,7 +143,7 @@ class UpdateTest(StatusCase):
         self.screen.settle()
         self.assertEqual([path for path, _ in self.feed.requests[asked:]], ["/agent"])
         self.assertIsNone(self.screen.modal())
-        self.assertEqual(self.pages(), [self.page])
+        self.assertEqual(self.browser.pages(), [self.page])
 
     def test_about(self):
         screen = self.open_pane()

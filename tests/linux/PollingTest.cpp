@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <atomic>
-#include <filesystem>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -30,7 +28,6 @@ public:
         const std::lock_guard lock(_mutex);
         std::erase_if(_created, [](const auto& known) { return known.expired(); });
         _created.push_back(queue->real);
-        _mostAlive = std::max(_mostAlive, _created.size());
         return queue;
     }
     DispatchQueue& mainQueue() override { return _threads.mainQueue(); }
@@ -40,10 +37,6 @@ public:
         const std::lock_guard lock(_mutex);
         std::erase_if(_created, [](const auto& known) { return known.expired(); });
         return _created.empty();
-    }
-    std::size_t mostAlive() {
-        const std::lock_guard lock(_mutex);
-        return _mostAlive;
     }
 
 private:
@@ -62,7 +55,6 @@ private:
     std::atomic<bool> _stopped{false};
     std::mutex _mutex;
     std::vector<std::weak_ptr<DispatchQueue>> _created;
-    std::size_t _mostAlive = 0;
 };
 
 /// Both kit services, for any thread; programs come and go by themselves.
@@ -134,25 +126,6 @@ protected:
     PaneInterface ui;
     std::shared_ptr<VXPrefPaneController> controller;
 };
-
-std::size_t threadCount() {
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
-}
-
-TEST_F(PollingTest, TenThousandCyclesNeedNoMoreThanAFew) {
-    constexpr int kChains = 4;
-    const std::size_t threadsBefore = threadCount();
-    for (int chain = 0; chain < kChains; ++chain) controller->didSelect();
-    ASSERT_TRUE(mainQueue.runUntil([this] { return kit.daemonPings > 1000; }));
-    const std::size_t memory = mallinfo2().uordblks;
-    ASSERT_TRUE(mainQueue.runUntil([this] { return kit.daemonPings > 11'000; }));
-    // Says nothing under a sanitizer, which brings an allocator of its own.
-    EXPECT_LT(mallinfo2().uordblks, memory + 256 * 1024);
-    // How many a busy machine leaves unfinished for a moment is a matter of chance, but never thousands.
-    EXPECT_LE(threadCount(), threadsBefore + 8 * kChains);
-    EXPECT_LE(dispatch.mostAlive(), 20u * kChains);
-}
 
 TEST_F(PollingTest, UpdateChecksRunBesideManyChains) {
     constexpr int kClicks = 300;

@@ -24,8 +24,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto kLimit = 30s;
 
-bool holdsWithin(const std::function<bool()>& condition, std::chrono::seconds limit = kLimit) {
-    const auto end = Clock::now() + limit;
+bool holdsWithin(const std::function<bool()>& condition) {
+    const auto end = Clock::now() + kLimit;
     while (!condition()) {
         if (Clock::now() > end) return false;
         std::this_thread::sleep_for(1ms);
@@ -151,52 +151,25 @@ TEST_F(ThreadDispatchTest, PendingBlocksKeepTheirQueue) {
     EXPECT_TRUE(holdsWithin([&] { return waiting.expired(); }));
 }
 
-TEST_F(ThreadDispatchTest, WhatABlockHoldsGoesBeforeTheNextBlock) {
-    const auto queue = dispatch.createQueue("released");
-    std::atomic<bool> ran{false};
-    bool gone = false;  // unguarded
-    std::shared_ptr<void> held(nullptr, [&](void*) {
-        std::this_thread::sleep_for(20ms);
-        gone = true;
-    });
-    queue->async([&ran, held = std::move(held)] { ran = true; });
-    ASSERT_TRUE(holdsWithin([&] { return ran.load(); }));
-    queue->sync([&] { EXPECT_TRUE(gone); });
-}
-
 TEST_F(ThreadDispatchTest, BlockedQueuesHoldUpNoOthers) {
-    // Each waits for the next one, so that all of them occupy a thread at once.
-    constexpr std::size_t kWaiting = 40;
-    std::vector<std::promise<void>> reached(kWaiting);
+    constexpr int kAtOnce = 40;
+    constexpr int kBlocks = 300;  // more than there are threads
     Gate gate;
-    std::atomic<int> left{0};
-    for (auto& promise : reached) {
+    std::atomic<int> reached{0}, ran{0};
+    for (int i = 0; i < kBlocks; ++i) {
         dispatch.createQueue("blocked")->async([&] {
-            promise.set_value();
-            gate.pass();
-            ++left;
-        });
-    }
-    for (auto& promise : reached) EXPECT_EQ(promise.get_future().wait_for(kLimit), std::future_status::ready);
-    gate.open();
-    EXPECT_TRUE(holdsWithin([&] { return left == kWaiting; }));
-}
-
-TEST_F(ThreadDispatchTest, MoreBlocksThanThreadsAllRun) {
-    Gate gate;
-    std::atomic<int> ran{0};
-    for (int i = 0; i < 300; ++i) {
-        dispatch.createQueue("many")->async([&] {
+            ++reached;
             gate.pass();
             ++ran;
         });
     }
-    int onTime = 0;
-    dispatch.createQueue("idle")->sync([&] { ++onTime; });  // with every thread taken
-    EXPECT_EQ(onTime, 1);
+    EXPECT_TRUE(holdsWithin([&] { return reached >= kAtOnce; }));
+    bool onTime = false;
+    dispatch.createQueue("idle")->sync([&] { onTime = true; });
+    EXPECT_TRUE(onTime);
     EXPECT_EQ(ran, 0);
     gate.open();
-    EXPECT_TRUE(holdsWithin([&] { return ran == 300; }));
+    EXPECT_TRUE(holdsWithin([&] { return ran == kBlocks; }));
 }
 
 TEST(ThreadDispatchExitTest, TheProcessMayExitAtAnyMoment) {

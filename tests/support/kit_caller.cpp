@@ -1,10 +1,11 @@
-// Calls over the channel as the pane does, one command a line; answers each with its result and the milliseconds
-// that it took. Arguments: how long silence and handling may last, in milliseconds.
-//   ping-daemon | ping-agent USER | ping-daemon-often TIMES
-//   post-daemon NAME [BYTES] | post-agent USER NAME
+// Stands for the pane: calls the kit over the buses and asks polkit, one command a line; answers each with its result
+// and the milliseconds that it took. Arguments: how long silence and handling may last, in milliseconds.
+//   ping-daemon | ping-agent USER | post-daemon NAME [BYTES] | post-agent USER NAME | save FILE
 //   open true|false|none: the own end, and its observer's pong
 //   together THREADS TIMES: each thread pings and posts
+//   create | copy FLAGS | free FLAGS: the administrator's right, with the status as result
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <iostream>
@@ -12,9 +13,12 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "linux/BusCommunicationCenter.h"
+#include "linux/PolkitAuthorization.h"
+#include "linux/RootedPropertyListFiles.h"
 #include "model/Dictionary.h"
 #include "model/Names.h"
 #include "pane/VXCommunicationProtocol.h"
@@ -53,6 +57,12 @@ int together(BusCommunicationCenter& center, int threads, int times) {
     return succeeded;
 }
 
+int save(BusCommunicationCenter& center, const std::string& file) {
+    auto saved = notification(std::string(kDaemonMustReloadPrefs), kDaemonName);
+    saved.userInfo = RootedPropertyListFiles().dictionaryWithContentsOfFile(file);
+    return center.postNotificationToDaemon(saved);
+}
+
 }  // namespace
 
 int main(int, char** arguments) {
@@ -60,33 +70,39 @@ int main(int, char** arguments) {
                                                 std::chrono::milliseconds(std::stoi(arguments[2]))};
     std::shared_ptr<Observer> observer;
     BusCommunicationCenter center(limits);
+    PolkitAuthorization polkit;
+    AuthorizationRef reference = nullptr;
     for (std::string line; std::getline(std::cin, line);) {
         std::istringstream words(line);
         std::string command;
         std::string name;
-        unsigned user = 0;
+        unsigned number = 0;
         int times = 0;
-        int threads = 0;
         std::size_t bytes = 0;
         int result = 0;
         words >> command;
         const auto began = std::chrono::steady_clock::now();
         if (command == "ping-daemon") result = center.pingDaemon();
-        if (command == "ping-agent" && words >> user) result = center.pingAgentOfUser(user);
-        if (command == "ping-daemon-often" && words >> times)
-            for (int i = 0; i < times; ++i) result += center.pingDaemon();
+        if (command == "ping-agent" && words >> number) result = center.pingAgentOfUser(number);
         if (command == "post-daemon" && words >> name) {
             words >> bytes;
             result = center.postNotificationToDaemon(notification(name, kDaemonName, bytes));
         }
-        if (command == "post-agent" && words >> user >> name)
-            result = center.postNotificationToAgentOfUser(notification(name, kUserAgentName), user);
+        if (command == "post-agent" && words >> number >> name)
+            result = center.postNotificationToAgentOfUser(notification(name, kUserAgentName), number);
+        if (command == "save" && words >> name) result = save(center, name);
         if (command == "open" && words >> name) {
             if (name != "none") observer = std::make_shared<Observer>(name == "true");
             center.setObserver(observer);
             center.createServerConnection();
         }
-        if (command == "together" && words >> threads >> times) result = together(center, threads, times);
+        if (command == "together" && words >> number >> times)
+            result = together(center, static_cast<int>(number), times);
+        if (command == "create") result = polkit.AuthorizationCreate(0, reference);
+        const std::array<AuthorizationItem, 1> right{AuthorizationItem{"system.privilege.admin", {}, 0}};
+        if (command == "copy" && words >> number) result = polkit.AuthorizationCopyRights(reference, right, number);
+        if (command == "free" && words >> number)
+            result = polkit.AuthorizationFree(std::exchange(reference, nullptr), number);
         const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - began;
         std::cout << result << ' ' << took.count() << std::endl;
     }
