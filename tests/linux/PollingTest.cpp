@@ -148,9 +148,9 @@ TEST_F(PollingTest, TenThousandCyclesNeedNoMoreThanAFew) {
     const std::size_t memory = mallinfo2().uordblks;
     ASSERT_TRUE(mainQueue.runUntil([this] { return kit.daemonPings > 11'000; }));
     // Says nothing under a sanitizer, which brings an allocator of its own.
-    EXPECT_LT(mallinfo2().uordblks, memory + 256 * 1024);
+    EXPECT_LT(mallinfo2().uordblks, memory + 256 * 1024UL);
     // How many a busy machine leaves unfinished for a moment is a matter of chance, but never thousands.
-    EXPECT_LE(threadCount(), threadsBefore + 8 * kChains);
+    EXPECT_LE(threadCount(), threadsBefore + 8UL * kChains);
     EXPECT_LE(dispatch.mostAlive(), 20u * kChains);
 }
 
