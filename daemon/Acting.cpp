@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "daemon/OutcomeSentence.h"
 #include "linux/JournalLog.h"
+#include "linux/OutcomeText.h"
 #include "model/Preferences.h"
 
 namespace quorel {
@@ -111,7 +111,7 @@ void Acting::ended(const Outcome& outcome) {
         for (const char letter : arguments.keyAt(i)) name += static_cast<char>(std::toupper(letter));
         fields.emplace_back(name, textOf(arguments.valueAt(i)));
     }
-    writeJournalEntry(kOutcomeMessage, sentenceOf(outcome), fields);
+    writeJournalEntry(kOutcomeMessage, outcomeLine(outcome.value()), fields);
 }
 
 void Acting::changed() {

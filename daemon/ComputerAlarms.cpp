@@ -47,8 +47,8 @@ ComputerAlarms::ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options op
 
 void ComputerAlarms::armWake(std::optional<Instant> at) {
     if (_ability != WakeAlarm::Ability::kWakes) return;
-    const std::string reason = _wake.set(at);
-    if (!reason.empty()) MOLLog("The wake alarm cannot be set: %s.", reason.c_str());
+    _wakeFailure = _wake.set(at);
+    if (!_wakeFailure.empty()) MOLLog("The wake alarm cannot be set: %s.", _wakeFailure.c_str());
 }
 
 void ComputerAlarms::armStartup(std::optional<Instant> at) {
@@ -61,20 +61,27 @@ void ComputerAlarms::armStartup(std::optional<Instant> at) {
            _startupOutcome.reason.c_str());
 }
 
-std::string_view ComputerAlarms::waking() const {
-    if (!_arms) return "off";
-    switch (_ability) {
-        case WakeAlarm::Ability::kWakes:
-            return "yes";
-        case WakeAlarm::Ability::kForbidden:
-            return "forbidden";
-        default:
-            return "no-clock";
-    }
+ComputerAlarms::Obstacle ComputerAlarms::waking() const {
+    if (!_arms) return {"off", {}, {}};
+    if (_ability == WakeAlarm::Ability::kForbidden) return {"forbidden", {}, {}};
+    if (_ability != WakeAlarm::Ability::kWakes) return {"no-clock", {}, {}};
+    return {_wakeFailure.empty() ? "" : "failed", _wakeFailure, {}};
 }
 
-std::string_view ComputerAlarms::starting() const {
-    return _startup.exists() ? "yes" : _arms ? "no-clock" : "off";
+ComputerAlarms::Obstacle ComputerAlarms::starting() const {
+    if (!_startup.exists()) return {_arms ? "no-clock" : "off", {}, {}};
+    switch (_startupOutcome.result) {
+        case Result::kPast:
+            return {"past", {}, {}};
+        case Result::kTooFar:
+            return {"too-far", {}, {}};
+        case Result::kTaken:
+            return {"taken", {}, _startupOutcome.others};
+        case Result::kFailed:
+            return {"failed", _startupOutcome.reason, {}};
+        default:
+            return {};
+    }
 }
 
 }  // namespace quorel

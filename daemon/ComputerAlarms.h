@@ -26,12 +26,17 @@ public:
     void armWake(std::optional<Instant> at) override;
     void armStartup(std::optional<Instant> at) override;
 
-    /// Whether the computer can wake, or start, by itself: "yes", "no-clock" where it has no clock with an alarm,
-    /// "forbidden", or "off" where this daemon is not to arm alarms.
-    std::string_view waking() const;
-    std::string_view starting() const;
-    /// Somebody else's start-up alarm that was met last.
-    std::optional<Instant> othersStartup() const { return _startupOutcome.others; }
+    /// What stands in the way of an alarm.
+    struct Obstacle {
+        /// "no-clock" where the computer has no clock with an alarm, "forbidden", "past" or "too-far" where it was to
+        /// be set so, "taken" where somebody else's earlier one stays, "failed"; "off" where this daemon is not to arm
+        /// alarms. Empty where nothing does.
+        std::string_view fault;
+        std::string reason;             ///< what the system says, or empty
+        std::optional<Instant> others;  ///< somebody else's alarm, where that is it
+    };
+    Obstacle waking() const;
+    Obstacle starting() const;
 
 private:
     const Clocks& _clocks;
@@ -40,6 +45,7 @@ private:
     StartupAlarm _startup;
     WakeAlarm::Ability _ability;
     bool _reachFar;
+    std::string _wakeFailure;
     StartupAlarm::Outcome _startupOutcome;
 };
 

@@ -4,6 +4,7 @@
 
 #include "daemon/Acting.h"
 #include "daemon/Door.h"
+#include "daemon/SchedulerInterface.h"
 #include "linux/Bus.h"
 #include "linux/EventLoop.h"
 
@@ -23,6 +24,7 @@ private:
     EventLoop _loop;
     const BusConnection _bus;
     Acting _acting;
+    SchedulerInterface _schedulerInterface;
     Door _door;
 };
 

@@ -4,11 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <exception>
 #include <optional>
 #include <utility>
 
-#include "daemon/PreferencesValidator.h"
 #include "kit/MOLLog.h"
 #include "model/Names.h"
 #include "model/PropertyList.h"
@@ -22,7 +20,6 @@ using namespace std::chrono_literals;
 constexpr std::size_t kMostSaves = 16;
 constexpr std::ptrdiff_t kMostSavesOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
 constexpr std::size_t kMostUsersRemembered = 256;
-constexpr int kShareOfReading = 4;  // a part in so many of the time, when there is much to read
 
 const char* textOf(Verdict verdict) {
     switch (verdict) {
@@ -41,7 +38,7 @@ Door::Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored)
     : _bus(bus),
       _store(root),
       _stored(std::move(stored)),
-      _reading(loop, [this] { readNext(); }),
+      _reader(loop, _store),
       _tidying(loop, [] { malloc_trim(0); }),
       _endpoint(bus, [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
     _store.removeLeftovers();
@@ -54,14 +51,15 @@ void Door::take(const BusNotification& notification, const BusAnswer& answer) {
     if (notification.userInfo.size() > wire::kMaximumUserInfoBytes)
         return answer.refuse(wire::kInvalidPreferences, "The user information is larger than 2 MiB.");
     std::string sender(notification.sender);
-    if (_saves.size() >= kMostSaves || _saves.contains(sender))  // one of a connection at a time
+    const auto known = _users.find(sender);
+    if (_saves.size() >= kMostSaves || _saves.contains(sender) ||  // one of a connection at a time
+        (known != _users.end() && savesOf(known->second) >= kMostSavesOfAUser))
         return answer.refuse(wire::kBusy, "Too many calls are waiting.");
     const auto gone = [this, sender] {
         MOLLog("Preferences of %s are dropped: the sender has gone.", sender.c_str());
         _saves.erase(sender);
     };
     auto& save = _saves.try_emplace(sender, _bus, notification, answer, gone).first->second;
-    if (const auto known = _users.find(sender); known != _users.end()) return userFound(save, known->second);
     save.caller.findUser([this, &save](std::optional<unsigned> user) { userFound(save, user); });
 }
 
@@ -69,46 +67,60 @@ void Door::userFound(Save& save, std::optional<unsigned> user) {
     if (!user) return dismiss(save);  // nobody would hear the answer
     if (_users.size() >= kMostUsersRemembered) _users.clear();
     _users[save.caller.name()] = *user;
-    const auto others = std::ranges::count_if(_saves, [user](const auto& other) { return other.second.user == user; });
+    const bool tooMany = savesOf(*user) >= kMostSavesOfAUser;
     save.user = user;
-    if (others >= kMostSavesOfAUser) return refuse(save, wire::kBusy, "Too many calls are waiting.");
+    if (tooMany) return refuse(save, wire::kBusy, "Too many calls are waiting.");
+    readLater(save);
+}
+
+std::ptrdiff_t Door::savesOf(unsigned user) const {
+    return std::ranges::count_if(_saves, [user](const auto& save) { return save.second.user == user; });
+}
+
+void Door::readLater(Save& save) {
     _unread.push_back(save.caller.name());
-    if (!_reading.isRunning()) _reading.start(0s);
+    readNext();
 }
 
 void Door::readNext() {
-    const auto started = std::chrono::steady_clock::now();
-    const auto found = _saves.find(_unread.front());
-    _unread.pop_front();
-    if (found != _saves.end()) read(found->second);
-    const auto took = std::chrono::steady_clock::now() - started;
-    if (!_unread.empty()) _reading.start(std::chrono::ceil<std::chrono::microseconds>(took) * (kShareOfReading - 1));
+    while (!_reader.isReading() && !_unread.empty()) {
+        const std::string name = std::move(_unread.front());
+        _unread.pop_front();
+        const auto next = _saves.find(name);
+        if (next == _saves.end()) continue;  // has gone meanwhile
+        _reader.read(next->second.userInfo, [this, name](ListReader::Outcome outcome) {
+            const auto found = _saves.find(name);
+            if (found != _saves.end()) decide(found->second, std::move(outcome));
+            readNext();
+        });
+    }
 }
 
-void Door::read(Save& save) try {
-    const Value preferences = decodePropertyList(save.userInfo);
-    if (preferences.isAbsent())
-        return refuse(save, wire::kInvalidPreferences,
-                      "The user information is no property list of at most 64 levels.");
-    if (const auto fault = faultInPreferences(preferences)) return refuse(save, wire::kInvalidPreferences, *fault);
-    if (!encodePropertyList(preferences, wire::kMaximumUserInfoBytes))
-        return refuse(save, wire::kInvalidPreferences, "The file would be larger than 2 MiB.");
-    if (_store.read() == preferences) return accept(save, "are those in place");
-    if (save.user == 0U) return store(save, preferences);
+void Door::decide(Save& save, ListReader::Outcome outcome) {
+    switch (outcome.kind) {
+        case ListReader::Outcome::Kind::Failed:
+            return refuse(save, wire::kFailed, outcome.text);
+        case ListReader::Outcome::Kind::Invalid:
+            return refuse(save, wire::kInvalidPreferences, outcome.text);
+        case ListReader::Outcome::Kind::InPlace:
+            return accept(save, "are those in place");
+        case ListReader::Outcome::Kind::Fresh:
+            return save.user == 0U || save.allowed ? store(save, outcome.text) : ask(save);
+    }
+}
+
+void Door::ask(Save& save) {
     save.caller.ask(kModifyPreferencesAction, true, [this, &save](Verdict verdict) {
         if (verdict != Verdict::Allowed) return refuse(save, wire::kNotAuthorized, textOf(verdict));
-        store(save, decodePropertyList(save.userInfo));  // anew: kept lists would add up
+        save.allowed = true;
+        readLater(save);  // anew: lists that are kept while people look for passwords would add up
     });
-} catch (const std::exception& exception) {  // memory has run out
-    refuse(save, wire::kFailed, exception.what());
 }
 
-void Door::store(Save& save, const Value& preferences) {
+void Door::store(Save& save, const std::string& bytes) {
     if (_store.keepUnreadable()) MOLLog("The file in place cannot be read; it is kept beside the new one.");
-    const auto bytes = encodePropertyList(preferences, wire::kMaximumUserInfoBytes);
-    const std::string reason = bytes ? _store.write(*bytes) : "Memory has run out";
-    if (!reason.empty()) return refuse(save, wire::kStorageFailed, reason);
-    _stored(preferences);
+    if (const auto reason = _store.write(bytes); !reason.empty()) return refuse(save, wire::kStorageFailed, reason);
+    _stored(decodePropertyList(bytes));
     accept(save, "are stored");
 }
 

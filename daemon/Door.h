@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "daemon/ListReader.h"
 #include "daemon/PreferencesStore.h"
 #include "linux/BusCaller.h"
 #include "linux/BusEndpoint.h"
@@ -19,8 +20,7 @@ namespace quorel {
 /// asked, stores.
 ///
 /// Anybody may call, so that what a call takes is bounded: what is too large or too much is refused before it is read,
-/// one list is read at a time and not for long before everything else has its turn, and of a call that waits for a
-/// person nothing is kept but its message.
+/// one list is read at a time, and of a call that waits for a person nothing is kept but its message.
 class Door {
 public:
     using Stored = std::function<void(const Value& preferences)>;
@@ -38,13 +38,17 @@ private:
         const std::string_view userInfo;  // lasts as long as the answer
         BusCaller caller;
         std::optional<unsigned> user;  // once known
+        bool allowed = false;
     };
 
     void take(const BusNotification& notification, const BusAnswer& answer);
     void userFound(Save& save, std::optional<unsigned> user);
+    std::ptrdiff_t savesOf(unsigned user) const;
+    void readLater(Save& save);
     void readNext();
-    void read(Save& save);
-    void store(Save& save, const Value& preferences);
+    void decide(Save& save, ListReader::Outcome outcome);
+    void ask(Save& save);
+    void store(Save& save, const std::string& bytes);
     void accept(Save& save, const char* outcome);
     void refuse(Save& save, const char* errorName, const std::string& text);
     void dismiss(Save& save);
@@ -52,11 +56,10 @@ private:
     sd_bus* const _bus;
     const PreferencesStore _store;
     const Stored _stored;
-    std::map<std::string, Save, std::less<>> _saves;  // by the caller's bus name
-    std::map<std::string, unsigned, std::less<>>
-        _users;                       // of callers, who come again; a bus name is nobody else's later
-    std::deque<std::string> _unread;  // whose list is to be read
-    LoopTimer _reading;
+    std::map<std::string, Save, std::less<>> _saves;      // by the caller's bus name
+    std::map<std::string, unsigned, std::less<>> _users;  // of those who have called; a bus name is nobody else's later
+    std::deque<std::string> _unread;                      // whose list is to be read
+    ListReader _reader;
     LoopTimer _tidying;
     BusEndpoint _endpoint;
 };

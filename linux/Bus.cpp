@@ -12,7 +12,8 @@ namespace quorel {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{1};  // with the bus itself
+constexpr std::chrono::seconds kPatience{1};       // with the bus itself, while nothing is served yet
+constexpr std::chrono::seconds kLongestReply{60};  // when much that strangers have sent is in front of it
 
 using Replied = std::function<void(sd_bus_message*)>;
 
@@ -58,7 +59,6 @@ BusConnection connectTo(Bus bus, EventLoop& loop) {
     const auto ready = [&] { return sd_bus_is_ready(connection.get()) > 0; };
     if (!serveUntil(connection.get(), BusDeadline::clock::now() + kPatience, ready))
         throw std::runtime_error("the bus does not answer");
-    sd_bus_set_method_call_timeout(connection.get(), std::chrono::microseconds(kPatience).count());
     sd_bus_set_exit_on_disconnect(connection.get(), true);
     const int result = sd_bus_attach_event(connection.get(), loop.get(), SD_EVENT_PRIORITY_NORMAL);
     if (result < 0) throw std::runtime_error(std::strerror(-result));
@@ -66,7 +66,10 @@ BusConnection connectTo(Bus bus, EventLoop& loop) {
 }
 
 bool requestName(sd_bus* bus, const std::string& name) {
+    sd_bus_set_method_call_timeout(bus, std::chrono::microseconds(kPatience).count());
     const int result = sd_bus_request_name(bus, name.c_str(), 0);
+    // Not for what comes later: a match that the bus has not confirmed by then would close the connection.
+    sd_bus_set_method_call_timeout(bus, std::chrono::microseconds(kLongestReply).count());
     if (result < 0 && result != -EEXIST)
         throw std::runtime_error("the name is refused: " + std::string(std::strerror(-result)));
     return result >= 0;

@@ -7,19 +7,15 @@
 
 namespace quorel {
 
+// An sd_bus_track would do the same, but waits for the bus when a name is added.
 BusCaller::BusCaller(sd_bus* bus, std::string name, std::function<void()> gone)
-    : _bus(bus), _name(std::move(name)), _gone(std::move(gone)) {
-    const auto left = [](sd_bus_track*, void* self) {
-        const auto told = std::move(static_cast<BusCaller*>(self)->_gone);
-        told();
-        return 0;
-    };
-    sd_bus_track* presence = nullptr;
-    int result = sd_bus_track_new(bus, &presence, left, this);
-    _presence.reset(presence);
-    if (result >= 0) result = sd_bus_track_add_name(presence, _name.c_str());
-    if (result < 0) throw std::runtime_error(std::strerror(-result));
-}
+    : _bus(bus),
+      _name(std::move(name)),
+      _leaving(watchSignals(bus,
+                            "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                            "member='NameOwnerChanged',arg0='" +
+                                _name + "',arg2=''",
+                            [gone = std::move(gone)](sd_bus_message*) { gone(); })) {}
 
 BusCaller::~BusCaller() = default;
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -17,15 +16,15 @@ enum class Verdict { Allowed, Refused, Dismissed, NobodyToAsk };
 /// after that, nor before the functions here have returned.
 class BusCaller {
 public:
-    /// `gone` is called when the caller leaves the bus, which closes the dialog that it is asked by: what a caller has
-    /// given up must not be done behind its back. Throws std::runtime_error.
+    /// `gone` is called when the caller leaves the bus: what a caller has given up must not be done behind its back.
+    /// Letting the caller go closes a dialog that is open for it.
     BusCaller(sd_bus* bus, std::string name, std::function<void()> gone);
     ~BusCaller();
     BusCaller(const BusCaller&) = delete;
 
     const std::string& name() const { return _name; }
 
-    /// As the bus vouches for it. Nothing when the bus does not say.
+    /// As the bus vouches for it. Nothing when the caller had gone before it was watched, or the bus does not say.
     void findUser(std::function<void(std::optional<unsigned> userId)> found);
     /// Asks polkit; with interaction, somebody may be asked, which takes up to five minutes.
     void ask(const char* action, bool interaction, std::function<void(Verdict)> answered);
@@ -33,8 +32,7 @@ public:
 private:
     sd_bus* const _bus;
     const std::string _name;
-    std::function<void()> _gone;
-    std::unique_ptr<sd_bus_track, Release<sd_bus_track_unref>> _presence;
+    BusSlot _leaving;
     BusSlot _user;
     std::optional<PolkitQuestion> _question;
 };

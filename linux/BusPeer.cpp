@@ -60,9 +60,8 @@ BusPeer::Outcome BusPeer::post(const std::string& name, const std::string& objec
 
 bool BusPeer::begin(Call& call, sd_bus_message* message) {
     // The connection's own time limit must never be the shorter one.
-    call.slot = callAsync(_bus.get(), message, std::chrono::microseconds::max(), [&call](sd_bus_message* reply) {
-        call.reply.reset(sd_bus_message_ref(reply));
-    });
+    call.slot = callAsync(_bus.get(), message, std::chrono::microseconds::max(),
+                          [&call](sd_bus_message* reply) { call.reply.reset(sd_bus_message_ref(reply)); });
     return call.slot != nullptr;
 }
 

@@ -26,6 +26,10 @@ EventLoop::EventLoop() {
     sd_event* loop = nullptr;
     check(sd_event_new(&loop), "no event loop");
     _loop.reset(loop);
+    sigset_t children;
+    sigemptyset(&children);
+    sigaddset(&children, SIGCHLD);
+    pthread_sigmask(SIG_BLOCK, &children, nullptr);
 }
 
 void EventLoop::endOn(std::initializer_list<int> signals) {

@@ -22,6 +22,7 @@ using EventSource = std::unique_ptr<sd_event_source, Release<sd_event_source_dis
 /// std::system_error. sd-event's own functions serve for what has no class here (`get`).
 class EventLoop {
 public:
+    /// Blocks SIGCHLD, which tells the loop of children, on the calling thread.
     EventLoop();
 
     sd_event* get() const { return _loop.get(); }

@@ -39,7 +39,7 @@ bool appendUtf8(std::string& text, std::uint32_t codePoint) {
 /// without sharing keeps the size limit too: a small file could otherwise stand for any number of values.
 class BinaryReader {
 public:
-    explicit BinaryReader(std::string_view bytes) : _bytes(bytes) {}
+    BinaryReader(std::string_view bytes, std::size_t maximumBytes) : _bytes(bytes), _maximumBytes(maximumBytes) {}
 
     std::optional<Value> read() {
         if (_bytes.size() < kHeaderBytes + kTrailerBytes) return {};
@@ -51,6 +51,7 @@ public:
         if (_offsetSize < 1 || _offsetSize > 8 || _referenceSize < 1 || _referenceSize > 8) return {};
         if (table < kHeaderBytes || table > trailer || count > (trailer - table) / _offsetSize || root >= count)
             return {};
+        if (count > _maximumBytes / kBytesPerValue) return {};  // each is referred to at least once
         _table = static_cast<std::size_t>(table);
         _objects.resize(static_cast<std::size_t>(count));
         const Object* object = objectAt(root, 1);
@@ -82,7 +83,7 @@ private:
         if (object.value.isAbsent() && !(depth <= kMaximumPropertyListDepth + 1 && readObject(index, object, depth)))
             return nullptr;
         const bool tooDeep = depth - 1 + object.height > kMaximumPropertyListDepth;
-        return tooDeep || object.bytes > kMaximumPropertyListBytes ? nullptr : &object;
+        return tooDeep || object.bytes > _maximumBytes ? nullptr : &object;
     }
 
     bool readObject(std::uint64_t index, Object& object, int depth) {
@@ -176,7 +177,7 @@ private:
         if (!object) return nullptr;
         container.bytes += object->bytes;
         container.height = std::max(container.height, object->height + 1);
-        return container.bytes > kMaximumPropertyListBytes ? nullptr : object;
+        return container.bytes > _maximumBytes ? nullptr : object;
     }
 
     bool readArray(std::size_t at, std::uint64_t count, Object& object, int depth) {
@@ -208,6 +209,7 @@ private:
     }
 
     const std::string_view _bytes;
+    const std::size_t _maximumBytes;
     std::size_t _offsetSize = 0;
     std::size_t _referenceSize = 0;
     std::size_t _table = 0;
@@ -217,8 +219,8 @@ private:
 
 }  // namespace
 
-std::optional<Value> readBinaryPropertyList(std::string_view bytes) {
-    return BinaryReader(bytes).read();
+std::optional<Value> readBinaryPropertyList(std::string_view bytes, std::size_t maximumBytes) {
+    return BinaryReader(bytes, maximumBytes).read();
 }
 
 }  // namespace quorel

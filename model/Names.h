@@ -14,6 +14,9 @@ inline constexpr std::string_view kUserAgentMustCheckUpdates = "UserAgentMustChe
 
 /// The polkit action that changing the product's preferences takes.
 inline constexpr const char* kModifyPreferencesAction = "com.quorel.modify-preferences";
+/// Those that saying "not this time" and "later" to what is planned take.
+inline constexpr const char* kSkipAction = "com.quorel.skip";
+inline constexpr const char* kPostponeAction = "com.quorel.postpone";
 
 /// What travels between the product's programs; docs/protocol.md tells the whole of it.
 namespace wire {
@@ -29,9 +32,28 @@ inline constexpr const char* kPostNotification = "PostNotification";
 inline constexpr const char* kBusy = "com.quorel.Error.Busy";
 inline constexpr const char* kFailed = "com.quorel.Error.Failed";
 inline constexpr const char* kInvalidPreferences = "com.quorel.Error.InvalidPreferences";
+inline constexpr const char* kNoSuchOccurrence = "com.quorel.Error.NoSuchOccurrence";
 inline constexpr const char* kNotAuthorized = "com.quorel.Error.NotAuthorized";
 inline constexpr const char* kStorageFailed = "com.quorel.Error.StorageFailed";
+inline constexpr const char* kTooManyChanges = "com.quorel.Error.TooManyChanges";
 inline constexpr const char* kUnknownNotification = "com.quorel.Error.UnknownNotification";
+
+/// What the daemon tells of Schedules, and lets people say to it.
+namespace scheduler {
+
+inline constexpr const char* kPath = "/com/quorel/Scheduler";
+inline constexpr const char* kInterface = "com.quorel.Scheduler1";
+inline constexpr const char* kUpcoming = "Upcoming";
+inline constexpr const char* kOutcomes = "Outcomes";
+inline constexpr const char* kStatus = "Status";
+inline constexpr const char* kSkip = "Skip";
+inline constexpr const char* kPostpone = "Postpone";
+inline constexpr const char* kChanged = "Changed";
+/// The longest answers.
+inline constexpr unsigned kMostUpcoming = 100;
+inline constexpr unsigned kMostOutcomes = 500;
+
+}  // namespace scheduler
 
 }  // namespace wire
 

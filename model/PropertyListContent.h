@@ -37,6 +37,6 @@ inline constexpr std::string_view kBase64Digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabc
 
 /// The two encodings. Nothing for whatever is malformed or too deep; the caller has bounded the size.
 std::optional<Value> readXmlPropertyList(std::string_view bytes);
-std::optional<Value> readBinaryPropertyList(std::string_view bytes);
+std::optional<Value> readBinaryPropertyList(std::string_view bytes, std::size_t maximumBytes);
 
 }  // namespace quorel

@@ -104,16 +104,15 @@ ListReading readScheduleList(const Value& list, const Actions& actions) {
     std::size_t number = 0;
     for (const Value& entry : list.array()) {
         ++number;
-        if (entry[schedule_keys::kIsEnabled].intValue() == 0) continue;
+        if (!isOn(entry, schedule_keys::kIsEnabled)) continue;
         auto reading = std::make_shared<ScheduleReading>();
         reading->hour = entry[schedule_keys::kActionHour].intValue();
         reading->minute = entry[schedule_keys::kActionMinute].intValue();
-        for (std::size_t day = 0; day < reading->days.size(); ++day)
-            reading->days[day] = entry[schedule_keys::kActiveOnDays[day]].intValue() != 0;
+        for (std::size_t day = 0; day < 7; ++day) reading->days[day] = isOn(entry, schedule_keys::kActiveOnDays[day]);
         reading->action = entry[schedule_keys::kActionType].text();
         reading->kind = kindOf(reading->action);
-        if (entry[schedule_keys::kActionParameters].isDictionary())
-            reading->parameters = entry[schedule_keys::kActionParameters];
+        const Value& own = entry[schedule_keys::kActionParameters];
+        if (own.isDictionary()) reading->parameters = own;
         readParameters(*reading);
         if (const std::string_view fault = faultOf(*reading, actions); !fault.empty()) {
             result.faults.push_back({number, plainText(reading->action), fault});

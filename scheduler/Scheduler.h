@@ -71,6 +71,8 @@ public:
     /// `token` as Occurrence::token has it; `status` and `reason` of one that failed.
     void actionEnded(Now now, const std::string& token, ActionEnd end, int status, const std::string& reason);
 
+    /// Whether there is such an occurrence, and the system is not doing it yet.
+    bool knows(const std::string& token) const;
     /// "Not this time", said by `by`; false when there is no such occurrence any more. Repeating it changes nothing.
     /// Not from inside a call of the world.
     bool skip(Now now, const std::string& token, const std::string& by);
@@ -129,6 +131,8 @@ private:
     OpenOccurrence* find(const Occurrence& occurrence);
     bool isOpen(const Occurrence& occurrence) const;
     OpenOccurrence* asking(Ticket ticket);
+    const OpenOccurrence* openOne(std::string_view token) const;
+    std::optional<Occurrence> plannedOne(std::string_view token) const;
     OpenOccurrence* named(std::string_view token);
     void remove(const OpenOccurrence& open);
     void finish(OpenOccurrence& open, std::string_view code, Dictionary arguments = {});

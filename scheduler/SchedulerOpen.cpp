@@ -282,21 +282,36 @@ void Scheduler::endOpen(Seconds by) {
     }
 }
 
-/// The open occurrence of that token, opened now if it was only planned; null when there is none.
-OpenOccurrence* Scheduler::named(std::string_view token) {
-    for (OpenOccurrence& open : _open) {
+const OpenOccurrence* Scheduler::openOne(std::string_view token) const {
+    for (const OpenOccurrence& open : _open) {
         const std::string own = open.occurrence.token();
         if (token == own || token.starts_with(own + "-")) return &open;
     }
+    return nullptr;
+}
+
+std::optional<Occurrence> Scheduler::plannedOne(std::string_view token) const {
+    std::optional<Occurrence> found;
     Instant due = 0;
     std::from_chars(token.data(), token.data() + token.size(), due);
     if (due <= std::max(_watermark, now()) || due > now() + rules::kFurthest || _open.size() >= rules::kMostOpen)
-        return nullptr;
-    std::optional<Occurrence> found;
+        return found;
     _agenda->visit(due - 1, due, [&](const Occurrence& one) {
         if (one.token() == token) found = one;
     });
-    return found ? &open(*found, due) : nullptr;
+    return found;
+}
+
+/// The open occurrence of that token, opened now if it was only planned; null when there is none.
+OpenOccurrence* Scheduler::named(std::string_view token) {
+    if (const OpenOccurrence* found = openOne(token)) return const_cast<OpenOccurrence*>(found);
+    const std::optional<Occurrence> planned = plannedOne(token);
+    return planned ? &open(*planned, planned->due) : nullptr;
+}
+
+bool Scheduler::knows(const std::string& token) const {
+    const OpenOccurrence* open = openOne(token);
+    return open ? !isUnderWay(open->step) : plannedOne(token).has_value();
 }
 
 bool Scheduler::skip(Now now, const std::string& token, const std::string& by) {

@@ -92,7 +92,7 @@ TEST_F(ScheduleTableTest, ToggleFlipsWhatIsStored) {
             EXPECT_TRUE(ui.table->clickCell(1, column));
             EXPECT_EQ(entry(1), tagged("a").with(column, after)) << column;
             EXPECT_EQ(Value(original)[column], stored);
-            EXPECT_TRUE(entry(0).isIdenticalTo(untouched) && entry(2).isIdenticalTo(untouched));
+            EXPECT_TRUE(entry(0) == untouched && entry(2) == untouched);
             EXPECT_EQ(posted(), posts + 1);
             EXPECT_EQ(ui.table->reloads, reloads + 1);
         }

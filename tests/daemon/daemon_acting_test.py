@@ -11,7 +11,8 @@ import sys
 
 import dbus
 
-from daemon_case import SUPPORT, DaemonCase, main, preferences, wait_until, xml
+from daemon_case import SUPPORT, DaemonCase, main, preferences, xml
+from private_system import wait_until
 
 STEPPING_DAEMON = os.path.abspath(sys.argv[3])
 POLICY = """
@@ -143,7 +144,7 @@ class ActingTest(DaemonCase):
         self.last("slept", Until=instant("23:16"))
         self.assertEqual(self.calls("Suspend"), ["Suspend 1"])
         self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "the lock is taken again")
-        self.hear("Sleep of 2027-03-01 23:15: slept until 2027-03-01 23:16.")
+        self.hear("Sleep of Mon 2027-03-01 23:15: slept until Mon 2027-03-01 23:16")
 
     def test_sleeps_without_a_word_of_the_end(self):
         self.begin(schedule(SLEEP, "23:15"), comes_back=False)
@@ -157,8 +158,8 @@ class ActingTest(DaemonCase):
         idle = [{"Type": "tty", "IdleSinceHint": (instant("23:15") - 3600) * 1_000_000}]
         for changes, cure, patience, words, parameters in (
                 ({"inhibitors": ALICES_LOCK}, {"inhibitors": []}, "23:45", "Upgrades: installing\ufffd[31m", {}),
-                ({"scheduled": ["reboot", 5]}, {"scheduled": ["", 0]}, "23:45", "scheduled a reboot", {}),
-                ({"sessions": in_use}, {"sessions": idle}, "35:15", "bob\ufffd (tty3) was in use",
+                ({"scheduled": ["reboot", 5]}, {"scheduled": ["", 0]}, "23:45", "a shut-down is planned (reboot)", {}),
+                ({"sessions": in_use}, {"sessions": idle}, "35:15", "in use by bob\ufffd (tty3)",
                  {"Only_When_Idle": 1})):
             for ends in (True, False):
                 with self.subTest(words, ends=ends):
@@ -210,7 +211,7 @@ class ActingTest(DaemonCase):
         self.wait_for(lambda: "idle" not in self.own_locks(), "it may fall asleep")
 
     def test_shuts_down(self):
-        for parameters, call, words in (({}, "PowerOff", "shut down."), ({"Restart": 1}, "Reboot", "restarted.")):
+        for parameters, call, words in (({}, "PowerOff", ": shut down"), ({"Restart": 1}, "Reboot", ": restarted")):
             with self.subTest(call):
                 self.setUp()
                 self.begin(schedule(SHUT_DOWN, "23:15", **parameters))

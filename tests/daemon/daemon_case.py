@@ -1,4 +1,4 @@
-"""What the tests of the real daemon share: daemon_..._test.py DAEMON PROBE"""
+"""What the tests of the real daemon share: daemon_..._test.py DAEMON PROBE [SANITIZERS]"""
 import os
 import plistlib
 import subprocess
@@ -8,9 +8,10 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 SUPPORT = os.path.join(HERE, "../support")
 sys.path.insert(0, os.path.join(HERE, "../../demo"))
-from private_system import PrivateSystem, read_line, wait_until
+from private_system import PrivateSystem, read_line
 
 DAEMON, PROBE = (os.path.abspath(path) for path in sys.argv[1:3])
+SANITIZED = len(sys.argv) > 3
 NOBODY = 65534
 BUSY, FAILED, INVALID, NOT_AUTHORIZED, STORAGE_FAILED, UNKNOWN = (
     f"com.quorel.Error.{name}" for name in ("Busy", "Failed", "InvalidPreferences", "NotAuthorized", "StorageFailed",
@@ -49,9 +50,9 @@ class Caller:
     def begin(self, payload, name="DaemonMustReloadPrefs", receiver="com.quorel.Daemon"):
         self.process.stdin.write(f"{name} {receiver} {payload.hex() or '-'}\n")
 
-    def result(self):
+    def result(self, seconds=60):
         """The error's name and text; two empty texts for an accepted call."""
-        name, _, text = read_line(self.process, 20).partition(" ")
+        name, _, text = read_line(self.process, seconds).partition(" ")
         return name if name != "accepted" else "", text
 
     def save(self, payload, **how):

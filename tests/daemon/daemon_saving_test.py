@@ -43,7 +43,6 @@ class SavingTest(DaemonCase):
                 (b"junk", "no property list"),
                 (xml(PREFERENCES)[:-20], "no property list"),
                 (b"<plist>" + b"<array>" * 100_000, "no property list"),
-                (xml(large), "information is larger than 2 MiB"),
                 (plistlib.dumps(preferences(Schedule_Array=[{"k": "&" * 1_000_000}]), fmt=plistlib.FMT_BINARY),
                  "file would be larger than 2 MiB"),
                 (xml([PREFERENCES]), "no dictionary"),
@@ -56,6 +55,9 @@ class SavingTest(DaemonCase):
                 self.assertEqual(error, INVALID)
                 self.assertIn(fault, text)
                 self.assertIn(f"Preferences of user 0 are refused: {text}", self.logged())
+        error, text = self.save(xml(large))  # not even looked at
+        self.assertEqual(error, INVALID)
+        self.assertIn("larger than 2 MiB", text)
         self.assertEqual(self.identity(), before)
 
     def test_takes_its_own_notification_alone(self):

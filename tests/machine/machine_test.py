@@ -121,7 +121,8 @@ class PackageTest(unittest.TestCase):
 
     def test_07_settings_application_loads_pane_and_modules(self):
         guest.run("mkdir -p /home/anna/GNUstep && chown anna: /home/anna/GNUstep")
-        guest.run(anna("""SystemPreferences -GSAppKitUserBundles '("/payload/Opener.bundle")' > /tmp/pane.log 2>&1 &"""))
+        opener = """-GSAppKitUserBundles '("/payload/Opener.bundle")'"""
+        guest.run(anna(f"SystemPreferences {opener} > /dev/null 2>&1 &"))
         for loaded in ("Quorel.prefPane/Quorel", "Sleep.vxplugin/Sleep", "WakeUp.vxplugin/WakeUp"):
             guest.wait(f"grep -q {loaded}$ /proc/$(pgrep -f ^SystemPreferences)/maps")
 

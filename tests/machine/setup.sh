@@ -29,9 +29,8 @@ depmod "$kernel"
 mkdir -p initrd/{bin,dev,new,modules}
 cp /bin/busybox initrd/bin/
 number=10
-modprobe --set-version="$kernel" --show-depends --all virtio_pci virtio_blk | awk '!seen[$0]++' | while read -r _ module _; do
-  cp "$module" initrd/modules/$((number++)).ko
-done
+modprobe --set-version="$kernel" --show-depends --all virtio_pci virtio_blk | awk '!seen[$0]++' |
+  while read -r _ module _; do cp "$module" initrd/modules/$((number++)).ko; done
 cat > initrd/init << 'END'
 #!/bin/busybox sh
 busybox mount -t devtmpfs dev /dev

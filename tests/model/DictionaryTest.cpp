@@ -39,40 +39,5 @@ TEST(DictionaryTest, BehavesLikeASortedMap) {
     }
 }
 
-TEST(DictionaryTest, CopiesShareTheirKeysUntilTheyChange) {
-    const Dictionary original{{"a", 1}, {"b", 2}};
-    Dictionary copy = original;
-    copy.set("a", 5);
-    EXPECT_EQ(copy.keys(), original.keys());
-    copy.set("c", 3);
-    EXPECT_FALSE(copy.keys() == original.keys());
-    EXPECT_EQ(original, (Dictionary{{"b", 2}, {"a", 1}}));
-    EXPECT_EQ(copy, (Dictionary{{"a", 5}, {"b", 2}, {"c", 3}}));
-    copy.set("c", {});
-    copy.set("a", 1);
-    EXPECT_EQ(copy, original);
-    EXPECT_EQ(Dictionary(), (Dictionary{{"a", Value()}}));
-}
-
-TEST(KeyReaderTest, ReadsFromDictionariesOfAnyShape) {
-    const Value sharing(Dictionary{{"a", 1}, {"k", 2}});
-    struct {
-        Value from, expected;
-    } const cases[] = {
-        {sharing, 2},
-        {sharing.with("k", 3), 3},
-        {sharing.with("0", 0), 2},
-        {sharing.with("k", {}), {}},
-        {Dictionary{{"k", "alone"}}, "alone"},
-        {Dictionary(), {}},
-        {Value(), {}},
-        {Array{sharing}, {}},
-        {"k", {}},
-        {sharing, 2},
-    };
-    KeyReader read("k");
-    for (const auto& [from, expected] : cases) EXPECT_EQ(read(from), expected);
-}
-
 }  // namespace
 }  // namespace quorel

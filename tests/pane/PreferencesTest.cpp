@@ -152,7 +152,7 @@ TEST_F(PreferencesTest, SavingAgainSendsWhatIsStored) {
     pane->willUnselect();
     const Value stored = host.files.files[std::string(preferences::kFile)];
     ASSERT_EQ(stored["Schedule Array"].array().size(), 1u);
-    EXPECT_TRUE(stored["Schedule Array"].array()[0].isIdenticalTo(odd));
+    EXPECT_EQ(stored["Schedule Array"].array()[0], odd);
     pane->didSelect();
     pane->willUnselect();
     ASSERT_EQ(center.toDaemon.size(), 2u);

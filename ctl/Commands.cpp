@@ -1,0 +1,229 @@
+#include "ctl/Commands.h"
+
+#include <charconv>
+#include <cstdio>
+#include <optional>
+#include <utility>
+
+#include "ctl/DaemonClient.h"
+#include "ctl/Json.h"
+#include "ctl/Page.h"
+#include "linux/Language.h"
+#include "linux/OutcomeText.h"
+#include "model/Dictionary.h"
+#include "model/Names.h"
+#include "scheduler/Outcome.h"
+
+namespace quorel {
+
+namespace {
+
+using Answer = DaemonClient::Answer;
+using Failure = DaemonClient::Failure;
+using Colour = Page::Colour;
+
+constexpr unsigned kUsualUpcoming = 5;
+constexpr unsigned kUsualOutcomes = 10;
+constexpr unsigned kInStatus = 10;
+
+ExitStatus fail(const Answer& answer) {
+    switch (answer.failure) {
+        case Failure::kNoBus:
+            complain(translated("The system bus cannot be reached."));
+            return ExitStatus::kFailed;
+        case Failure::kNotRunning:
+            complain(translated("The daemon is not running. \"systemctl start quorel-daemon\" starts it."));
+            return ExitStatus::kNotRunning;
+        case Failure::kNoAnswer:
+            complain(translated("The daemon does not answer."));
+            return ExitStatus::kFailed;
+        case Failure::kNotUnderstood:
+            complain(translated("The daemon's answer cannot be understood."));
+            return ExitStatus::kFailed;
+        default:
+            break;
+    }
+    if (answer.error == wire::kNoSuchOccurrence) {
+        complain(translated("There is no such occurrence any more. \"quorelctl next\" shows what there is."));
+        return ExitStatus::kNoSuchOccurrence;
+    }
+    if (answer.error == wire::kNotAuthorized) {
+        complain(translated("This is not permitted without an administrator."));
+    } else if (answer.error == wire::kTooManyChanges) {
+        complain(translated("More than ten changes a minute are not taken."));
+    } else if (answer.error == SD_BUS_ERROR_UNKNOWN_OBJECT || answer.error == SD_BUS_ERROR_UNKNOWN_INTERFACE ||
+               answer.error == SD_BUS_ERROR_UNKNOWN_METHOD) {
+        complain(translated("The daemon that is running is of another version."));
+    } else {
+        complain(filled(translated("The daemon refused: {1}"), {answer.text.empty() ? answer.error : answer.text}));
+    }
+    return ExitStatus::kFailed;
+}
+
+/// The answer, made sure to be of the kind that is expected.
+Answer askForArray(DaemonClient& daemon, const char* method, unsigned most) {
+    Answer answer = daemon.ask(method, most);
+    if (answer.failure != Failure::kNone) return answer;
+    bool understood = answer.value.isArray();
+    for (const Value& one : answer.value.array()) understood = understood && one.isDictionary();
+    if (!understood) answer.failure = Failure::kNotUnderstood;
+    return answer;
+}
+
+std::string nameOf(const Value& upcoming) {
+    return actionName(upcoming["Action"].text(), upcoming["Restart"].intValue() != 0);
+}
+
+std::string alarmText(const Value& alarm) {
+    const std::string fault = alarm["Fault"].text();
+    const Value& at = alarm["At"];
+    std::string why;
+    if (fault == "no-clock") why = translated("this computer has no clock with an alarm");
+    if (fault == "off") why = translated("this daemon sets none, it works below a folder of its own");
+    if (fault == "forbidden") why = translated("the daemon may not set alarms");
+    if (fault == "past") why = translated("it was too late to set it");
+    if (fault == "too-far") why = translated("it is further ahead than this computer's clock can be set");
+    if (fault == "taken") {
+        why = filled(translated("another program's earlier alarm stays, for {1}"),
+                     {momentText(alarm["Others"].integer())});
+    }
+    if (!fault.empty() && why.empty()) {
+        const std::string reason = plainText(alarm["Reason"].text());
+        why = filled(translated("it could not be set: {1}"), {reason.empty() ? plainText(fault) : reason});
+    }
+    if (why.empty()) return at.isInteger() ? momentText(at.integer()) : translated("none is needed");
+    if (!at.isInteger()) return filled(translated("cannot be set: {1}"), {why});
+    return filled(translated("{1}, but is not set: {2}"), {momentText(at.integer()), why});
+}
+
+ExitStatus showStatus(const Page& page, bool json) {
+    DaemonClient daemon;
+    const Answer status = daemon.ask(wire::scheduler::kStatus);
+    if (status.failure == Failure::kNotRunning) {
+        if (json) page.line(jsonText(Dictionary{{"Running", false}}));
+        if (!json) page.line(page.dot(Colour::kNone, false) + " " + translated("quorel-daemon is not running"));
+        return ExitStatus::kNotRunning;
+    }
+    if (status.failure != Failure::kNone) return fail(status);
+    if (!status.value.isDictionary()) return fail({Failure::kNotUnderstood, {}, {}, {}});
+    const Answer next = askForArray(daemon, wire::scheduler::kUpcoming, kInStatus);
+    if (next.failure != Failure::kNone) return fail(next);
+    if (json) {
+        page.line(jsonText(status.value.with("Running", true).with("Upcoming", next.value)));
+        return ExitStatus::kDone;
+    }
+
+    const Value& wake = status.value["Wake Alarm"];
+    const Value& startup = status.value["Startup Alarm"];
+    const bool acts = status.value["Acts"].intValue() != 0;
+    const Array& faults = status.value["Faults"].array();
+    const bool well = acts && faults.empty() && wake["Fault"].isAbsent() && startup["Fault"].isAbsent();
+    page.line(page.dot(well ? Colour::kGood : Colour::kWarning, true) + " " +
+              filled(translated("quorel-daemon {1} is running"), {plainText(status.value["Version"].text())}));
+    std::vector<std::pair<std::string, std::string>> fields;
+    if (!acts) fields.emplace_back(translated("Acts:"), translated("no: nothing of this computer is asked or touched"));
+    if (next.value.array().empty()) fields.emplace_back(translated("Next:"), translated("nothing is planned"));
+    // Whatever is under way or was changed, up to the first that simply comes.
+    for (const Value& one : next.value.array()) {
+        const std::string step = stepText(one);
+        fields.emplace_back(translated("Next:"), momentText(one["At"].integer()) + "  " + nameOf(one));
+        if (step.empty()) break;
+        fields.emplace_back("", step);
+    }
+    fields.emplace_back(translated("Wake-up alarm:"), alarmText(wake));
+    fields.emplace_back(translated("Start-up alarm:"), alarmText(startup));
+    for (const Value& fault : faults) fields.emplace_back(translated("Fault:"), faultText(fault));
+    page.fields(fields);
+    return ExitStatus::kDone;
+}
+
+ExitStatus showNext(const Page& page, bool json, unsigned most) {
+    DaemonClient daemon;
+    const Answer answer = askForArray(daemon, wire::scheduler::kUpcoming, most);
+    if (answer.failure != Failure::kNone) return fail(answer);
+    std::vector<std::vector<std::string>> rows;
+    for (const Value& one : answer.value.array()) {
+        rows.push_back({momentText(one["At"].integer()), nameOf(one), plainText(one["Token"].text())});
+        if (const std::string step = stepText(one); !step.empty()) rows.push_back({step});
+    }
+    if (json) {
+        page.line(jsonText(answer.value));
+    } else if (rows.empty()) {
+        page.line(translated("Nothing is planned."));
+    } else {
+        page.table(rows);
+    }
+    return ExitStatus::kDone;
+}
+
+ExitStatus showLog(const Page& page, bool json, unsigned most) {
+    DaemonClient daemon;
+    const Answer answer = askForArray(daemon, wire::scheduler::kOutcomes, most);
+    if (answer.failure != Failure::kNone) return fail(answer);
+    std::vector<std::vector<std::string>> rows;
+    for (const Value& one : answer.value.array()) {
+        const std::int64_t due = one["Due"].integer();
+        const bool hasAction = due != 0;
+        rows.push_back({momentText(hasAction ? due : one["At"].integer()),
+                        hasAction ? actionName(one["Action"].text()) : std::string(), outcomeText(one)});
+    }
+    if (json) {
+        page.line(jsonText(answer.value));
+    } else if (rows.empty()) {
+        page.line(translated("Nothing has happened yet."));
+    } else {
+        page.table(rows);
+    }
+    return ExitStatus::kDone;
+}
+
+ExitStatus change(const char* method, const std::string& token) {
+    const Answer answer = DaemonClient().change(method, token);
+    return answer.failure == Failure::kNone ? ExitStatus::kDone : fail(answer);
+}
+
+/// A whole number from 1 to `most`.
+std::optional<unsigned> numberIn(const std::string& text, unsigned most) {
+    unsigned number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || number < 1 || number > most) return {};
+    return number;
+}
+
+ExitStatus misused(const std::string& text) {
+    complain(text + "\n" + translated("\"quorelctl --help\" tells what there is."));
+    return ExitStatus::kUsage;
+}
+
+}  // namespace
+
+void complain(const std::string& text) {
+    std::fprintf(stderr, "quorelctl: %s\n", text.c_str());
+}
+
+ExitStatus runCommand(const CommandLine& line) {
+    const Page page;
+    const std::string& command = line.command;
+    const std::vector<std::string>& arguments = line.arguments;
+    const bool lists = command == "next" || command == "log";
+    const bool changes = command == "skip" || command == "postpone";
+    if (!lists && !changes && command != "status")
+        return misused(filled(translated("There is no command \"{1}\"."), {plainText(command)}));
+    if (arguments.size() > (lists || changes ? 1 : 0)) return misused(translated("Too many arguments."));
+    if (changes) {
+        if (arguments.empty() || arguments[0].empty())
+            return misused(translated("Which one? Give its token, as \"quorelctl next\" shows it."));
+        return change(command == "skip" ? wire::scheduler::kSkip : wire::scheduler::kPostpone, arguments[0]);
+    }
+    if (!lists) return showStatus(page, line.json);
+    const bool next = command == "next";
+    const unsigned most = next ? wire::scheduler::kMostUpcoming : wire::scheduler::kMostOutcomes;
+    const std::optional<unsigned> number =
+        arguments.empty() ? (next ? kUsualUpcoming : kUsualOutcomes) : numberIn(arguments[0], most);
+    if (!number) {
+        return misused(filled(translated("A number from 1 to {1}, please."), {std::to_string(most)}));
+    }
+    return next ? showNext(page, line.json, *number) : showLog(page, line.json, *number);
+}
+
+}  // namespace quorel

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "linux/Bus.h"
+#include "model/Value.h"
+
+namespace quorel {
+
+/// The daemon's scheduler, asked over the system bus. Asking never starts a daemon that does not run.
+class DaemonClient {
+public:
+    enum class Failure {
+        kNone,
+        kNoBus,
+        kNotRunning,
+        kNoAnswer,
+        kNotUnderstood,  ///< the answer is of another kind than expected
+        kRefused,        ///< see `error`
+    };
+    struct Answer {
+        Failure failure = Failure::kNone;
+        std::string error;  ///< its name on the bus
+        std::string text;   ///< what it says; somebody else's text
+        Value value;
+    };
+
+    DaemonClient();
+    DaemonClient(const DaemonClient&) = delete;
+
+    /// A method that tells something: at most so many of it, where that is given.
+    Answer ask(const char* method, std::optional<unsigned> most = {});
+    /// A method that changes something about an occurrence. Somebody may be asked for a password, which takes minutes.
+    Answer change(const char* method, const std::string& token);
+
+private:
+    BusMessagePointer newCall(const char* method) const;
+    Answer call(sd_bus_message* message, std::uint64_t microseconds);
+
+    BusConnection _bus;
+};
+
+}  // namespace quorel

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace quorel {
+
+/// The standard output: aligned, on a terminal also coloured and wrapped at its width. Where somebody else's program
+/// reads, a line stays a line.
+class Page {
+public:
+    enum class Colour { kNone, kGood, kWarning, kFaint };
+
+    Page();
+
+    /// The text in that colour, where there are colours.
+    std::string coloured(Colour colour, const std::string& text) const;
+    /// A dot that says at a glance how things are.
+    std::string dot(Colour colour, bool filled) const;
+
+    void line(const std::string& text) const;
+    /// Names to the right, what they stand for beside them.
+    void fields(const std::vector<std::pair<std::string, std::string>>& fields) const;
+    /// Columns as wide as they need be; the last one takes the rest. A row of one cell alone stands below the row
+    /// before it, from the second column on.
+    void table(const std::vector<std::vector<std::string>>& rows) const;
+
+private:
+    /// From that column on, where something of the line may stand already.
+    void wrapped(const std::string& text, std::size_t column) const;
+
+    bool _isTerminal;
+    bool _hasColours;
+    std::size_t _width = 80;
+};
+
+}  // namespace quorel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "model/Value.h"
+
+namespace quorel {
+
+// What the scheduler tells, as sentences for people: one line each, in the language that Language.h speaks. Values may
+// come from anywhere: whatever stands in them is shown as plain text, and what is not understood as it stands.
+
+/// "Sleep", "Wake up", or what a module is called.
+std::string actionName(const std::string& actionType, bool restarts = false);
+/// An Outcome's value: "not put to sleep: rsync: copying (waited 30 minutes)".
+std::string outcomeText(const Value& outcome);
+/// The same with the action and its time in front, where it has them.
+std::string outcomeLine(const Value& outcome);
+/// What there is to say of an occurrence to come: "held up: rsync: copying". Empty for one that is only planned.
+std::string stepText(const Value& upcoming);
+/// Why a Schedule never runs: "Schedule 3 (Sleep) never runs: …".
+std::string faultText(const Value& fault);
+
+}  // namespace quorel
