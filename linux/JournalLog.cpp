@@ -2,8 +2,11 @@
 
 // sd_journal_send would note the file and line that call it: these here, whatever the message is about.
 #define SD_JOURNAL_SUPPRESS_LOCATION
+#include <sys/stat.h>
+#include <sys/uio.h>
 #include <syslog.h>
 #include <systemd/sd-journal.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -30,6 +33,14 @@ bool isService() {
     return std::getenv("JOURNAL_STREAM") != nullptr;
 }
 
+/// The service manager names the stream that it has made. The variable alone is handed on to programs with another one.
+bool errorStreamIsJournal() {
+    const char* named = std::getenv("JOURNAL_STREAM");
+    struct stat status {};
+    return named && fstat(STDERR_FILENO, &status) == 0 &&
+           std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino) == named;
+}
+
 void writeLine(std::string_view line) {
     const std::string text = withoutControls(line);
     if (!isService())
@@ -48,7 +59,7 @@ void installJournalLog(const char* program) {
 void writeJournalEntry(std::string_view messageId, std::string_view message,
                        const std::vector<std::pair<std::string_view, std::string>>& fields) {
     const std::string text = withoutControls(message);
-    if (!isService()) {
+    if (!errorStreamIsJournal()) {
         std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
         return;
     }

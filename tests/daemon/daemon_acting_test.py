@@ -252,7 +252,7 @@ class ActingTest(DaemonCase):
         with open(self.state_file, "wb") as file:
             file.write(b"damage")
         self.start_daemon()
-        self.hear("The stored state cannot be read")
+        self.hear("what was stored about the schedules could not be read")
         self.last("state-lost")
 
 
