@@ -16,7 +16,7 @@ StateFile::StateFile(std::string path) : _path(std::move(path)) {
 }
 
 Value StateFile::read() const {
-    const Value state = RootedPropertyListFiles("").dictionaryWithContentsOfFile(_path);
+    Value state = RootedPropertyListFiles("").dictionaryWithContentsOfFile(_path);
     if (state.isAbsent() && access(_path.c_str(), F_OK) == 0) return "unreadable";
     return state;
 }
