@@ -2,6 +2,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <cstdio>
+
 #include "appkit/Controls.h"
 #include "appkit/ModuleClass.h"
 #include "appkit/Resources.h"
@@ -22,9 +24,26 @@ Value Bundle::objectForInfoDictionaryKey(std::string_view key) const {
     return valueFromObject([_bundle.get() objectForInfoDictionaryKey:nsString(key)]);
 }
 
+#ifdef GNUSTEP
+
+bool Bundle::load() {
+    // The framework prints why code does not load. Nothing is said of a module that is none.
+    FILE *const errors = stderr;
+    FILE *const nowhere = std::fopen("/dev/null", "w");
+    if (nowhere) stderr = nowhere;
+    const bool loaded = [_bundle.get() load];
+    stderr = errors;
+    if (nowhere) std::fclose(nowhere);
+    return loaded;
+}
+
+#else
+
 bool Bundle::load() {
     return [_bundle.get() load];
 }
+
+#endif
 
 std::shared_ptr<Object> Bundle::classNamed(std::string_view name) {
     // Asked for a class, a bundle whose code did not load tries again, and complains in the log.

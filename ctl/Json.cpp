@@ -39,7 +39,7 @@ std::string number(auto value) {
 }  // namespace
 
 std::string jsonText(const Value& value) {
-    if (value.isBoolean()) return value.integer() ? "true" : "false";
+    if (value.isBoolean()) return value.intValue() ? "true" : "false";
     if (value.isInteger()) return number(value.integer());
     if (value.isReal() && std::isfinite(value.real())) return number(value.real());
     if (value.isText()) return quoted(value.text());

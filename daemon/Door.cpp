@@ -88,15 +88,15 @@ void Door::readNext() {
         _unread.pop_front();
         const auto next = _saves.find(name);
         if (next == _saves.end()) continue;  // has gone meanwhile
-        _reader.read(next->second.userInfo, [this, name](ListReader::Outcome outcome) {
+        _reader.read(next->second.userInfo, [this, name](const ListReader::Outcome& outcome) {
             const auto found = _saves.find(name);
-            if (found != _saves.end()) decide(found->second, std::move(outcome));
+            if (found != _saves.end()) decide(found->second, outcome);
             readNext();
         });
     }
 }
 
-void Door::decide(Save& save, ListReader::Outcome outcome) {
+void Door::decide(Save& save, const ListReader::Outcome& outcome) {
     switch (outcome.kind) {
         case ListReader::Outcome::Kind::Failed:
             return refuse(save, wire::kFailed, outcome.text);

@@ -46,7 +46,7 @@ private:
     std::ptrdiff_t savesOf(unsigned user) const;
     void readLater(Save& save);
     void readNext();
-    void decide(Save& save, ListReader::Outcome outcome);
+    void decide(Save& save, const ListReader::Outcome& outcome);
     void ask(Save& save);
     void store(Save& save, const std::string& bytes);
     void accept(Save& save, const char* outcome);

@@ -36,6 +36,24 @@ def stored(path):
         return plistlib.load(file)
 
 
+def show_plan(build, environment):
+    """What the daemon makes of what was saved."""
+    for command in ("status", "next"):
+        print(f"$ quorelctl {command}", flush=True)
+        subprocess.run([f"{build}/ctl/quorelctl", command], env=environment)
+
+
+def follow(application, path, told):
+    """Until the window is closed, tells of each save. The application's exit status."""
+    seen = os.stat(path).st_ino  # each save is a file of its own
+    while True:
+        try:
+            return application.process.wait(1)
+        except subprocess.TimeoutExpired:
+            if seen != (seen := os.stat(path).st_ino):
+                told()
+
+
 def edit(screen, display, path, screenshot):
     """Unlocks the pane, toggles an option and applies it. True when the daemon has stored it."""
     before = stored(path)["Show In Menu Bar"]
@@ -93,7 +111,8 @@ def show(build, user, place, path, ends):
                                           bundles=[f"{build}/demo/Opener.bundle"], **as_user)
         ends.callback(application.close)
         print(f"Preferences: {path}\nPress Ctrl-C or close the window to end.", flush=True)
-        return application.process.wait()
+        show_plan(build, environment)
+        return follow(application, path, lambda: show_plan(build, environment))
 
     display = VirtualDisplay()
     ends.callback(display.close)
@@ -105,6 +124,7 @@ def show(build, user, place, path, ends):
     done = edit(application.screen, display, path, screenshot)
     with open(path) as file:
         print(file.read())
+    show_plan(build, environment)
     print(f"No display: one edit was made on a virtual one, and {'stored' if done else 'NOT stored'}.")
     print(f"Preferences: {path}\nScreenshot:  {screenshot}")
     return 0 if done else 1

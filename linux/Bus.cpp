@@ -29,7 +29,7 @@ int handOver(sd_bus_message* message, void* replied, sd_bus_error*) try {
 BusSlot owning(int result, sd_bus_slot* slot, std::unique_ptr<Replied> callback) {
     if (result < 0) return {};
     sd_bus_slot_set_destroy_callback(slot, [](void* owned) { delete static_cast<Replied*>(owned); });
-    callback.release();
+    static_cast<void>(callback.release());  // the slot deletes it
     return BusSlot(slot);
 }
 

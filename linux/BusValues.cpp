@@ -26,7 +26,7 @@ const char* typeOf(const Value& value) {
 int writeVariant(sd_bus_message* message, const Value& value);
 
 int writeContent(sd_bus_message* message, const Value& value) {
-    if (value.isBoolean()) return sd_bus_message_append(message, "b", static_cast<int>(value.integer()));
+    if (value.isBoolean()) return sd_bus_message_append(message, "b", value.intValue());
     if (value.isInteger()) return sd_bus_message_append(message, "x", value.integer());
     if (value.isReal()) return sd_bus_message_append(message, "d", value.real());
     if (value.isText()) return sd_bus_message_append(message, "s", value.text().c_str());

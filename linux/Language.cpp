@@ -89,14 +89,17 @@ std::string momentText(Instant instant) {
 }
 
 std::string durationText(Seconds seconds) {
-    const auto counted = [](const char* one, const char* many, std::int64_t count) {
-        return filled(translatedCount(one, many, count), {std::to_string(count)});
-    };
     const Seconds length = std::abs(seconds);
-    if (length < 2 * kMinute) return counted("{1} second", "{1} seconds", length);
-    const Seconds minutes = length / kMinute;
-    if (minutes < 120) return counted("{1} minute", "{1} minutes", minutes);
-    return counted("{1} hour", "{1} hours", minutes / 60);
+    Seconds count = length;
+    const char* text = translatedCount("{1} second", "{1} seconds", count);
+    if (length >= 2 * kHour) {
+        count = length / kHour;
+        text = translatedCount("{1} hour", "{1} hours", count);
+    } else if (length >= 2 * kMinute) {
+        count = length / kMinute;
+        text = translatedCount("{1} minute", "{1} minutes", count);
+    }
+    return filled(text, {std::to_string(count)});
 }
 
 }  // namespace quorel

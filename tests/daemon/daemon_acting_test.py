@@ -155,28 +155,27 @@ class ActingTest(DaemonCase):
     def test_waits_for_what_speaks_against_it(self):
         in_use = [{"Name": "bob\n", "TTY": "tty3", "Type": "tty"}]
         idle = [{"Type": "tty", "IdleSinceHint": (instant("23:15") - 3600) * 1_000_000}]
-        for changes, cure, hold, text, parameters in (
-                ({"inhibitors": ALICES_LOCK}, {"inhibitors": []}, "inhibitor", "Upgrades: installing\ufffd[31m", {}),
-                ({"scheduled": ["reboot", 5]}, {"scheduled": ["", 0]}, "shutdown", "a shut-down is planned (reboot)", {}),
-                ({"sessions": in_use}, {"sessions": idle}, "use", "in use by bob\ufffd (tty3)", {"Only_When_Idle": 1})):
-            with self.subTest(hold):
-                self.setUp()
-                self.begin(schedule(SLEEP, "23:15", **parameters), **changes)
-                self.reach("23:14", "waiting")
-                self.move_to("23:15")
-                self.move_to("23:16")
-                self.script(**cure)
-                self.reach("23:17", "warned")
-                self.move_to("23:18")
-                self.last("slept")
-                self.assertEqual(self.calls("Suspend"), ["Suspend 1"])
-        with self.subTest("for ever"):
-            self.setUp()
-            self.begin(schedule(SLEEP, "23:15"), inhibitors=ALICES_LOCK)
-            self.reach("23:14", "waiting")
-            self.move_to("23:46")
-            self.last("gave-up", Hold="inhibitor", Who="Upgrades")
-            self.hear("not put to sleep: Upgrades: installing\ufffd[31m (waited 31 minutes)")
+        for changes, cure, patience, words, parameters in (
+                ({"inhibitors": ALICES_LOCK}, {"inhibitors": []}, "23:45", "Upgrades: installing\ufffd[31m", {}),
+                ({"scheduled": ["reboot", 5]}, {"scheduled": ["", 0]}, "23:45", "a shut-down is planned (reboot)", {}),
+                ({"sessions": in_use}, {"sessions": idle}, "35:15", "in use by bob\ufffd (tty3)",
+                 {"Only_When_Idle": 1})):
+            for ends in (True, False):
+                with self.subTest(words, ends=ends):
+                    self.setUp()
+                    self.begin(schedule(SLEEP, "23:15", **parameters), **changes)
+                    self.reach("23:14", "waiting")
+                    if ends:
+                        self.script(**cure)
+                        self.reach("23:15", "warned")
+                        self.move_to("23:16")
+                        self.last("slept")
+                    else:
+                        self.move_to(patience)
+                        self.last("gave-up")
+                        self.hear("not put to sleep: ")
+                        self.hear(f"{words} (waited ")
+                    self.assertEqual(self.calls("Suspend"), ["Suspend 1"] if ends else [])
 
     def test_takes_no_for_an_answer(self):
         for script, times, outcome, arguments in (

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What mmdebstrap's folder becomes a machine by, run inside it, where apt still reaches packages.
 set -euo pipefail
 apt-get satisfy -y --no-install-recommends "$DEPENDS"

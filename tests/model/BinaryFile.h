@@ -14,18 +14,18 @@ inline std::string bigEndian(std::uint64_t number, std::size_t size) {
 }
 
 /// A container object whose members are named by number, four bytes each; of a dictionary, all keys come first.
-inline std::string container(char kind, std::vector<std::uint32_t> members) {
+inline std::string container(char kind, const std::vector<std::uint32_t>& members) {
     const std::size_t count = kind == '\xd0' ? members.size() / 2 : members.size();
     std::string bytes(1, static_cast<char>(kind | 0xf));
     bytes += '\x12' + bigEndian(count, 4);
     for (const auto member : members) bytes += bigEndian(member, 4);
     return bytes;
 }
-inline std::string arrayObject(std::vector<std::uint32_t> members) {
-    return container('\xa0', std::move(members));
+inline std::string arrayObject(const std::vector<std::uint32_t>& members) {
+    return container('\xa0', members);
 }
-inline std::string dictionaryObject(std::vector<std::uint32_t> members) {
-    return container('\xd0', std::move(members));
+inline std::string dictionaryObject(const std::vector<std::uint32_t>& members) {
+    return container('\xd0', members);
 }
 
 /// A binary property list of these objects; the first is the root.

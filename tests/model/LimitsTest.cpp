@@ -117,12 +117,8 @@ TEST(LimitsTest, TimeGrowsWithTheSize) {
 TEST(LimitsTest, DamagedFiles) {
     const std::string files[] = {
         *encodePropertyList(Dictionary{{"a", Array{1, -1.5, "é&<", true, Date{7}}}, {"b", Data{1, 2}}}),
-        binaryFile({dictionaryObject({1, 2, 3, 4}),
-                    "\x51"
-                    "a",
-                    "\x51"
-                    "b",
-                    arrayObject({4, 5, 1}), std::string("\x62\0A\0B", 5), "\x13" + bigEndian(UINT64_MAX, 8)}),
+        binaryFile({dictionaryObject({1, 2, 3, 4}), "\x51\x61", "\x51\x62", arrayObject({4, 5, 1}),
+                    std::string("\x62\0A\0B", 5), "\x13" + bigEndian(UINT64_MAX, 8)}),
         "bplist00" + std::string(100, '\0'),
     };
     std::mt19937 random(1);

@@ -96,6 +96,7 @@ void play(VirtualWorld& w, const std::string& script) {
         if (what == "skip-name")
             says(w.scheduler->skip(w.now, first, "ann") || w.scheduler->postpone(w.now, first, "ann"));
         if (what == "next") w.note(std::string(nameOf(w.scheduler->upcoming(1)[0].step)));
+        if (what == "ticks") w.note(std::to_string(w.ticks) + " ticks");
         if (what == "alarms") {
             const auto text = [](auto alarm) { return alarm ? VirtualWorld::clock(*alarm) : "none"; };
             w.note("alarms " + text(w.wakeAlarm) + ", " + text(w.startupAlarm));
@@ -116,6 +117,8 @@ const Row kRows[] = {
      "22:59 warn, for 23:00; 23:00 suspend; 23:40 awake; 23:40 slept Sleep 23:00"},
     {"just saved: the whole minute passes", "from 22:59:30 Sleep@23:00; until 23:00", "22:59:30 warn, for 23:00:30"},
     {"shut-down", "from 22:50 ShutDown@23:00; until 23:50", "22:59 warn, for 23:00; 23:00 shut down; 23:00 shut-down ShutDown 23:00"},
+    {"woken for nothing else", "from 10:00 Sleep@23:00 Plain@12:00; until 22:59:59; ticks",
+     "12:00 start Plain; 12:00:10 ran Plain 12:00; 22:59 warn, for 23:00; 22:59:59 2 ticks"},
     {"restart", "from 22:50 ShutDown@23:00/restart; until 23:50",
      "22:59 warn, for 23:00; 23:00 restart; 23:00 shut-down ShutDown 23:00 Restart"},
     {"waits for an inhibitor, then warns", "apt; from 22:50 Sleep@23:00; until 23:05:30; free; until 23:06:59", "23:06 warn, for 23:07"},

@@ -58,6 +58,7 @@ public:
     Value list;
 
     Now now{kMonday * 1000, 3600'000, 3600'000};
+    int ticks = 0;  ///< how often the program wanted to be woken
     std::vector<std::string> log;
     std::vector<Outcome> outcomes;
     std::optional<Instant> wakeAlarm, startupAlarm;
@@ -98,7 +99,9 @@ public:
                         scheduler->actionEnded(now, token, actionEnds, 3, "why");
                     }
                 }
-                if (scheduler->nextCall() && *scheduler->nextCall() <= now.instant()) scheduler->tick(now);
+                if (!scheduler->nextCall() || *scheduler->nextCall() > now.instant()) return;
+                ++ticks;
+                scheduler->tick(now);
             });
         }
         if (scheduler) attempt([&] { serve(); });

@@ -3,6 +3,7 @@
 import glob
 import os
 import re
+import subprocess
 import sys
 import unittest
 import xml.etree.ElementTree as ElementTree
@@ -74,6 +75,26 @@ class TextsTest(unittest.TestCase):
                 for key, text in table(folder, language).items():
                     with self.subTest(bundle=name, language=language, key=key):
                         self.assertEqual(re.findall("%.", text), re.findall("%.", key))
+
+    def test_programs_speak_french(self):
+        def entries(*command):
+            """What each text is said as; the same one for a number has one text for one and one for many."""
+            catalog = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout
+            fields = [dict(re.findall(r'^(msg\S+) ((?:"(?:[^"\\]|\\.)*"\n?)+)', block, re.MULTILINE))
+                      for block in catalog.split("\n\n")]
+            return {field["msgid"] + field.get("msgid_plural", ""):
+                    [text for name, text in field.items() if name.startswith("msgstr")] for field in fields}
+
+        code = entries("xgettext", "--language=C++", "--from-code=UTF-8", "--keyword=translated", "--keyword=marked",
+                       "--keyword=translatedCount:1,2", "-o", "-", *files(["linux/*.cpp", "ctl/*.cpp", "agent/*.cpp"]))
+        french = entries("msgcat", f"{ROOT}/resources/programs/fr.po")
+        self.assertGreater(len(code), 50)
+        self.assertEqual(sorted(code.keys() - french.keys()), [], "texts without a French one")
+        self.assertEqual(sorted(french.keys() - code.keys()), [], "French texts that nobody looks up")
+        for key, texts in french.items():
+            with self.subTest(key):
+                self.assertNotIn('""', map(str.strip, texts))
+                self.assertEqual(set(re.findall(r"{\d}", texts[-1])), set(re.findall(r"{\d}", key)))
 
 
 if __name__ == "__main__":

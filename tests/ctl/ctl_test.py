@@ -1,0 +1,263 @@
+#!/usr/bin/env python3
+"""quorelctl, as a person sees it: ctl_test.py STEPPING_DAEMON QUORELCTL
+
+The clocks stand still until they are moved here. It is Monday, 1 March 2027, 23:00, and nobody plays logind.
+"""
+import calendar
+import json
+import os
+import plistlib
+import pty
+import signal
+import subprocess
+import sys
+import time
+import unittest
+
+import dbus
+import dbus.lowlevel
+import dbus.mainloop.glib
+from gi.repository import GLib
+
+from private_system import PrivateSystem, wait_until
+
+STEPPING_DAEMON, QUORELCTL = (os.path.abspath(path) for path in sys.argv[1:3])
+NOBODY = 65534
+NAME, PATH, INTERFACE = "com.quorel.Daemon", "/com/quorel/Scheduler", "com.quorel.Scheduler1"
+SLEEP, WAKE_UP, SHUT_DOWN = (f"com.quorel.plugin.{name}" for name in ("Sleep", "WakeUp", "ShutDown"))
+FORGERY = "a\x1b[31m\nroot\u202e"
+SHOWN = "a\ufffd[31m\ufffdroot\ufffd"
+AT = calendar.timegm((2027, 3, 1, 23, 0, 0))
+LET_NOBODY = "polkit.addRule(function(action, subject) {{ if (action.id == 'com.quorel.{}') return 'yes'; }});"
+
+# Code, action, arguments; the sentence in English and in French.
+SENTENCES = (
+    ("slept", SLEEP, {"Until": AT}, "slept until Mon 2027-03-01 23:00", "en veille jusqu’à Mon 2027-03-01 23:00"),
+    ("shut-down", SHUT_DOWN, {}, "shut down", "éteint"),
+    ("shut-down", SHUT_DOWN, {"Restart": True}, "restarted", "redémarré"),
+    ("woke-up", WAKE_UP, {}, "woke up", "réveillé"),
+    ("started", WAKE_UP, {}, "started up", "démarré"),
+    ("awake-already", WAKE_UP, {}, "was awake already; kept awake for ten minutes",
+     "était déjà éveillé ; gardé éveillé dix minutes"),
+    ("ran", "x.Y", {"Seconds": 1}, "done in 1 second", "fait en 1 seconde"),
+    ("ran", "x.Y", {"Seconds": 7300, "MadeUp": True}, "made up for, in 2 hours", "rattrapé, en 2 heures"),
+    ("failed", "x.Y", {"Seconds": 3, "Status": 2, "Reason": FORGERY},
+     f"failed with status 2 after 3 seconds: {SHOWN}", f"échoué avec l’état 2 après 3 secondes : {SHOWN}"),
+    ("timed-out", "x.Y", {"Seconds": 600}, "ended at its limit, after 10 minutes",
+     "arrêté à sa limite, après 10 minutes"),
+    ("not-started", "x.Y", {"Reason": "gone"}, "could not be started: gone", "n’a pas pu être lancé : gone"),
+    ("unknown", "x.Y", {}, "begun; how it ended is not known", "commencé ; on ne sait pas comment cela a fini"),
+    ("missed", SLEEP, {"Count": 1, "Cause": "off"}, "missed: the computer was off", "manqué : l’ordinateur était éteint"),
+    ("missed", SLEEP, {"Count": 10, "Cause": "asleep"}, "missed 10 times: the computer was asleep",
+     "manqué 10 fois : l’ordinateur était en veille"),
+    ("skipped", SLEEP, {"By": "bob"}, "skipped by bob", "passé par bob"),
+    ("same-minute", SHUT_DOWN, {}, "not shut down: another sleep or shut-down had the same minute",
+     "pas éteint : une autre veille ou extinction avait la même minute"),
+    ("wakes-then", SLEEP, {}, "not put to sleep: the computer was to wake up in the same minute",
+     "pas mis en veille : l’ordinateur devait se réveiller à la même minute"),
+    ("withdrawn", SLEEP, {}, "withdrawn: its schedule was changed or deleted",
+     "retiré : sa planification a été modifiée ou supprimée"),
+    ("gave-up", SLEEP, {"Hold": "inhibitor", "Who": "rsync", "Why": "copying", "Minutes": 30},
+     "not put to sleep: rsync: copying (waited 30 minutes)", "pas mis en veille : rsync : copying (attendu 30 minutes)"),
+    ("gave-up", SLEEP, {"Hold": "use", "Who": "bob (tty3)", "Minutes": 720},
+     "not put to sleep: in use by bob (tty3) (waited 12 hours)",
+     "pas mis en veille : utilisé par bob (tty3) (attendu 12 heures)"),
+    ("gave-up", SLEEP, {"Hold": "action", "Who": "org.x.Backup"}, "not put to sleep: Backup under way (waited 0 seconds)",
+     "pas mis en veille : Backup en cours (attendu 0 seconde)"),
+    ("overtaken", SLEEP, {"By": "next"}, "not put to sleep: the next sleep, shut-down or wake-up came",
+     "pas mis en veille : la veille, l’extinction ou le réveil suivant est arrivé"),
+    ("refused", SLEEP, {"Reason": "stayed-awake"},
+     "not put to sleep: refused: the system agreed, and the computer stayed awake",
+     "pas mis en veille : refusé : le système a accepté, et l’ordinateur est resté éveillé"),
+    ("lid-closed", WAKE_UP, {}, "not woken up: the lid is closed, and there is no external power",
+     "pas réveillé : le capot est fermé, sans alimentation externe"),
+    ("clock-corrected", SLEEP, {}, "ended: the clock was corrected", "terminé : l’horloge a été corrigée"),
+    ("correction", "", {"By": -10800}, "the clock was set back by 3 hours", "l’horloge a été reculée de 3 heures"),
+    ("correction", "", {"By": 0}, "the clock was corrected", "l’horloge a été corrigée"),
+    ("state-lost", "", {}, "what was stored about the schedules could not be read; begun anew",
+     "ce qui était enregistré des planifications est illisible ; repris à neuf"),
+    ("clock-behind", "", {"By": 86400}, "the clock is 24 hours behind; nothing runs until it is set, or for ten minutes",
+     "l’horloge retarde de 24 heures ; rien ne se fait avant qu’elle soit réglée, ou pendant dix minutes"),
+    ("back-to-sleep", "", {}, "woken for nothing; put back to sleep", "réveillé pour rien ; remis en veille"),
+    (FORGERY, SLEEP, {}, SHOWN, SHOWN),
+    # Of other kinds than they should be.
+    ("missed", SLEEP, {"Count": "x", "Cause": 5}, "missed: ", "manqué : "),
+    ("slept", SLEEP, {"Until": 2**62}, f"slept until {2**62}", f"en veille jusqu’à {2**62}"),
+)
+
+
+def schedule(action, time, **parameters):
+    hour, minute = time.split(":")
+    return {"Is Enabled": 1, "Action Type": action, "Action Hour": hour, "Action Minute": minute,
+            "Action Parameters": {key.replace("_", " "): parameters[key] for key in parameters},
+            **{f"Active On {day}": 1 for day in ("Monday", "Tuesday")}}
+
+
+class StandIn:
+    """Answers in the daemon's name, each method with what it is told: arguments, each behind its type."""
+
+    def __init__(self, system):
+        self.answers = {}
+        self.bus = system.connect()
+        self.bus.add_message_filter(self.answer)
+        self.bus.request_name(NAME)
+
+    def answer(self, bus, message):
+        if message.get_interface() != INTERFACE:
+            return dbus.lowlevel.HANDLER_RESULT_NOT_YET_HANDLED
+        answer = self.answers[message.get_member()]
+        if isinstance(answer, str):
+            reply = dbus.lowlevel.ErrorMessage(message, answer, FORGERY)
+        else:
+            reply = dbus.lowlevel.MethodReturnMessage(message)
+            for signature, value in answer:
+                reply.append(value, signature=signature)
+        bus.send_message(reply)
+        return dbus.lowlevel.HANDLER_RESULT_HANDLED
+
+
+class CtlTest(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+        os.environ["TZ"] = "UTC"
+        self.system = PrivateSystem()
+        self.addCleanup(self.system.close)
+        self.clocks, self.root = f"{self.system.place}/clocks", f"{self.system.place}/root"
+
+    def move_to(self, hour, minute):
+        wall = calendar.timegm((2027, 3, 1, hour, minute, 0)) * 1000
+        with open(f"{self.clocks}.new", "w") as file:
+            file.write(f"{wall} {wall} {wall}")
+        os.rename(f"{self.clocks}.new", self.clocks)
+
+    def start_daemon(self, *schedules):
+        self.move_to(23, 0)
+        folder = f"{self.root}/Library/Preferences"
+        os.makedirs(folder)
+        with open(f"{folder}/com.quorel.plist", "wb") as file:
+            plistlib.dump({"Schedule Array": list(schedules)}, file)
+        self.daemon = self.system.start([STEPPING_DAEMON, self.clocks, self.root], name=NAME, stderr=subprocess.DEVNULL)
+
+    def run_ctl(self, *arguments, language="", user=0, stdout=subprocess.PIPE):
+        environment = dict(self.system.environment(), LC_ALL="C.UTF-8", LANGUAGE=language, TERM="xterm")
+        process = subprocess.Popen([QUORELCTL, *arguments], env=environment, user=user, stdout=stdout,
+                                   stderr=subprocess.PIPE, text=True)
+        while process.poll() is None:
+            GLib.MainContext.default().iteration(False)  # a stand-in answers
+            time.sleep(0.005)
+        output, error = process.communicate()
+        return process.returncode, output, error
+
+    def told(self, *arguments, **options):
+        status, output, error = self.run_ctl(*arguments, **options)
+        self.assertEqual((status, error), (0, ""))
+        return output
+
+    def refused(self, status, words, *arguments, **options):
+        found, output, error = self.run_ctl(*arguments, **options)
+        self.assertEqual((found, output), (status, ""), error)
+        self.assertIn(words, error)
+
+    def next(self, number=5):
+        return json.loads(self.told("next", str(number), "--json"))
+
+    def test_shows_what_is_planned(self):
+        self.start_daemon(schedule(SLEEP, "23:15"), schedule(WAKE_UP, "07:00", Needs_Startup=1),
+                          schedule(SHUT_DOWN, "25:00"), schedule(SHUT_DOWN, "08:00", Restart=1))
+        tokens = [one["Token"] for one in self.next()]
+        self.assertEqual(self.told("next", "3"), f"Mon 2027-03-01 23:15  Sleep    {tokens[0]}\n"
+                                                 f"Tue 2027-03-02 07:00  Wake up  {tokens[1]}\n"
+                                                 f"Tue 2027-03-02 08:00  Restart  {tokens[2]}\n")
+        none = "but is not set: this daemon sets none, it works below a folder of its own"
+        status = (f"            Acts: no: nothing of this computer is asked or touched\n"
+                  f"            Next: Mon 2027-03-01 23:15  Sleep\n"
+                  f"   Wake-up alarm: Tue 2027-03-02 07:00, {none}\n"
+                  f"  Start-up alarm: Tue 2027-03-02 06:58, {none}\n"
+                  f"           Fault: schedule 3 (Shut down) never runs: its hour is not between 0 and 23\n")
+        version = self.told("--version").split()[1]
+        self.assertEqual(self.told("status"), f"● quorel-daemon {version} is running\n{status}")
+        self.assertIn("À venir", self.told(language="fr"))
+        self.assertIs(json.loads(self.told("status", "--json"))["Running"], True)
+        self.move_to(23, 14)
+        wait_until(lambda: self.next()[0]["Step"] == "waiting", "it waits")
+        self.assertIn("held up: it is not known what speaks against it", self.told("next"))
+        self.move_to(23, 45)
+        wait_until(lambda: "not put to sleep: it is not known" in self.told("log"), "it gives up")
+
+    def test_coloured_and_wrapped_on_a_terminal_alone(self):
+        self.start_daemon(schedule(SLEEP, "23:15"))
+        reader, terminal = pty.openpty()
+        self.assertEqual(self.run_ctl("status", stdout=terminal)[0], 0)
+        shown = os.read(reader, 10000).decode()
+        self.assertTrue(shown.startswith("\x1b[0;1;33m●\x1b[0m quorel-daemon"), shown)
+        self.assertLessEqual(max(map(len, shown.splitlines()[1:])), 80)
+        self.assertNotIn("\x1b", self.told("status"))
+
+    def test_says_no(self):
+        self.system.start_polkit(LET_NOBODY.format("skip"))
+        self.start_daemon(schedule(SLEEP, "23:15"), schedule(SLEEP, "23:30"))
+        first, second = (one["Token"] for one in self.next(2))
+        self.refused(1, "not permitted", "postpone", first, user=NOBODY)
+        self.assertEqual(self.told("skip", first, user=NOBODY), "")
+        self.told("skip", first)
+        self.assertIn("skipped by nobody\n", self.told("next"))
+        self.told("postpone", second)
+        self.told("postpone", second)  # is that very postponement again
+        self.assertIn("postponed by root, planned for 23:30\n", self.told("next"))
+        self.assertEqual(self.next()[1]["At"], AT + 45 * 60)
+        self.refused(4, "no such occurrence", "skip", "1-2-3")
+        for _ in range(7):
+            self.told("skip", first)
+        self.refused(1, "ten changes", "skip", first)
+        self.told("skip", first, user=NOBODY)
+
+    def test_tells_sentences(self):
+        stand_in = StandIn(self.system)
+        stand_in.answers["Outcomes"] = [("aa{sv}", [
+            {"Code": code, "Action": action, "At": dbus.Int64(AT), "Due": dbus.Int64(AT if action else 0),
+             "Arguments": dbus.Dictionary({key: dbus.Int64(value) if type(value) is int else value
+                                           for key, value in arguments.items()}, signature="sv", variant_level=1)}
+            for code, action, arguments, _, _ in SENTENCES])]
+        for language, column in (("en", 3), ("fr", 4)):
+            lines = self.told("log", "500", language=language).replace("\u00a0", " ").split("\n")
+            for line, sentence in zip(lines, SENTENCES, strict=False):
+                with self.subTest(sentence[column]):
+                    self.assertTrue(line.startswith("Mon 2027-03-01 23:00  ") and line.endswith("  " + sentence[column]),
+                                    line)
+            self.assertEqual(len(lines), len(SENTENCES) + 1)
+
+    def test_answers_of_another_kind(self):
+        stand_in = StandIn(self.system)
+        for answer, words in (
+                ([("u", 5)], "cannot be understood"), ([], "cannot be understood"),
+                ([("a{sv}", {"a": "b"})], "cannot be understood"), ([("as", ["a"])], "cannot be understood"),
+                ([("v", dbus.String("x", variant_level=20))], "cannot be understood"),
+                ("org.freedesktop.DBus.Error.UnknownMethod", "another version"),
+                ("com.quorel.Error.Busy", f"refused: {SHOWN}")):
+            with self.subTest(answer):
+                stand_in.answers["Upcoming"] = answer
+                self.refused(1, words, "next")
+
+    def test_without_a_daemon(self):
+        for arguments in (["next"], ["log"], ["skip", "1-2-3"]):
+            self.refused(3, "not running", *arguments)
+        self.assertEqual(self.run_ctl("status")[:2], (3, "○ quorel-daemon is not running\n"))
+        self.assertEqual(self.run_ctl("status", "--json")[:2], (3, '{"Running":false}\n'))
+        self.start_daemon()
+        self.assertEqual(self.told("next"), "Nothing is planned.\n")
+        self.daemon.send_signal(signal.SIGSTOP)
+        self.refused(1, "does not answer", "status")
+
+    def test_wrong_command_lines(self):
+        for arguments in (["sleep"], ["next", "0"], ["next", "101"], ["log", "x"], ["next", "1", "2"], ["skip"],
+                          ["status", "1"], ["--other"], [FORGERY]):
+            status, output, error = self.run_ctl(*arguments)
+            self.assertEqual((status, output, "\x1b" in error), (2, "", False), arguments)
+
+
+if os.getuid() != 0:
+    print("Skipped: only root can cover polkit's folders in a mount namespace.")
+    sys.exit(77)
+unittest.main(argv=sys.argv[:1])
