@@ -123,7 +123,7 @@ class UpdateTest(StatusCase):
         self.answer("Cancel")
         self.check("New version available", newer)
         self.answer("OK")
-        wait_for(self.pages, "no page is opened")
+        wait_for(self.browser.pages, "no page is opened")
         self.assertEqual(self.browser.pages(), [self.page])
 
         self.feed.answers["/pane"] = record("1.0")
