@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
 """The edit sheet, used with mouse and keyboard: sheet_test.py BUILD"""
-import glob
 import subprocess
 
 from pane_case import BUILD, DAYS, PaneCase, main, preferences, schedule
@@ -202,8 +201,7 @@ class SheetTest(PaneCase):
                                          "Action Parameters": {"Message": "Tea", "Times": 2, "Own": "kept?"}})
         broken = schedule("Sleep", 9, 1, **{"Action Type": "org.example.Gone"})
         self.store(preferences(broken, self.schedules[0], say))
-        modules = glob.glob(f"{BUILD}/tests/broken_modules/*.vxplugin")
-        self.assertEqual(len(modules), 2)
+        modules = [f"{BUILD}/tests/broken_modules/{name}.vxplugin" for name in ("NotConforming", "Nameless")]
         screen = self.open_pane(extra_modules=modules + [f"{BUILD}/modules/sample/SayMessage.vxplugin"])
         self.wait_times("10:30", "9:00")
         self.assertEqual(screen.rows()[1]["Infos"]["Action"], 'Says "Tea", times: 2')
