@@ -22,7 +22,7 @@ Daemon::Daemon(const std::string& root, const Clocks& clocks)
 int Daemon::run() {
     MOLLog("The daemon serves.");
     const int status = _loop.run();
-    MOLLog(sd_bus_is_open(_bus.get()) > 0 ? "The daemon ends." : "The bus has gone.");
+    MOLLog(status == 0 ? "The daemon ends." : "The bus has gone.");
     return status;
 }
 
