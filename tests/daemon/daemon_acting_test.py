@@ -252,7 +252,7 @@ class ActingTest(DaemonCase):
         with open(self.state_file, "wb") as file:
             file.write(b"damage")
         self.start_daemon()
-        self.hear("The stored state cannot be read")
+        self.hear("could not be read; begun anew")
         self.last("state-lost")
 
 
