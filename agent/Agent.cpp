@@ -47,7 +47,7 @@ int Agent::run() {
     if (!requestName(_bus.get(), std::string(kUserAgentName))) return 0;
     _look.start({});
     const int status = _loop.run();
-    if (sd_bus_is_open(_bus.get()) <= 0) MOLLog("The session bus has gone.");
+    if (status != 0) MOLLog("The session bus has gone.");
     return status;
 }
 

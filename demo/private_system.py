@@ -117,9 +117,9 @@ class PrivateSystem:
             raise
 
     def environment(self):
-        """What a program must be started with. Its log goes to its standard error stream alone."""
+        """What a program must be started with."""
         names = {"system": "DBUS_SYSTEM_BUS_ADDRESS", "session": "DBUS_SESSION_BUS_ADDRESS"}
-        return dict(os.environ, JOURNAL_STREAM="0:0", **self.variables,
+        return dict(os.environ, **self.variables,
                     **{names[kind]: address for kind, address in self.addresses.items()})
 
     def connect(self, kind="system"):

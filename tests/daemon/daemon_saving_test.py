@@ -105,6 +105,7 @@ class SavingTest(DaemonCase):
         for number in (signal.SIGTERM, signal.SIGINT):
             self.daemon.send_signal(number)
             self.assertEqual(self.daemon.wait(SECONDS), 0)
+            self.assertNotIn("The bus has gone.", self.logged())
             self.start_daemon()
         self.system.bus.terminate()
         self.assertNotEqual(self.daemon.wait(SECONDS), 0)
