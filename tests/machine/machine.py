@@ -41,8 +41,10 @@ class Machine:
             pass
         self.run("mkdir -p /payload && mount /dev/vdb /payload && (systemctl is-system-running --wait; true)", LIMIT)
 
-    def reboot(self):
-        self._send("systemctl reboot", LIMIT)  # which may come before the answer
+    def start(self):
+        """Of a machine that is off."""
+        self.monitor("system_reset")
+        self.monitor("cont")
         self.booted()
 
     def ask(self, command, limit=LIMIT):
@@ -72,7 +74,7 @@ class Machine:
         answer = b""
         while not answer.endswith(b"\n(qemu) "):
             answer += self._monitor.recv(4096)
-        return answer.decode().partition("\n")[2].rpartition("\n")[0]
+        return answer.decode().partition("\n")[2].rpartition("\n")[0].strip()
 
     def wait_state(self, state, limit=LIMIT):
         """Returns when the machine is "running", "suspended", or off: "shutdown"."""

@@ -3,11 +3,13 @@
 machine_test.py IMAGE PAYLOAD: the payload holds the package, two higher versions of it below upgrade/, and the opener.
 Each case goes on where the one before it left the machine, and puts right what it needs itself.
 """
+import json
 import os
 import plistlib
 import re
 import shlex
 import sys
+import time
 import unittest
 
 from machine import Machine
@@ -28,6 +30,12 @@ ExecStart=/usr/bin/xinit /usr/bin/openbox-session -- /usr/bin/Xvfb :7 -nolisten 
 def preferences(**changes):
     return {"Check Updates": 0, "Check Updates Frequency": 1, "Show In Menu Bar": 1,
             "Enable Network Administration": 0, "Prefs Version": 1, "Schedule Array": [], **changes}
+
+
+def schedule(action, hour, minute, **parameters):
+    days = {f"Active On {day}": True for day in ("Monday", "Tuesday")}
+    return {"Is Enabled": 1, "Action Type": f"com.quorel.plugin.{action}", "Action Hour": hour,
+            "Action Minute": minute, "Action Parameters": parameters, **days}
 
 
 def call(name, method, *arguments, flags=""):
@@ -102,10 +110,52 @@ class PackageTest(unittest.TestCase):
         guest.run("systemctl stop quorel-daemon")
         self.assertEqual(guest.run(anna(PING)), "b true")
 
-    def test_05_is_there_after_a_reboot(self):
-        guest.reboot()
+    def test_05_is_there_after_a_power_off_that_leaves_the_alarm_set(self):
+        guest.run("timedatectl set-timezone UTC; date -s '2027-03-01 12:00:00'; hwclock --systohc --utc")
+        guest.run(save(**{"Schedule Array": [schedule("WakeUp", 18, 30, **{"Needs Startup": 1})]}))
+        guest.ask("systemctl poweroff")
+        guest.wait_state("shutdown")
+        self.assertTrue(guest.cmos(0x0b) & 0x20, "the alarm is off")
+        self.assertEqual([f"{guest.cmos(register):02x}" for register in (5, 3, 1)], ["18", "28", "00"])
+        guest.start()
         self.is_up_without_complaint()
-        self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
+        self.assertEqual(len(self.stored()["Schedule Array"]), 1)
+
+    def test_05a_sets_the_alarm_of_a_clock_in_local_time_too(self):
+        guest.run("timedatectl set-timezone Europe/Paris; timedatectl set-local-rtc 1")
+        guest.run(save(**{"Schedule Array": [schedule("WakeUp", 21, 10, **{"Needs Startup": 1})]}))
+        rtc = "/sys/class/rtc/rtc0"
+        ahead = guest.wait(f"test -s {rtc}/wakealarm && echo $(($(cat {rtc}/wakealarm) - $(cat {rtc}/since_epoch)))")
+        until = guest.run("echo $(($(date -d '21:08:00' +%s) - $(date +%s)))")
+        self.assertLessEqual(abs(int(ahead) - int(until)), 30)
+        guest.run("timedatectl set-local-rtc 0; timedatectl set-timezone UTC")
+
+    def test_05b_stays_awake_for_a_lock_of_root(self):
+        guest.run("systemd-run -q --unit=upgrade systemd-inhibit --what=sleep --who=Upgrades --why=installing sleep 1h")
+        guest.wait("systemd-inhibit --list | grep -q Upgrades")
+        guest.run("date -s '2027-03-01 13:59:30'")
+        guest.run(save(**{"Schedule Array": [schedule("Sleep", 14, 0)]}))
+        self.assertIn("Upgrades", guest.wait("quorelctl status | grep Upgrades"))
+        guest.wait_state("running")
+        guest.run("systemctl stop upgrade")
+        guest.run(save())
+        guest.wait("quorelctl log --json | grep -q withdrawn")
+
+    def test_05c_sleeps_and_wakes_at_the_minute(self):
+        guest.run("date -s '2027-03-01 14:58:50'")
+        guest.run(save(**{"Schedule Array": [schedule("Sleep", 15, 0), schedule("WakeUp", 15, 2)]}))
+        guest.wait_state("suspended")
+        guest.wait_state("running")
+        guest.wait("quorelctl log --json | grep -q woke-up")
+        log = {one["Code"]: one for one in json.loads(guest.run("quorelctl log --json"))}
+        at = {code: time.gmtime(log[code]["Due"])[3:5] for code in ("slept", "woke-up")}
+        self.assertEqual(at, {"slept": (15, 0), "woke-up": (15, 2)})
+        asleep = guest.run("journalctl -q -o short-unix -u systemd-suspend -u systemd-logind | grep -i 'sleep' | cat")
+        woken = log["slept"]["Arguments"]["Until"] - log["woke-up"]["Due"]
+        self.assertLessEqual(abs(woken), 20, asleep)
+        self.assertIn("block", guest.run("systemd-inhibit --list | grep Quorel | grep idle"))
+        print(guest.run("quorelctl status; quorelctl next; quorelctl log; journalctl -q -u quorel-daemon | tail -20"))
+        guest.run(save(**{"Show In Menu Bar": 0}))
 
     def test_06_session_starts_the_agent(self):
         guest.run("systemctl start desk")
@@ -153,7 +203,8 @@ class PackageTest(unittest.TestCase):
         guest.run("systemctl stop desk; cd / && apt-get remove -y quorel 2>&1")
         left = guest.run(f"{FILES} | comm -13 /var/tmp/before - | grep -v -e ^/etc/ -e ^/var/lib/dpkg/ -e "
                          "^/var/lib/systemd/deb-systemd-")
-        self.assertEqual(left.split(), ["/Library", os.path.dirname(FILE), FILE])
+        state = "/var/lib/quorel"
+        self.assertEqual(left.split(), ["/Library", os.path.dirname(FILE), FILE, state, f"{state}/state.plist"])
         self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
 
     def test_12_purge_leaves_nothing(self):
@@ -163,4 +214,4 @@ class PackageTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1], verbosity=2)
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:], verbosity=2)
