@@ -46,7 +46,12 @@ void writeLine(std::string_view line) {
     if (!isService())
         sd_journal_send("MESSAGE=%s", text.c_str(), "PRIORITY=%i", LOG_INFO, "SYSLOG_IDENTIFIER=%s", programName,
                         nullptr);
-    std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
+    // The journal names the program by itself.
+    if (errorStreamIsJournal()) {
+        std::fprintf(stderr, "%s\n", text.c_str());
+    } else {
+        std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
+    }
 }
 
 }  // namespace
