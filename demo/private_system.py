@@ -130,7 +130,12 @@ class PrivateSystem:
         if kind not in self._watchers:
             self._watchers[kind] = self.connect(kind)
         watcher = self._watchers[kind]
-        return watcher.get_name_owner(name) if watcher.name_has_owner(name) else None
+        try:
+            return watcher.get_name_owner(name)
+        except dbus.exceptions.DBusException as error:
+            if error.get_dbus_name() != "org.freedesktop.DBus.Error.NameHasNoOwner":
+                raise
+            return None
 
     def start_session_bus(self):
         self.session = self._start_bus("session", SESSION_POLICY)
