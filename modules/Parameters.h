@@ -4,9 +4,14 @@
  */
 #import <Foundation/Foundation.h>
 
-/* Keys under which both modules keep their flags. */
-static NSString *const kNeedsStartup = @"Needs Startup";
-static NSString *const kNeedsWakeUp = @"Needs Wake Up";
+#include <string_view>
+
+#include "model/ActionParameters.h"
+
+/* A key that the daemon reads too. */
+static inline NSString *VXKey(std::string_view key) {
+    return [NSString stringWithUTF8String:key.data()];
+}
 
 /* The number under the key, a text's leading one included; `otherwise` where there is nothing of the kind. */
 static inline int VXIntParameter(NSDictionary *parameters, NSString *key, int otherwise) {

@@ -1,8 +1,5 @@
 #import <AppKit/AppKit.h>
 
-static const int kLeastIdleMinutes = 1;
-static const int kMostIdleMinutes = 999;
-
 /* The options of the sleep action: a check box and a number of minutes, which counts only while the box is ticked. */
 @interface VXSleepOptionsView : NSView {
     NSButton *_checkBox;

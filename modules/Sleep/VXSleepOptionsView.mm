@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+#include "model/ActionParameters.h"
+
+using namespace quorel::parameters;
+
 /* The width that the edit sheet offers, and the height of one line of controls with its margins. */
 static const CGFloat kWidth = 440;
 static const CGFloat kHeight = 34;

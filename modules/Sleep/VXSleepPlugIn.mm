@@ -5,9 +5,7 @@
 #include "modules/Parameters.h"
 #include "modules/Sleep/VXSleepOptionsView.h"
 
-static NSString *const kOnlyWhenIdle = @"Only When Idle";
-static NSString *const kIdleMinutes = @"Idle Minutes";
-static const int kDefaultIdleMinutes = 15;
+using namespace quorel::parameters;
 
 /* Puts the computer to sleep, at once or when it has not been used for a while. A computer that is off or asleep is
  * left so: neither flag can be chosen. */
@@ -86,10 +84,10 @@ static const int kDefaultIdleMinutes = 15;
 
 - (NSDictionary *)defaultParameters {
     return @{
-        kNeedsStartup : @(false),
-        kNeedsWakeUp : @(false),
-        kOnlyWhenIdle : @(false),
-        kIdleMinutes : @(kDefaultIdleMinutes)
+        VXKey(kNeedsStartup) : @(false),
+        VXKey(kNeedsWakeUp) : @(false),
+        VXKey(kOnlyWhenIdle) : @(false),
+        VXKey(kIdleMinutes) : @(kDefaultIdleMinutes)
     };
 }
 
@@ -99,30 +97,31 @@ static const int kDefaultIdleMinutes = 15;
 
 - (void)setParameters:(NSDictionary *)parameters {
     NSMutableDictionary *own = VXMutableParameters(parameters);
-    const int minutes = VXIntParameter(own, kIdleMinutes, kDefaultIdleMinutes);
-    [own setObject:@(false) forKey:kNeedsStartup];
-    [own setObject:@(false) forKey:kNeedsWakeUp];
-    [own setObject:@(VXFlagParameter(own, kOnlyWhenIdle, false)) forKey:kOnlyWhenIdle];
-    [own setObject:@(std::clamp(minutes, kLeastIdleMinutes, kMostIdleMinutes)) forKey:kIdleMinutes];
+    const int minutes = VXIntParameter(own, VXKey(kIdleMinutes), kDefaultIdleMinutes);
+    [own setObject:@(false) forKey:VXKey(kNeedsStartup)];
+    [own setObject:@(false) forKey:VXKey(kNeedsWakeUp)];
+    [own setObject:@(VXFlagParameter(own, VXKey(kOnlyWhenIdle), false)) forKey:VXKey(kOnlyWhenIdle)];
+    [own setObject:@(std::clamp(minutes, kLeastIdleMinutes, kMostIdleMinutes)) forKey:VXKey(kIdleMinutes)];
     [_parameters release];
     _parameters = own;
 }
 
 - (void)fillSetupInterfaceFromParameters {
-    [_setupView setOnlyWhenIdle:[[_parameters objectForKey:kOnlyWhenIdle] boolValue]];
-    [_setupView setMinutes:[[_parameters objectForKey:kIdleMinutes] intValue]];
+    [_setupView setOnlyWhenIdle:[[_parameters objectForKey:VXKey(kOnlyWhenIdle)] boolValue]];
+    [_setupView setMinutes:[[_parameters objectForKey:VXKey(kIdleMinutes)] intValue]];
 }
 
 - (void)fillParametersFromSetupInterface {
     if (!_setupView) return;
-    [_parameters setObject:@(static_cast<bool>([_setupView onlyWhenIdle])) forKey:kOnlyWhenIdle];
-    [_parameters setObject:@([_setupView minutes]) forKey:kIdleMinutes];
+    [_parameters setObject:@(static_cast<bool>([_setupView onlyWhenIdle])) forKey:VXKey(kOnlyWhenIdle)];
+    [_parameters setObject:@([_setupView minutes]) forKey:VXKey(kIdleMinutes)];
 }
 
 - (NSString *)actionString {
-    if (![[_parameters objectForKey:kOnlyWhenIdle] boolValue]) return VXLocalized(@"Mise en veille immediate", self);
+    if (![[_parameters objectForKey:VXKey(kOnlyWhenIdle)] boolValue])
+        return VXLocalized(@"Mise en veille immediate", self);
     return [NSString stringWithFormat:VXLocalized(@"Apres %d min d'inactivite", self),
-                                      [[_parameters objectForKey:kIdleMinutes] intValue]];
+                                      [[_parameters objectForKey:VXKey(kIdleMinutes)] intValue]];
 }
 
 @end

@@ -2,6 +2,8 @@
 
 #include "modules/Parameters.h"
 
+using namespace quorel::parameters;
+
 /* Has the computer running at the given time. Waking up is what it is; that it also starts a computer which is off is
  * the user's choice. */
 @interface VXWakeUpPlugIn : NSObject <VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages> {
@@ -59,11 +61,11 @@
 }
 
 - (BOOL)needsStartup {
-    return [[_parameters objectForKey:kNeedsStartup] boolValue];
+    return [[_parameters objectForKey:VXKey(kNeedsStartup)] boolValue];
 }
 
 - (void)setNeedsStartup:(BOOL)needs {
-    [_parameters setObject:@(static_cast<bool>(needs)) forKey:kNeedsStartup];
+    [_parameters setObject:@(static_cast<bool>(needs)) forKey:VXKey(kNeedsStartup)];
 }
 
 - (BOOL)needsStartupByDefault {
@@ -71,7 +73,7 @@
 }
 
 - (NSDictionary *)defaultParameters {
-    return @{kNeedsStartup : @(false), kNeedsWakeUp : @(true)};
+    return @{VXKey(kNeedsStartup) : @(false), VXKey(kNeedsWakeUp) : @(true)};
 }
 
 - (NSDictionary *)parameters {
@@ -80,8 +82,8 @@
 
 - (void)setParameters:(NSDictionary *)parameters {
     NSMutableDictionary *own = VXMutableParameters(parameters);
-    [own setObject:@(VXFlagParameter(own, kNeedsStartup, false)) forKey:kNeedsStartup];
-    [own setObject:@(true) forKey:kNeedsWakeUp];
+    [own setObject:@(VXFlagParameter(own, VXKey(kNeedsStartup), false)) forKey:VXKey(kNeedsStartup)];
+    [own setObject:@(true) forKey:VXKey(kNeedsWakeUp)];
     [_parameters release];
     _parameters = own;
 }

@@ -128,7 +128,7 @@ class PackageTest(unittest.TestCase):
         ahead = guest.wait(f"test -s {rtc}/wakealarm && echo $(($(cat {rtc}/wakealarm) - $(cat {rtc}/since_epoch)))")
         until = guest.run("echo $(($(date -d '21:08:00' +%s) - $(date +%s)))")
         self.assertLessEqual(abs(int(ahead) - int(until)), 30)
-        guest.run("timedatectl set-local-rtc 0; timedatectl set-timezone UTC")
+        guest.run("timedatectl set-local-rtc 0; timedatectl set-timezone UTC; rm /etc/adjtime")
 
     def test_05b_stays_awake_for_a_lock_of_root(self):
         guest.run("systemd-run -q --unit=upgrade systemd-inhibit --what=sleep --who=Upgrades --why=installing sleep 1h")
