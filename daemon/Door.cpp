@@ -21,17 +21,6 @@ constexpr std::size_t kMostSaves = 16;
 constexpr std::ptrdiff_t kMostSavesOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
 constexpr std::size_t kMostUsersRemembered = 256;
 
-const char* textOf(Verdict verdict) {
-    switch (verdict) {
-        case Verdict::Dismissed:
-            return "The question for permission was dismissed.";
-        case Verdict::NobodyToAsk:
-            return "Permission cannot be asked for.";
-        default:
-            return "This takes an administrator's permission.";
-    }
-}
-
 }  // namespace
 
 Door::Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored)

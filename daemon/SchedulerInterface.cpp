@@ -24,17 +24,6 @@ namespace names = wire::scheduler;
 constexpr std::size_t kMostRequests = 16;
 constexpr std::ptrdiff_t kMostRequestsOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
 
-const char* textOf(Verdict verdict) {
-    switch (verdict) {
-        case Verdict::Dismissed:
-            return "The question for permission was dismissed.";
-        case Verdict::NobodyToAsk:
-            return "Permission cannot be asked for.";
-        default:
-            return "This takes an administrator's permission.";
-    }
-}
-
 constexpr const char* kGone = "There is no such occurrence any more.";
 
 std::string nameOfUser(unsigned user) {

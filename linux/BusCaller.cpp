@@ -8,6 +8,17 @@
 namespace quorel {
 
 // An sd_bus_track would do the same, but waits for the bus when a name is added.
+const char* textOf(Verdict verdict) {
+    switch (verdict) {
+        case Verdict::Dismissed:
+            return "The question for permission was dismissed.";
+        case Verdict::NobodyToAsk:
+            return "Permission cannot be asked for.";
+        default:
+            return "This takes an administrator's permission.";
+    }
+}
+
 BusCaller::BusCaller(sd_bus* bus, std::string name, std::function<void()> gone)
     : _bus(bus),
       _name(std::move(name)),

@@ -10,6 +10,8 @@
 namespace quorel {
 
 enum class Verdict { Allowed, Refused, Dismissed, NobodyToAsk };
+/// Tells the caller why it was not allowed.
+const char* textOf(Verdict verdict);
 
 /// Who has called this program, while the call is handled. The identity is the connection's unique name, which the bus
 /// stamps on each message and never gives to another connection. Callbacks may let the caller go; nothing is called
