@@ -48,7 +48,13 @@ inline constexpr const char* kOutcomes = "Outcomes";
 inline constexpr const char* kStatus = "Status";
 inline constexpr const char* kSkip = "Skip";
 inline constexpr const char* kPostpone = "Postpone";
+inline constexpr const char* kModules = "Modules";
 inline constexpr const char* kChanged = "Changed";
+/// Between the daemon and the users' agents.
+inline constexpr const char* kRegister = "Register";
+inline constexpr const char* kWork = "Work";
+inline constexpr const char* kReportIdle = "ReportIdle";
+inline constexpr const char* kReportAction = "ReportAction";
 /// The longest answers.
 inline constexpr unsigned kMostUpcoming = 100;
 inline constexpr unsigned kMostOutcomes = 500;
