@@ -10,12 +10,17 @@ std::optional<Message> Reports::report(const VXUpdateChecker& checker, bool succ
         const bool told = !_newestTold.empty() && compareVersions(*version, _newestTold) <= 0;
         if (told && !askedByHand) return {};
         if (!told) _newestTold = *version;
-        return Message{_texts.newVersionTitle, _texts.newVersionBefore + *version + _texts.newVersionAfter,
-                       _texts.download, checker.latestVersionURL()};
+        Message message{_texts.newVersionTitle, _texts.newVersionBefore + *version + _texts.newVersionAfter};
+        message.icon = "software-update-available";
+        if (const std::string page = checker.latestVersionURL(); !page.empty()) {
+            message.buttons = {{page, _texts.download}};
+            message.withoutButtons = page;
+        }
+        return message;
     }
     if (!askedByHand) return {};
-    if (succeeded) return Message{_texts.upToDateTitle, _texts.upToDate, {}, {}};
-    return Message{_texts.failedTitle, _texts.failed, {}, {}};
+    if (succeeded) return Message{_texts.upToDateTitle, _texts.upToDate};
+    return Message{_texts.failedTitle, _texts.failed};
 }
 
 }  // namespace quorel
