@@ -49,7 +49,7 @@ TEST(Reports, TellEachVersionOnceUnlessAskedByHand) {
         checker.latest = latest;
         const auto message = reports.report(checker, succeeded, byHand);
         EXPECT_EQ(message ? message->title : "", title) << step;
-        if (message) EXPECT_EQ(message->page.empty(), title != "New version available") << step;
+        if (message) EXPECT_EQ(message->buttons.empty(), title != "New version available") << step;
         ++step;
     }
 }
