@@ -30,7 +30,6 @@ Agent::Agent(Options options)
       _files(std::move(options.root)),
       _lastCheckFile(LastCheckFile::defaultPath()),
       _interval(_lastCheckFile.read()),
-      _reports(textsForLocale(messagesLocale())),
       _look(_loop, [this] { look(); }),
       _checkEnded(_loop, [this] { checkEnded(); }),
       _bus(connectTo(Bus::Session, _loop)),

@@ -42,7 +42,7 @@ TEST(Reports, TellEachVersionOnceUnlessAskedByHand) {
         {"3", kFailed, false, ""},
         {"3", true, false, "New version available"},
     };
-    Reports reports(textsForLocale("C"));
+    Reports reports;
     Checker checker;
     int step = 0;
     for (const auto& [latest, succeeded, byHand, title] : inOrder) {

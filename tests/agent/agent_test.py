@@ -77,7 +77,7 @@ class AgentTest(unittest.TestCase):
         self.browser = FakeBrowser(place)
         self.state = f"{place}/state/quorel/last-update-check"
         os.makedirs(f"{place}/root/Library/Preferences")
-        self.system.variables.update(PATH=self.browser.path, LANG="C.UTF-8")
+        self.system.variables.update(PATH=self.browser.path, LC_ALL="C.UTF-8", LANGUAGE="")
         self.set_preferences(0)
 
     def connect(self):
@@ -145,15 +145,15 @@ class AgentTest(unittest.TestCase):
         self.feed.answers["/"] = record("9.0<b>&", "https://example.org/?a=1&b=2")
         notifications = self.show_notifications()
         for capabilities, language, body, actions in (
-                (("actions", "body"), "C", "Version 9.0<b>& can be downloaded.", ["download", "Download"]),
-                (("body",), "C", "Version 9.0<b>& can be downloaded.\nhttps://example.org/?a=1&b=2", []),
-                (("body-markup",), "C", "Version 9.0&lt;b&gt;&amp; can be downloaded.\n"
-                                        "https://example.org/?a=1&amp;b=2", []),
-                (("actions", "body"), "fr_FR.UTF-8", "La version 9.0<b>& peut être téléchargée.",
+                (("actions", "body"), "", "Version 9.0<b>& can be downloaded.", ["download", "Download"]),
+                (("body",), "", "Version 9.0<b>& can be downloaded.\nhttps://example.org/?a=1&b=2", []),
+                (("body-markup",), "", "Version 9.0&lt;b&gt;&amp; can be downloaded.\n"
+                                       "https://example.org/?a=1&amp;b=2", []),
+                (("actions", "body"), "fr", "La version 9.0<b>& peut être téléchargée.",
                  ["download", "Télécharger"])):
             with self.subTest(capabilities):
                 notifications.capabilities = capabilities
-                self.system.variables["LANG"] = language
+                self.system.variables["LANGUAGE"] = language
                 agent = self.start_agent()
                 self.ask()
                 eventually("the user is told", lambda: notifications.shown)
