@@ -40,7 +40,7 @@ class Session(dbus.service.Object):
         values = {"Name": "alice", "Class": "user", "State": "active", "Type": "x11", "TTY": "", "RemoteHost": "",
                   "Active": True, "IdleHint": False, "IdleSinceHint": 0, **self.properties}
         values["IdleSinceHint"] = dbus.UInt64(values["IdleSinceHint"])
-        return {**values, "User": dbus.Struct((dbus.UInt32(1000), dbus.ObjectPath("/")), signature="uo"),
+        return {**values, "User": dbus.Struct((dbus.UInt32(values.pop("UserId", 1000)), dbus.ObjectPath("/")), signature="uo"),
                 "Scopes": dbus.Array(["x"], signature="s")}
 
 
