@@ -14,7 +14,7 @@ import dbus
 from fake_browser import FakeBrowser
 from feed_server import FeedServer, certificate, record
 from notifications import NOTIFICATIONS, NotificationServer, eventually
-from private_system import SECONDS, PrivateSystem, wait_until
+from private_system import SECONDS, PrivateSystem
 
 AGENT = os.path.abspath(sys.argv[1])
 NAME = "com.quorel.UserAgent"

@@ -34,6 +34,7 @@ def obey(*_):
             signal.set_destination(words[1])
             bus.send_message(signal)
         bus.flush()
+        print("accepted", flush=True)
         return True
     if words[0] == "call":
         call = dbus.lowlevel.MethodCallMessage("com.quorel.Daemon", *words[1:4])

@@ -58,6 +58,7 @@ class Caller(Talk):
 
     def flood(self, receiver, path, interface, signal):
         super().begin(f"flood {receiver} {path} {interface} {signal}")
+        return self.result()
 
     def leave(self):
         """Leaves the bus, without an end of the process."""
