@@ -2,6 +2,7 @@
 
 #include <systemd/sd-id128.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <string_view>
@@ -11,6 +12,7 @@
 
 #include "linux/JournalLog.h"
 #include "linux/OutcomeText.h"
+#include "linux/Users.h"
 #include "model/Preferences.h"
 
 namespace quorel {
@@ -19,6 +21,9 @@ namespace {
 
 /// Of every outcome's entry in the journal.
 constexpr std::string_view kOutcomeMessage = "6c0b7b1d5f4e4a0f9d6e3c8a27b41f53";
+
+/// What is warned of stands among the first.
+constexpr std::size_t kSoon = 8;
 
 constexpr const char* kHardwareClock = "/sys/class/rtc/rtc0";
 
@@ -58,6 +63,7 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Cloc
     : _clocks(clocks),
       _state(stateFolder(root) + "/state.plist"),
       _alarms(loop, clocks, {root.empty(), root + kHardwareClock, stateFolder(root) + "/startup-alarm"}),
+      _agents(loop, bus),
       _sessions(bus, clocks,
                 [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
       _power(bus, clocks, _sessions,
@@ -67,7 +73,9 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Cloc
               [this](Ticket ticket, PowerReply reply, const std::string& reason) {
                   tell([&](Now now) { _scheduler.powerReplied(now, ticket, reply, reason); });
               },
-              {}}),
+              [this](Conditions conditions, const auto& userIds, auto done) {
+                  findIdle(std::move(conditions), userIds, std::move(done));
+              }}),
       _scheduler({_calendar, _power, _alarms, _actions, _state, *this}),
       _clockWatch(loop, clocks,
                   {[this] { tell([&](Now now) { _scheduler.tick(now); }); },
@@ -78,7 +86,9 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Cloc
                        _sessions.restart();
                        tell([&](Now now) { _scheduler.resumed(now, lidClosed); });
                    },
-                   [this] { tell([&](Now now) { _scheduler.goingDown(now); }); }}) {}
+                   [this] { tell([&](Now now) { _scheduler.goingDown(now); }); }}) {
+    _agents.usedCallback = [this](unsigned user) { tell([&](Now now) { _scheduler.used(now, nameOfUser(user)); }); };
+}
 
 void Acting::take(const Value& preferences) {
     const Value& list = preferences[preferences::kScheduleArray];
@@ -115,7 +125,25 @@ void Acting::ended(const Outcome& outcome) {
 }
 
 void Acting::changed() {
+    const auto open = _scheduler.upcoming(kSoon);
+    _agents.watchUse(std::ranges::any_of(
+        open, [](const Upcoming& one) { return one.step == Step::kWarned && one.schedule->idle > 0; }));
     if (changedCallback) changedCallback();
+}
+
+/// What a user's agent says counts for the user's graphical sessions: of the others logind knows as much.
+void Acting::findIdle(Conditions conditions, const std::vector<unsigned>& userIds,
+                      std::function<void(Conditions)> done) {
+    std::vector<unsigned> graphical;
+    for (std::size_t i = 0; i < userIds.size(); ++i)
+        if (conditions.sessions[i].isGraphical) graphical.push_back(userIds[i]);
+    _agents.findIdle(graphical, [=, conditions = std::move(conditions)](const Agents::Idle& idle) mutable {
+        for (std::size_t i = 0; i < userIds.size(); ++i) {
+            const auto found = idle.find(userIds[i]);
+            if (found != idle.end()) conditions.sessions[i].agentIdle = found->second;
+        }
+        done(std::move(conditions));
+    });
 }
 
 }  // namespace quorel

@@ -2,7 +2,9 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
+#include "daemon/Agents.h"
 #include "daemon/ComputerAlarms.h"
 #include "daemon/ModuleActions.h"
 #include "daemon/StateFile.h"
@@ -37,6 +39,7 @@ public:
 private:
     void ended(const Outcome& outcome) override;
     void changed() override;
+    void findIdle(Conditions conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done);
 
     /// Tells the scheduler something, and waits for what it waits for then.
     template <class Event>
@@ -46,6 +49,7 @@ private:
     SystemCalendar _calendar;
     StateFile _state;
     ComputerAlarms _alarms;
+    Agents _agents;
     ModuleActions _actions;
     LoginSessions _sessions;
     LoginPower _power;

@@ -1,9 +1,6 @@
 #include "daemon/SchedulerInterface.h"
 
-#include <pwd.h>
-
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
@@ -13,6 +10,7 @@
 #include "ProductVersion.h"
 #include "kit/MOLLog.h"
 #include "linux/BusValues.h"
+#include "linux/Users.h"
 #include "model/Names.h"
 
 namespace quorel {
@@ -25,14 +23,6 @@ constexpr std::size_t kMostRequests = 16;
 constexpr std::ptrdiff_t kMostRequestsOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
 
 constexpr const char* kGone = "There is no such occurrence any more.";
-
-std::string nameOfUser(unsigned user) {
-    passwd entry{};
-    passwd* found = nullptr;
-    std::array<char, 4096> texts{};
-    if (getpwuid_r(user, &entry, texts.data(), texts.size(), &found) == 0 && found) return plainText(found->pw_name);
-    return std::to_string(user);
-}
 
 Value valueOf(const Upcoming& upcoming) {
     Dictionary value{{"Token", upcoming.token},
@@ -72,14 +62,6 @@ std::size_t wanted(sd_bus_message* call, unsigned most) {
     return std::min<std::uint32_t>(number, most);
 }
 
-int reply(sd_bus_message* call, const auto& write) {
-    sd_bus_message* message = nullptr;
-    int result = sd_bus_message_new_method_return(call, &message);
-    const BusMessagePointer owned(message);
-    if (result >= 0) result = write(message);
-    return result < 0 ? result : sd_bus_send(nullptr, message, nullptr);
-}
-
 }  // namespace
 
 SchedulerInterface::SchedulerInterface(sd_bus* bus, Acting& acting) : _bus(bus), _acting(acting) {
@@ -112,14 +94,14 @@ int SchedulerInterface::upcoming(sd_bus_message* call, void* self, sd_bus_error*
     const Scheduler& scheduler = static_cast<SchedulerInterface*>(self)->_acting.scheduler();
     Array values;
     for (const Upcoming& one : scheduler.upcoming(wanted(call, names::kMostUpcoming))) values.push_back(valueOf(one));
-    return reply(call, [&](sd_bus_message* message) { return writeDictionaries(message, values); });
+    return replyDictionaries(call, values);
 }
 
 int SchedulerInterface::outcomes(sd_bus_message* call, void* self, sd_bus_error*) {
     const Array& all = static_cast<SchedulerInterface*>(self)->_acting.scheduler().outcomes();
     const auto number = std::min(wanted(call, names::kMostOutcomes), all.size());
     const Array last(all.end() - static_cast<std::ptrdiff_t>(number), all.end());
-    return reply(call, [&](sd_bus_message* message) { return writeDictionaries(message, last); });
+    return replyDictionaries(call, last);
 }
 
 int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) {
@@ -136,7 +118,7 @@ int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) 
                             {"Wake Alarm", valueOf(scheduler.armedWake(), waking)},
                             {"Startup Alarm", valueOf(scheduler.armedStartup(), acting.alarms().starting())},
                             {"Faults", faults}};
-    return reply(call, [&](sd_bus_message* message) { return writeDictionary(message, status); });
+    return replyDictionary(call, status);
 }
 
 int SchedulerInterface::skip(sd_bus_message* call, void* self, sd_bus_error* error) {

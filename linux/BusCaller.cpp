@@ -7,7 +7,6 @@
 
 namespace quorel {
 
-// An sd_bus_track would do the same, but waits for the bus when a name is added.
 const char* textOf(Verdict verdict) {
     switch (verdict) {
         case Verdict::Dismissed:
@@ -19,6 +18,7 @@ const char* textOf(Verdict verdict) {
     }
 }
 
+// An sd_bus_track would do the same, but waits for the bus when a name is added.
 BusCaller::BusCaller(sd_bus* bus, std::string name, std::function<void()> gone)
     : _bus(bus),
       _name(std::move(name)),

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "linux/Bus.h"
 #include "model/Dictionary.h"
 
 namespace quorel {
@@ -144,6 +145,27 @@ int writeDictionaries(sd_bus_message* message, const Array& dictionaries) {
         if (result >= 0 && dictionary.isDictionary()) result = writeDictionary(message, dictionary.dictionary());
     }
     return result < 0 ? result : sd_bus_message_close_container(message);
+}
+
+namespace {
+
+template <class Content>
+int reply(sd_bus_message* call, const Content& content, int (*write)(sd_bus_message*, const Content&)) {
+    sd_bus_message* message = nullptr;
+    int result = sd_bus_message_new_method_return(call, &message);
+    const BusMessagePointer owned(message);
+    if (result >= 0) result = write(message, content);
+    return result < 0 ? result : sd_bus_send(nullptr, message, nullptr);
+}
+
+}  // namespace
+
+int replyDictionary(sd_bus_message* call, const Dictionary& dictionary) {
+    return reply(call, dictionary, writeDictionary);
+}
+
+int replyDictionaries(sd_bus_message* call, const Array& dictionaries) {
+    return reply(call, dictionaries, writeDictionaries);
 }
 
 std::optional<Value> readValue(sd_bus_message* message) {

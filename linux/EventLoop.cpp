@@ -68,6 +68,10 @@ void LoopTimer::start(std::chrono::microseconds after) {
     sd_event_source_set_enabled(_source.get(), SD_EVENT_ONESHOT);
 }
 
+void LoopTimer::stop() {
+    sd_event_source_set_enabled(_source.get(), SD_EVENT_OFF);
+}
+
 bool LoopTimer::isRunning() const {
     return sd_event_source_get_enabled(_source.get(), nullptr) > 0;
 }

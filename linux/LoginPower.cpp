@@ -19,11 +19,12 @@ constexpr std::uint64_t kRootChecksInhibitors = 1;
 LoginPower::LoginPower(sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers)
     : _bus(bus), _clocks(clocks), _sessions(sessions), _answers(std::move(answers)), _idleLock(bus, "idle", "block") {}
 
-void LoginPower::look(Ticket ticket) {
-    const auto answered = [this, ticket](Conditions conditions, const std::vector<unsigned>& userIds) {
+void LoginPower::look(Ticket ticket, bool idle) {
+    const auto answered = [this, ticket, idle](Conditions conditions, const std::vector<unsigned>& userIds) {
         const auto look = _looks.extract(ticket);
-        if (_answers.complete) _answers.complete(conditions.sessions, userIds);
-        _answers.looked(ticket, conditions);
+        const auto done = [this, ticket](const Conditions& complete) { _answers.looked(ticket, complete); };
+        if (!idle || conditions.failure) return done(conditions);
+        _answers.findIdle(std::move(conditions), userIds, done);
     };
     _looks[ticket] = std::make_unique<LoginConditions>(_bus, _clocks, _sessions, answered);
 }

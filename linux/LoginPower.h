@@ -20,12 +20,14 @@ public:
     struct Answers {
         std::function<void(Ticket, const Conditions&)> looked;
         std::function<void(Ticket, PowerReply, const std::string& reason)> powerReplied;
-        /// May add what others than logind know of the sessions, whose users these are.
-        std::function<void(std::vector<Session>&, const std::vector<unsigned>& userIds)> complete;
+        /// Adds what others than logind know of how long the sessions, whose users these are, have not been used, and
+        /// calls `done` now or later.
+        std::function<void(Conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done)>
+            findIdle;
     };
     LoginPower(sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers);
 
-    void look(Ticket ticket) override;
+    void look(Ticket ticket, bool idle) override;
     void suspend(Ticket ticket) override;
     void shutDown(Ticket ticket, bool restart) override;
     void keepAwake(bool keep) override;

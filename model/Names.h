@@ -50,16 +50,24 @@ inline constexpr const char* kSkip = "Skip";
 inline constexpr const char* kPostpone = "Postpone";
 inline constexpr const char* kModules = "Modules";
 inline constexpr const char* kChanged = "Changed";
-/// Between the daemon and the users' agents.
-inline constexpr const char* kRegister = "Register";
-inline constexpr const char* kWork = "Work";
-inline constexpr const char* kReportIdle = "ReportIdle";
-inline constexpr const char* kReportAction = "ReportAction";
 /// The longest answers.
 inline constexpr unsigned kMostUpcoming = 100;
 inline constexpr unsigned kMostOutcomes = 500;
 
 }  // namespace scheduler
+
+/// What the daemon and the users' agents say to each other.
+namespace agents {
+
+inline constexpr const char* kPath = "/com/quorel/Agents";
+inline constexpr const char* kInterface = "com.quorel.Agents1";
+inline constexpr const char* kRegister = "Register";
+inline constexpr const char* kWork = "Work";
+inline constexpr const char* kReportIdle = "ReportIdle";
+inline constexpr const char* kReportAction = "ReportAction";
+inline constexpr const char* kChanged = "Changed";
+
+}  // namespace agents
 
 }  // namespace wire
 

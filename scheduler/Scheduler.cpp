@@ -183,7 +183,7 @@ void Scheduler::moveBack(const PowerCourse::Move& move) {
     using Do = PowerCourse::Do;
     if (move.what == Do::kLook || move.what == Do::kAct) _backTicket = ++_lastTicket;
     const Ticket ticket = _backTicket;
-    if (move.what == Do::kLook) act([this, ticket] { _world.power.look(ticket); });
+    if (move.what == Do::kLook) act([this, ticket] { _world.power.look(ticket, false); });
     if (move.what == Do::kAct) {
         tell(outcome::kBackToSleep, nullptr);
         act([this, ticket] { _world.power.suspend(ticket); });

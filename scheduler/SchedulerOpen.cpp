@@ -153,7 +153,7 @@ void Scheduler::move(OpenOccurrence& open, const PowerCourse::Move& move) {
     const Ticket ticket = open.ticket;
     const ScheduleReading& schedule = *open.occurrence.schedule;
     if (move.what == PowerCourse::Do::kLook) {
-        act([this, ticket] { _world.power.look(ticket); });
+        act([this, ticket, idle = schedule.idle > 0] { _world.power.look(ticket, idle); });
         return;
     }
     open.asleepBefore = _now.asleep();

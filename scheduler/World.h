@@ -48,7 +48,8 @@ enum class PowerReply { kAccepted, kRefused, kUnderWay };
 class Power {
 public:
     virtual ~Power() = default;
-    virtual void look(Ticket ticket) = 0;                    ///< answer: `looked`
+    /// Answer: `looked`. `idle`: it matters how long nobody has used the sessions.
+    virtual void look(Ticket ticket, bool idle) = 0;
     virtual void suspend(Ticket ticket) = 0;                 ///< answer: `powerReplied`
     virtual void shutDown(Ticket ticket, bool restart) = 0;  ///< answer: `powerReplied`
     /// Holds or drops the idle inhibitor that keeps a desktop from falling asleep.

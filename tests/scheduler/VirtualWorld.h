@@ -167,7 +167,7 @@ private:
         }
     }
 
-    void look(Ticket ticket) override {
+    void look(Ticket ticket, bool) override {
         if (answers) scheduler->looked(now, ticket, conditions);
         if (answers) scheduler->looked(now, ticket, conditions);  // twice does no harm
     }
