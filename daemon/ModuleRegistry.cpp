@@ -32,14 +32,15 @@ void ModuleRegistry::scan() {
     _modules.clear();
     const TrustedFolder plugIns = TrustedFolder::open(_root, product::kPlugInsFolder);
     if (!plugIns) {
-        if (errno != ENOENT) say(product::kPlugInsFolder, faultOf(errno, module_fault::kUnreadable));
+        if (errno != ENOENT)
+            say(std::string("What lies in ") + product::kPlugInsFolder, faultOf(errno, module_fault::kUnreadable));
         return;
     }
     for (const std::string& name : plugIns.names()) {
         if (!name.ends_with(kExtension) || _modules.size() == kMostModules) continue;
         ModuleInfo module = read(plugIns, name);
         if (!module.action.empty() && find(module.action)) module.fault = module_fault::kTaken;
-        if (!module.fault.empty()) say(name, module.fault);
+        if (!module.fault.empty()) say("The module " + name, module.fault);
         _modules.push_back(std::move(module));
     }
 }
@@ -80,9 +81,8 @@ std::string ModuleRegistry::programPath(const ModuleInfo& module) const {
     return _root + product::kPlugInsFolder + "/" + module.bundle + "/" + kResources + "/" + module.program;
 }
 
-void ModuleRegistry::say(const std::string& bundle, std::string_view fault) {
-    if (_said.emplace(bundle, fault).second)
-        MOLLog("The module %s cannot act: %s.", bundle.c_str(), std::string(fault).c_str());
+void ModuleRegistry::say(const std::string& who, std::string_view fault) {
+    if (_said.emplace(who, fault).second) MOLLog("%s cannot act: %s.", who.c_str(), std::string(fault).c_str());
 }
 
 }  // namespace quorel

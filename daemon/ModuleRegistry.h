@@ -29,7 +29,7 @@ public:
 
 private:
     ModuleInfo read(const TrustedFolder& plugIns, const std::string& name) const;
-    void say(const std::string& bundle, std::string_view fault);
+    void say(const std::string& who, std::string_view fault);
 
     const std::string _root;
     std::vector<ModuleInfo> _modules;
