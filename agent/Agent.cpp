@@ -13,6 +13,8 @@ namespace quorel {
 
 namespace {
 
+constexpr std::chrono::seconds kBetweenMeasurements{4};
+
 CheckInterval::Time currentTime() {
     return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
 }
@@ -28,11 +30,14 @@ Agent::Agent(Options options)
       _files(std::move(options.root)),
       _lastCheckFile(LastCheckFile::defaultPath()),
       _interval(_lastCheckFile.read()),
-      _reports(textsForLocale(messagesLocale())),
       _look(_loop, [this] { look(); }),
       _checkEnded(_loop, [this] { checkEnded(); }),
       _bus(connectTo(Bus::Session, _loop)),
       _notifier(_bus.get(), openPage),
+      _idleMeter(_bus.get()),
+      _daemon(_loop, {[this] { daemonChanged(); }, [this](std::int64_t question) { tellIdle(question); }}),
+      _warnings(_loop, _bus.get(), _daemon),
+      _watch(_loop, [this] { tellIdle(0); }),
       _endpoint(_bus.get(), [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
     _loop.endOn({SIGTERM, SIGINT});
 }
@@ -49,6 +54,18 @@ int Agent::run() {
     const int status = _loop.run();
     if (status != 0) MOLLog("The session bus has gone.");
     return status;
+}
+
+void Agent::daemonChanged() {
+    _warnings.update();
+    if (_daemon.watchesUse() && !_watch.isRunning()) _watch.start(kBetweenMeasurements);
+}
+
+void Agent::tellIdle(std::int64_t question) {
+    _idleMeter.measure([this, question](std::optional<Seconds> idle) {
+        _daemon.reportIdle(question, idle);
+        if (_daemon.watchesUse()) _watch.start(kBetweenMeasurements);
+    });
 }
 
 void Agent::take(const BusNotification& notification, const BusAnswer& answer) {

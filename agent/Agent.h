@@ -5,9 +5,12 @@
 #include <thread>
 
 #include "agent/CheckInterval.h"
+#include "agent/DaemonLink.h"
+#include "agent/IdleMeter.h"
 #include "agent/LastCheckFile.h"
 #include "agent/Notifier.h"
 #include "agent/Reports.h"
+#include "agent/Warnings.h"
 #include "kit/update/CurlUpdateChecker.h"
 #include "linux/BusEndpoint.h"
 #include "linux/EventLoop.h"
@@ -15,9 +18,10 @@
 
 namespace quorel {
 
-/// The per-user agent: answers pings, checks for updates when it is told to and when a periodic check is due, and
-/// tells the user. All on one loop and one connection to the session bus, but for the check itself, which waits for
-/// the network on a thread of its own and is given up when the agent ends.
+/// The per-user agent: speaks to its user for the daemon, and to the daemon for its user; checks for updates when it is
+/// told to and when a periodic check is due. All on one loop, one connection to the session bus and one to the system
+/// bus, but for the check itself, which waits for the network on a thread of its own and is given up when the agent
+/// ends.
 class Agent {
 public:
     struct Options {
@@ -37,6 +41,8 @@ private:
     void look();
     void startCheck();
     void checkEnded();
+    void daemonChanged();
+    void tellIdle(std::int64_t question);
 
     CurlUpdateChecker _checker;
     const RootedPropertyListFiles _files;
@@ -50,6 +56,10 @@ private:
     const Wakeup _checkEnded;
     const BusConnection _bus;
     Notifier _notifier;
+    IdleMeter _idleMeter;
+    DaemonLink _daemon;
+    Warnings _warnings;
+    LoopTimer _watch;  // while the daemon wants to know at once that somebody uses the computer
     const BusEndpoint _endpoint;
     std::thread _check;  // joinable from its start to the end that is told of it
     std::atomic<bool> _succeeded = false;

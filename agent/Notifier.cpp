@@ -1,6 +1,5 @@
 #include "agent/Notifier.h"
 
-#include <cstring>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -14,8 +13,10 @@ namespace {
 constexpr const char* kService = "org.freedesktop.Notifications";
 constexpr const char* kPath = "/org/freedesktop/Notifications";
 constexpr std::chrono::seconds kPatience{10};  // the server may have to be started first
-constexpr const char* kDownload = "download";
 constexpr std::int32_t kServersOwnDuration = -1;
+constexpr std::int32_t kWithoutEnd = 0;
+constexpr std::uint8_t kCritical = 2;
+constexpr std::uint32_t kClosedByUser = 2;
 
 std::string escaped(std::string_view text) {
     std::string result;
@@ -37,27 +38,53 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
+std::string signalRule(const char* member) {
+    return std::string("type='signal',sender='") + kService + "',path='" + kPath + "',member='" + member + "'";
+}
+
 }  // namespace
 
 Notifier::Notifier(sd_bus* bus, std::function<void(const std::string&)> pressed)
-    : _bus(bus), _pressed(std::move(pressed)) {
-    sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_match_signal_async(bus, &slot, kService, kPath, kService, "ActionInvoked",
-                                                 &Notifier::actionInvoked, nullptr, this);
-    if (result < 0) throw std::runtime_error(std::strerror(-result));
-    _signals.reset(slot);
+    : _bus(bus),
+      _pressed(std::move(pressed)),
+      _invocations(watchSignals(bus, signalRule("ActionInvoked"), [this](sd_bus_message* signal) { invoked(signal); })),
+      _closings(
+          watchSignals(bus, signalRule("NotificationClosed"), [this](sd_bus_message* signal) { closed(signal); })) {
+    if (!_invocations || !_closings) throw std::runtime_error("notifications cannot be watched");
 }
 
 void Notifier::show(Message message) {
     _message = std::move(message);
-    call(newCall(_bus, kService, kPath, kService, "GetCapabilities"), &Notifier::capabilitiesKnown);
+    _isDone = false;
+    begin();
+}
+
+void Notifier::withdraw() {
+    _message.reset();
+    begin();
+}
+
+/// One call at a time: while the number of what is being shown is not known, it could neither be replaced nor closed.
+void Notifier::begin() {
+    _again = _call != nullptr;
+    if (_again) return;
+    if (_message) {
+        call(newCall(_bus, kService, kPath, kService, "GetCapabilities"), &Notifier::capabilitiesKnown);
+    } else if (_id != 0) {
+        const auto message = newCall(_bus, _server.c_str(), kPath, kService, "CloseNotification");
+        sd_bus_message_append(message.get(), "u", std::exchange(_id, 0));
+        call(message, &Notifier::withdrawn);
+    }
 }
 
 void Notifier::call(const BusMessagePointer& message, void (Notifier::*replied)(sd_bus_message*)) {
     _call = callAsync(_bus, message.get(), kPatience, [this, replied](sd_bus_message* reply) {
-        const sd_bus_error* error = sd_bus_message_get_error(reply);
-        if (error) return failed(error->message ? error->message : error->name);
-        (this->*replied)(reply);
+        const BusSlot ended = std::move(_call);
+        if (const BusError error = errorOf(reply))
+            failed(error.message);
+        else
+            (this->*replied)(reply);
+        if (!_call && std::exchange(_again, false)) begin();
     });
     if (!_call) failed("nothing can be sent");
 }
@@ -68,6 +95,7 @@ void Notifier::capabilitiesKnown(sd_bus_message* reply) {
         _server = sender;
         _id = 0;  // another server's number
     }
+    if (!_message) return;
     bool markup = false;
     bool buttons = false;
     if (sd_bus_message_enter_container(reply, 'a', "s") >= 0) {
@@ -77,45 +105,58 @@ void Notifier::capabilitiesKnown(sd_bus_message* reply) {
             buttons = buttons || std::string_view(capability) == "actions";
         }
     }
-    send(markup, buttons);
-}
-
-void Notifier::send(bool markup, bool buttons) {
-    std::string body = _message.body;
-    if (!buttons && !_message.page.empty()) body += '\n' + _message.page;
+    std::string body = _message->body;
+    if (!buttons && !_message->withoutButtons.empty()) body += '\n' + _message->withoutButtons;
     if (markup) body = escaped(body);
 
     const auto message = newCall(_bus, kService, kPath, kService, "Notify");
-    sd_bus_message_append(message.get(), "susss", "Quorel", _id, "software-update-available", _message.title.c_str(),
+    sd_bus_message_append(message.get(), "susss", "Quorel", _id, _message->icon.c_str(), _message->title.c_str(),
                           body.c_str());
-    if (buttons && !_message.page.empty()) {
-        sd_bus_message_append(message.get(), "as", 2, kDownload, _message.button.c_str());
-    } else {
-        sd_bus_message_append(message.get(), "as", 0);
-    }
-    sd_bus_message_append(message.get(), "a{sv}i", 0, kServersOwnDuration);
+    sd_bus_message_open_container(message.get(), 'a', "s");
+    for (const Message::Button& button : _message->buttons)
+        if (buttons) sd_bus_message_append(message.get(), "ss", button.key.c_str(), button.label.c_str());
+    sd_bus_message_close_container(message.get());
+    if (_message->isUrgent)
+        sd_bus_message_append(message.get(), "a{sv}i", 1, "urgency", "y", kCritical, kWithoutEnd);
+    else
+        sd_bus_message_append(message.get(), "a{sv}i", 0, kServersOwnDuration);
     call(message, &Notifier::shown);
 }
 
 void Notifier::shown(sd_bus_message* reply) {
+    _logged.clear();
     if (sd_bus_message_read(reply, "u", &_id) < 0) failed("no answer that makes sense");
 }
 
-void Notifier::failed(const char* reason) const {
-    MOLLog("%s. %s %s (Not shown: %s)", _message.title.c_str(), _message.body.c_str(), _message.page.c_str(), reason);
+void Notifier::withdrawn(sd_bus_message*) {}
+
+void Notifier::failed(const std::string& reason) {
+    if (!_message || std::exchange(_logged, _message->title) == _message->title) return;
+    MOLLog("%s. %s %s (Not shown: %s)", _message->title.c_str(), _message->body.c_str(),
+           _message->withoutButtons.c_str(), reason.c_str());
 }
 
-int Notifier::actionInvoked(sd_bus_message* message, void* self, sd_bus_error*) {
-    const auto& notifier = *static_cast<Notifier*>(self);
+/// Anybody can send such a signal to this program alone.
+bool Notifier::isAboutOurs(sd_bus_message* signal) {
     std::uint32_t id = 0;
-    const char* action = nullptr;
-    if (sd_bus_message_read(message, "us", &id, &action) < 0) return 0;
-    const char* sender = sd_bus_message_get_sender(message);
-    // Anybody can send such a signal to this program alone.
-    const bool ours = id == notifier._id && sender && notifier._server == sender;
-    if (ours && std::string_view(action) == kDownload && !notifier._message.page.empty())
-        notifier._pressed(notifier._message.page);
-    return 0;
+    const char* sender = sd_bus_message_get_sender(signal);
+    return sd_bus_message_read(signal, "u", &id) > 0 && id != 0 && id == _id && sender && _server == sender;
+}
+
+void Notifier::invoked(sd_bus_message* signal) {
+    const char* key = nullptr;
+    if (!isAboutOurs(signal) || sd_bus_message_read(signal, "s", &key) <= 0 || !_message) return;
+    const std::string pressed = key;
+    _isDone = true;
+    for (const Message::Button& button : _message->buttons)
+        if (button.key == pressed) return _pressed(pressed);
+}
+
+void Notifier::closed(sd_bus_message* signal) {
+    std::uint32_t reason = 0;
+    if (!isAboutOurs(signal) || sd_bus_message_read(signal, "u", &reason) <= 0) return;
+    _id = 0;
+    _isDone = _isDone || reason == kClosedByUser;
 }
 
 }  // namespace quorel

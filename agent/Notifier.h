@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "agent/Message.h"
@@ -9,31 +10,44 @@
 
 namespace quorel {
 
-/// Tells the user something, by desktop notifications. A later message takes the place of an earlier one. Where
-/// nobody shows notifications, the message is logged. Never blocks.
+/// One place on the screen where the user is told something, by desktop notifications. A later message takes the place
+/// of an earlier one. Where nobody shows notifications, the message is logged, once. Never blocks.
 class Notifier {
 public:
-    /// `pressed` gets the page of the message whose button was pressed. The session bus is served by the loop.
-    /// Throws std::runtime_error.
-    Notifier(sd_bus* bus, std::function<void(const std::string& page)> pressed);
+    /// `pressed` gets the key of the button. The session bus is served by the loop. Throws std::runtime_error.
+    Notifier(sd_bus* bus, std::function<void(const std::string& key)> pressed);
+    Notifier(const Notifier&) = delete;
 
     void show(Message message);
+    /// Takes the message away.
+    void withdraw();
+    /// Whether the user has taken the last message away, or pressed one of its buttons.
+    bool isDone() const { return _isDone; }
+    /// Whether nothing that it has begun is still to end.
+    bool isIdle() const { return _call == nullptr; }
 
 private:
+    void begin();
     void call(const BusMessagePointer& message, void (Notifier::*replied)(sd_bus_message*));
     void capabilitiesKnown(sd_bus_message* reply);
-    void send(bool markup, bool buttons);
     void shown(sd_bus_message* reply);
-    void failed(const char* reason) const;
-    static int actionInvoked(sd_bus_message* message, void* self, sd_bus_error*);
+    void withdrawn(sd_bus_message* reply);
+    void failed(const std::string& reason);
+    bool isAboutOurs(sd_bus_message* signal);
+    void invoked(sd_bus_message* signal);
+    void closed(sd_bus_message* signal);
 
     sd_bus* const _bus;
     const std::function<void(const std::string&)> _pressed;
-    BusSlot _signals;
-    BusSlot _call;  // the one under way; a later message cancels it
-    Message _message;
-    std::uint32_t _id = 0;  // of the notification on the screen
-    std::string _server;    // who shows it: a unique name
+    BusSlot _invocations;
+    BusSlot _closings;
+    BusSlot _call;                    // the one under way
+    bool _again = false;              // something else is wanted since it was made
+    std::optional<Message> _message;  // that is wanted
+    std::uint32_t _id = 0;            // of the notification on the screen
+    std::string _server;              // who shows it: a unique name
+    std::string _logged;
+    bool _isDone = false;
 };
 
 }  // namespace quorel

@@ -1,6 +1,7 @@
 #include "agent/Reports.h"
 
 #include "kit/update/VersionOrder.h"
+#include "linux/Language.h"
 
 namespace quorel {
 
@@ -10,12 +11,18 @@ std::optional<Message> Reports::report(const VXUpdateChecker& checker, bool succ
         const bool told = !_newestTold.empty() && compareVersions(*version, _newestTold) <= 0;
         if (told && !askedByHand) return {};
         if (!told) _newestTold = *version;
-        return Message{_texts.newVersionTitle, _texts.newVersionBefore + *version + _texts.newVersionAfter,
-                       _texts.download, checker.latestVersionURL()};
+        Message message{translated("New version available"),
+                        filled(translated("Version {1} can be downloaded."), {*version})};
+        message.icon = "software-update-available";
+        if (const std::string page = checker.latestVersionURL(); !page.empty()) {
+            message.buttons = {{page, translated("Download")}};
+            message.withoutButtons = page;
+        }
+        return message;
     }
     if (!askedByHand) return {};
-    if (succeeded) return Message{_texts.upToDateTitle, _texts.upToDate, {}, {}};
-    return Message{_texts.failedTitle, _texts.failed, {}, {}};
+    if (succeeded) return Message{translated("Up to date"), translated("This is the latest version.")};
+    return Message{translated("Update check failed"), translated("The update service could not be reached.")};
 }
 
 }  // namespace quorel

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "agent/Message.h"
-#include "agent/Texts.h"
 #include "kit/VXUpdateChecker.h"
 
 namespace quorel {
@@ -12,14 +11,11 @@ namespace quorel {
 /// Decides what the user is told of an update check. One thread.
 class Reports {
 public:
-    explicit Reports(const Texts& texts) : _texts(texts) {}
-
     /// Of the check that has just ended. Who asked for it by hand is told in any case; a periodic check speaks of
     /// a newer version only, and of each only once.
     std::optional<Message> report(const VXUpdateChecker& checker, bool succeeded, bool askedByHand);
 
 private:
-    const Texts& _texts;
     std::string _newestTold;
 };
 

@@ -14,6 +14,7 @@
 #include "kit/MOLLog.h"
 #include "kit/update/UpdateRecord.h"
 #include "linux/JournalLog.h"
+#include "linux/Language.h"
 
 namespace quorel {
 
@@ -54,6 +55,7 @@ int main(int count, char** arguments) try {
         return 2;
     }
     quorel::installJournalLog("quorel-agent");
+    quorel::speakUsersLanguage();
     std::signal(SIGPIPE, SIG_IGN);  // whoever reads the log may go first
     std::signal(SIGCHLD, SIG_IGN);  // nobody waits for a browser
     return quorel::Agent(std::move(*options)).run();

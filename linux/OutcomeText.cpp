@@ -111,6 +111,7 @@ std::string holdText(const Value& held) {
     if (kind == kHoldAction) return filled(translated("{1} under way"), {actionName(who)});
     if (kind == kHoldShutdown) return filled(translated("a shut-down is planned ({1})"), {who});
     if (kind == kHoldUse && who.empty()) return translated("used a short while ago");
+    if (kind == kHoldUse && why == kUntold) return filled(translated("in use by {1}, as far as can be told"), {who});
     if (kind == kHoldUse) return filled(translated("in use by {1}"), {who});
     if (kind == kHoldUnknown)
         return joined(translated("it is not known what speaks against it"), textOrCode(kReasons, why));

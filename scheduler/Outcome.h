@@ -85,8 +85,12 @@ inline constexpr std::string_view kMemory = "memory";         ///< it took more 
 inline constexpr std::string_view kHoldInhibitor = "inhibitor";
 inline constexpr std::string_view kHoldAction = "action";      ///< Who: the action type that still runs
 inline constexpr std::string_view kHoldShutdown = "shutdown";  ///< Who: the kind that somebody has scheduled
-inline constexpr std::string_view kHoldUse = "use";            ///< Who: whose session is in use
+inline constexpr std::string_view kHoldUse = "use";            ///< Who: whose session is in use; Why: kUntold, or none
 inline constexpr std::string_view kHoldUnknown = "unknown";    ///< Why: the state could not be read
+
+
+// Value of Why for kHoldUse.
+inline constexpr std::string_view kUntold = "untold";  ///< nothing tells for how long that session has not been used
 
 }  // namespace outcome
 

@@ -16,10 +16,12 @@ Hold holdOf(const Conditions& conditions, Seconds idle, const std::string& runni
     if (idle > 0) {
         for (const Session& session : conditions.sessions) {
             // A graphical one is as idle as its agent says; without an agent, or without graphics, as logind says.
-            // Where neither can tell it is in use.
-            const std::optional<Seconds> told =
-                session.isGraphical && session.agentIdle ? session.agentIdle : session.hintIdle;
-            if (told.value_or(0) < idle) return {outcome::kHoldUse, plainText(session.name), {}};
+            // Where neither can tell it is in use. A desktop that keeps no hint looks to logind like one in use.
+            const bool byAgent = session.isGraphical && session.agentIdle;
+            const Seconds told = (byAgent ? session.agentIdle : session.hintIdle).value_or(0);
+            const bool isGuess = !byAgent && (session.isGraphical ? told == 0 : !session.hintIdle);
+            if (told < idle)
+                return {outcome::kHoldUse, plainText(session.name), std::string(isGuess ? outcome::kUntold : "")};
         }
         if (conditions.sessions.empty() && conditions.sinceLastSession < idle) return {outcome::kHoldUse, {}, {}};
     }

@@ -77,7 +77,7 @@ class AgentTest(unittest.TestCase):
         self.browser = FakeBrowser(place)
         self.state = f"{place}/state/quorel/last-update-check"
         os.makedirs(f"{place}/root/Library/Preferences")
-        self.system.variables.update(PATH=self.browser.path, LANG="C.UTF-8")
+        self.system.variables.update(PATH=self.browser.path, LC_ALL="C.UTF-8", LANGUAGE="")
         self.set_preferences(0)
 
     def connect(self):
@@ -124,13 +124,13 @@ class AgentTest(unittest.TestCase):
         notifications = self.show_notifications()
         self.start_agent()
         for answer, title, body, actions in (
-                (record("9.0"), NEWER, "Version 9.0 can be downloaded.", ["download", "Download"]),
+                (record("9.0"), NEWER, "Version 9.0 can be downloaded.", ["https://example.org/download", "Download"]),
                 (record(INSTALLED), UP_TO_DATE, "This is the latest version.", []),
                 (b"nothing of use", UNREACHABLE, "The update service could not be reached.", []),
                 (None, UNREACHABLE, "The update service could not be reached.", []),
-                (record("9.0"), NEWER, "Version 9.0 can be downloaded.", ["download", "Download"]),
+                (record("9.0"), NEWER, "Version 9.0 can be downloaded.", ["https://example.org/download", "Download"]),
                 (record("9.0-%n%s<b>&"), NEWER, "Version 9.0-%n%s&lt;b&gt;&amp; can be downloaded.",
-                 ["download", "Download"])):
+                 ["https://example.org/download", "Download"])):
             with self.subTest(title):
                 self.feed.answers["/"] = answer
                 replaces = 7 if notifications.shown else 0  # one notification of ours at a time
@@ -145,15 +145,15 @@ class AgentTest(unittest.TestCase):
         self.feed.answers["/"] = record("9.0<b>&", "https://example.org/?a=1&b=2")
         notifications = self.show_notifications()
         for capabilities, language, body, actions in (
-                (("actions", "body"), "C", "Version 9.0<b>& can be downloaded.", ["download", "Download"]),
-                (("body",), "C", "Version 9.0<b>& can be downloaded.\nhttps://example.org/?a=1&b=2", []),
-                (("body-markup",), "C", "Version 9.0&lt;b&gt;&amp; can be downloaded.\n"
-                                        "https://example.org/?a=1&amp;b=2", []),
-                (("actions", "body"), "fr_FR.UTF-8", "La version 9.0<b>& peut être téléchargée.",
-                 ["download", "Télécharger"])):
+                (("actions", "body"), "", "Version 9.0<b>& can be downloaded.", ["https://example.org/?a=1&b=2", "Download"]),
+                (("body",), "", "Version 9.0<b>& can be downloaded.\nhttps://example.org/?a=1&b=2", []),
+                (("body-markup",), "", "Version 9.0&lt;b&gt;&amp; can be downloaded.\n"
+                                       "https://example.org/?a=1&amp;b=2", []),
+                (("actions", "body"), "fr", "La version 9.0<b>& peut être téléchargée.",
+                 ["https://example.org/?a=1&b=2", "Télécharger"])):
             with self.subTest(capabilities):
                 notifications.capabilities = capabilities
-                self.system.variables["LANG"] = language
+                self.system.variables["LANGUAGE"] = language
                 agent = self.start_agent()
                 self.ask()
                 eventually("the user is told", lambda: notifications.shown)
@@ -169,27 +169,28 @@ class AgentTest(unittest.TestCase):
         eventually("the user is told", lambda: notifications.shown)
         forger = self.connect()
         signal_message = dbus.lowlevel.SignalMessage("/org/freedesktop/Notifications", NOTIFICATIONS, "ActionInvoked")
-        signal_message.append(7, "download", signature="us")
+        signal_message.append(7, page, signature="us")
         signal_message.set_destination(notifications.client)
         forger.send_message(signal_message)
         forger.flush()
-        notifications.ActionInvoked(8, "download")  # somebody else's
+        notifications.ActionInvoked(8, page)  # somebody else's
         notifications.ActionInvoked(7, "default")
         self.call("Ping")
-        notifications.ActionInvoked(7, "download")
+        notifications.ActionInvoked(7, page)
         eventually("the page is opened", self.browser.pages)
         self.assertEqual(self.browser.pages(), [page])
         # A message without a page takes the button away.
         self.feed.answers["/"] = record(INSTALLED)
         self.ask()
         eventually("the user is told", lambda: len(notifications.shown) == 2)
-        notifications.ActionInvoked(7, "download")
-        self.feed.answers["/"] = record(page="https://example.org/second")
+        notifications.ActionInvoked(7, page)
+        second = "https://example.org/second"
+        self.feed.answers["/"] = record(page=second)
         self.ask()
         eventually("the user is told", lambda: len(notifications.shown) == 3)
-        notifications.ActionInvoked(7, "download")
+        notifications.ActionInvoked(7, second)
         eventually("the second page is opened", lambda: len(self.browser.pages()) > 1)
-        self.assertEqual(self.browser.pages(), [page, "https://example.org/second"])
+        self.assertEqual(self.browser.pages(), [page, second])
 
     def test_without_notifications_the_log_tells(self):
         self.feed.answers["/"] = record("9.0-%n%s")

@@ -155,7 +155,7 @@ const Row kRows[] = {
      "user desktop 0 900; from 22:50 Sleep@23:00/idle; until 1+00:59:30; free; user desktop 900 0; user text ? 900; until 1+01:00:59",
      "+1 01:00 warn, for +1 01:01"},
     {"where logind cannot tell it is in use", "user desktop 900 ?; user text 900 ?; from 22:50 Sleep@23:00/idle; until 1+12:00",
-     "+1 11:00 gave-up Sleep 23:00 use 720 ann"},
+     "+1 11:00 gave-up Sleep 23:00 use 720 ann untold"},
     {"nobody there, not long enough", "since 899; from 22:50 Sleep@23:00/idle; until 23:10:30; since 900; until 23:11:30",
      "23:11 warn, for 23:12"},
     {"ends with the next wake-up; the ten minutes hold", "user text ? 0; from 22:50 Sleep@23:00/idle WakeUp@7:00; until 1+08:00",

@@ -1,0 +1,188 @@
+#include "agent/DaemonLink.h"
+
+#include <exception>
+#include <utility>
+
+#include "kit/MOLLog.h"
+#include "linux/BusValues.h"
+#include "model/Names.h"
+
+namespace quorel {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kPatience = 20s;
+constexpr auto kPause = 300ms;
+constexpr auto kRetry = 1min;
+constexpr std::uint32_t kMostUpcoming = 20;
+constexpr std::uint32_t kMostOutcomes = 8;
+
+BusConnection connectIfThere(EventLoop& loop) try {
+    BusConnection bus = connectTo(Bus::System, loop);
+    sd_bus_set_exit_on_disconnect(bus.get(), false);  // updates are looked for without it, too
+    return bus;
+} catch (const std::exception& exception) {
+    MOLLog("Nothing is shown of what is planned, on the system's bus: %s.", exception.what());
+    return {};
+}
+
+std::string ownName(sd_bus* bus) {
+    const char* name = nullptr;
+    return bus && sd_bus_get_unique_name(bus, &name) >= 0 ? name : "";
+}
+
+}  // namespace
+
+DaemonLink::DaemonLink(EventLoop& loop, Callbacks callbacks)
+    : _callbacks(std::move(callbacks)),
+      _bus(connectIfThere(loop)),
+      _name(ownName(_bus.get())),
+      _pause(loop,
+             [this] {
+                 if (std::exchange(_again, false)) fetch();
+             }),
+      _retry(loop, [this] { registerAgent(); }) {
+    if (!_bus) return;
+    const std::string daemon(kDaemonName);
+    _owner = watchSignals(_bus.get(),
+                          "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                          "member='NameOwnerChanged',arg0='" +
+                              daemon + "'",
+                          [this](sd_bus_message* signal) {
+                              const char* owner = "";
+                              sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner);
+                              ownerChanged(owner[0] != '\0');
+                          });
+    const auto hinted = [this](sd_bus_message*) { fetch(); };
+    const auto hints = [&daemon](const char* interface) {
+        return "type='signal',sender='" + daemon + "',member='Changed',interface='" + interface + "'";
+    };
+    _schedulerHints = watchSignals(_bus.get(), hints(wire::scheduler::kInterface), hinted);
+    _agentHints = watchSignals(_bus.get(), hints(wire::agents::kInterface), hinted);
+    ownerChanged(true);  // what is sent tells whether that is so
+}
+
+BusMessagePointer DaemonLink::newCall(const Interface& interface, const char* method) const {
+    auto call = quorel::newCall(_bus.get(), kDaemonName.data(), interface.path, interface.name, method);
+    if (call) sd_bus_message_set_auto_start(call.get(), false);
+    return call;
+}
+
+void DaemonLink::send(const std::string& key, const BusMessagePointer& call,
+                      std::function<void(sd_bus_message*)> replied) {
+    _calls[key] = callAsync(_bus.get(), call.get(), kPatience, [this, key, replied](sd_bus_message* reply) {
+        const auto ended = _calls.extract(key);
+        replied(reply);
+    });
+    if (!_calls[key]) _calls.erase(key);
+}
+
+void DaemonLink::ownerChanged(bool isThere) {
+    _isThere = isThere;
+    _isRegistered = false;
+    _missing = 0;
+    _answered = 0;
+    _calls.clear();
+    _questions.clear();
+    _upcoming = _outcomes = _work = Value();
+    if (!isThere) return _callbacks.changed();
+    registerAgent();
+}
+
+void DaemonLink::registerAgent() {
+    if (!_isThere) return;
+    send("register", newCall({wire::agents::kPath, wire::agents::kInterface}, wire::agents::kRegister),
+         [this](sd_bus_message* reply) {
+             const BusError error = errorOf(reply);
+             if (error.name == SD_BUS_ERROR_NAME_HAS_NO_OWNER || error.name == SD_BUS_ERROR_SERVICE_UNKNOWN)
+                 return ownerChanged(false);
+             _isRegistered = !error;
+             if (error) _retry.start(kRetry);
+             fetch();
+         });
+}
+
+void DaemonLink::fetch() {
+    if (!_isThere) return;
+    if (_missing > 0 || _pause.isRunning()) {
+        _again = true;
+        return;
+    }
+    _missing = 5;
+    read(wire::scheduler::kUpcoming, kMostUpcoming, _upcoming);
+    read(wire::scheduler::kOutcomes, kMostOutcomes, _outcomes);
+    read(wire::agents::kWork, std::nullopt, _work);
+    askPolkit(kSkipAction, _maySkip);
+    askPolkit(kPostponeAction, _mayPostpone);
+}
+
+void DaemonLink::read(const char* method, std::optional<std::uint32_t> most, Value& into) {
+    const bool isForAgents = !most;
+    if (isForAgents && !_isRegistered) {
+        into = Value();
+        return fetched();
+    }
+    const auto call = newCall(isForAgents ? Interface{wire::agents::kPath, wire::agents::kInterface}
+                                          : Interface{wire::scheduler::kPath, wire::scheduler::kInterface},
+                              method);
+    if (most) sd_bus_message_append(call.get(), "u", *most);
+    send(method, call, [this, &into](sd_bus_message* reply) {
+        if (!errorOf(reply)) into = readValue(reply).value_or(Value());
+        fetched();
+    });
+}
+
+void DaemonLink::askPolkit(const char* action, bool& allowed) {
+    _questions.erase(action);
+    _questions.try_emplace(action, _bus.get(), _name, action, false,
+                           [this, &allowed](const std::optional<PolkitQuestion::Answer>& answer) {
+                               allowed = answer && answer->authorized;
+                               fetched();
+                           });
+}
+
+void DaemonLink::fetched() {
+    if (_missing == 0 || --_missing > 0) return;
+    _pause.start(kPause);
+    _callbacks.changed();
+    const std::int64_t question = _work["Idle"].integer();
+    if (question > _answered) {
+        _answered = question;
+        _callbacks.idleAsked(question);
+    }
+}
+
+void DaemonLink::skip(const std::string& token, Refused refused) {
+    change(wire::scheduler::kSkip, token, std::move(refused));
+}
+
+void DaemonLink::postpone(const std::string& token, Refused refused) {
+    change(wire::scheduler::kPostpone, token, std::move(refused));
+}
+
+void DaemonLink::change(const char* method, const std::string& token, Refused refused) {
+    if (!_isThere) return;
+    const auto call = newCall({wire::scheduler::kPath, wire::scheduler::kInterface}, method);
+    sd_bus_message_append(call.get(), "s", token.c_str());
+    send(method + token, call, [refused = std::move(refused)](sd_bus_message* reply) {
+        if (const BusError error = errorOf(reply)) refused(error.message);
+    });
+}
+
+void DaemonLink::reportIdle(std::int64_t question, std::optional<Seconds> idle) {
+    if (!_isThere) return;
+    const auto call = newCall({wire::agents::kPath, wire::agents::kInterface}, wire::agents::kReportIdle);
+    sd_bus_message_append(call.get(), "xx", question, idle.value_or(-1));
+    sd_bus_send(_bus.get(), call.get(), nullptr);
+}
+
+void DaemonLink::reportAction(const std::string& token, const std::string& end, int status, const std::string& reason) {
+    if (!_isThere) return;
+    const auto call = newCall({wire::agents::kPath, wire::agents::kInterface}, wire::agents::kReportAction);
+    sd_bus_message_append(call.get(), "ssis", token.c_str(), end.c_str(), status, reason.c_str());
+    sd_bus_send(_bus.get(), call.get(), nullptr);
+}
+
+}  // namespace quorel
