@@ -70,10 +70,6 @@ Answer askForArray(DaemonClient& daemon, const char* method, unsigned most) {
     return answer;
 }
 
-std::string nameOf(const Value& upcoming) {
-    return actionName(upcoming["Action"].text(), upcoming["Restart"].intValue() != 0);
-}
-
 std::string alarmText(const Value& alarm) {
     const std::string fault = alarm["Fault"].text();
     const Value& at = alarm["At"];
@@ -126,7 +122,7 @@ ExitStatus showStatus(const Page& page, bool json) {
     // Whatever is under way or was changed, up to the first that simply comes.
     for (const Value& one : next.value.array()) {
         const std::string step = stepText(one);
-        fields.emplace_back(translated("Next:"), momentText(one["At"].integer()) + "  " + nameOf(one));
+        fields.emplace_back(translated("Next:"), momentText(one["At"].integer()) + "  " + actionName(one));
         if (step.empty()) break;
         fields.emplace_back("", step);
     }
@@ -143,7 +139,7 @@ ExitStatus showNext(const Page& page, bool json, unsigned most) {
     if (answer.failure != Failure::kNone) return fail(answer);
     std::vector<std::vector<std::string>> rows;
     for (const Value& one : answer.value.array()) {
-        rows.push_back({momentText(one["At"].integer()), nameOf(one), plainText(one["Token"].text())});
+        rows.push_back({momentText(one["At"].integer()), actionName(one), plainText(one["Token"].text())});
         if (const std::string step = stepText(one); !step.empty()) rows.push_back({step});
     }
     if (json) {
@@ -165,7 +161,7 @@ ExitStatus showLog(const Page& page, bool json, unsigned most) {
         const std::int64_t due = one["Due"].integer();
         const bool hasAction = due != 0;
         rows.push_back({momentText(hasAction ? due : one["At"].integer()),
-                        hasAction ? actionName(one["Action"].text()) : std::string(), outcomeText(one)});
+                        hasAction ? actionName(one) : std::string(), outcomeText(one)});
     }
     if (json) {
         page.line(jsonText(answer.value));

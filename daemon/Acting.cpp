@@ -64,6 +64,10 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Cloc
       _state(stateFolder(root) + "/state.plist"),
       _alarms(loop, clocks, {root.empty(), root + kHardwareClock, stateFolder(root) + "/startup-alarm"}),
       _agents(loop, bus),
+      _actions(loop, bus, root, clocks, _agents,
+               [this](const std::string& token, ActionEnd end, int status, const std::string& reason) {
+                   tell([&](Now now) { _scheduler.actionEnded(now, token, end, status, reason); });
+               }),
       _sessions(bus, clocks,
                 [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
       _power(bus, clocks, _sessions,
@@ -93,6 +97,7 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Cloc
 void Acting::take(const Value& preferences) {
     const Value& list = preferences[preferences::kScheduleArray];
     const bool begins = !std::exchange(_hasBegun, true);
+    _actions.scan();
     tell([&](Now now) {
         if (begins)
             _scheduler.start(now, list, _state.read(), bootId());
@@ -121,7 +126,12 @@ void Acting::ended(const Outcome& outcome) {
         for (const char letter : arguments.keyAt(i)) name += static_cast<char>(std::toupper(letter));
         fields.emplace_back(name, textOf(arguments.valueAt(i)));
     }
-    writeJournalEntry(kOutcomeMessage, outcomeLine(outcome.value()), fields);
+    writeJournalEntry(kOutcomeMessage, outcomeLine(named(outcome.value())), fields);
+}
+
+Value Acting::named(const Value& told) const {
+    const ModuleInfo* module = modules().find(told["Action"].text());
+    return module && module->names.size() > 0 ? told.with("Names", module->names) : told;
 }
 
 void Acting::changed() {

@@ -33,6 +33,9 @@ public:
 
     const Scheduler& scheduler() const { return _scheduler; }
     const ComputerAlarms& alarms() const { return _alarms; }
+    const ModuleRegistry& modules() const { return _actions.registry(); }
+    /// An occurrence's, outcome's or fault's value, with the names of its "Action" where a module tells them.
+    Value named(const Value& told) const;
     /// Called after what can be asked here has changed.
     std::function<void()> changedCallback;
 

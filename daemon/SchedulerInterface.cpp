@@ -74,6 +74,8 @@ SchedulerInterface::SchedulerInterface(sd_bus* bus, Acting& acting) : _bus(bus),
                                 &SchedulerInterface::outcomes, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kStatus, SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sv}", status),
                                 &SchedulerInterface::status, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kModules, SD_BUS_NO_ARGS, SD_BUS_RESULT("aa{sv}", modules),
+                                &SchedulerInterface::modules, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kSkip, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT, &SchedulerInterface::skip,
                                 kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kPostpone, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT,
@@ -91,16 +93,19 @@ void SchedulerInterface::changed() {
 }
 
 int SchedulerInterface::upcoming(sd_bus_message* call, void* self, sd_bus_error*) {
-    const Scheduler& scheduler = static_cast<SchedulerInterface*>(self)->_acting.scheduler();
+    const Acting& acting = static_cast<SchedulerInterface*>(self)->_acting;
     Array values;
-    for (const Upcoming& one : scheduler.upcoming(wanted(call, names::kMostUpcoming))) values.push_back(valueOf(one));
+    for (const Upcoming& one : acting.scheduler().upcoming(wanted(call, names::kMostUpcoming)))
+        values.push_back(acting.named(valueOf(one)));
     return replyDictionaries(call, values);
 }
 
 int SchedulerInterface::outcomes(sd_bus_message* call, void* self, sd_bus_error*) {
-    const Array& all = static_cast<SchedulerInterface*>(self)->_acting.scheduler().outcomes();
+    const Acting& acting = static_cast<SchedulerInterface*>(self)->_acting;
+    const Array& all = acting.scheduler().outcomes();
     const auto number = std::min(wanted(call, names::kMostOutcomes), all.size());
-    const Array last(all.end() - static_cast<std::ptrdiff_t>(number), all.end());
+    Array last;
+    for (std::size_t i = all.size() - number; i < all.size(); ++i) last.push_back(acting.named(all[i]));
     return replyDictionaries(call, last);
 }
 
@@ -111,7 +116,7 @@ int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) 
     Array faults;
     for (const ScheduleFault& fault : scheduler.faults()) {
         if (faults.size() == names::kMostUpcoming) break;
-        faults.push_back(valueOf(fault));
+        faults.push_back(acting.named(valueOf(fault)));
     }
     const Dictionary status{{"Version", product::kVersion},
                             {"Acts", waking.fault != "off"},
@@ -119,6 +124,13 @@ int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) 
                             {"Startup Alarm", valueOf(scheduler.armedStartup(), acting.alarms().starting())},
                             {"Faults", faults}};
     return replyDictionary(call, status);
+}
+
+int SchedulerInterface::modules(sd_bus_message* call, void* self, sd_bus_error*) {
+    Array modules;
+    for (const ModuleInfo& one : static_cast<SchedulerInterface*>(self)->_acting.modules().modules())
+        modules.push_back(one.value());
+    return replyDictionaries(call, modules);
 }
 
 int SchedulerInterface::skip(sd_bus_message* call, void* self, sd_bus_error* error) {

@@ -37,6 +37,7 @@ private:
     static int upcoming(sd_bus_message* call, void* self, sd_bus_error* error);
     static int outcomes(sd_bus_message* call, void* self, sd_bus_error* error);
     static int status(sd_bus_message* call, void* self, sd_bus_error* error);
+    static int modules(sd_bus_message* call, void* self, sd_bus_error* error);
     static int skip(sd_bus_message* call, void* self, sd_bus_error* error);
     static int postpone(sd_bus_message* call, void* self, sd_bus_error* error);
 

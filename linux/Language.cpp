@@ -57,6 +57,14 @@ void speakUsersLanguage() {
     bind_textdomain_codeset(kDomain, "UTF-8");
 }
 
+std::string usersLanguage() {
+    const std::string_view locale = std::setlocale(LC_MESSAGES, nullptr);
+    const char* preferred = std::getenv("LANGUAGE");  // gettext's own, which counts outside the locale "C" alone
+    if (locale == "C" || locale == "POSIX") return "en";
+    const std::string_view language = preferred && *preferred ? preferred : locale;
+    return std::string(language.starts_with("C.") ? "en" : language.substr(0, 2));
+}
+
 const char* translated(const char* english) {
     return dgettext(kDomain, english);
 }

@@ -15,6 +15,9 @@ namespace quorel {
 /// daemon, speaks English. Before threads are started.
 void speakUsersLanguage();
 
+/// Two letters, as "en".
+std::string usersLanguage();
+
 const char* translated(const char* english);
 const char* translatedCount(const char* one, const char* many, std::int64_t count);
 /// With the arguments in place of "{1}", "{2}" and so on.

@@ -1,5 +1,8 @@
 #include "linux/LoginConditions.h"
 
+#include <unistd.h>
+
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
@@ -45,12 +48,14 @@ LoginConditions::LoginConditions(sd_bus* bus, const Clocks& clocks, const LoginS
 }
 
 // logind itself overlooks root's locks when root asks for sleep, and so do the "weak" ones of newer versions: here
-// every lock counts, whoever holds it.
+// every lock counts, whoever holds it. Our own, for running actions, the scheduler knows of, and sooner.
 void LoginConditions::readInhibitors(sd_bus_message* reply) {
     if (sd_bus_message_enter_container(reply, 'a', "(ssssuu)") < 0) return fail(kOtherAnswer);
     const char *what = nullptr, *who = nullptr, *why = nullptr, *mode = nullptr;
-    while (sd_bus_message_read(reply, "(ssssuu)", &what, &who, &why, &mode, nullptr, nullptr) > 0)
+    std::uint32_t process = 0;
+    while (sd_bus_message_read(reply, "(ssssuu)", &what, &who, &why, &mode, nullptr, &process) > 0)
         if (std::string_view(mode).starts_with("block") && concernsSleep(what) &&
+            process != static_cast<std::uint32_t>(getpid()) &&
             _conditions.inhibitors.size() < kMostInhibitors)
             _conditions.inhibitors.push_back({who, why});
     finishIfComplete();

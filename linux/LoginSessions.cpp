@@ -1,6 +1,7 @@
 #include "linux/LoginSessions.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "linux/Logind.h"
@@ -61,6 +62,27 @@ BusSlot readLoginSession(sd_bus* bus, const char* path, const Clocks& clocks,
         answered(LoginSession::from(reply, clocks.now().instant()), {});
     };
     return logind::call(bus, logind::kPatience, object, "GetAll", read, "s", logind::kSessionInterface);
+}
+
+SeatedUser::SeatedUser(sd_bus* bus, const Clocks& clocks, std::function<void(std::optional<unsigned>)> answered)
+    : _answered(std::move(answered)) {
+    constexpr logind::Object kSeat = {"/org/freedesktop/login1/seat/seat0", logind::kManagerProperties.interface};
+    const auto sessionRead = [this](const std::optional<LoginSession>& found, const BusError&) {
+        answer(found && found->counts ? std::optional<unsigned>(found->userId) : std::nullopt);
+    };
+    const auto seatRead = [this, bus, &clocks, sessionRead](sd_bus_message* reply) {
+        const char* path = "/";
+        if (sd_bus_message_read(reply, "v", "(so)", nullptr, &path) <= 0 || std::string_view(path) == "/")
+            return answer({});
+        _call = readLoginSession(bus, path, clocks, sessionRead);
+    };
+    _call = logind::call(bus, logind::kPatience, kSeat, "Get", seatRead, "ss", "org.freedesktop.login1.Seat",
+                         "ActiveSession");
+}
+
+void SeatedUser::answer(std::optional<unsigned> user) {
+    const auto answered = std::move(_answered);  // it may destroy this object
+    answered(user);
 }
 
 LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<void(const LoginSession&)> used)

@@ -26,6 +26,20 @@ struct LoginSession {
 BusSlot readLoginSession(sd_bus* bus, const char* path, const Clocks& clocks,
                          std::function<void(std::optional<LoginSession>, const BusError&)> answered);
 
+/// Asks who sits at the computer: the user of the session that its own seat shows, where that counts. Nothing for
+/// nobody. `answered` is called once, later, unless this has gone, which it may let happen.
+class SeatedUser {
+public:
+    SeatedUser(sd_bus* bus, const Clocks& clocks, std::function<void(std::optional<unsigned>)> answered);
+    SeatedUser(const SeatedUser&) = delete;
+
+private:
+    void answer(std::optional<unsigned> user);
+
+    std::function<void(std::optional<unsigned>)> _answered;
+    BusSlot _call;
+};
+
 /// Notices who comes and goes. One thread; `clocks` and the bus must outlive it.
 class LoginSessions {
 public:

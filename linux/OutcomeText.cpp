@@ -44,6 +44,14 @@ constexpr Text kOvertakers[] = {
 constexpr Text kReasons[] = {
     {kNoAnswer, marked("the system did not answer")},
     {kStayedAwake, marked("the system agreed, and the computer stayed awake")},
+    {kNobody, marked("nobody is at the computer")},
+    {kNoAgent, marked("the agent of the user at the computer is not running")},
+    {kNoManager, marked("there is no service manager to run it")},
+    {kNoModule, marked("its module is no longer there")},
+    {kNoProgram, marked("its program could not be executed")},
+    {kNoSandbox, marked("what it runs in could not be set up")},
+    {kSignal, marked("ended by a signal")},
+    {kMemory, marked("it took more memory than it may")},
 };
 
 constexpr Text kFaults[] = {
@@ -124,7 +132,7 @@ std::string missedText(const Value& arguments) {
 }
 
 std::string failedText(const Value& arguments) {
-    const std::string reason = plain(arguments, "Reason");
+    const std::string reason = textOrCode(kReasons, plain(arguments, "Reason"));
     const std::string text =
         filled(translated("failed with status {1} after {2}"),
                {std::to_string(arguments["Status"].integer()), durationText(arguments["Seconds"].integer())});
@@ -147,6 +155,17 @@ std::string actionName(const std::string& actionType, bool restarts) {
     return name.empty() ? plainText(actionType) : name;
 }
 
+std::string actionName(const Value& told) {
+    const Value& names = told["Names"];
+    const std::string& action = told["Action"].text();
+    const bool isOurs = action == schedule_keys::kSleepType || action == schedule_keys::kWakeUpType ||
+                        action == schedule_keys::kShutDownType;
+    if (isOurs || names.dictionary().size() == 0) return actionName(action, told["Restart"].intValue() != 0);
+    for (const std::string& language : {usersLanguage(), std::string("en"), names.dictionary().keyAt(0)})
+        if (std::string name = plain(names, language); !name.empty()) return name;
+    return actionName(action);
+}
+
 std::string outcomeText(const Value& outcome) {
     const std::string code = plain(outcome, "Code");
     const std::string& action = outcome["Action"].text();
@@ -160,7 +179,9 @@ std::string outcomeText(const Value& outcome) {
     if (code == kRan) return filled(translated("done in {1}"), {length()});
     if (code == kFailed) return failedText(arguments);
     if (code == kTimedOut) return filled(translated("ended at its limit, after {1}"), {length()});
-    if (code == kNotStarted) return joined(translated("could not be started"), plain(arguments, "Reason"));
+    if (code == kNotStarted) {
+        return joined(translated("could not be started"), textOrCode(kReasons, plain(arguments, "Reason")));
+    }
     if (code == kMissed) return missedText(arguments);
     if (code == kSkipped) return filled(translated("skipped by {1}"), {plain(arguments, "By")});
     if (code == kOvertaken) return notDone(action, textOrCode(kOvertakers, plain(arguments, "By")));
@@ -183,8 +204,7 @@ std::string outcomeText(const Value& outcome) {
 std::string outcomeLine(const Value& outcome) {
     const std::int64_t due = outcome["Due"].integer();
     if (due == 0) return outcomeText(outcome);
-    return filled(translated("{1} of {2}: {3}"),
-                  {actionName(outcome["Action"].text()), momentText(due), outcomeText(outcome)});
+    return filled(translated("{1} of {2}: {3}"), {actionName(outcome), momentText(due), outcomeText(outcome)});
 }
 
 std::string stepText(const Value& upcoming) {
@@ -204,9 +224,9 @@ std::string stepText(const Value& upcoming) {
 }
 
 std::string faultText(const Value& fault) {
-    return filled(translated("schedule {1} ({2}) never runs: {3}"),
-                  {std::to_string(fault["Number"].integer()), actionName(fault["Action"].text()),
-                   textOrCode(kFaults, plain(fault, "Reason"))});
+    return filled(
+        translated("schedule {1} ({2}) never runs: {3}"),
+        {std::to_string(fault["Number"].integer()), actionName(fault), textOrCode(kFaults, plain(fault, "Reason"))});
 }
 
 }  // namespace quorel

@@ -9,8 +9,10 @@ namespace quorel {
 // What the scheduler tells, as sentences for people: one line each, in the language that Language.h speaks. Values may
 // come from anywhere: whatever stands in them is shown as plain text, and what is not understood as it stands.
 
-/// "Sleep", "Wake up", or what a module is called.
+/// "Sleep", "Wake up", or of a module's action type the last part.
 std::string actionName(const std::string& actionType, bool restarts = false);
+/// What the action of an occurrence, an outcome or a module is called, which a module's "Names" tell by language.
+std::string actionName(const Value& told);
 /// An Outcome's value: "not put to sleep: rsync: copying (waited 30 minutes)".
 std::string outcomeText(const Value& outcome);
 /// The same with the action and its time in front, where it has them.

@@ -71,6 +71,16 @@ inline constexpr std::string_view kOther = "other";  ///< one was under way
 inline constexpr std::string_view kNoAnswer = "no-answer";
 inline constexpr std::string_view kStayedAwake = "stayed-awake";  ///< it said yes and did not sleep
 
+// Values of Reason in "failed" and "not-started", where it is no text of the system's.
+inline constexpr std::string_view kNobody = "nobody";         ///< no user at the computer
+inline constexpr std::string_view kNoAgent = "no-agent";      ///< the user's does not run
+inline constexpr std::string_view kNoManager = "no-manager";  ///< no service manager on the bus
+inline constexpr std::string_view kNoModule = "no-module";    ///< it has gone meanwhile
+inline constexpr std::string_view kNoProgram = "no-program";  ///< it could not be executed
+inline constexpr std::string_view kNoSandbox = "no-sandbox";  ///< what it was to run in could not be set up
+inline constexpr std::string_view kSignal = "signal";         ///< Status is the signal's number
+inline constexpr std::string_view kMemory = "memory";         ///< it took more than it may
+
 // Values of Hold: what it waited for, with Who and Why.
 inline constexpr std::string_view kHoldInhibitor = "inhibitor";
 inline constexpr std::string_view kHoldAction = "action";      ///< Who: the action type that still runs

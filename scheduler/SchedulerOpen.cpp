@@ -117,7 +117,7 @@ void Scheduler::run(OpenOccurrence& open) {
     }
     open.step = Step::kRunning;
     open.at = now();
-    act([this, one] { _world.actions.start(one); });
+    act([this, one, madeUp = open.madeUp] { _world.actions.start(one, madeUp); });
 }
 
 void Scheduler::wakeUp(const Occurrence& one) {

@@ -37,7 +37,7 @@ struct Inhibitor {
 /// What decides whether the computer may sleep or be shut down now.
 struct Conditions {
     std::optional<std::string> failure;  ///< why nothing could be read; the rest does not count then
-    std::vector<Inhibitor> inhibitors;  ///< everybody's `block` on sleep or shutdown, ours for running actions included
+    std::vector<Inhibitor> inhibitors;  ///< everybody's `block` on sleep or shutdown but our own, for running actions
     std::string scheduledShutdown;      ///< the kind that somebody else has scheduled, or empty
     std::vector<Session> sessions;
     Seconds sinceLastSession = 0;  ///< since the later of boot, resume and the last log-out
@@ -81,8 +81,9 @@ public:
     virtual ~Actions() = default;
     /// Nothing for an unknown action type. Asked when a list is taken over.
     virtual std::optional<Module> module(const std::string& action) const = 0;
-    /// Runs it; answer: `actionEnded`, always, with the time limit being the other side's.
-    virtual void start(const Occurrence& occurrence) = 0;
+    /// Runs it; answer: `actionEnded`, always, with the time limit being the other side's. `madeUp`: it comes later
+    /// than planned, since it was missed.
+    virtual void start(const Occurrence& occurrence, bool madeUp) = 0;
     /// One that an earlier run of this program has started; answer: `actionEnded`, kUnknown where it is not found.
     virtual void find(const Occurrence& occurrence) = 0;
 };

@@ -114,7 +114,7 @@ class AgentsTest(ActingCase):
         self.last("slept")
 
     def test_idle_as_the_agent_measures_it(self):
-        session = {"UserId": NOBODY, "Name": "nobody", "TTY": "tty7"}
+        session = {"User": NOBODY, "Name": "nobody", "TTY": "tty7"}
         for seconds, status, held in ((3600, "Paused", False), (899, "Paused", True), (3600, "Playing", True)):
             with self.subTest(seconds=seconds, status=status):
                 self.setUp()
@@ -132,7 +132,7 @@ class AgentsTest(ActingCase):
 
     def test_idle_as_the_x_server_says(self):
         """The desktop's hint, that all is quiet, counts only where the agent cannot tell."""
-        session = {"UserId": NOBODY, "IdleHint": True, "IdleSinceHint": (instant("23:10") - 3600) * 1_000_000}
+        session = {"User": NOBODY, "IdleHint": True, "IdleSinceHint": (instant("23:10") - 3600) * 1_000_000}
         for wayland, step in (("", "waiting"), ("wayland-0", "warned")):
             with self.subTest(wayland=wayland):
                 self.setUp()
@@ -150,7 +150,7 @@ class AgentsTest(ActingCase):
 
     def test_nobody_is_believed_for_another(self):
         self.start(schedule(SLEEP, "23:15", Only_When_Idle=1),
-                   sessions=[{"UserId": NOBODY, "IdleHint": True, "IdleSinceHint": 1_000_000}])
+                   sessions=[{"User": NOBODY, "IdleHint": True, "IdleSinceHint": 1_000_000}])
         _, server = self.log_in(NOBODY)
         agent = self.system.processes[-1]
         stranger = self.caller(OTHER)

@@ -202,7 +202,7 @@ private:
         if (name.starts_with("Late")) return Module{true, kHour};
         return name.starts_with("Plain") ? std::optional(Module{true, 0}) : std::nullopt;
     }
-    void start(const Occurrence& one) override {
+    void start(const Occurrence& one, bool) override {
         about("start");
         note("start " + shortName(one.schedule->action));
         _running.emplace_back(now.instant() + actionLasts, one.token());

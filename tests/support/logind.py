@@ -40,8 +40,23 @@ class Session(dbus.service.Object):
         values = {"Name": "alice", "Class": "user", "State": "active", "Type": "x11", "TTY": "", "RemoteHost": "",
                   "Active": True, "IdleHint": False, "IdleSinceHint": 0, **self.properties}
         values["IdleSinceHint"] = dbus.UInt64(values["IdleSinceHint"])
-        return {**values, "User": dbus.Struct((dbus.UInt32(values.pop("UserId", 1000)), dbus.ObjectPath("/")), signature="uo"),
+        user = dbus.UInt32(values.pop("User", 1000))
+        return {**values, "User": dbus.Struct((user, dbus.ObjectPath("/")), signature="uo"),
                 "Scopes": dbus.Array(["x"], signature="s")}
+
+
+class Seat(dbus.service.Object):
+    """Shows the first of the sessions."""
+
+    def __init__(self, manager):
+        super().__init__(manager.connection, f"{PATH}/seat/seat0")
+        self.manager = manager
+
+    @dbus.service.method(PROPERTIES, in_signature="ss", out_signature="v")
+    def Get(self, _, name):
+        assert name == "ActiveSession"
+        shown = ("0", f"{PATH}/session/_0") if self.manager.sessions else ("", "/")
+        return dbus.Struct((shown[0], dbus.ObjectPath(shown[1])), signature="so", variant_level=1)
 
 
 class Manager(dbus.service.Object):
@@ -49,6 +64,7 @@ class Manager(dbus.service.Object):
         super().__init__(dbus.service.BusName(NAME, bus), PATH)
         self.clocks, self.script, self.sessions, self.locks = clocks, dict(SCRIPT), [], {}
         self.calls, self.under_way = [], False
+        self.seat = Seat(self)
 
     @dbus.service.method(TEST, in_signature="s", out_signature="s")
     def Script(self, changes):
@@ -63,20 +79,22 @@ class Manager(dbus.service.Object):
     def ListInhibitors(self, answer, fail):
         self.calls.append("ListInhibitors")
         if not self.script["hangs"]:
-            own = [lock for lock in self.locks.values()]
-            answer([(*lock, 0, 1) for lock in self.script["inhibitors"] + own])
+            others = [(*lock, 0, 1) for lock in self.script["inhibitors"]]
+            answer(others + [(*lock[:4], 0, lock[4]) for lock in self.locks.values()])
 
     @dbus.service.method(MANAGER, out_signature="a(susso)")
     def ListSessions(self):
         return [(str(number), 1000, "alice", "seat0", f"{PATH}/session/_{number}")
                 for number in range(len(self.sessions))]
 
-    @dbus.service.method(MANAGER, in_signature="ssss", out_signature="h")
-    def Inhibit(self, what, who, why, mode):
+    @dbus.service.method(MANAGER, in_signature="ssss", out_signature="h", sender_keyword="sender")
+    def Inhibit(self, what, who, why, mode, sender):
         if self.under_way and mode == "delay":
             raise dbus.DBusException("under way", name=f"{NAME}.OperationInProgress")
         kept, given = os.pipe()
-        self.locks[kept] = [what, who, why, mode]
+        process = self.connection.call_blocking("org.freedesktop.DBus", "/", "org.freedesktop.DBus",
+                                                "GetConnectionUnixProcessID", "s", (sender,))
+        self.locks[kept] = [what, who, why, mode, process]
         GLib.io_add_watch(kept, GLib.PRIORITY_DEFAULT, GLib.IO_HUP, self.released)
         answer = dbus.types.UnixFd(given)
         os.close(given)

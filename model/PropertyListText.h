@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "model/Value.h"
+
+namespace quorel {
+
+/// The text form of a property list, in which GNUstep writes bundles' information dictionaries: dictionaries, arrays
+/// and texts, in UTF-8, with comments. Absent for whatever is malformed or deeper than kMaximumPropertyListDepth, and
+/// for data, which no such dictionary needs. The caller bounds the size. Any thread, never throws but for memory.
+Value decodePropertyListText(std::string_view bytes);
+
+}  // namespace quorel

@@ -1,0 +1,162 @@
+#!/usr/bin/env python3
+"""What the daemon does with modules' actions: daemon_modules_test.py DAEMON KIT_CALLER STEPPING_DAEMON PLUG_INS
+
+A stand-in plays the service manager, and runs the programs without a sandbox.
+"""
+import json
+import os
+import plistlib
+import signal
+import sys
+
+import dbus
+
+from acting_case import POLICY, SLEEP, ActingCase, instant, schedule
+from daemon_case import SUPPORT, main
+
+PLUG_INS = sys.argv[4]
+SYSTEMD, AGENTS = "org.freedesktop.systemd1", "com.quorel.Agents1"
+ACTION = "org.example.Act"
+WORDS = {"QuorelActionType": ACTION, "QuorelActionProgram": "act", "QuorelActionRunsAs": "system",
+         "QuorelActionNames": {"en": "Do it", "fr": "Faites-le"}}
+# Waits until it is let go, when there is something that holds it, and ends as it is told.
+PROGRAM = """#!/bin/sh
+cat > {place}/input
+env > {place}/environment
+echo begun > {place}/begun
+while [ -e {place}/hold ]; do sleep 0.02; done
+{end}
+"""
+
+
+class ModulesTest(ActingCase):
+    policy = POLICY + POLICY.replace("org.freedesktop.login1", SYSTEMD)
+
+    def setUp(self):
+        super().setUp()
+        self.place = self.system.place
+        self.systemd = None
+
+    def add_module(self, end="exit 0", **words):
+        resources = f"{self.root}{PLUG_INS}/Act.vxplugin/Resources"
+        os.makedirs(resources, exist_ok=True)
+        with open(f"{resources}/Info-gnustep.plist", "wb") as file:
+            plistlib.dump({**WORDS, **{f"QuorelAction{key}": value for key, value in words.items()}}, file)
+        with open(f"{resources}/act", "w") as file:
+            file.write(PROGRAM.format(place=self.place, end=end))
+        os.chmod(f"{resources}/act", 0o755)
+
+    def start_systemd(self):
+        self.system.start([sys.executable, f"{SUPPORT}/systemd.py", self.system.addresses["system"]], name=SYSTEMD)
+        bus = self.system.connect()
+        self.addCleanup(bus.close)
+        self.systemd = dbus.Interface(bus.get_object(SYSTEMD, "/org/freedesktop/systemd1"), "com.quorel.Test")
+
+    def hold(self, holds):
+        path = f"{self.place}/hold"
+        open(path, "w").close() if holds else os.remove(path)
+
+    def begin_action(self, *others, **script):
+        """At its minute."""
+        self.begin(schedule(ACTION, "23:15", text="é"), *others, **script)
+        self.move_to("23:15")
+
+    def has_begun(self):
+        self.wait_for(lambda: os.path.exists(f"{self.place}/begun"), "the program runs")
+
+    def test_runs_at_its_minute(self):
+        self.add_module(Needs=["network"], Writes=["/var/lib/act"], TimeLimit=60)
+        self.hold(True)
+        self.start_systemd()
+        self.begin_action(schedule(SLEEP, "23:15"))
+        self.has_begun()
+        self.assertIn(["sleep", "block"], [[lock[0], lock[3]] for lock in self.script()["locks"]])
+        with open(f"{self.place}/input", "rb") as file:
+            self.assertEqual(plistlib.load(file), {"text": "é"})
+        (name, told), = json.loads(self.systemd.Refuse("")).items()
+        token = name.removeprefix("quorel-").removesuffix(".service")
+        with open(f"{self.place}/environment") as file:
+            environment = dict(line.split("=", 1) for line in file.read().splitlines())
+        self.assertEqual({key: environment[key] for key in environment if key.startswith("QUOREL_")},
+                         {"QUOREL_ACTION": ACTION, "QUOREL_OCCURRENCE": token, "QUOREL_MADE_UP": "0",
+                          "QUOREL_DUE": str(instant("23:15"))})
+        promised = {"DynamicUser": 1, "NoNewPrivileges": 1, "ProtectSystem": "strict", "ProtectHome": "yes",
+                    "PrivateDevices": 1, "CapabilityBoundingSet": 0, "ReadWritePaths": ["/var/lib/act"],
+                    "RuntimeMaxUSec": 60_000_000, "CollectMode": "inactive-or-failed"}
+        self.assertEqual({key: told[key] for key in promised}, promised)
+        self.assertNotIn("PrivateNetwork", told)
+        # Sleep has its minute, too, and waits.
+        self.wait_for(lambda: self.steps() == ["running", "waiting"], "sleep waits")
+        self.hold(False)
+        self.wait_for(lambda: "ran" in self.outcomes(), "it has ended")
+        self.hear("Do it of Mon 2027-03-01 23:15: done in")
+        self.wait_for(lambda: self.steps() == ["warned"], "nothing holds sleep up")
+        self.assertEqual(self.own_locks(), ["sleep:shutdown"])
+
+    def test_ends_of_all_kinds(self):
+        for end, words, code, arguments in (
+                ("exit 3", {}, "failed", {"Status": 3, "Reason": ""}),
+                ("kill -9 $$", {}, "failed", {"Status": 9, "Reason": "signal"}),
+                ("trap '' TERM; sleep 1000", {"TimeLimit": 1}, "timed-out", {}),
+                ("exit 226", {}, "not-started", {"Reason": "no-sandbox"}),
+                (None, {}, "not-started", {"Reason": "no-program"}),
+                ("refused", {}, "not-started", {"Reason": "refused"}),
+                ("no manager", {}, "not-started", {"Reason": "no-manager"})):
+            with self.subTest(end):
+                self.setUp()
+                self.add_module(end, **words)
+                if end != "no manager":
+                    self.start_systemd()
+                    self.systemd.Refuse("refused" if end == "refused" else "")
+                self.begin(schedule(ACTION, "23:15"))
+                if not end:  # gone since the list was read
+                    os.remove(f"{self.root}{PLUG_INS}/Act.vxplugin/Resources/act")
+                self.move_to("23:15")
+                self.last(code, **arguments)
+                self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "sleep is let go")
+
+    def test_finds_it_again(self):
+        for is_found in (True, False):
+            with self.subTest(is_found=is_found):
+                self.setUp()
+                self.add_module()
+                self.hold(True)
+                self.start_systemd()
+                self.begin_action()
+                self.has_begun()
+                self.daemon.send_signal(signal.SIGKILL)
+                self.daemon.wait()
+                if not is_found:
+                    self.systemd.Forget()
+                self.start_daemon()
+                self.hold(False)
+                self.last("ran" if is_found else "unknown")
+                os.remove(f"{self.place}/begun")  # was not begun again
+
+    def test_asks_the_agent_of_who_sits_there(self):
+        self.add_module(RunsAs="user", TimeLimit=60)
+        for sessions, registers, code, arguments in (
+                ([], True, "not-started", {"Reason": "nobody"}),
+                ([{"Class": "greeter", "User": 0}], True, "not-started", {"Reason": "nobody"}),
+                ([{"User": 0}], False, "not-started", {"Reason": "no-agent"}),
+                ([{"User": 0}], True, "failed", {"Status": 4, "Reason": "why"})):
+            with self.subTest(sessions, registers=registers):
+                self.setUp()
+                self.add_module(RunsAs="user", TimeLimit=60)
+                self.begin(schedule(ACTION, "23:15", text="é"), sessions=sessions)
+                bus = self.system.connect()
+                self.addCleanup(bus.close)
+                agents = dbus.Interface(bus.get_object("com.quorel.Daemon", "/com/quorel/Agents"), AGENTS)
+                if registers:
+                    agents.Register()
+                self.move_to("23:15")
+                if code == "failed":
+                    action, = self.wait_for(lambda: agents.Work()["Actions"], "there is something to do")
+                    self.assertEqual(action["Program"], f"{self.root}{PLUG_INS}/Act.vxplugin/Resources/act")
+                    self.assertEqual(plistlib.loads(action["Parameters"].encode()), {"text": "é"})
+                    self.assertEqual((action["Due"], action["MadeUp"], action["TimeLimit"]), (instant("23:15"), False, 60))
+                    agents.ReportAction(action["Token"], "failed", 4, "why")
+                self.last(code, **arguments)
+
+
+main()
