@@ -1,7 +1,14 @@
 #import <Quorel/VXPrefPanePlugInProtocol.h>
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
 #include <string>
+
+#include "model/ModuleKeys.h"
+#include "model/PropertyList.h"
 
 typedef NSObject<VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages> Module;
 
@@ -26,6 +33,9 @@ struct Expected {
     const char *path;
     const char *identifier;
     const char *name;
+    const char *frenchName;
+    const char *program;
+    const char *runsAs;
     bool base;
     bool startupIsFree;
     bool wakeUpIsFree;
@@ -77,7 +87,7 @@ protected:
         NSDictionary *before = [module parameters];
         [module fillParametersFromSetupInterface];
         EXPECT_TRUE([[module parameters] isEqual:before]) << [[before description] UTF8String];
-        EXPECT_EQ([module needsWakeUp] != NO, GetParam().wakeUpByDefault);
+        if (!GetParam().wakeUpIsFree) EXPECT_EQ([module needsWakeUp] != NO, GetParam().wakeUpByDefault);
     }
 
     NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
@@ -93,6 +103,26 @@ TEST_P(ModuleContract, SaysWhoItIs) {
     [module loadNib];
     EXPECT_EQ([module setupView] != nil, GetParam().hasView);
     if ([module setupView]) EXPECT_LE(NSWidth([[module setupView] frame]), 440);
+}
+
+TEST_P(ModuleContract, TellsTheSameToWhoLoadsNoClass) {
+    using namespace quorel;
+    const std::string resources = std::string(GetParam().path) + "/Resources/";
+    std::ifstream file(resources + "Info-gnustep.plist");
+    const Value information = decodePropertyList(std::string(std::istreambuf_iterator<char>(file), {}));
+    EXPECT_EQ(information[module_keys::kActionType].text(), GetParam().identifier);
+    EXPECT_EQ(information[module_keys::kNames]["en"].text(), GetParam().name);
+    EXPECT_EQ(information[module_keys::kNames]["fr"].text(), GetParam().frenchName);
+    NSString *table = [bundle pathForResource:@"Localizable"
+                                       ofType:@"strings"
+                                  inDirectory:nil
+                              forLocalization:@"French"];
+    NSArray *french = [[[NSString stringWithContentsOfFile:table] propertyListFromStringsFileFormat] allValues];
+    EXPECT_TRUE([french containsObject:[NSString stringWithUTF8String:GetParam().frenchName]]);
+    const std::string &program = information[module_keys::kProgram].text();
+    EXPECT_EQ(program, GetParam().program);
+    EXPECT_EQ(information[module_keys::kRunsAs].text(), GetParam().runsAs);
+    EXPECT_EQ(access((resources + program).c_str(), X_OK), 0);
 }
 
 TEST_P(ModuleContract, KeepsBothFlagsInItsParameters) {
@@ -130,9 +160,18 @@ TEST_P(ModuleContract, GetsOverWhateverStandsInTheFile) {
 }
 
 constexpr Expected kModules[] = {
-    {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", true, false, false, false, true},
-    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", true, true, false, true, false},
-    {SAMPLE_MODULE "/SayMessage.vxplugin", "org.example.SayMessage", "Say a message", false, true, false, true, true}};
+    {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", "Veille", "", "",  //
+     true, false, false, false, true},
+    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", "Réveil", "", "",  //
+     true, true, false, true, false},
+    {BUILT_IN_MODULES "/ShutDown.vxplugin", "com.quorel.plugin.ShutDown", "Shut Down", "Extinction", "", "",  //
+     true, false, false, false, true},
+    {BUILT_IN_MODULES "/Open.vxplugin", "com.quorel.plugin.Open", "Open", "Ouvrir", "open", "user",  //
+     false, true, true, false, true},
+    {BUILT_IN_MODULES "/Message.vxplugin", "com.quorel.plugin.Message", "Message", "Message", "message", "user",  //
+     false, true, true, false, true},
+    {SAMPLE_MODULE "/SayMessage.vxplugin", "org.example.SayMessage", "Say a message", "Dire un message", "say",
+     "system", false, true, false, true, true}};
 INSTANTIATE_TEST_SUITE_P(Modules, ModuleContract, testing::ValuesIn(kModules), [](const auto &info) {
     const std::string path = info.param.path;
     const std::size_t name = path.rfind('/') + 1;
