@@ -34,9 +34,6 @@ using namespace quorel::parameters;
 
     [_checkBox sizeToFit];
     VXAddLine(self, 0, VXLineHeight, @[ _checkBox, _field, _stepper, VXLabel(unit) ], nil);
-    [self setNextKeyView:_checkBox];
-    [_checkBox setNextKeyView:_field];
-    [_field setNextKeyView:_stepper];
     [self setMinutes:kLeastIdleMinutes];
     return self;
 }

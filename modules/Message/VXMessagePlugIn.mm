@@ -6,18 +6,39 @@
 
 using namespace quorel::parameters;
 
+/* Lines are ended by Return, which a button has elsewhere; Tab is the keyboard's way on, as elsewhere. */
+@interface VXMessageTextView : NSTextView
+@end
+
+@implementation VXMessageTextView
+
+- (BOOL)performKeyEquivalent:(NSEvent *)event {
+    if ([[self window] firstResponder] != self || ![[event characters] isEqual:@"\r"]) return NO;
+    [self insertNewline:nil];
+    return YES;
+}
+
+- (void)insertTab:(id)sender {
+    [[self window] selectKeyViewFollowingView:self];
+}
+
+- (void)insertBacktab:(id)sender {
+    [[self window] selectKeyViewPrecedingView:self];
+}
+
+@end
+
 /* Shows a title and a text to whoever uses the computer. */
 @interface VXMessagePlugIn : VXPlugIn {
     NSView *_setupView;
     NSTextField *_title;
-    NSTextView *_text;
+    VXMessageTextView *_text;
 }
 @end
 
 @implementation VXMessagePlugIn
 
 - (void)dealloc {
-    [_text setDelegate:nil];
     [_setupView release];
     [_title release];
     [_text release];
@@ -34,11 +55,11 @@ using namespace quorel::parameters;
     NSScrollView *scroll = [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, 0, kTextHeight - 6)] autorelease];
     [scroll setBorderType:NSBezelBorder];
     [scroll setHasVerticalScroller:YES];
-    _text = [[NSTextView alloc] initWithFrame:NSZeroRect];
+    [scroll setAutohidesScrollers:YES];
+    _text = [[VXMessageTextView alloc] initWithFrame:NSZeroRect];
     [_text setRichText:NO];
     [_text setAutoresizingMask:NSViewWidthSizable];
     [_text setToolTip:VXLocalized(@"Texte du message", self)];
-    [_text setDelegate:(id)self];
     [scroll setDocumentView:_text];
 
     NSTextField *titleLabel = VXLabel(VXLocalized(@"Titre", self));
@@ -49,26 +70,11 @@ using namespace quorel::parameters;
     VXAddLine(_setupView, kTextHeight, VXLineHeight, @[ titleLabel, _title ], _title);
     VXAddLine(_setupView, 0, kTextHeight, @[ textLabel, scroll ], scroll);
     [_text setFrame:NSMakeRect(0, 0, [scroll contentSize].width, [scroll contentSize].height)];
-    [_setupView setNextKeyView:_title];
-    [_title setNextKeyView:_text];
     [self fillSetupInterfaceFromParameters];
 }
 
 - (NSView *)setupView {
     return _setupView;
-}
-
-/* The keyboard's way on; a text view takes it for a character. */
-- (BOOL)textView:(NSTextView *)view doCommandBySelector:(SEL)command {
-    if (sel_isEqual(command, @selector(insertTab:))) {
-        [[view window] selectKeyViewFollowingView:view];
-        return YES;
-    }
-    if (sel_isEqual(command, @selector(insertBacktab:))) {
-        [[view window] selectKeyViewPrecedingView:view];
-        return YES;
-    }
-    return NO;
 }
 
 - (void)complete:(NSMutableDictionary *)parameters {

@@ -34,8 +34,6 @@ using namespace quorel::parameters;
     VXAddLine(_setupView, kHelpHeight, VXLineHeight, @[ VXLabel(VXLocalized(@"Ouvrir", self)), _target, choose ],
               _target);
     VXAddLine(_setupView, 0, kHelpHeight, @[ VXLabel(VXLocalized(@"Aide", self)) ], nil);
-    [_setupView setNextKeyView:_target];
-    [_target setNextKeyView:choose];
     [self fillSetupInterfaceFromParameters];
 }
 
@@ -44,7 +42,9 @@ using namespace quorel::parameters;
 }
 
 - (void)choose:(id)sender {
+    NSString *folder = [[_target stringValue] stringByDeletingLastPathComponent];
     NSOpenPanel *panel = [NSOpenPanel openPanel];
+    [panel setDirectory:[folder isAbsolutePath] ? folder : @"/usr/share/applications"];
     [panel setCanChooseDirectories:YES];
     [panel setAllowsMultipleSelection:NO];
     if ([panel runModal] == NSOKButton) [_target setStringValue:[[panel filenames] objectAtIndex:0]];
@@ -67,8 +67,7 @@ using namespace quorel::parameters;
 - (NSString *)actionString {
     NSString *target = VXOneLine(VXTextParameter(_parameters, VXKey(kTarget)));
     if ([target length] == 0) return VXLocalized(@"N'ouvre rien", self);
-    if ([target hasPrefix:@"/"] || [target hasPrefix:@"~/"]) target = [target lastPathComponent];
-    return [NSString stringWithFormat:VXLocalized(@"Ouvre %@", self), target];
+    return [target hasPrefix:@"/"] || [target hasPrefix:@"~/"] ? [target lastPathComponent] : target;
 }
 
 @end

@@ -32,8 +32,6 @@ enum { kShutsDown, kRestarts };  // items of the pop-up button
     [_choice setToolTip:VXLocalized(@"Ce que fait l'ordinateur", self)];
     VXAddLine(_setupView, VXLineHeight, VXLineHeight, @[ _choice ], nil);
     [_setupView addSubview:idleView];
-    [_setupView setNextKeyView:_choice];
-    [_choice setNextKeyView:idleView];
     [self fillSetupInterfaceFromParameters];
 }
 
