@@ -1,15 +1,16 @@
 // Opens what a Schedule names, in the session in which it is started: a web address, a file, or an application.
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -26,7 +27,7 @@ namespace fs = std::filesystem;
 using Command = std::vector<std::string>;
 
 /// What fails does so at once; what still runs after that has opened.
-constexpr std::time_t kPatience = 5;
+constexpr int kPatience = 5000;  // milliseconds
 
 std::string environmentOr(const char* name, std::string otherwise) {
     const char* value = std::getenv(name);
@@ -100,10 +101,7 @@ int start(Command command, pid_t& child) {
     posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
-    sigset_t none;
-    sigemptyset(&none);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
     const int error = posix_spawnp(&child, arguments[0], &files, &attributes, arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&files);
@@ -111,18 +109,14 @@ int start(Command command, pid_t& child) {
 }
 
 void run(const Command& command) {
-    sigset_t ends;
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGCHLD);
-    sigprocmask(SIG_BLOCK, &ends, nullptr);
     pid_t child = 0;
     int error = start(command, child);
     // Files of some disks are all marked as programs.
     if (error == ENOEXEC) error = start({"xdg-open", command.back()}, child);
     if (error != 0) throw std::runtime_error(command.front() + ": " + std::strerror(error));
 
-    const timespec patience{kPatience, 0};
-    sigtimedwait(&ends, nullptr, &patience);
+    pollfd end{static_cast<int>(syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
+    poll(&end, 1, kPatience);
     int status = 0;
     if (waitpid(child, &status, WNOHANG) != child || status == 0) return;
     throw std::runtime_error(command.front() + (WIFEXITED(status)
