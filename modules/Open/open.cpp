@@ -91,14 +91,16 @@ Command opening(const std::string& target) {
     throw std::runtime_error("neither a web address nor a whole path: " + target);
 }
 
-/// In a session of its own: it stays when this program has ended. The error, or 0.
+/// In a session of its own, and with nobody to read what it writes: it stays when this program has ended. The error, or
+/// 0.
 int start(Command command, pid_t& child) {
     std::vector<char*> arguments;
     for (std::string& word : command) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        posix_spawn_file_actions_addopen(&files, file, "/dev/null", O_RDWR, 0);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);

@@ -1,16 +1,14 @@
 #import <Quorel/VXPrefPanePlugInProtocol.h>
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <fstream>
-#include <iterator>
 #include <string>
+#include <string_view>
 
 #include "model/ModuleKeys.h"
-#include "model/PropertyList.h"
 
 typedef NSObject<VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages> Module;
+
+using namespace quorel::module_keys;
 
 namespace {
 
@@ -24,6 +22,10 @@ Class classIn(NSBundle *bundle) {
     return name ? [bundle classNamed:name] : nil;
 }
 
+NSString *key(std::string_view name) {
+    return [NSString stringWithUTF8String:name.data()];
+}
+
 /// By name: a @protocol expression of clang's is none that this runtime can compare where no class adopts it.
 Protocol *contract() {
     return NSProtocolFromString(@"VXPrefPanePlugInProtocol");
@@ -34,7 +36,7 @@ struct Expected {
     const char *identifier;
     const char *name;
     const char *frenchName;
-    const char *program;
+    const char *program;  // of what the daemon does not carry out itself
     const char *runsAs;
     bool base;
     bool startupIsFree;
@@ -106,23 +108,22 @@ TEST_P(ModuleContract, SaysWhoItIs) {
 }
 
 TEST_P(ModuleContract, TellsTheSameToWhoLoadsNoClass) {
-    using namespace quorel;
-    const std::string resources = std::string(GetParam().path) + "/Resources/";
-    std::ifstream file(resources + "Info-gnustep.plist");
-    const Value information = decodePropertyList(std::string(std::istreambuf_iterator<char>(file), {}));
-    EXPECT_EQ(information[module_keys::kActionType].text(), GetParam().identifier);
-    EXPECT_EQ(information[module_keys::kNames]["en"].text(), GetParam().name);
-    EXPECT_EQ(information[module_keys::kNames]["fr"].text(), GetParam().frenchName);
+    NSDictionary *information = [bundle infoDictionary];
+    NSDictionary *names = [information objectForKey:key(kNames)];
+    EXPECT_STREQ([[information objectForKey:key(kActionType)] UTF8String], GetParam().identifier);
+    EXPECT_STREQ([[names objectForKey:@"en"] UTF8String], GetParam().name);
+    EXPECT_STREQ([[names objectForKey:@"fr"] UTF8String], GetParam().frenchName);
     NSString *table = [bundle pathForResource:@"Localizable"
                                        ofType:@"strings"
                                   inDirectory:nil
                               forLocalization:@"French"];
     NSArray *french = [[[NSString stringWithContentsOfFile:table] propertyListFromStringsFileFormat] allValues];
     EXPECT_TRUE([french containsObject:[NSString stringWithUTF8String:GetParam().frenchName]]);
-    const std::string &program = information[module_keys::kProgram].text();
-    EXPECT_EQ(program, GetParam().program);
-    EXPECT_EQ(information[module_keys::kRunsAs].text(), GetParam().runsAs);
-    EXPECT_EQ(access((resources + program).c_str(), X_OK), 0);
+    NSString *program = [information objectForKey:key(kProgram)];
+    EXPECT_STREQ([program UTF8String], GetParam().program);
+    EXPECT_STREQ([[information objectForKey:key(kRunsAs)] UTF8String], GetParam().runsAs);
+    NSString *file = [[bundle resourcePath] stringByAppendingPathComponent:program ? program : @""];
+    EXPECT_TRUE([[NSFileManager defaultManager] isExecutableFileAtPath:file]);
 }
 
 TEST_P(ModuleContract, KeepsBothFlagsInItsParameters) {
@@ -159,12 +160,13 @@ TEST_P(ModuleContract, GetsOverWhateverStandsInTheFile) {
     expectUsable();
 }
 
+constexpr const char *kNone = nullptr;
 constexpr Expected kModules[] = {
-    {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", "Veille", "", "",  //
+    {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", "Veille", kNone, kNone,  //
      true, false, false, false, true},
-    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", "Réveil", "", "",  //
+    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", "Réveil", kNone, kNone,  //
      true, true, false, true, false},
-    {BUILT_IN_MODULES "/ShutDown.vxplugin", "com.quorel.plugin.ShutDown", "Shut Down", "Extinction", "", "",  //
+    {BUILT_IN_MODULES "/ShutDown.vxplugin", "com.quorel.plugin.ShutDown", "Shut Down", "Extinction", kNone, kNone,  //
      true, false, false, false, true},
     {BUILT_IN_MODULES "/Open.vxplugin", "com.quorel.plugin.Open", "Open", "Ouvrir", "open", "user",  //
      false, true, true, false, true},
