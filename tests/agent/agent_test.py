@@ -10,6 +10,7 @@ import time
 import unittest
 
 import dbus
+import dbus.lowlevel
 
 from fake_browser import FakeBrowser
 from feed_server import FeedServer, certificate, record
