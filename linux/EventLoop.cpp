@@ -59,13 +59,17 @@ LoopTimer::LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock
     sd_event_source* source = nullptr;
     check(sd_event_add_time(loop.get(), &source, clock, 0, 1, called, this), "no timer");
     _source.reset(source);
-    sd_event_source_set_enabled(source, SD_EVENT_OFF);
+    stop();
 }
 
 void LoopTimer::start(std::chrono::microseconds after) {
     const auto delay = std::max<std::chrono::microseconds::rep>(after.count(), 0);
     sd_event_source_set_time_relative(_source.get(), static_cast<std::uint64_t>(delay));
     sd_event_source_set_enabled(_source.get(), SD_EVENT_ONESHOT);
+}
+
+void LoopTimer::stop() {
+    sd_event_source_set_enabled(_source.get(), SD_EVENT_OFF);
 }
 
 bool LoopTimer::isRunning() const {

@@ -45,6 +45,7 @@ public:
 
     /// A timer that runs begins anew.
     void start(std::chrono::microseconds after);
+    void stop();
     bool isRunning() const;
 
 private:

@@ -130,6 +130,7 @@ TrayItem::TrayItem(EventLoop& loop, std::function<void()> activated, std::functi
 }
 
 void TrayItem::panelCame() {
+    _again.stop();  // who is told of an item twice makes it anew, under the hand of who uses it
     _attempts = kAttempts;
     registerAtPanel();
 }

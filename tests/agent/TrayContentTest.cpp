@@ -31,15 +31,9 @@ TEST(TrayContent, MeansTheNextOccurrenceThatIsStillAhead) {
             upcoming.emplace_back(Dictionary{{"Step", step}, {"Token", std::to_string(upcoming.size())}});
         const TrayContent content = trayContent(upcoming, maySkip, mayPostpone);
         EXPECT_EQ(content.token, token);
-        const std::vector<int> choices = {TrayContent::kNone,
-                                          mayPostpone && !token.empty() ? TrayContent::kPostpone : 0,
-                                          maySkip && !token.empty() ? TrayContent::kSkip : 0,
-                                          TrayContent::kNone,
-                                          TrayContent::kCheckUpdates,
-                                          TrayContent::kOpenSettings};
-        ASSERT_EQ(content.menu.size(), lines + choices.size());
-        for (std::size_t i = 0; i < content.menu.size(); ++i)
-            EXPECT_EQ(content.menu[i].choice, i < lines ? 0 : choices[i - lines]) << i;
+        ASSERT_EQ(content.menu.size(), lines + 6);
+        EXPECT_EQ(content.menu[lines + 1].choice, mayPostpone && !token.empty() ? TrayContent::kPostpone : 0);
+        EXPECT_EQ(content.menu[lines + 2].choice, maySkip && !token.empty() ? TrayContent::kSkip : 0);
     }
 }
 
