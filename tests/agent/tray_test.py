@@ -69,7 +69,10 @@ class TrayTest(unittest.TestCase):
         return read_line(self.probe)
 
     def run_tool(self, *words):
-        return subprocess.run(list(map(str, words)), env=self.system.environment(), stdout=subprocess.PIPE).stdout
+        """What it prints. Nothing when it fails, as those do that look at a window which goes meanwhile."""
+        done = subprocess.run(list(map(str, words)), env=self.system.environment(), stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL)
+        return b"" if done.returncode else done.stdout
 
     def pixels(self, x, y, width, height, form="gray:-"):
         return self.run_tool("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", "-depth", 8,
@@ -77,15 +80,18 @@ class TrayTest(unittest.TestCase):
 
     def wait_for_icon(self, there=True):
         """The panel itself is of few colours."""
-        wait_until(lambda: (int(self.pixels(0, 0, 100, HEIGHT, "colours")) > 40) == there,
-                   f"the icon is {'there' if there else 'gone'}")
+        def seen():
+            colours = self.pixels(0, 0, 100, HEIGHT, "colours")
+            return colours and (int(colours) > 40) == there
+        wait_until(seen, f"the icon is {'there' if there else 'gone'}")
 
     def click(self, x, y, button=1):
         self.run_tool("xdotool", "mousemove", x, y, "sleep", 0.1, "click", button)
 
     def menu(self):
         """Where the menu is: the one window that is higher than the panel and smaller than the screen."""
-        told = self.run_tool("xdotool", "search", "--onlyvisible", "--name", "", "getwindowgeometry", "--shell", "%@")
+        windows = "search", "--onlyvisible", "--name", "", "getwindowgeometry", "--shell", "%@"
+        told = wait_until(lambda: self.run_tool("xdotool", *windows), "what windows there are")
         frames = re.findall(r"X=(.*)\nY=(.*)\nWIDTH=(.*)\nHEIGHT=(.*)\n", told.decode())
         return next((list(map(int, frame)) for frame in frames if 2 * HEIGHT < int(frame[3]) < 500), None)
 
@@ -104,11 +110,10 @@ class TrayTest(unittest.TestCase):
                 band.append(band[-1] + 1)
         return [(x + 40, y + sum(band) // len(band)) for band in bands if len(band) > 4]  # fewer are a separator
 
-    def open_menu(self, lines):
-        """Waits for so many of them."""
+    def open_menu(self, count):
+        """Its lines, when there are so many of them."""
         self.click(HEIGHT // 3, HEIGHT // 2, button=3)
-        wait_until(lambda: len(self.lines()) == lines, f"a menu of {lines} lines")
-        return self.lines()
+        return wait_until(lambda: len(lines := self.lines()) == count and lines, f"a menu of {count} lines")
 
     def choose(self, line):
         self.click(*line)
