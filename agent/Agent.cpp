@@ -37,6 +37,7 @@ Agent::Agent(Options options)
       _idleMeter(_bus.get()),
       _daemon(_loop, {[this] { daemonChanged(); }, [this](std::int64_t question) { tellIdle(question); }}),
       _warnings(_loop, _bus.get(), _daemon),
+      _actions(_bus.get(), [this](const auto&... report) { _daemon.reportAction(report...); }),
       _watch(_loop, [this] { tellIdle(0); }),
       _endpoint(_bus.get(), [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
     _loop.endOn({SIGTERM, SIGINT});
@@ -58,6 +59,7 @@ int Agent::run() {
 
 void Agent::daemonChanged() {
     _warnings.update();
+    _actions.take(_daemon.actions());
     if (_daemon.watchesUse() && !_watch.isRunning()) _watch.start(kBetweenMeasurements);
 }
 

@@ -10,6 +10,7 @@
 #include "agent/LastCheckFile.h"
 #include "agent/Notifier.h"
 #include "agent/Reports.h"
+#include "agent/UserActions.h"
 #include "agent/Warnings.h"
 #include "kit/update/CurlUpdateChecker.h"
 #include "linux/BusEndpoint.h"
@@ -59,6 +60,7 @@ private:
     IdleMeter _idleMeter;
     DaemonLink _daemon;
     Warnings _warnings;
+    UserActions _actions;
     LoopTimer _watch;  // while the daemon wants to know at once that somebody uses the computer
     const BusEndpoint _endpoint;
     std::thread _check;  // joinable from its start to the end that is told of it
