@@ -6,6 +6,7 @@
 
 #include "kit/MOLLog.h"
 #include "linux/Browser.h"
+#include "linux/Launch.h"
 #include "model/Names.h"
 #include "model/Preferences.h"
 
@@ -23,10 +24,19 @@ void openPage(const std::string& page) {
     if (!openInBrowser(page)) MOLLog("No browser could be started for %s", page.c_str());
 }
 
+void openSettings() {
+    if (!startProgram({"SystemPreferences"})) MOLLog("The settings application could not be started.");
+}
+
+void logRefusal(const std::string& reason) {
+    MOLLog("The daemon refuses: %s", reason.c_str());
+}
+
 }  // namespace
 
 Agent::Agent(Options options)
     : _checker(std::move(options.updates)),
+      _root(options.root),
       _files(std::move(options.root)),
       _lastCheckFile(LastCheckFile::defaultPath()),
       _interval(_lastCheckFile.read()),
@@ -37,6 +47,10 @@ Agent::Agent(Options options)
       _idleMeter(_bus.get()),
       _daemon(_loop, {[this] { daemonChanged(); }, [this](std::int64_t question) { tellIdle(question); }}),
       _warnings(_loop, _bus.get(), _daemon),
+      _actions(_bus.get(), [this](const auto&... report) { _daemon.reportAction(report...); }),
+      _tray(_loop, {[this](const std::string& token) { _daemon.skip(token, logRefusal); },
+                    [this](const std::string& token) { _daemon.postpone(token, logRefusal); },
+                    [this] { checkByHand(); }, openSettings}),
       _watch(_loop, [this] { tellIdle(0); }),
       _endpoint(_bus.get(), [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
     _loop.endOn({SIGTERM, SIGINT});
@@ -50,6 +64,7 @@ Agent::~Agent() {
 int Agent::run() {
     // A desktop may start the agent in more than one way; whichever comes second has nothing to do or to say.
     if (!requestName(_bus.get(), std::string(kUserAgentName))) return 0;
+    _menuBar.emplace(_loop, _root, [this](bool on) { _tray.show(on); });
     _look.start({});
     const int status = _loop.run();
     if (status != 0) MOLLog("The session bus has gone.");
@@ -58,6 +73,11 @@ int Agent::run() {
 
 void Agent::daemonChanged() {
     _warnings.update();
+    _actions.take(_daemon.actions());
+    if (_daemon.isThere())
+        _tray.update(_daemon.upcoming(), _daemon.maySkip(), _daemon.mayPostpone());
+    else
+        _tray.daemonHasGone();
     if (_daemon.watchesUse() && !_watch.isRunning()) _watch.start(kBetweenMeasurements);
 }
 
@@ -72,12 +92,17 @@ void Agent::take(const BusNotification& notification, const BusAnswer& answer) {
     if (notification.name != kUserAgentMustCheckUpdates || notification.object != kUserAgentName)
         return answer.refuse(wire::kUnknownNotification, "The agent takes UserAgentMustCheckUpdates alone.");
     answer.accept();
+    checkByHand();
+}
+
+void Agent::checkByHand() {
     _askedByHand = true;  // of a check that runs already, too
     if (!_check.joinable()) startCheck();
 }
 
 void Agent::look() {
     const auto now = currentTime();
+    _menuBar->look();
     if (!_check.joinable()) {
         _interval.setPreferences(_files.dictionaryWithContentsOfFile(preferences::kFile));
         if (_interval.isDue(now)) startCheck();

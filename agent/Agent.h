@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -8,9 +9,12 @@
 #include "agent/DaemonLink.h"
 #include "agent/IdleMeter.h"
 #include "agent/LastCheckFile.h"
+#include "agent/MenuBarSetting.h"
 #include "agent/Notifier.h"
 #include "agent/Reports.h"
+#include "agent/UserActions.h"
 #include "agent/Warnings.h"
+#include "agent/tray/Tray.h"
 #include "kit/update/CurlUpdateChecker.h"
 #include "linux/BusEndpoint.h"
 #include "linux/EventLoop.h"
@@ -39,12 +43,14 @@ public:
 private:
     void take(const BusNotification& notification, const BusAnswer& answer);
     void look();
+    void checkByHand();
     void startCheck();
     void checkEnded();
     void daemonChanged();
     void tellIdle(std::int64_t question);
 
     CurlUpdateChecker _checker;
+    const std::string _root;
     const RootedPropertyListFiles _files;
     const LastCheckFile _lastCheckFile;
     CheckInterval _interval;
@@ -59,7 +65,10 @@ private:
     IdleMeter _idleMeter;
     DaemonLink _daemon;
     Warnings _warnings;
-    LoopTimer _watch;  // while the daemon wants to know at once that somebody uses the computer
+    UserActions _actions;
+    Tray _tray;
+    std::optional<MenuBarSetting> _menuBar;  // once this is the user's agent
+    LoopTimer _watch;                        // while the daemon wants to know at once that somebody uses the computer
     const BusEndpoint _endpoint;
     std::thread _check;  // joinable from its start to the end that is told of it
     std::atomic<bool> _succeeded = false;

@@ -160,8 +160,8 @@ ExitStatus showLog(const Page& page, bool json, unsigned most) {
     for (const Value& one : answer.value.array()) {
         const std::int64_t due = one["Due"].integer();
         const bool hasAction = due != 0;
-        rows.push_back({momentText(hasAction ? due : one["At"].integer()),
-                        hasAction ? actionName(one) : std::string(), outcomeText(one)});
+        rows.push_back({momentText(hasAction ? due : one["At"].integer()), hasAction ? actionName(one) : std::string(),
+                        outcomeText(one)});
     }
     if (json) {
         page.line(jsonText(answer.value));

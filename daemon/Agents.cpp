@@ -1,9 +1,9 @@
 #include "daemon/Agents.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -27,13 +27,6 @@ constexpr auto kPatience = 3s;            // with agents, which measure within a
 constexpr Seconds kJustUsed = 10;         // what agents that watch tell every few seconds
 constexpr Seconds kLongestIdle = 366 * kDay;
 constexpr Seconds kAfterLimit = kMinute;  // an agent that is alive ends it at the limit by itself
-
-constexpr std::array<std::pair<std::string_view, ActionEnd>, 5> kEnds = {
-    {{outcome::kRan, ActionEnd::kRan},
-     {outcome::kFailed, ActionEnd::kFailed},
-     {outcome::kTimedOut, ActionEnd::kTimedOut},
-     {outcome::kNotStarted, ActionEnd::kNotStarted},
-     {outcome::kUnknown, ActionEnd::kUnknown}}};
 
 int refuse(sd_bus_error* error, const char* name, const char* text) {
     return sd_bus_error_set(error, name, text);
@@ -199,9 +192,9 @@ int Agents::reportAction(sd_bus_message* call, void* self, sd_bus_error* error) 
     sd_bus_message_read(call, "ssis", &token, &name, &status, &reason);
     sd_bus_reply_method_return(call, "");
     const auto run = agents._runs.find(std::string_view(token));
-    const auto known = std::ranges::find(kEnds, std::string_view(name), &decltype(kEnds)::value_type::first);
-    if (run != agents._runs.end() && run->second.user == *user && known != kEnds.end())
-        agents.end(token, known->second, status, reason);
+    const auto known = std::ranges::find(kActionEnds, std::string_view(name));
+    if (run != agents._runs.end() && run->second.user == *user && known != std::end(kActionEnds))
+        agents.end(token, static_cast<ActionEnd>(known - std::begin(kActionEnds)), status, reason);
     return 1;
 }
 

@@ -12,7 +12,7 @@ namespace quorel {
 
 namespace {
 
-constexpr std::chrono::seconds kAgentsReturn{20};
+constexpr std::chrono::seconds kAgentsReturn{10};
 
 /// Beside this program, also when its file is replaced by a newer one while it runs.
 std::string runner() {

@@ -55,8 +55,7 @@ void LoginConditions::readInhibitors(sd_bus_message* reply) {
     std::uint32_t process = 0;
     while (sd_bus_message_read(reply, "(ssssuu)", &what, &who, &why, &mode, nullptr, &process) > 0)
         if (std::string_view(mode).starts_with("block") && concernsSleep(what) &&
-            process != static_cast<std::uint32_t>(getpid()) &&
-            _conditions.inhibitors.size() < kMostInhibitors)
+            process != static_cast<std::uint32_t>(getpid()) && _conditions.inhibitors.size() < kMostInhibitors)
             _conditions.inhibitors.push_back({who, why});
     finishIfComplete();
 }

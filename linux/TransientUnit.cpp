@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "linux/Logind.h"
-#include "scheduler/Outcome.h"
 
 namespace quorel {
 

@@ -6,7 +6,7 @@
 
 #include "linux/Bus.h"
 #include "linux/UnitProgram.h"
-#include "scheduler/World.h"
+#include "scheduler/Outcome.h"
 
 namespace quorel {
 

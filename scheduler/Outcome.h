@@ -93,6 +93,11 @@ inline constexpr std::string_view kUntold = "untold";  ///< nothing tells for ho
 
 }  // namespace outcome
 
+/// How a module's program ended: each the outcome of that name.
+enum class ActionEnd { kRan, kFailed, kTimedOut, kNotStarted, kUnknown };
+inline constexpr std::string_view kActionEnds[] = {outcome::kRan, outcome::kFailed, outcome::kTimedOut,
+                                                   outcome::kNotStarted, outcome::kUnknown};
+
 /// What came from elsewhere, fit for a line of a journal, a terminal or a menu: at most 120 characters, in place of
 /// control and direction characters and of what is no UTF-8 stands U+FFFD.
 std::string plainText(std::string_view text);

@@ -8,6 +8,7 @@
 
 #include "model/Value.h"
 #include "scheduler/Instant.h"
+#include "scheduler/Outcome.h"
 
 // What the scheduler asks of the world. It calls on the thread that called it, and only when what it is about to do has
 // been stored. Answers go to the Scheduler's methods of the same name, from inside the call or at any time later; late,
@@ -16,7 +17,6 @@
 namespace quorel {
 
 struct Occurrence;
-struct Outcome;
 
 /// Names one question. Its answer brings it along.
 using Ticket = std::uint64_t;
@@ -37,8 +37,8 @@ struct Inhibitor {
 /// What decides whether the computer may sleep or be shut down now.
 struct Conditions {
     std::optional<std::string> failure;  ///< why nothing could be read; the rest does not count then
-    std::vector<Inhibitor> inhibitors;  ///< everybody's `block` on sleep or shutdown but our own, for running actions
-    std::string scheduledShutdown;      ///< the kind that somebody else has scheduled, or empty
+    std::vector<Inhibitor> inhibitors;   ///< everybody's `block` on sleep or shutdown but our own, for running actions
+    std::string scheduledShutdown;       ///< the kind that somebody else has scheduled, or empty
     std::vector<Session> sessions;
     Seconds sinceLastSession = 0;  ///< since the later of boot, resume and the last log-out
 };
@@ -72,8 +72,6 @@ struct Module {
     bool hasProgram = false;
     Seconds makeUp = 0;  ///< how late a missed action may still run; 0: not at all
 };
-
-enum class ActionEnd { kRan, kFailed, kTimedOut, kNotStarted, kUnknown };
 
 /// Modules' actions; sleep, wake-up and shut-down are none of them.
 class Actions {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What the daemon does with modules' actions: daemon_modules_test.py DAEMON KIT_CALLER STEPPING_DAEMON PLUG_INS
+"""What the daemon does with modules' actions: daemon_modules_test.py DAEMON KIT_CALLER STEPPING_DAEMON PLUG_INS AGENT
 
 A stand-in plays the service manager, and runs the programs without a sandbox.
 """
@@ -14,7 +14,7 @@ import dbus
 from acting_case import POLICY, SLEEP, ActingCase, instant, schedule
 from daemon_case import SUPPORT, main
 
-PLUG_INS = sys.argv[4]
+PLUG_INS, AGENT = sys.argv[4], os.path.abspath(sys.argv[5])
 SYSTEMD, AGENTS = "org.freedesktop.systemd1", "com.quorel.Agents1"
 ACTION = "org.example.Act"
 WORDS = {"QuorelActionType": ACTION, "QuorelActionProgram": "act", "QuorelActionRunsAs": "system",
@@ -46,9 +46,9 @@ class ModulesTest(ActingCase):
             file.write(PROGRAM.format(place=self.place, end=end))
         os.chmod(f"{resources}/act", 0o755)
 
-    def start_systemd(self):
-        self.system.start([sys.executable, f"{SUPPORT}/systemd.py", self.system.addresses["system"]], name=SYSTEMD)
-        bus = self.system.connect()
+    def start_systemd(self, kind="system"):
+        self.system.start([sys.executable, f"{SUPPORT}/systemd.py", self.system.addresses[kind]], name=SYSTEMD, kind=kind)
+        bus = self.system.connect(kind)
         self.addCleanup(bus.close)
         self.systemd = dbus.Interface(bus.get_object(SYSTEMD, "/org/freedesktop/systemd1"), "com.quorel.Test")
 
@@ -133,30 +133,52 @@ class ModulesTest(ActingCase):
                 self.last("ran" if is_found else "unknown")
                 os.remove(f"{self.place}/begun")  # was not begun again
 
-    def test_asks_the_agent_of_who_sits_there(self):
-        self.add_module(RunsAs="user", TimeLimit=60)
-        for sessions, registers, code, arguments in (
-                ([], True, "not-started", {"Reason": "nobody"}),
-                ([{"Class": "greeter", "User": 0}], True, "not-started", {"Reason": "nobody"}),
-                ([{"User": 0}], False, "not-started", {"Reason": "no-agent"}),
-                ([{"User": 0}], True, "failed", {"Status": 4, "Reason": "why"})):
-            with self.subTest(sessions, registers=registers):
+    def test_nobody_there_to_run_it(self):
+        for sessions, reason in (([], "nobody"), ([{"Class": "greeter", "User": 0}], "nobody"),
+                                 ([{"User": 0}], "no-agent")):
+            with self.subTest(sessions):
                 self.setUp()
-                self.add_module(RunsAs="user", TimeLimit=60)
-                self.begin(schedule(ACTION, "23:15", text="é"), sessions=sessions)
-                bus = self.system.connect()
-                self.addCleanup(bus.close)
-                agents = dbus.Interface(bus.get_object("com.quorel.Daemon", "/com/quorel/Agents"), AGENTS)
-                if registers:
-                    agents.Register()
-                self.move_to("23:15")
-                if code == "failed":
-                    action, = self.wait_for(lambda: agents.Work()["Actions"], "there is something to do")
-                    self.assertEqual(action["Program"], f"{self.root}{PLUG_INS}/Act.vxplugin/Resources/act")
-                    self.assertEqual(plistlib.loads(action["Parameters"].encode()), {"text": "é"})
-                    self.assertEqual((action["Due"], action["MadeUp"], action["TimeLimit"]), (instant("23:15"), False, 60))
-                    agents.ReportAction(action["Token"], "failed", 4, "why")
-                self.last(code, **arguments)
+                self.add_module(RunsAs="user")
+                self.begin_action(sessions=sessions)
+                self.last("not-started", Reason=reason)
+
+    def test_runs_in_the_session(self):
+        self.add_module("exit 4", RunsAs="user", TimeLimit=60, MakeUp=600)
+        self.system.start_session_bus()
+        self.start_systemd("session")
+        self.begin(schedule(ACTION, "23:15", text="é"), sessions=[{"User": 0}])
+        os.environ["XDG_CURRENT_DESKTOP"], os.environ["OTHER"] = "test", "x"
+        self.system.start_agent(AGENT, self.root)
+        self.wait_for(self.is_taken, "the agent is registered")
+        self.hold(True)
+        self.reach("23:19", "make-up")
+        self.move_to("23:21")
+        self.has_begun()
+        with open(f"{self.place}/environment") as file:
+            environment = dict(line.split("=", 1) for line in file.read().splitlines())
+        self.assertEqual((environment["XDG_CURRENT_DESKTOP"], environment["QUOREL_MADE_UP"]), ("test", "1"))
+        self.assertNotIn("OTHER", environment)
+        (_, told), = json.loads(self.systemd.Refuse("")).items()
+        self.assertEqual((told["KillMode"], told["RuntimeMaxUSec"]), ("process", 60_000_000))
+        self.assertNotIn("DynamicUser", told)
+        # It goes on while the daemon is restarted, and ends then.
+        self.daemon.send_signal(signal.SIGKILL)
+        self.daemon.wait()
+        self.start_daemon()
+        self.assertEqual(self.steps(), ["running"])
+        self.hold(False)
+        self.last("failed", Status=4)
+
+    def is_taken(self):
+        """Whether the user has an agent. Who asks is one otherwise, until it leaves: the real one tries again."""
+        bus = self.system.connect()
+        try:
+            dbus.Interface(bus.get_object("com.quorel.Daemon", "/com/quorel/Agents"), AGENTS).Register()
+            return False
+        except dbus.DBusException as error:
+            return error.get_dbus_name() == "com.quorel.Error.Busy"
+        finally:
+            bus.close()
 
 
 main()
