@@ -20,12 +20,8 @@ constexpr int kServersPatience = 500;  // in milliseconds; a server that hangs i
 constexpr std::string_view kPlayers = "org.mpris.MediaPlayer2.";
 constexpr std::size_t kMostPlayers = 16;
 
-template <auto kFree>
-struct Free {
-    void operator()(void* owned) const { kFree(owned); }
-};
 template <class Content>
-using Owned = std::unique_ptr<Content, Free<std::free>>;
+using Owned = std::unique_ptr<Content, Release<std::free>>;
 
 bool isWayland() {
     const char* type = std::getenv("XDG_SESSION_TYPE");

@@ -24,12 +24,12 @@ constexpr auto kBetweenRenewals = 15s;
 constexpr const char* kPostponeKey = "postpone";
 constexpr const char* kSkipKey = "skip";
 
-/// Whether this user sits at the computer; so it is taken where logind does not tell.
+/// Whether this user may be at the computer: not while the only sessions are in the background.
 bool isActive() {
     char* state = nullptr;
     if (sd_uid_get_state(getuid(), &state) < 0) return true;
-    const std::unique_ptr<char, decltype(&std::free)> owned(state, &std::free);
-    return std::string_view(state) == "active";
+    const std::unique_ptr<char, Release<std::free>> owned(state);
+    return std::string_view(state) != "online" && std::string_view(state) != "lingering";
 }
 
 std::string titleOf(const Value& occurrence) {

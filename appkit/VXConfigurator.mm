@@ -105,7 +105,7 @@ namespace appkit = quorel::appkit;
 static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
     for (NSView *subview in [view subviews]) {
         const bool editable = ![subview isKindOfClass:[NSTextField class]] || [(NSTextField *)subview isEditable];
-        if ([subview isKindOfClass:[NSControl class]] && editable) {
+        if (([subview isKindOfClass:[NSControl class]] && editable) || [subview isKindOfClass:[NSTextView class]]) {
             [keyViews addObject:subview];
         } else {
             collectKeyViews(subview, keyViews);

@@ -138,6 +138,9 @@ class PrivateSystem:
             return None
 
     def start_session_bus(self):
+        """Programs that are started from now on have it."""
+        if "session" in self._watchers:
+            self._watchers.pop("session").close()
         self.session = self._start_bus("session", SESSION_POLICY)
         return self.session
 
@@ -231,7 +234,8 @@ class PrivateSystem:
         return path
 
     def _start_bus(self, kind, policy):
-        config, socket = f"{self.place}/{kind}.conf", f"{self.place}/{kind}"
+        socket = f"{self.place}/{kind}{len(self.processes)}"
+        config = f"{socket}.conf"
         with open(config, "w") as file:
             file.write(BUS.format(kind=kind, socket=socket, services=self.services, policy=policy))
         bus = subprocess.Popen(["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"],

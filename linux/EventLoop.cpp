@@ -59,7 +59,7 @@ LoopTimer::LoopTimer(EventLoop& loop, std::function<void()> due, clockid_t clock
     sd_event_source* source = nullptr;
     check(sd_event_add_time(loop.get(), &source, clock, 0, 1, called, this), "no timer");
     _source.reset(source);
-    sd_event_source_set_enabled(source, SD_EVENT_OFF);
+    stop();
 }
 
 void LoopTimer::start(std::chrono::microseconds after) {

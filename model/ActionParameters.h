@@ -4,8 +4,8 @@
 
 namespace quorel {
 
-/// What stands under "Action Parameters": the keys that the product's own actions and its daemon share. Whatever stands
-/// under them is read through `Value::intValue`; a flag is on when that is not 0.
+/// What stands under "Action Parameters": the keys that the product's own modules share with the daemon and with the
+/// programs they bring. Numbers and flags are read through `Value::intValue`; a flag is on when that is not 0.
 namespace parameters {
 
 inline constexpr std::string_view kNeedsWakeUp = "Needs Wake Up";   ///< flag: wakes a computer that sleeps
@@ -18,6 +18,10 @@ inline constexpr int kLeastIdleMinutes = 1;
 inline constexpr int kMostIdleMinutes = 999;
 
 inline constexpr std::string_view kRestart = "Restart";  ///< flag: a shut-down that starts the computer again
+
+inline constexpr std::string_view kTarget = "Target";  ///< text: an application, a file or a web address to open
+inline constexpr std::string_view kTitle = "Title";    ///< text: of a message
+inline constexpr std::string_view kText = "Text";      ///< text: of a message, of several lines perhaps
 
 }  // namespace parameters
 

@@ -1,6 +1,5 @@
 /*
- * What both modules do alike: reading their parameters, which come out of a file, so that anything may stand under a
- * key, and looking up their texts. Functions only: two bundles in one process cannot share a class.
+ * Reading parameters, which come out of a file, so that anything may stand under a key, and looking up texts.
  */
 #import <Foundation/Foundation.h>
 
@@ -8,7 +7,7 @@
 
 #include "model/ActionParameters.h"
 
-/* A key that the daemon reads too. */
+/* A key that a program reads too. */
 static inline NSString *VXKey(std::string_view key) {
     return [NSString stringWithUTF8String:key.data()];
 }
@@ -20,17 +19,23 @@ static inline int VXIntParameter(NSDictionary *parameters, NSString *key, int ot
     return otherwise;
 }
 
-static inline bool VXFlagParameter(NSDictionary *parameters, NSString *key, bool otherwise) {
-    return VXIntParameter(parameters, key, otherwise) != 0;
+static inline bool VXFlagParameter(NSDictionary *parameters, NSString *key) {
+    return VXIntParameter(parameters, key, 0) != 0;
 }
 
-/* A copy to write into; empty where there was no dictionary. Keys that the module does not know are kept. */
-static inline NSMutableDictionary *VXMutableParameters(NSDictionary *parameters) {
-    if (![parameters isKindOfClass:[NSDictionary class]]) return [[NSMutableDictionary alloc] init];
-    return [parameters mutableCopy];
+/* The text under the key, an empty one where there is none. */
+static inline NSString *VXTextParameter(NSDictionary *parameters, NSString *key) {
+    id value = [parameters objectForKey:key];
+    return [value isKindOfClass:[NSString class]] ? value : @"";
 }
 
-/* A text of the module's own bundle, in the user's language. */
-static inline NSString *VXLocalized(NSString *key, id module) {
-    return [[NSBundle bundleForClass:[module class]] localizedStringForKey:key value:@"" table:nil];
+/* For what is one line: the table's description of an action. */
+static inline NSString *VXOneLine(NSString *text) {
+    NSCharacterSet *breaks = [NSCharacterSet newlineCharacterSet];
+    return [[text componentsSeparatedByCharactersInSet:breaks] componentsJoinedByString:@" "];
+}
+
+/* A text of the module's own bundle, in the user's language; out of the table of that name where one is given. */
+static inline NSString *VXLocalized(NSString *key, id module, NSString *table = nil) {
+    return [[NSBundle bundleForClass:[module class]] localizedStringForKey:key value:@"" table:table];
 }

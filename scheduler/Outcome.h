@@ -88,7 +88,6 @@ inline constexpr std::string_view kHoldShutdown = "shutdown";  ///< Who: the kin
 inline constexpr std::string_view kHoldUse = "use";            ///< Who: whose session is in use; Why: kUntold, or none
 inline constexpr std::string_view kHoldUnknown = "unknown";    ///< Why: the state could not be read
 
-
 // Value of Why for kHoldUse.
 inline constexpr std::string_view kUntold = "untold";  ///< nothing tells for how long that session has not been used
 

@@ -155,6 +155,10 @@ static NSDictionary *describe(NSView *view) {
             [facts setObject:@([popUp indexOfSelectedItem]) forKey:@"selected"];
         }
     }
+    if ([view isKindOfClass:[NSTextView class]] && ![(NSTextView *)view isFieldEditor]) {
+        [facts setObject:@([[view window] firstResponder] == view) forKey:@"focused"];
+        [facts setObject:[(NSTextView *)view string] forKey:@"value"];
+    }
     if ([NSStringFromClass([view class]) isEqual:@"SPIcon"]) {
         [facts setObject:plain([[view valueForKey:@"pane"] iconLabel]) forKey:@"title"];
     }

@@ -1,6 +1,6 @@
 /*
  * A module for Quorel: says a message so many times. It shows every part of the contract and uses nothing of the
- * product but its public header.
+ * product but its public header. What it says goes to the journal; the program "say" does that.
  */
 #import <Quorel/VXPrefPanePlugInProtocol.h>
 

@@ -10,60 +10,20 @@ import time
 import unittest
 
 import dbus
-import dbus.mainloop.glib
-import dbus.service
-from gi.repository import GLib
+import dbus.lowlevel
 
 from fake_browser import FakeBrowser
 from feed_server import FeedServer, certificate, record
-from private_system import SECONDS, PrivateSystem, wait_until
+from notifications import NOTIFICATIONS, NotificationServer, eventually
+from private_system import SECONDS, PrivateSystem
 
 AGENT = os.path.abspath(sys.argv[1])
 NAME = "com.quorel.UserAgent"
 PATH, INTERFACE = "/com/quorel/Communication", "com.quorel.Communication1"
-NOTIFICATIONS = "org.freedesktop.Notifications"
 PREFERENCES = "Library/Preferences/com.quorel.plist"
 INSTALLED = "1.0.0"
 DAY = 24 * 60 * 60
 UP_TO_DATE, NEWER, UNREACHABLE = "Up to date", "New version available", "Update check failed"
-dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
-
-
-def eventually(what, condition):
-    """Serves this process's own D-Bus objects until the condition holds."""
-    def served():
-        while GLib.MainContext.default().iteration(False):
-            pass
-        return condition()
-    return wait_until(served, what)
-
-
-class NotificationServer(dbus.service.Object):
-    def __init__(self, connection):
-        self.capabilities = ("actions", "body", "body-markup")
-        self.shown = []
-        self.name = dbus.service.BusName(NOTIFICATIONS, connection)
-        super().__init__(connection, "/org/freedesktop/Notifications")
-
-    def end(self):
-        if self.name:
-            self.remove_from_connection()
-            self.name = None  # and is given back
-
-    @dbus.service.method(NOTIFICATIONS, out_signature="as")
-    def GetCapabilities(self):
-        return dbus.Array(self.capabilities, signature="s")
-
-    @dbus.service.method(NOTIFICATIONS, in_signature="susssasa{sv}i", out_signature="u",
-                         sender_keyword="sender")
-    def Notify(self, program, replaces, icon, title, body, actions, hints, duration, sender):
-        self.client = sender
-        self.shown.append((int(replaces), str(title), str(body), [str(action) for action in actions]))
-        return replaces or 7
-
-    @dbus.service.signal(NOTIFICATIONS, signature="us")
-    def ActionInvoked(self, number, action):
-        pass
 
 
 class AgentTest(unittest.TestCase):

@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Calls the daemon as its input says, without waiting for answers: "NAME RECEIVER PAYLOAD [SENDER]", the payload in
-hexadecimal digits, or "-"; a sender is claimed in the message. "leave" leaves the bus.
+hexadecimal digits, or "-"; a sender is claimed in the message. "call PATH INTERFACE METHOD SIGNATURE ARGUMENTS" is
+any call, its arguments as JSON in such digits, "flood RECEIVER PATH INTERFACE SIGNAL" a thousand signals, and "leave" leaves the bus.
 
 Says its own bus name first, and then for each answer "accepted", or the error's name and text.
 """
+import json
 import sys
 
 import dbus
@@ -26,6 +28,19 @@ def obey(*_):
     if words in ([], ["leave"]):
         bus.close()
         return bool(words)
+    if words[0] == "flood":
+        for _ in range(1000):
+            signal = dbus.lowlevel.SignalMessage(*words[2:])
+            signal.set_destination(words[1])
+            bus.send_message(signal)
+        bus.flush()
+        print("accepted", flush=True)
+        return True
+    if words[0] == "call":
+        call = dbus.lowlevel.MethodCallMessage("com.quorel.Daemon", *words[1:4])
+        call.append(*json.loads(bytes.fromhex(words[5])), signature=words[4].strip("-"))
+        bus.send_message_with_reply(call, answered, 120)
+        return True
     name, receiver, payload, *sender = words
     call = dbus.lowlevel.MethodCallMessage("com.quorel.Daemon", "/com/quorel/Communication",
                                            "com.quorel.Communication1", "PostNotification")

@@ -1,4 +1,5 @@
 """What the tests of the real daemon share: daemon_..._test.py DAEMON KIT_CALLER [SANITIZERS]"""
+import json
 import os
 import plistlib
 import subprocess
@@ -50,6 +51,14 @@ class Caller(Talk):
 
     def begin(self, payload, name="DaemonMustReloadPrefs", receiver="com.quorel.Daemon", sender=""):
         super().begin(f"{name} {receiver} {payload.hex() or '-'} {sender}")
+
+    def call(self, path, interface, method, signature, *arguments):
+        super().begin(f"call {path} {interface} {method} {signature or '-'} {json.dumps(arguments).encode().hex()}")
+        return self.result()
+
+    def flood(self, receiver, path, interface, signal):
+        super().begin(f"flood {receiver} {path} {interface} {signal}")
+        return self.result()
 
     def leave(self):
         """Leaves the bus, without an end of the process."""

@@ -10,6 +10,8 @@ SEPARATOR = "-----------"
 SLEEP_PARAMETERS = {"Needs Startup": False, "Needs Wake Up": False, "Only When Idle": False, "Idle Minutes": 15}
 IDLE = "Only when nobody has used it for"
 IDLE_MINUTES = "Time without use, from 1 to 999 minutes"
+MESSAGE_TITLE, MESSAGE = "Title of the message", "Text of the message"
+FLAGS = ("Start the computer up", "Wake the computer up")
 MAY_BE_CUT = ("Show All", ":")  # the host's; narrower than the margins that cells leave
 
 
@@ -113,6 +115,13 @@ class SheetTest(PaneCase):
         # Of what is cancelled nothing stays, nor comes back.
         screen.click(self.by_tip("Add a schedule"))
         self.wait_sheet()
+        self.choose("Message")
+        screen.click(self.by_tip(MESSAGE))
+        screen.wait(toolTip=MESSAGE, focused=True)
+        screen.type("tea")
+        screen.key("Return")  # ends a line, and not the sheet
+        screen.type("time")
+        screen.wait(toolTip=MESSAGE, value="tea\ntime")
         self.cancel()
         self.open_row(0)
         self.wait_time("10", "30", "PM")
@@ -131,12 +140,13 @@ class SheetTest(PaneCase):
         self.wait_only_stored(self.schedules[0], added)
 
     def test_place_and_tab_order(self):
-        screen = self.open_pane()
         heights = []
-        flags = ("Start the computer up",)
-        for row, options in ((1, ()), (0, (IDLE, IDLE_MINUTES)), (1, ())):
+        self.store(preferences(*self.schedules, schedule("Message", 5, 0, days=("Monday",))))
+        screen = self.open_pane()
+        for row, options, flags in ((1, (), FLAGS[:1]), (0, (IDLE, IDLE_MINUTES), ()), (1, (), FLAGS[:1]),
+                                    (2, (MESSAGE_TITLE, MESSAGE), FLAGS)):
             sheet = self.open_row(row)
-            if options:
+            if row == 0:
                 screen.click(self.button(IDLE))
                 screen.wait(title=IDLE, state=1)
                 screen.click(self.button("Mon"))
@@ -149,14 +159,14 @@ class SheetTest(PaneCase):
             self.assert_inside_options()
             heights.append(height)
             self.assertEqual(self.tab_round("Hours"), [*TIME, *DAY_TITLES, "Tick all days", "Type of action", *options,
-                                                       *([] if options else flags), "Cancel", "Save"])
+                                                       *flags, "Cancel", "Save"])
             self.cancel()
         # Picking a type leaves the top edge where it is.
         top = self.open_row(1)["frame"][1]
         for title in ("Sleep", "Wake up", "Sleep"):
             self.choose(title)
             self.assertEqual(screen.modal()["frame"][1], top)
-        self.assertEqual([heights[0] - height for height in heights], [0, 22, 22])
+        self.assertEqual([heights[0] - height for height in heights[:3]], [0, 22, 22])
 
     def assert_inside_options(self):
         views = self.screen.modal()["views"]
@@ -207,7 +217,8 @@ class SheetTest(PaneCase):
         self.assertEqual(screen.rows()[1]["Infos"]["Action"], 'Says "Tea", times: 2')
 
         self.open_row(1)
-        self.assertEqual(self.by_tip("Type of action")["items"], ["Sleep", "Wake up", SEPARATOR, "Say a message"])
+        self.assertEqual(self.by_tip("Type of action")["items"],
+                         ["Shut Down", "Sleep", "Wake up", SEPARATOR, "Message", "Open", "Say a message"])
         screen.wait(toolTip="What is said", value="Tea")
         screen.wait(toolTip="How many times it is said", title="2")
         screen.wait(title="Wake the computer up", enabled=False, state=1)
@@ -241,7 +252,9 @@ class SheetTest(PaneCase):
     def test_texts_in_both_languages(self):
         texts = {"English": ("Apply", "Check for updates", "About…", "Time:", "Save"),
                  "French": ("Appliquer", "Vérifier les mises à jour", "À propos…", "Heure :", "Enregistrer")}
-        self.store(preferences(*self.schedules, schedule("Sleep", 9, 0, **{"Action Type": "org.example.SayMessage"})))
+        own = [schedule(kind, 9, 0) for kind in ("ShutDown", "Open", "Message")]
+        say = schedule("Sleep", 9, 0, **{"Action Type": "org.example.SayMessage"})
+        self.store(preferences(*self.schedules, *own, say))
         for language, (apply, check, about, time, save) in texts.items():
             with self.subTest(language=language):
                 screen = self.open_pane(languages=(language,),
@@ -249,7 +262,7 @@ class SheetTest(PaneCase):
                 self.button(apply)
                 self.button(check)
                 self.assert_nothing_cut()
-                for row in range(3):
+                for row in range(6):
                     self.open_row(row)
                     screen.wait(value=time)
                     self.button(save)

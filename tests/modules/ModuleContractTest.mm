@@ -2,8 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
+
+#include "model/ModuleKeys.h"
 
 typedef NSObject<VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages> Module;
+
+using namespace quorel::module_keys;
 
 namespace {
 
@@ -17,6 +22,10 @@ Class classIn(NSBundle *bundle) {
     return name ? [bundle classNamed:name] : nil;
 }
 
+NSString *key(std::string_view name) {
+    return [NSString stringWithUTF8String:name.data()];
+}
+
 /// By name: a @protocol expression of clang's is none that this runtime can compare where no class adopts it.
 Protocol *contract() {
     return NSProtocolFromString(@"VXPrefPanePlugInProtocol");
@@ -26,6 +35,9 @@ struct Expected {
     const char *path;
     const char *identifier;
     const char *name;
+    const char *frenchName;
+    const char *program;  // of what the daemon does not carry out itself
+    const char *runsAs;
     bool base;
     bool startupIsFree;
     bool wakeUpIsFree;
@@ -77,7 +89,7 @@ protected:
         NSDictionary *before = [module parameters];
         [module fillParametersFromSetupInterface];
         EXPECT_TRUE([[module parameters] isEqual:before]) << [[before description] UTF8String];
-        EXPECT_EQ([module needsWakeUp] != NO, GetParam().wakeUpByDefault);
+        if (!GetParam().wakeUpIsFree) EXPECT_EQ([module needsWakeUp] != NO, GetParam().wakeUpByDefault);
     }
 
     NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
@@ -93,6 +105,25 @@ TEST_P(ModuleContract, SaysWhoItIs) {
     [module loadNib];
     EXPECT_EQ([module setupView] != nil, GetParam().hasView);
     if ([module setupView]) EXPECT_LE(NSWidth([[module setupView] frame]), 440);
+}
+
+TEST_P(ModuleContract, TellsTheSameToWhoLoadsNoClass) {
+    NSDictionary *information = [bundle infoDictionary];
+    NSDictionary *names = [information objectForKey:key(kNames)];
+    EXPECT_STREQ([[information objectForKey:key(kActionType)] UTF8String], GetParam().identifier);
+    EXPECT_STREQ([[names objectForKey:@"en"] UTF8String], GetParam().name);
+    EXPECT_STREQ([[names objectForKey:@"fr"] UTF8String], GetParam().frenchName);
+    NSString *table = [bundle pathForResource:@"Localizable"
+                                       ofType:@"strings"
+                                  inDirectory:nil
+                              forLocalization:@"French"];
+    NSArray *french = [[[NSString stringWithContentsOfFile:table] propertyListFromStringsFileFormat] allValues];
+    EXPECT_TRUE([french containsObject:[NSString stringWithUTF8String:GetParam().frenchName]]);
+    NSString *program = [information objectForKey:key(kProgram)];
+    EXPECT_STREQ([program UTF8String], GetParam().program);
+    EXPECT_STREQ([[information objectForKey:key(kRunsAs)] UTF8String], GetParam().runsAs);
+    NSString *file = [[bundle resourcePath] stringByAppendingPathComponent:program ? program : @""];
+    EXPECT_TRUE([[NSFileManager defaultManager] isExecutableFileAtPath:file]);
 }
 
 TEST_P(ModuleContract, KeepsBothFlagsInItsParameters) {
@@ -129,10 +160,20 @@ TEST_P(ModuleContract, GetsOverWhateverStandsInTheFile) {
     expectUsable();
 }
 
+constexpr const char *kNone = nullptr;
 constexpr Expected kModules[] = {
-    {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", true, false, false, false, true},
-    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", true, true, false, true, false},
-    {SAMPLE_MODULE "/SayMessage.vxplugin", "org.example.SayMessage", "Say a message", false, true, false, true, true}};
+    {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", "Veille", kNone, kNone,  //
+     true, false, false, false, true},
+    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", "Réveil", kNone, kNone,  //
+     true, true, false, true, false},
+    {BUILT_IN_MODULES "/ShutDown.vxplugin", "com.quorel.plugin.ShutDown", "Shut Down", "Extinction", kNone, kNone,  //
+     true, false, false, false, true},
+    {BUILT_IN_MODULES "/Open.vxplugin", "com.quorel.plugin.Open", "Open", "Ouvrir", "open", "user",  //
+     false, true, true, false, true},
+    {BUILT_IN_MODULES "/Message.vxplugin", "com.quorel.plugin.Message", "Message", "Message", "message", "user",  //
+     false, true, true, false, true},
+    {SAMPLE_MODULE "/SayMessage.vxplugin", "org.example.SayMessage", "Say a message", "Dire un message", "say",
+     "system", false, true, false, true, true}};
 INSTANTIATE_TEST_SUITE_P(Modules, ModuleContract, testing::ValuesIn(kModules), [](const auto &info) {
     const std::string path = info.param.path;
     const std::size_t name = path.rfind('/') + 1;

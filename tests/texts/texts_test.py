@@ -20,8 +20,9 @@ ENTRY = re.compile(r'^"((?:[^"\\]|\\.)*)" = "((?:[^"\\]|\\.)*)";$')
 
 BUNDLES = {
     "pane": (["pane/*.cpp", "configurator/*.cpp", "kit/*.cpp", "appkit/*.mm"], ["resources/interface/*.xib"], "resources/texts"),
-    "Sleep": (["modules/Sleep/*.mm"], [], "modules/Sleep"),
-    "WakeUp": (["modules/WakeUp/*.mm"], [], "modules/WakeUp"),
+    **{name: (["modules/VXPlugIn.mm", f"modules/{name}/*.mm"], [], f"modules/{name}")
+       for name in ("Sleep", "WakeUp", "ShutDown", "Open", "Message")},
+    "Idle": (["modules/Idle/*.mm"], [], "modules/Idle"),
     "sample": (["modules/sample/*.m", "modules/sample/*.mm"], [], "modules/sample"),
 }
 
@@ -47,7 +48,8 @@ def keys_in_interfaces(patterns):
 
 def table(folder, language):
     entries = {}
-    with open(f"{ROOT}/{folder}/{language}.lproj/Localizable.strings", encoding="utf-8-sig") as file:
+    path, = files([f"{folder}/{language}.lproj/*.strings"])
+    with open(path, encoding="utf-8-sig") as file:
         for line in file:
             if match := ENTRY.match(line.strip()):
                 assert match[1] not in entries, f"{match[1]} stands twice in {folder}, {language}"
@@ -61,7 +63,7 @@ class TextsTest(unittest.TestCase):
     def test_tables_hold_what_is_looked_up(self):
         for name, (code, interfaces, folder) in BUNDLES.items():
             wanted = (keys_in_code(code) | keys_in_interfaces(interfaces)) - AS_THEY_STAND
-            self.assertGreater(len(wanted), 2, f"no keys found in {name}: this test no longer sees them")
+            self.assertGreater(len(wanted), 1, f"no keys found in {name}: this test no longer sees them")
             for language in LANGUAGES:
                 with self.subTest(bundle=name, language=language):
                     entries = table(folder, language)

@@ -1,11 +1,10 @@
 #import <AppKit/AppKit.h>
 
-/* The options of the sleep action: a check box and a number of minutes, which counts only while the box is ticked. */
-@interface VXSleepOptionsView : NSView {
+/* A check box and a number of minutes, which counts only while the box is ticked; one line of controls. */
+@interface VXIdleOptionsView : NSView {
     NSButton *_checkBox;
     NSTextField *_field;
     NSStepper *_stepper;
-    NSTextField *_unit;
     int _minutes;
 }
 

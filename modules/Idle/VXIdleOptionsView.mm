@@ -1,20 +1,16 @@
-#import "modules/Sleep/VXSleepOptionsView.h"
+#import "modules/Idle/VXIdleOptionsView.h"
 
 #include <algorithm>
 
 #include "model/ActionParameters.h"
+#import "modules/Controls.h"
 
 using namespace quorel::parameters;
 
-/* The width that the edit sheet offers, and the height of one line of controls with its margins. */
-static const CGFloat kWidth = 440;
-static const CGFloat kHeight = 34;
-static const CGFloat kGap = 6;
-
-@implementation VXSleepOptionsView
+@implementation VXIdleOptionsView
 
 - (id)initWithCheckBoxTitle:(NSString *)title unit:(NSString *)unit toolTip:(NSString *)toolTip {
-    if (!(self = [super initWithFrame:NSMakeRect(0, 0, kWidth, kHeight)])) return nil;
+    if (!(self = [super initWithFrame:NSMakeRect(0, 0, VXOptionsWidth, VXLineHeight)])) return nil;
 
     _checkBox = [[NSButton alloc] initWithFrame:NSZeroRect];
     [_checkBox setButtonType:NSSwitchButton];
@@ -36,26 +32,8 @@ static const CGFloat kGap = 6;
     [_stepper setTarget:self];
     [_stepper setAction:@selector(stepperChanged:)];
 
-    _unit = [[NSTextField alloc] initWithFrame:NSZeroRect];
-    [_unit setStringValue:unit];
-    [_unit setEditable:NO];
-    [_unit setSelectable:NO];
-    [_unit setBezeled:NO];
-    [_unit setDrawsBackground:NO];
-
-    // From left to right, each as wide as its text asks.
     [_checkBox sizeToFit];
-    [_unit sizeToFit];
-    CGFloat x = 0;
-    for (NSControl *control in @[ _checkBox, _field, _stepper, _unit ]) {
-        const NSSize size = [control frame].size;
-        [control setFrameOrigin:NSMakePoint(x, (kHeight - size.height) / 2)];
-        [self addSubview:control];
-        x += size.width + (control == _field ? 2 : kGap);
-    }
-    [self setNextKeyView:_checkBox];
-    [_checkBox setNextKeyView:_field];
-    [_field setNextKeyView:_stepper];
+    VXAddLine(self, 0, VXLineHeight, @[ _checkBox, _field, _stepper, VXLabel(unit) ], nil);
     [self setMinutes:kLeastIdleMinutes];
     return self;
 }
@@ -65,7 +43,6 @@ static const CGFloat kGap = 6;
     [_checkBox release];
     [_field release];
     [_stepper release];
-    [_unit release];
     [super dealloc];
 }
 

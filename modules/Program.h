@@ -1,0 +1,29 @@
+#pragma once
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <string>
+
+#include "model/PropertyList.h"
+#include "model/Value.h"
+
+namespace quorel {
+
+// What the programs of modules begin and end with.
+
+/// The parameters of the Schedule that is carried out; absent where they cannot be read.
+inline Value actionParameters() {
+    const std::string bytes{std::istreambuf_iterator<char>(std::cin), {}};
+    return decodePropertyList(bytes);
+}
+
+/// Says why in one line, which the journal keeps. The exit status.
+inline int failed(std::string reason) {
+    std::replace_if(
+        reason.begin(), reason.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+    std::cerr << reason << std::endl;
+    return 1;
+}
+
+}  // namespace quorel

@@ -1,0 +1,177 @@
+#!/usr/bin/python3
+"""The agent's item in the real panels of two desktops, used by mouse: tray_test.py PROBE"""
+import os
+import re
+import subprocess
+import sys
+import unittest
+
+from desktop import VirtualDisplay
+from private_system import PrivateSystem, read_line, wait_until
+
+PROBE = os.path.abspath(sys.argv[1])
+WATCHER = "org.kde.StatusNotifierWatcher"
+XFCONFD = "/usr/lib/x86_64-linux-gnu/xfce4/xfconf/xfconfd"
+HEIGHT = 32
+
+XFCE = f"""<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="size" type="uint" value="{HEIGHT}"/>
+      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
+    </property>
+  </property>
+  <property name="plugins" type="empty"><property name="plugin-1" type="string" value="systray"/></property>
+</channel>"""
+LXQT = f"""panels=panel1
+[panel1]
+plugins=statusnotifier
+position=Top
+panelSize={HEIGHT}
+width=100
+width-percent=true
+[statusnotifier]
+type=statusnotifier
+"""
+
+
+class TrayTest(unittest.TestCase):
+    def setUp(self):
+        self.system = PrivateSystem()
+        self.addCleanup(self.system.close)
+        self.system.start_session_bus()
+        self.display = VirtualDisplay()
+        self.addCleanup(self.display.close)
+        self.home = f"{self.system.place}/home"
+        os.mkdir(self.home, 0o700)
+        self.system.variables.update(DISPLAY=self.display.name, HOME=self.home, XDG_RUNTIME_DIR=self.home,
+                                     XDG_CONFIG_HOME=f"{self.home}/.config", LC_ALL="C.UTF-8", LANGUAGE="", TZ="UTC",
+                                     NO_AT_BRIDGE="1")
+        self.probe = self.system.start([PROBE], log="probe.log", stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+
+    def configure(self, path, text):
+        path = f"{self.home}/.config/{path}"
+        os.makedirs(os.path.dirname(path))
+        with open(path, "w") as file:
+            file.write(text)
+
+    def tell(self, *words):
+        self.probe.stdin.write((" ".join(words) + "\n").encode())
+        self.probe.stdin.flush()
+        self.assertEqual(self.heard(), "done")
+
+    def heard(self):
+        return read_line(self.probe)
+
+    def run_tool(self, *words):
+        """What it prints. Nothing when it fails, as those do that look at a window which goes meanwhile."""
+        done = subprocess.run(list(map(str, words)), env=self.system.environment(), stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL)
+        return b"" if done.returncode else done.stdout
+
+    def pixels(self, x, y, width, height, form="gray:-"):
+        return self.run_tool("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", "-depth", 8,
+                             *(("-format", "%k", "info:") if form == "colours" else (form,)))
+
+    def wait_for_icon(self, there=True):
+        """The panel itself is of few colours."""
+        def seen():
+            colours = self.pixels(0, 0, 100, HEIGHT, "colours")
+            return colours and (int(colours) > 40) == there
+        wait_until(seen, f"the icon is {'there' if there else 'gone'}")
+
+    def click(self, x, y, button=1):
+        self.run_tool("xdotool", "mousemove", x, y, "sleep", 0.1, "click", button)
+
+    def menu(self):
+        """Where the menu is: the one window that is higher than the panel and smaller than the screen."""
+        windows = "search", "--onlyvisible", "--name", "", "getwindowgeometry", "--shell", "%@"
+        told = wait_until(lambda: self.run_tool("xdotool", *windows), "what windows there are")
+        frames = re.findall(r"X=(.*)\nY=(.*)\nWIDTH=(.*)\nHEIGHT=(.*)\n", told.decode())
+        return next((list(map(int, frame)) for frame in frames if 2 * HEIGHT < int(frame[3]) < 500), None)
+
+    def lines(self):
+        """The middles of the menu's lines of text, from the top."""
+        frame = self.menu()
+        if not frame:
+            return []
+        x, y, width, height = frame[0] + 3, frame[1], frame[2] - 6, frame[3]
+        gray = self.pixels(x, y, width, height)
+        rows = [gray[row * width:(row + 1) * width] for row in range(height)]
+        inked = [row for row, dots in enumerate(rows[3:-3], 3) if dots and max(dots) - min(dots) > 40]
+        bands = [[row] for row in inked if row - 1 not in inked]
+        for band in bands:
+            while band[-1] + 1 in inked:
+                band.append(band[-1] + 1)
+        return [(x + 40, y + sum(band) // len(band)) for band in bands if len(band) > 4]  # fewer are a separator
+
+    def open_menu(self, count):
+        """Its lines, when there are so many of them."""
+        self.click(HEIGHT // 3, HEIGHT // 2, button=3)
+        return wait_until(lambda: len(lines := self.lines()) == count and lines, f"a menu of {count} lines")
+
+    def choose(self, line):
+        self.click(*line)
+        answer = self.heard()
+        wait_until(lambda: not self.menu(), "the menu is gone")
+        return answer
+
+    def labels(self):
+        connection = self.system.connect("session")
+        self.addCleanup(connection.close)
+        items = connection.call_blocking(WATCHER, "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties", "Get",
+                                         "ss", (WATCHER, "RegisteredStatusNotifierItems"))
+        self.assertEqual(len(items), 1)
+        layout = connection.call_blocking(items[0].split("/")[0], "/MenuBar", "com.canonical.dbusmenu", "GetLayout",
+                                          "iias", (0, -1, ["label"]))[1]
+        return [str(item[1].get("label", "-")) for item in layout[2]]
+
+    def use(self, *panel):
+        sleep, backup = "com.quorel.plugin.Sleep|{}|1", "com.acme.Back_up|{}|2"
+        wake, more = "com.quorel.plugin.WakeUp|{}|3", "com.acme.More|planned|4"
+        self.tell(sleep.format("skipped"), backup.format("planned"), wake.format("planned"), more)
+        self.tell("show")  # before there is a panel
+        running = self.system.start(panel, log="panel.txt")
+        self.wait_for_icon()
+        self.assertEqual(self.labels(), [
+            "Sleep, Mon 2026-11-23 23:15 (skipped by alice)", "Back__up, Mon 2026-11-23 23:30",
+            "Wake up, Mon 2026-11-23 23:45", "-", "In 15 minutes", "Not this time", "-", "Check for Updates",
+            "Open Settings"])
+        self.click(HEIGHT // 3, HEIGHT // 2)
+        self.assertEqual(self.heard(), "settings")
+        self.assertEqual(self.choose(self.open_menu(7)[4]), "skip 2")
+        self.tell(sleep.format("skipped"), backup.format("skipped"), wake.format("planned"), more)
+        self.assertEqual(self.choose(self.open_menu(7)[3]), "postpone 3")
+        # The panel restarts.
+        self.system.end(running)
+        self.system.start(panel, log="panel.txt")
+        self.wait_for_icon()
+        self.tell("gone")
+        lines = self.open_menu(5)
+        for line in lines[:3]:  # there is nothing to choose in them
+            self.click(*line)
+        self.assertEqual(self.choose(lines[3]), "check")
+        self.tell("hide")
+        self.wait_for_icon(False)
+        self.tell("show")
+        self.wait_for_icon()
+        self.assertEqual(self.choose(self.open_menu(5)[4]), "settings")
+        self.assertEqual(self.system.log("probe.log"), "")
+
+    def test_xfce(self):
+        self.configure("xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml", XFCE)
+        self.system.start([XFCONFD], name="org.xfce.Xfconf", kind="session")
+        self.use("xfce4-panel", "--disable-wm-check")
+
+    def test_lxqt(self):
+        self.configure("lxqt/panel.conf", LXQT)
+        self.use("lxqt-panel")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
