@@ -7,6 +7,7 @@
 
 #include "ctl/DaemonClient.h"
 #include "ctl/Json.h"
+#include "ctl/ModuleText.h"
 #include "ctl/Page.h"
 #include "linux/Language.h"
 #include "linux/OutcomeText.h"
@@ -61,7 +62,7 @@ ExitStatus fail(const Answer& answer) {
 }
 
 /// The answer, made sure to be of the kind that is expected.
-Answer askForArray(DaemonClient& daemon, const char* method, unsigned most) {
+Answer askForArray(DaemonClient& daemon, const char* method, std::optional<unsigned> most = {}) {
     Answer answer = daemon.ask(method, most);
     if (answer.failure != Failure::kNone) return answer;
     bool understood = answer.value.isArray();
@@ -173,6 +174,23 @@ ExitStatus showLog(const Page& page, bool json, unsigned most) {
     return ExitStatus::kDone;
 }
 
+ExitStatus showModules(const Page& page, bool json) {
+    DaemonClient daemon;
+    const Answer answer = askForArray(daemon, wire::scheduler::kModules);
+    if (answer.failure != Failure::kNone) return fail(answer);
+    std::vector<std::vector<std::string>> rows;
+    for (const Value& one : answer.value.array())
+        for (auto& row : moduleRows(one)) rows.push_back(std::move(row));
+    if (json) {
+        page.line(jsonText(answer.value));
+    } else if (rows.empty()) {
+        page.line(translated("There are no modules."));
+    } else {
+        page.table(rows);
+    }
+    return ExitStatus::kDone;
+}
+
 ExitStatus change(const char* method, const std::string& token) {
     const Answer answer = DaemonClient().change(method, token);
     return answer.failure == Failure::kNone ? ExitStatus::kDone : fail(answer);
@@ -203,7 +221,7 @@ ExitStatus runCommand(const CommandLine& line) {
     const std::vector<std::string>& arguments = line.arguments;
     const bool lists = command == "next" || command == "log";
     const bool changes = command == "skip" || command == "postpone";
-    if (!lists && !changes && command != "status")
+    if (!lists && !changes && command != "status" && command != "modules")
         return misused(filled(translated("There is no command \"{1}\"."), {plainText(command)}));
     if (arguments.size() > (lists || changes ? 1 : 0)) return misused(translated("Too many arguments."));
     if (changes) {
@@ -211,6 +229,7 @@ ExitStatus runCommand(const CommandLine& line) {
             return misused(translated("Which one? Give its token, as \"quorelctl next\" shows it."));
         return change(command == "skip" ? wire::scheduler::kSkip : wire::scheduler::kPostpone, arguments[0]);
     }
+    if (command == "modules") return showModules(page, line.json);
     if (!lists) return showStatus(page, line.json);
     const bool next = command == "next";
     const unsigned most = next ? wire::scheduler::kMostUpcoming : wire::scheduler::kMostOutcomes;

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kLines = 3;
 
 std::string nameOf(const Value& upcoming) {
-    return actionName(upcoming["Action"].text(), upcoming["Restart"].intValue() != 0);
+    return actionName(upcoming);
 }
 
 /// "Sleep, Mon 2026-11-23 23:15 (skipped by alice)"

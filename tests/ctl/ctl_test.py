@@ -228,6 +228,26 @@ class CtlTest(unittest.TestCase):
                                     line)
             self.assertEqual(len(lines), len(SENTENCES) + 1)
 
+    def test_shows_modules(self):
+        stand_in = StandIn(self.system)
+        names = dbus.Dictionary({"en": "Back up", "fr": "Sauvegarder\n"}, signature="sv")
+        said = {"TimeLimit": dbus.Int64(600), "MakeUp": dbus.Int64(3600), "Needs": dbus.Array(["network", "root"], "v"),
+                "Writes": dbus.Array(["/var/a"], "v"), "RunsAs": "system", "Program": "x"}
+        stand_in.answers["Modules"] = [("aa{sv}", [
+            {"Bundle": "Sleep.vxplugin", "Action": SLEEP, "Names": names},
+            {"Bundle": "B.vxplugin", "Action": "org.x.B", "Names": names, **said},
+            {"Bundle": FORGERY, "Fault": "no-words"}, {"Bundle": "C", "Action": "org.x.C", "Fault": "untrusted"}])]
+        gap = " " * max(len(SHOWN), len("Back up"))
+        self.assertEqual(self.told("modules"),
+                         f"{'Sleep':{len(gap)}}  {SLEEP}  carried out by the daemon itself\n"
+                         f"{'Back up':{len(gap)}}  {'org.x.B':{len(SLEEP)}}  in a sandbox, 10 minutes at most\n"
+                         f"{gap}  uses the network\n{gap}  is root\n{gap}  writes /var/a\n"
+                         f"{gap}  when missed, made up for within 60 minutes\n"
+                         f"{SHOWN:{len(gap)}}  {'':{len(SLEEP)}}  cannot act: it does not say what action it is\n"
+                         f"{'C':{len(gap)}}  {'org.x.C':{len(SLEEP)}}  cannot act: others than root could have changed it\n")
+        self.assertIn("\nSauvegarder\ufffd", self.told("modules", language="fr"))
+        self.assertEqual(json.loads(self.told("modules", "--json"))[1]["Names"]["en"], "Back up")
+
     def test_answers_of_another_kind(self):
         stand_in = StandIn(self.system)
         for answer, words in (

@@ -7,11 +7,12 @@ import json
 import os
 import plistlib
 import signal
+import subprocess
 import sys
 
 import dbus
 
-from acting_case import POLICY, SLEEP, ActingCase, instant, schedule
+from acting_case import POLICY, SLEEP, STEPPING_DAEMON, ActingCase, instant, schedule
 from daemon_case import SUPPORT, main
 
 PLUG_INS, AGENT = sys.argv[4], os.path.abspath(sys.argv[5])
@@ -114,6 +115,17 @@ class ModulesTest(ActingCase):
                 self.move_to("23:15")
                 self.last(code, **arguments)
                 self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "sleep is let go")
+
+    def test_lets_through_64_kib(self):
+        program = f"{self.place}/program"
+        with open(program, "w") as file:
+            file.write("#!/bin/sh\nyes &\nyes | head -c 100000 >&2\nexit 5\n")
+        os.chmod(program, 0o755)
+        runner = f"{os.path.dirname(STEPPING_DAEMON)}/quorel-run-module"
+        run = subprocess.run([runner, program], stdout=subprocess.PIPE, timeout=60)
+        written, _, note = run.stdout.partition(b"\n[")
+        self.assertEqual((run.returncode, len(written) // 1024), (5, 64))
+        self.assertEqual(note, b"Quorel: the rest of the output is left out.]\n")
 
     def test_finds_it_again(self):
         for is_found in (True, False):

@@ -5,6 +5,7 @@ It runs the programs of transient units, without a sandbox, and tells how they e
 what it was told.
 """
 import json
+import os
 import signal
 import subprocess
 import sys
@@ -31,7 +32,7 @@ class Unit(dbus.service.Object):
         environment = dict(entry.split("=", 1) for entry in properties["Environment"])
         with open("/dev/null", "r+b") as null:
             self.process = subprocess.Popen(list(command), env=environment, cwd="/", stdin=subprocess.PIPE, stdout=null,
-                                            stderr=null)
+                                            stderr=null, start_new_session=True)
         self.process.stdin.write(bytes(properties["StandardInputData"]))
         self.process.stdin.close()
         limit = properties["RuntimeMaxUSec"] // 1000
@@ -40,7 +41,7 @@ class Unit(dbus.service.Object):
 
     def time_out(self):
         self.told["Result"] = "timeout"
-        self.process.kill()
+        os.killpg(self.process.pid, signal.SIGKILL)
         return True
 
     def ended(self, _, status):

@@ -1,0 +1,53 @@
+#include "ctl/ModuleText.h"
+
+#include <string_view>
+
+#include "linux/Language.h"
+#include "linux/OutcomeText.h"
+#include "model/Dictionary.h"
+#include "model/ModuleKeys.h"
+#include "scheduler/Outcome.h"
+
+namespace quorel {
+
+namespace {
+
+std::string faultText(const std::string& fault) {
+    if (fault == "untrusted") return translated("others than root could have changed it");
+    if (fault == "unreadable") return translated("its information dictionary cannot be read");
+    if (fault == "no-words") return translated("it does not say what action it is");
+    if (fault == "no-program") return translated("its module has nothing to run");
+    if (fault == "malformed") return translated("what it says of its program makes no sense");
+    if (fault == "bad-program") return translated("its program is missing, or others than root could have changed it");
+    if (fault == "taken") return translated("another module is this action already");
+    return plainText(fault);
+}
+
+std::string abilityText(const Value& module) {
+    const std::string& fault = module["Fault"].text();
+    if (!fault.empty()) return filled(translated("cannot act: {1}"), {faultText(fault)});
+    if (module["Program"].isAbsent()) return translated("carried out by the daemon itself");
+    const std::string limit = durationText(module["TimeLimit"].integer());
+    if (module["RunsAs"].text() == module_keys::kUser)
+        return filled(translated("as the user at the computer, {1} at most"), {limit});
+    return filled(translated("in a sandbox, {1} at most"), {limit});
+}
+
+}  // namespace
+
+std::vector<std::vector<std::string>> moduleRows(const Value& module) {
+    const std::string action = plainText(module["Action"].text());
+    const std::string name = action.empty() ? plainText(module["Bundle"].text()) : actionName(module);
+    std::vector<std::vector<std::string>> rows = {{name, action, abilityText(module)}};
+    for (const Value& need : module["Needs"].array()) {
+        if (need.text() == module_keys::kNetwork) rows.push_back({translated("uses the network")});
+        if (need.text() == module_keys::kRoot) rows.push_back({translated("is root")});
+    }
+    for (const Value& folder : module["Writes"].array())
+        rows.push_back({filled(translated("writes {1}"), {plainText(folder.text())})});
+    if (const std::int64_t late = module["MakeUp"].integer(); late > 0)
+        rows.push_back({filled(translated("when missed, made up for within {1}"), {durationText(late)})});
+    return rows;
+}
+
+}  // namespace quorel
