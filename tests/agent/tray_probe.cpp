@@ -5,42 +5,32 @@
 #include <cstdio>
 #include <iostream>
 #include <sstream>
-#include <string>
 
 #include "agent/tray/Tray.h"
 #include "linux/Language.h"
 #include "model/Dictionary.h"
 
-namespace quorel {
+using namespace quorel;
 
-namespace {
-
-constexpr std::int64_t kFirst = 1795475700;  // 2026-11-23 23:15 UTC
-
-Array occurrencesIn(const std::string& line) {
+static Array occurrencesIn(const std::string& line) {
+    std::int64_t at = 1795475700;  // 2026-11-23 23:15 UTC
     Array occurrences;
     std::istringstream words(line);
-    for (std::string word; words >> word;) {
-        std::istringstream parts(word);
-        std::string action, step, token;
-        std::getline(std::getline(std::getline(parts, action, '|'), step, '|'), token);
-        const std::int64_t at = kFirst + 900 * static_cast<std::int64_t>(occurrences.size());
+    for (std::string action, step, token; std::getline(words >> std::ws, action, '|'); at += 900) {
+        std::getline(words, step, '|') >> token;
         occurrences.emplace_back(
             Dictionary{{"Action", action}, {"Step", step}, {"Token", token}, {"At", at}, {"By", "alice"}});
     }
     return occurrences;
 }
 
-void say(const std::string& words) {
-    std::puts(words.c_str());
-    std::fflush(stdout);
-}
-
-void run() {
+int main() {
+    speakUsersLanguage();
+    const auto say = [](const std::string& words) { std::cout << words << std::endl; };
     EventLoop loop;
-    Tray tray(loop, {[](const std::string& token) { say("skip " + token); },
-                     [](const std::string& token) { say("postpone " + token); }, [] { say("check"); },
-                     [] { say("settings"); }});
+    Tray tray(loop, {[&](const std::string& token) { say("skip " + token); },
+                     [&](const std::string& token) { say("postpone " + token); }, [&] { say("check"); },
+                     [&] { say("settings"); }});
     const auto input = whenReadable(loop, 0, [&] {
         std::string line;
         if (!std::getline(std::cin, line)) return loop.end(0);
@@ -53,14 +43,5 @@ void run() {
         }
         say("done");
     });
-    loop.run();
-}
-
-}  // namespace
-
-}  // namespace quorel
-
-int main() {
-    quorel::speakUsersLanguage();
-    quorel::run();
+    return loop.run();
 }

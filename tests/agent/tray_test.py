@@ -16,26 +16,21 @@ HEIGHT = 32
 
 XFCE = f"""<channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>
-  <property name="panels" type="array">
-    <value type="int" value="1"/>
-    <property name="panel-1" type="empty">
-      <property name="position" type="string" value="p=6;x=0;y=0"/>
-      <property name="position-locked" type="bool" value="true"/>
-      <property name="length" type="uint" value="100"/>
-      <property name="size" type="uint" value="{HEIGHT}"/>
-      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
-    </property>
-  </property>
+  <property name="panels" type="array"><value type="int" value="1"/><property name="panel-1" type="empty">
+    <property name="position" type="string" value="p=6;x=0;y=0"/>
+    <property name="position-locked" type="bool" value="true"/>
+    <property name="length" type="uint" value="100"/>
+    <property name="size" type="uint" value="{HEIGHT}"/>
+    <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
+  </property></property>
   <property name="plugins" type="empty"><property name="plugin-1" type="string" value="systray"/></property>
 </channel>"""
 LXQT = f"""panels=panel1
 [panel1]
-plugins=statusnotifier
+plugins=tray
 position=Top
 panelSize={HEIGHT}
-width=100
-width-percent=true
-[statusnotifier]
+[tray]
 type=statusnotifier
 """
 
@@ -47,17 +42,14 @@ class TrayTest(unittest.TestCase):
         self.system.start_session_bus()
         self.display = VirtualDisplay()
         self.addCleanup(self.display.close)
-        self.home = f"{self.system.place}/home"
-        os.mkdir(self.home, 0o700)
+        self.home = self.system.place
         self.system.variables.update(DISPLAY=self.display.name, HOME=self.home, XDG_RUNTIME_DIR=self.home,
-                                     XDG_CONFIG_HOME=f"{self.home}/.config", LC_ALL="C.UTF-8", LANGUAGE="", TZ="UTC",
-                                     NO_AT_BRIDGE="1")
+                                     XDG_CONFIG_HOME=self.home, LC_ALL="C.UTF-8", LANGUAGE="", TZ="UTC")
         self.probe = self.system.start([PROBE], log="probe.log", stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
     def configure(self, path, text):
-        path = f"{self.home}/.config/{path}"
-        os.makedirs(os.path.dirname(path))
-        with open(path, "w") as file:
+        os.makedirs(os.path.dirname(f"{self.home}/{path}"))
+        with open(f"{self.home}/{path}", "w") as file:
             file.write(text)
 
     def tell(self, *words):
@@ -74,14 +66,13 @@ class TrayTest(unittest.TestCase):
                               stderr=subprocess.DEVNULL)
         return b"" if done.returncode else done.stdout
 
-    def pixels(self, x, y, width, height, form="gray:-"):
-        return self.run_tool("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", "-depth", 8,
-                             *(("-format", "%k", "info:") if form == "colours" else (form,)))
+    def picture(self, x, y, width, height, *form):
+        return self.run_tool("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "-depth", 8, *form)
 
     def wait_for_icon(self, there=True):
         """The panel itself is of few colours."""
         def seen():
-            colours = self.pixels(0, 0, 100, HEIGHT, "colours")
+            colours = self.picture(0, 0, 100, HEIGHT, "-format", "%k", "info:")
             return colours and (int(colours) > 40) == there
         wait_until(seen, f"the icon is {'there' if there else 'gone'}")
 
@@ -97,18 +88,14 @@ class TrayTest(unittest.TestCase):
 
     def lines(self):
         """The middles of the menu's lines of text, from the top."""
-        frame = self.menu()
-        if not frame:
+        if not (frame := self.menu()):
             return []
-        x, y, width, height = frame[0] + 3, frame[1], frame[2] - 6, frame[3]
-        gray = self.pixels(x, y, width, height)
-        rows = [gray[row * width:(row + 1) * width] for row in range(height)]
-        inked = [row for row, dots in enumerate(rows[3:-3], 3) if dots and max(dots) - min(dots) > 40]
-        bands = [[row] for row in inked if row - 1 not in inked]
-        for band in bands:
-            while band[-1] + 1 in inked:
-                band.append(band[-1] + 1)
-        return [(x + 40, y + sum(band) // len(band)) for band in bands if len(band) > 4]  # fewer are a separator
+        x, y, width, height = frame
+        gray = self.picture(x, y, width, height, "gray:-")
+        rows = (gray[row * width + 3:(row + 1) * width - 3] for row in range(height))  # without the frame
+        inked = "".join("#" if dots and max(dots) - min(dots) > 40 else " " for dots in rows)
+        # A separator is thinner.
+        return [(x + 40, y + sum(band.span()) // 2) for band in re.finditer("#{5,}", inked)]
 
     def open_menu(self, count):
         """Its lines, when there are so many of them."""
