@@ -37,10 +37,6 @@ TEST_F(HostTest, ThePaneIsWhatItsProtocolsSay) {
     EXPECT_EQ([pane shouldUnselect], NSUnselectNow);
     EXPECT_TRUE([pane pong]);
     EXPECT_TRUE([pane communicationCenter]);
-
-    // Its interface file is not loaded.
-    [[NSNotificationCenter defaultCenter] postNotificationName:@"kMOLConfiguratorHasBeenEditedNotification" object:nil];
-    [pane about];
 }
 
 TEST_F(HostTest, ThePaneNamesItsWindowAndDoesNotKeepIt) {
