@@ -2,10 +2,9 @@
 """The padlock, clicked by an administrator and by others: lock_test.py BUILD"""
 import os
 import signal
-import subprocess
-import sys
 
-from pane_case import HERE, PaneCase, main, preferences, schedule, wait_for
+from pane_case import PaneCase, main, preferences, schedule, wait_for
+from talk import answer_with
 
 LOCKED, UNLOCKED = "Settings locked", "Settings unlocked"
 OPTIONS = ("Check for updates", "Show in the menu bar")
@@ -101,7 +100,7 @@ class AskedTest(LockCase):
         self.open_pane(unlocked=False, user="nobody")
         label = self.screen.wait(value=LOCKED)
         locked = self.display.picture(label)
-        agent = self.ask_through("later")
+        agent = answer_with(self.system, self.application.process, "later")
         self.toggle()
         self.assertEqual(agent.stdout.readline(), "asked com.quorel.modify-preferences\n")
         # The application waits and tells nothing: only its picture can be looked at.
@@ -110,19 +109,6 @@ class AskedTest(LockCase):
         agent.send_signal(signal.SIGUSR1)
         self.assert_unlocked()
         self.assertNotIn(asking, (locked, self.display.picture(label)))
-
-    def ask_through(self, manner):
-        agent = subprocess.Popen([sys.executable, f"{HERE}/../support/auth_agent.py",
-                                  str(self.application.process.pid), manner],
-                                 env=self.system.environment(), stdout=subprocess.PIPE, text=True)
-
-        def end():
-            agent.terminate()
-            agent.wait()
-            agent.stdout.close()
-        self.addCleanup(end)
-        self.assertEqual(agent.stdout.readline(), "ready\n")
-        return agent
 
 
 if __name__ == "__main__":

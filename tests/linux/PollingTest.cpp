@@ -2,11 +2,11 @@
 
 #include <atomic>
 
-#include "kit/VXUpdateChecker.h"
 #include "linux/ThreadDispatch.h"
 #include "model/Dictionary.h"
 #include "model/Preferences.h"
 #include "pane/VXPrefPaneController.h"
+#include "tests/support/FakeKit.h"
 #include "tests/support/HeadlessNib.h"
 #include "tests/support/MainQueue.h"
 
@@ -36,30 +36,18 @@ private:
 };
 
 /// Both kit services, for any thread; programs come and go by themselves.
-struct SharedKit : VXCommunicationCenter, VXUpdateChecker {
-    SharedKit() {
-        VXCommunicationCenter::setSharedInstance(this);
-        VXUpdateChecker::setSharedInstance(this);
-    }
-    ~SharedKit() override {
-        VXCommunicationCenter::setSharedInstance(nullptr);
-        VXUpdateChecker::setSharedInstance(nullptr);
-    }
-    void setObserver(std::weak_ptr<VXCommunicationProtocol>) override {}
-    void createServerConnection() override {}
-    bool pingDaemon() override { return ++daemonPings % 2; }
+struct SharedCenter : FakeCommunicationCenter {
+    bool pingDaemon() override { return ++pings % 2; }
     bool pingAgentOfUser(unsigned) override { return ++agentPings % 5 == 0; }
-    bool postNotificationToDaemon(const Notification&) override { return ++toDaemon; }
-    bool postNotificationToAgentOfUser(const Notification&, unsigned) override { return ++toAgent; }
-    std::optional<std::string> versionString() const override { return "1.0"; }
-    std::optional<std::string> fullVersionString() const override { return "1.0 (1)"; }
+    bool postNotificationToAgentOfUser(const Notification&, unsigned) override { return ++posts; }
+    std::atomic<int> pings{0}, agentPings{0}, posts{0};
+};
+struct SharedChecker : FakeUpdateChecker {
     bool updateLatestVersionDictionary() override { return ++fetches % 4; }
     std::optional<std::string> latestVersion() const override {
         return fetches % 3 ? std::optional<std::string>("2.0") : std::nullopt;
     }
-    std::string latestVersionURL() const override { return "https://example.invalid/download"; }
-
-    std::atomic<int> daemonPings{0}, agentPings{0}, toDaemon{0}, toAgent{0}, fetches{0};
+    std::atomic<int> fetches{0};
 };
 
 TEST(PollingTest, UpdateChecksRunBesideManyChains) {
@@ -68,14 +56,15 @@ TEST(PollingTest, UpdateChecksRunBesideManyChains) {
     MainQueue mainQueue;
     FirstCycles dispatch{mainQueue};
     Platform platform{host.platform,
-                            {.authorization = host.authorization,
-                             .clock = host.clock,
-                             .dispatch = dispatch,
-                             .files = host.files,
-                             .sharedWorkspace = host.sharedWorkspace,
-                             .effectiveUserId = 501}};
+                      {.authorization = host.authorization,
+                       .clock = host.clock,
+                       .dispatch = dispatch,
+                       .files = host.files,
+                       .sharedWorkspace = host.sharedWorkspace,
+                       .effectiveUserId = 501}};
     host.files.files[std::string(preferences::kFile)] = Value(Dictionary());
-    SharedKit kit;
+    SharedCenter center;
+    SharedChecker checker;
     const auto bundle = std::make_shared<headless::Bundle>("/pane");
     bundle->info = Value(Dictionary{{"CFBundleIdentifier", "com.quorel.pane"}});
     ConfiguratorInterface configuratorUi;
@@ -92,11 +81,11 @@ TEST(PollingTest, UpdateChecksRunBesideManyChains) {
         }
         return clicks == kClicks && controller.use_count() == 1;
     }));
-    EXPECT_EQ(kit.daemonPings, kClicks * 5);
-    EXPECT_GT(kit.toAgent, 0);
-    EXPECT_GT(kit.fetches, 0);
-    EXPECT_EQ(static_cast<int>(host.application.alerts.size()) + kit.toAgent, kClicks);
+    EXPECT_EQ(center.pings, kClicks * 5);
+    EXPECT_GT(center.posts, 0);
+    EXPECT_GT(checker.fetches, 0);
+    EXPECT_EQ(static_cast<int>(host.application.alerts.size()) + center.posts, kClicks);
 }
 
 }  // namespace
-}  // namespace quorel
+}  // namespace quorel::test
