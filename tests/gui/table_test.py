@@ -39,11 +39,6 @@ class TableTest(PaneCase):
         self.wait_enabled("Apply", False)
         self.wait_enabled("Revert", False)
 
-        screen.click(self.button("Show in the menu bar"))
-        screen.click(self.wait_enabled("Revert"))
-        screen.wait(title="Show in the menu bar", state=0)
-        self.wait_enabled("Apply", False)
-
     def test_ticks_sorts_drags_and_applies(self):
         self.start_daemon()
         screen = self.open_pane()
