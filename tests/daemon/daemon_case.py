@@ -6,7 +6,7 @@ import sys
 import unittest
 
 from private_system import PrivateSystem, read_line
-from talk import Talk, main_as_root as main  # noqa: F401
+from talk import Talk, main_as_root
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 SUPPORT = os.path.join(HERE, "../support")
@@ -100,3 +100,6 @@ class DaemonCase(unittest.TestCase):
 
     def logged(self):
         return self.system.log("daemon.log")
+
+
+main = main_as_root

@@ -10,7 +10,7 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = f"{HERE}/../../demo", f"{HERE}/../support"
 from desktop import DesktopServers, SettingsApplication, VirtualDisplay, wait_for  # noqa: E402
 from private_system import PrivateSystem  # noqa: E402
-from talk import main_as_root as main  # noqa: E402, F401
+from talk import main_as_root  # noqa: E402
 
 BUILD = os.path.abspath(sys.argv[1]) if len(sys.argv) > 1 else ""
 DAYS = ("Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Sunday")
@@ -131,3 +131,6 @@ class PaneCase(unittest.TestCase):
 
     def wait_no_sheet(self):
         wait_for(lambda: not self.screen.modal(), "the sheet stays open")
+
+
+main = main_as_root
