@@ -85,6 +85,18 @@ TEST_F(EditSheetTest, ModulesAreToldInOrder) {
     });
     EXPECT_EQ(sleep->calls, (Calls{"fillParameters", "wake off", "startup on", "setParameters none"}));
     EXPECT_EQ(wakeUp->calls, (Calls{"setParameters", "setParameters none"}));
+
+    wakeUp->calls.clear();
+    add([&] {
+        // A new Schedule has the module's own defaults, not the parameters it was made with.
+        EXPECT_EQ(Calls(wakeUp->calls.begin(), wakeUp->calls.begin() + 3),
+                  (Calls{"setParameters", "fillSetupInterface", "fillSetupInterface"}));
+        wakeUp->calls.clear();
+        ui.popUpType->pick("WakeUp");
+        EXPECT_EQ(Calls(wakeUp->calls.begin(), wakeUp->calls.begin() + 3),
+                  (Calls{"fillSetupInterface", "wake off", "startup off"}));
+        cancel();
+    });
 }
 
 TEST_F(EditSheetTest, SaveReplacesTheEditedScheduleAndKeepsItsOtherKeys) {
