@@ -23,31 +23,25 @@ protected:
 
 TEST_F(ActionModulesTest, SkipsWhatIsNoModuleAndGoesOn) {
     struct NoModule : Object {};
-    const auto moduleClass = add("A", "a", "A");
     struct {
         const char* why;
-        std::function<void()> spoil;
+        std::function<void(FakeModuleClass&)> spoil;
         int initialized, created;
     } const cases[] = {
-        {"cannot be opened", [&] { host.bundles.byPath.erase(kFolder + "/A.vxplugin"); }, 0, 0},
-        {"no class named", [&] { bundleOf("A").info = Value(); }, 0, 0},
-        {"no such class", [&] { bundleOf("A").classes.clear(); }, 0, 0},
-        {"does not conform", [&] { bundleOf("A").classes["EditClass"] = std::make_shared<NoModule>(); }, 0, 0},
-        {"refuses", [&] { moduleClass->accepts = false; }, 1, 0},
-        {"makes no object", [&] { moduleClass->module = nullptr; }, 1, 1},
-        {"no identifier", [&] { moduleClass->module->identifier.clear(); }, 1, 1},
-        {"no display name", [&] { moduleClass->module->name = std::nullopt; }, 1, 1},
+        {"cannot be opened", [&](auto&) { host.bundles.byPath.erase(kFolder + "/A.vxplugin"); }, 0, 0},
+        {"no class named", [&](auto&) { bundleOf("A").info = Value(); }, 0, 0},
+        {"no such class", [&](auto&) { bundleOf("A").classes.clear(); }, 0, 0},
+        {"does not conform", [&](auto&) { bundleOf("A").classes["EditClass"] = std::make_shared<NoModule>(); }, 0, 0},
+        {"refuses", [](auto& a) { a.accepts = false; }, 1, 0},
+        {"makes no object", [](auto& a) { a.module = nullptr; }, 1, 1},
+        {"no identifier", [](auto& a) { a.module->identifier.clear(); }, 1, 1},
+        {"no display name", [](auto& a) { a.module->name = std::nullopt; }, 1, 1},
     };
     for (const auto& [why, spoil, initialized, created] : cases) {
         host.bundles.directories.clear();
-        const auto module = makeModule("a", "A");
-        moduleClass->module = module;
-        moduleClass->accepts = true;
-        moduleClass->initialized = moduleClass->created = 0;
-        host.bundles.byPath.clear();
-        installModule(host.bundles, module, kFolder, "A");
-        bundleOf("A").classes["EditClass"] = moduleClass;
-        spoil();
+        const auto moduleClass = add("A", "a", "A");
+        const auto module = moduleClass->module;
+        spoil(*moduleClass);
         add("B", "b", "B");
         start();
         EXPECT_EQ(registered(), std::vector<std::string>{"b"}) << why;
@@ -96,20 +90,7 @@ TEST_F(ActionModulesTest, PopUpListsBaseModulesFirst) {
     }
 }
 
-TEST_F(ActionModulesTest, LoadingAgainReplacesModules) {
-    const auto moduleClass = add("A", "a", "A");
-    bundleOf("A").loadable = false;  // no reason to skip it where its class is there
-    start();
-    const std::weak_ptr<FakeModule> old = moduleClass->module;
-    moduleClass->module = makeModule("b", "B");
-    configurator->loadModules();
-    EXPECT_TRUE(old.expired());
-    EXPECT_EQ(registered(), std::vector<std::string>{"b"});
-    EXPECT_EQ(configurator->pluginNames(), (VXConfigurator::PluginNames{{"B", "b"}}));
-    EXPECT_EQ(moduleClass->initialized, 2);
-}
-
-TEST_F(ActionModulesTest, UnloadingReleasesAndTerminatesInBothFolders) {
+TEST_F(ActionModulesTest, UnloadingReleasesAndTerminatesInBothFoldersAndLoadingStartsOver) {
     const auto own = add("A", "a", "A");
     const auto refused = add("B", "b", "B");
     refused->accepts = false;
@@ -118,6 +99,7 @@ TEST_F(ActionModulesTest, UnloadingReleasesAndTerminatesInBothFolders) {
     bundleOf("D").classes.clear();
     start();
     EXPECT_EQ(shared->initialized, 0);
+    bundleOf("A").loadable = false;  // no reason to skip it where its class is there
     const std::weak_ptr<FakeModule> released = own->module;
     own->module = nullptr;
     configurator->unloadModules();
@@ -128,6 +110,11 @@ TEST_F(ActionModulesTest, UnloadingReleasesAndTerminatesInBothFolders) {
     EXPECT_EQ(own->terminated, 1);
     EXPECT_EQ(refused->terminated, 1);
     EXPECT_EQ(shared->terminated, 1);
+    own->module = makeModule("n", "N");
+    configurator->loadModules();
+    EXPECT_EQ(registered(), std::vector<std::string>{"n"});
+    EXPECT_EQ(configurator->pluginNames(), (VXConfigurator::PluginNames{{"N", "n"}}));
+    EXPECT_EQ(own->initialized, 2);
     EXPECT_EQ(shared->initialized, 0);
 }
 

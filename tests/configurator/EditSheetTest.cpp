@@ -250,21 +250,6 @@ TEST_F(EditSheetTest, PickingATypeAppliesItsDefaults) {
     EXPECT_EQ(entry(0)["Action Parameters"], Value(Dictionary{{"startup", false}, {"wake", true}}));
 }
 
-TEST_F(EditSheetTest, OfTwoModulesWithOneNameTheLaterIsMeant) {
-    install("1", "Twin");
-    const auto later = makeModule("0", "Twin");
-    installModule(host.bundles, later, bundle->builtInPlugInsPath(), "Later");
-    configurator->loadModules();
-    configurator->setScheduleArray(Value(Array{tagged("a", "1")}));
-    edit(0, [&] {
-        EXPECT_EQ(ui.popUpType->titleOfSelectedItem(), "Twin");
-        later->calls.clear();
-        save();
-    });
-    EXPECT_EQ(later->calls.front(), "fillParameters");
-    EXPECT_EQ(entry(0)["Action Type"].text(), "0");
-}
-
 TEST_F(EditSheetTest, DotImageFollowsTheModuleNotTheBoxes) {
     configurator->setScheduleArray(Value(Array{complete()}));
     edit(0, [&] {

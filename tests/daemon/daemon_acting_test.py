@@ -26,13 +26,6 @@ class ActingTest(ActingCase):
         self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "the lock is taken again")
         self.hear("Sleep of Mon 2027-03-01 23:15: slept until Mon 2027-03-01 23:16")
 
-    def test_sleeps_without_a_word_of_the_end(self):
-        self.begin(schedule(SLEEP, "23:15"), comes_back=False)
-        self.sleep_at_its_minute()
-        self.wait_for(lambda: self.calls("slept"), "it sleeps")
-        self.move_to("23:17")
-        self.last("slept")
-
     def test_waits_for_what_speaks_against_it(self):
         in_use = [{"Name": "bob\n", "TTY": "tty3", "Type": "tty"}]
         idle = [{"Type": "tty", "IdleSinceHint": (instant("23:15") - 3600) * 1_000_000}]

@@ -7,7 +7,7 @@ import sys
 import unittest
 
 from private_system import PrivateSystem, read_line
-from talk import Talk
+from talk import Talk, main_as_root
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 SUPPORT = os.path.join(HERE, "../support")
@@ -111,8 +111,4 @@ class DaemonCase(unittest.TestCase):
         return self.system.log("daemon.log")
 
 
-def main():
-    if os.getuid() != 0:
-        print("Skipped: only root can cover polkit's folders in a mount namespace.")
-        sys.exit(77)
-    unittest.main(argv=sys.argv[:1])
+main = main_as_root

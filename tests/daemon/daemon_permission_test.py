@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
 """Who may change the preferences, with the real polkitd."""
 import signal
-import subprocess
-import sys
 
-from daemon_case import (BUSY, NOBODY, NOT_AUTHORIZED, PREFERENCES, SUPPORT, DaemonCase, main, preferences, xml)
+from daemon_case import (BUSY, NOBODY, NOT_AUTHORIZED, PREFERENCES, DaemonCase, main, preferences, xml)
 from private_system import polkit_rule, read_line, wait_until
+from talk import answer_with
 
 CHANGED = preferences(Show_In_Menu_Bar=0)
 ASKED = "asked com.quorel.modify-preferences"
@@ -19,12 +18,6 @@ class PermissionTest(DaemonCase):
         self.assertEqual(self.caller().save(xml(PREFERENCES)), ("", ""))
         self.before = self.identity()
 
-    def answer_with(self, manner, caller):
-        agent = self.system.start([sys.executable, f"{SUPPORT}/auth_agent.py", str(caller.process.pid), manner],
-                                  stdout=subprocess.PIPE, text=True)
-        self.assertEqual(read_line(agent), "ready")
-        return agent
-
     def assert_unchanged(self):
         self.assertEqual(self.identity(), self.before)
         self.assertEqual(self.stored(), PREFERENCES)
@@ -32,12 +25,16 @@ class PermissionTest(DaemonCase):
     def assert_asked(self, agent):
         self.assertEqual(read_line(agent), ASKED)
 
-    def test_refused_by_rule_and_without_anybody_to_ask(self):
-        for rules in (polkit_rule("no"), ""):
-            with self.subTest(rules):
+    def test_refused_by_rule_without_anybody_to_ask_and_cancelled(self):
+        for rules, cancelled, reason in ((polkit_rule("no"), False, ""), ("", False, ""), ("", True, "dismissed")):
+            with self.subTest(rules, cancelled=cancelled):
                 self.start(rules)
-                error, _ = self.caller(NOBODY).save(xml(CHANGED))
+                nobody = self.caller(NOBODY)
+                if cancelled:
+                    answer_with(self.system, nobody.process, "cancel")
+                error, text = nobody.save(xml(CHANGED))
                 self.assertEqual(error, NOT_AUTHORIZED)
+                self.assertIn(reason, text)
                 self.assert_unchanged()
                 self.assertIn(f"Preferences of user {NOBODY} are refused: ", self.logged())
                 self.doCleanups()
@@ -57,7 +54,7 @@ class PermissionTest(DaemonCase):
     def test_answered_dialog_lets_in_this_caller_for_a_while(self):
         self.start()
         nobody = self.caller(NOBODY)
-        agent = self.answer_with("answer", nobody)
+        agent = answer_with(self.system, nobody.process, "answer")
         self.assertEqual(nobody.save(xml(CHANGED)), ("", ""))
         self.assert_asked(agent)
         self.assertEqual(self.stored(), CHANGED)
@@ -67,20 +64,10 @@ class PermissionTest(DaemonCase):
         self.assertEqual(other.save(xml(CHANGED))[0], NOT_AUTHORIZED)
         self.assertEqual(self.stored(), PREFERENCES)
 
-    def test_cancelled_dialog_refuses(self):
-        self.start()
-        nobody = self.caller(NOBODY)
-        agent = self.answer_with("cancel", nobody)
-        error, text = nobody.save(xml(CHANGED))
-        self.assert_asked(agent)
-        self.assertEqual(error, NOT_AUTHORIZED)
-        self.assertIn("dismissed", text)
-        self.assert_unchanged()
-
     def test_invalid_preferences_ask_nobody(self):
         self.start()
         nobody = self.caller(NOBODY)
-        agent = self.answer_with("answer", nobody)
+        agent = answer_with(self.system, nobody.process, "answer")
         nobody.save(xml(preferences(Extra=1)))
         nobody.save(xml(PREFERENCES))
         self.system.end(nobody.process)
@@ -91,7 +78,7 @@ class PermissionTest(DaemonCase):
     def test_everybody_else_is_served_while_somebody_is_asked(self):
         self.start()
         nobody = self.caller(NOBODY)
-        agent = self.answer_with("ignore", nobody)
+        agent = answer_with(self.system, nobody.process, "ignore")
         nobody.begin(xml(CHANGED))
         self.assert_asked(agent)
         alive, seconds = self.probe()
@@ -104,7 +91,7 @@ class PermissionTest(DaemonCase):
     def test_caller_that_leaves_while_asked_changes_nothing(self):
         self.start()
         nobody = self.caller(NOBODY)
-        agent = self.answer_with("later", nobody)
+        agent = answer_with(self.system, nobody.process, "later")
         nobody.begin(xml(CHANGED))
         self.assert_asked(agent)
         nobody.leave()
@@ -118,7 +105,7 @@ class PermissionTest(DaemonCase):
         self.start()
         waiting = [self.caller(NOBODY) for _ in range(4)]
         for one in waiting:
-            agent = self.answer_with("ignore", one)
+            agent = answer_with(self.system, one.process, "ignore")
             one.begin(xml(CHANGED))
             self.assert_asked(agent)
         self.assertEqual(self.caller(NOBODY).save(xml(CHANGED))[0], BUSY)
@@ -128,7 +115,7 @@ class PermissionTest(DaemonCase):
     def test_one_call_of_a_sender_waits(self):
         self.start()
         nobody = self.caller(NOBODY)
-        agent = self.answer_with("ignore", nobody)
+        agent = answer_with(self.system, nobody.process, "ignore")
         nobody.begin(xml(CHANGED))
         self.assert_asked(agent)
         self.assertEqual(nobody.save(xml(CHANGED))[0], BUSY)

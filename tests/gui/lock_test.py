@@ -2,19 +2,13 @@
 """The padlock, clicked by an administrator and by others: lock_test.py BUILD"""
 import os
 import signal
-import subprocess
-import sys
 
-from pane_case import HERE, PaneCase, main, preferences, schedule, wait_for
+from pane_case import PaneCase, main, preferences, schedule, wait_for
+from talk import answer_with
 
 LOCKED, UNLOCKED = "Settings locked", "Settings unlocked"
 OPTIONS = ("Check for updates", "Show in the menu bar")
 COMMANDS = ("Add a schedule", "Delete the selected schedule", "Edit the selected schedule")
-
-
-def rule(answer):
-    return ("polkit.addRule(function(action, subject) {"
-            f"if (action.id == 'com.quorel.modify-preferences' && subject.user == 'nobody') return '{answer}'; }});")
 
 
 class LockCase(PaneCase):
@@ -50,10 +44,6 @@ class LockCase(PaneCase):
         self.assertEqual(self.enabled(), [*OPTIONS, "How often to check", COMMANDS[0]])
         self.assertEqual(self.enabled_cells(), {True})
 
-    def tick_first_row(self):
-        before = self.screen.rows()[0]["Is Enabled"]
-        self.screen.click_cell(0, "Is Enabled")
-        self.screen.wait_rows(lambda rows: rows[0]["Is Enabled"] == 1 - before)
 
 
 class AdministratorTest(LockCase):
@@ -93,67 +83,16 @@ class AdministratorTest(LockCase):
         self.wait_only_stored(*(self.schedules[i] for i in (1, 2, 0)))
 
     def test_an_unlocked_pane_opens_unlocked(self):
-        screen = self.open_pane(unlocked=False)
+        self.open_pane(unlocked=False)
         self.toggle()
         self.wait_label(UNLOCKED)
         self.application.close()
-        self.system.end(self.system.polkit)  # nobody can be asked
-        screen = self.open_pane(unlocked=False)
+        self.open_pane(unlocked=False)
         self.assert_unlocked()
         self.toggle()
-        self.assert_locked()
         self.application.close()
-        screen = self.open_pane(unlocked=False)
+        self.open_pane(unlocked=False)
         self.assert_locked()
-        self.toggle()
-        screen.settle()
-        self.assert_locked()
-
-
-class LetInTest(LockCase):
-    rule = rule("yes")
-
-    def test_a_user_who_may_saves(self):
-        self.start_daemon()
-        self.open_pane(unlocked=False, user="nobody")
-        self.assert_locked()
-        self.toggle()
-        self.assert_unlocked()
-        self.tick_first_row()
-        self.apply()
-        self.wait_only_stored(dict(self.schedules[0], **{"Is Enabled": 0}), *self.schedules[1:], **{"Check Updates": 1})
-        self.wait_enabled("Apply", False)
-
-
-class RefusedTest(LockCase):
-    rule = rule("no")
-
-    def test_a_user_who_may_not_changes_nothing(self):
-        self.start_daemon()
-        screen = self.open_pane(unlocked=False, user="nobody")
-        before = self.display.picture(self.screen.wait(value=LOCKED))
-        self.toggle()
-        screen.settle()
-        self.assert_locked()
-        self.assertEqual(self.display.picture(self.screen.wait(value=LOCKED)), before)
-        self.application.close()
-
-        # The marker is the user's own file: it opens the pane, not the daemon.
-        screen = self.open_pane(user="nobody")
-        self.assert_unlocked()
-        with open(self.file, "rb") as file:
-            content = file.read()
-        self.tick_first_row()
-        self.apply()
-        self.wait_enabled("Apply", False)
-        self.wait_enabled("Revert", False)
-        screen.wait_rows(lambda rows: rows[0]["Is Enabled"] == 1)
-        self.tick_first_row()
-        screen.click(self.button("Show All"))
-        screen.open_pane()
-        screen.wait_rows(lambda rows: rows[0]["Is Enabled"] == 1)
-        with open(self.file, "rb") as file:
-            self.assertEqual(file.read(), content)
 
 
 class AskedTest(LockCase):
@@ -161,7 +100,7 @@ class AskedTest(LockCase):
         self.open_pane(unlocked=False, user="nobody")
         label = self.screen.wait(value=LOCKED)
         locked = self.display.picture(label)
-        agent = self.ask_through("later")
+        agent = answer_with(self.system, self.application.process, "later")
         self.toggle()
         self.assertEqual(agent.stdout.readline(), "asked com.quorel.modify-preferences\n")
         # The application waits and tells nothing: only its picture can be looked at.
@@ -170,25 +109,6 @@ class AskedTest(LockCase):
         agent.send_signal(signal.SIGUSR1)
         self.assert_unlocked()
         self.assertNotIn(asking, (locked, self.display.picture(label)))
-
-        # polkit remembers the answer for a while, and the pane asks it first.
-        self.toggle()
-        self.assert_locked()
-        self.toggle()
-        self.assert_unlocked()
-
-    def ask_through(self, manner):
-        agent = subprocess.Popen([sys.executable, f"{HERE}/../support/auth_agent.py",
-                                  str(self.application.process.pid), manner],
-                                 env=self.system.environment(), stdout=subprocess.PIPE, text=True)
-
-        def end():
-            agent.terminate()
-            agent.wait()
-            agent.stdout.close()
-        self.addCleanup(end)
-        self.assertEqual(agent.stdout.readline(), "ready\n")
-        return agent
 
 
 if __name__ == "__main__":

@@ -71,19 +71,6 @@ class LightsTest(StatusCase):
         self.assertLess(both_hung, both_alive + 2 * SILENCE + 1)
         self.wait_lights(daemon=False, agent=False)
 
-        screen.settle()
-        screen.click_cell(0, "Is Enabled")
-        self.wait_enabled("Apply")
-        content = self.stored()
-        started = time.monotonic()
-        self.apply()
-        screen.look()
-        self.assertLess(time.monotonic() - started, SILENCE + 2)
-        self.assertEqual(screen.rows()[0]["Is Enabled"], 0)
-        self.wait_enabled("Apply")
-        self.wait_enabled("Revert")
-        self.assertEqual(self.stored(), content)
-
     def test_quits_while_programs_hang(self):
         self.start_daemon()
         self.start_agent()

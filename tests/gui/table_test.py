@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """The schedule table and the options, used with mouse and keyboard: table_test.py BUILD"""
-from pane_case import PaneCase, main, preferences, schedule
+import os
 
-TYPES = ("com.quorel.plugin.Sleep", "com.quorel.plugin.WakeUp")
+from pane_case import DAYS, PaneCase, main, preferences, schedule
 
 
 def hours(stored):
@@ -38,11 +38,6 @@ class TableTest(PaneCase):
         self.assertEqual(set(stored), set(preferences()))
         self.wait_enabled("Apply", False)
         self.wait_enabled("Revert", False)
-
-        screen.click(self.button("Show in the menu bar"))
-        screen.click(self.wait_enabled("Revert"))
-        screen.wait(title="Show in the menu bar", state=0)
-        self.wait_enabled("Apply", False)
 
     def test_ticks_sorts_drags_and_applies(self):
         self.start_daemon()
@@ -94,6 +89,37 @@ class TableTest(PaneCase):
         self.wait_times("10:30", "6:15", "9:05")
         self.apply()
         self.wait_stored(lambda now: hours(now) == ["22", 6, 9])
+
+    def test_the_first_save_makes_the_file(self):
+        os.remove(self.file)
+        self.start_daemon()
+        screen = self.open_pane()
+        screen.click(self.button("Show in the menu bar"))
+        self.apply()
+        every_day = {f"Active On {day}": True for day in DAYS}
+        sleep = {"Needs Startup": False, "Needs Wake Up": False, "Only When Idle": False, "Idle Minutes": 15}
+        wake_up = {"Needs Startup": False, "Needs Wake Up": True}
+        self.wait_only_stored(
+            schedule("Sleep", "23", "00", **{"Action Parameters": sleep}) | every_day,
+            schedule("WakeUp", "7", "00", **{"Action Parameters": wake_up}) | every_day,
+            **{"Check Updates": 1, "Check Updates Frequency": 0, "Show In Menu Bar": 0})
+
+    def test_values_of_the_wrong_kind(self):
+        odd = ([1], {"a": 1}, b"\x00\x01", "text", 2.9, 1 << 62, True)
+        keys = [key for key in schedule("Sleep", 1, 2) if key != "Action Type"] + ["Action Parameters"]
+        of_odd_kinds = [schedule("Sleep", 1, 2) | {key: value for key in keys} for value in odd]
+        self.store(preferences(schedule("Sleep", 22, 30), *of_odd_kinds, schedule("WakeUp", 6, 15)))
+        self.open_pane()
+        times = self.times()
+        self.assertEqual((len(times), times[0], times[-1]), (len(odd) + 2, "10:30", "6:15"))
+        self.screen.click_cell(0, "Infos")
+        for row in range(1, len(odd) + 1):
+            self.screen.key("Down")
+            self.screen.wait(rows=lambda rows: rows[row]["selected"])
+            self.screen.key("Return")
+            self.wait_sheet()
+            self.screen.key("Escape")
+            self.wait_no_sheet()
 
 
 if __name__ == "__main__":

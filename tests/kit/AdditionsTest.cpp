@@ -4,8 +4,6 @@
 
 #include <limits>
 
-#include "platform/headless/Controls.h"
-
 namespace quorel {
 namespace {
 
@@ -27,17 +25,6 @@ TEST(AdditionsTest, DateFromHourMinutesCarriesOver) {
         EXPECT_TRUE(date.hour >= 0 && date.hour < 24 && date.minute >= 0 && date.minute < 60);
         EXPECT_TRUE(date.month >= 1 && date.month <= 12 && date.day >= 1 && date.day <= 31);
     }
-}
-
-TEST(AdditionsTest, ClearRemovesEverySubview) {
-    headless::View view;
-    const auto kept = std::make_shared<headless::View>();
-    view.addSubview(kept);
-    view.addSubview(std::make_shared<headless::View>());
-    clear(view);
-    EXPECT_TRUE(view.subviews().empty());
-    view.addSubview(kept);
-    EXPECT_EQ(view.subviews().size(), 1u);
 }
 
 }  // namespace

@@ -1,14 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <mutex>
-#include <thread>
-#include <vector>
 
-#include "kit/VXUpdateChecker.h"
 #include "linux/ThreadDispatch.h"
 #include "model/Dictionary.h"
+#include "model/Preferences.h"
 #include "pane/VXPrefPaneController.h"
+#include "tests/support/FakeKit.h"
 #include "tests/support/HeadlessNib.h"
 #include "tests/support/MainQueue.h"
 
@@ -17,102 +15,46 @@
 namespace quorel::test {
 namespace {
 
-using namespace std::chrono_literals;
-
-/// Queues on threads, on which every delay is a short one until `stop`; from then on nothing delayed comes.
-class HurriedDispatch : public Dispatch {
+/// Queues on threads, on which what is to come later never comes: a chain is one cycle, and may be begun again at once.
+class FirstCycles : public Dispatch {
 public:
-    explicit HurriedDispatch(DispatchQueue& mainQueue) : _threads(mainQueue) {}
+    explicit FirstCycles(DispatchQueue& mainQueue) : _threads(mainQueue) {}
     std::shared_ptr<DispatchQueue> createQueue(std::string_view label) override {
-        auto queue = std::make_shared<Queue>(*this, _threads.createQueue(label));
-        const std::lock_guard lock(_mutex);
-        std::erase_if(_created, [](const auto& known) { return known.expired(); });
-        _created.push_back(queue->real);
-        return queue;
+        return std::make_shared<Queue>(_threads.createQueue(label));
     }
     DispatchQueue& mainQueue() override { return _threads.mainQueue(); }
 
-    void stop() { _stopped = true; }
-    bool isQuiet() {
-        const std::lock_guard lock(_mutex);
-        std::erase_if(_created, [](const auto& known) { return known.expired(); });
-        return _created.empty();
-    }
-
 private:
     struct Queue : DispatchQueue {
-        Queue(HurriedDispatch& owner, std::shared_ptr<DispatchQueue> queue) : dispatch(owner), real(std::move(queue)) {}
+        explicit Queue(std::shared_ptr<DispatchQueue> queue) : real(std::move(queue)) {}
         void async(Block block) override { real->async(std::move(block)); }
         void sync(const Block& block) override { real->sync(block); }
-        void after(std::chrono::nanoseconds delay, Block block) override {
-            EXPECT_EQ(delay, 10s);
-            if (!dispatch._stopped) real->after(200us, std::move(block));
-        }
-        HurriedDispatch& dispatch;
+        void after(std::chrono::nanoseconds, Block) override {}
         const std::shared_ptr<DispatchQueue> real;
     };
     ThreadDispatch _threads;
-    std::atomic<bool> _stopped{false};
-    std::mutex _mutex;
-    std::vector<std::weak_ptr<DispatchQueue>> _created;
 };
 
 /// Both kit services, for any thread; programs come and go by themselves.
-struct SharedKit : VXCommunicationCenter, VXUpdateChecker {
-    SharedKit() {
-        VXCommunicationCenter::setSharedInstance(this);
-        VXUpdateChecker::setSharedInstance(this);
-    }
-    ~SharedKit() override {
-        VXCommunicationCenter::setSharedInstance(nullptr);
-        VXUpdateChecker::setSharedInstance(nullptr);
-    }
-    void setObserver(std::weak_ptr<VXCommunicationProtocol>) override {}
-    void createServerConnection() override {}
-    bool pingDaemon() override { return ++daemonPings % 2; }
+struct SharedCenter : FakeCommunicationCenter {
+    bool pingDaemon() override { return ++pings % 2; }
     bool pingAgentOfUser(unsigned) override { return ++agentPings % 5 == 0; }
-    bool postNotificationToDaemon(const Notification&) override { return ++toDaemon; }
-    bool postNotificationToAgentOfUser(const Notification&, unsigned) override { return ++toAgent; }
-    std::optional<std::string> versionString() const override { return "1.0"; }
-    std::optional<std::string> fullVersionString() const override { return "1.0 (1)"; }
+    bool postNotificationToAgentOfUser(const Notification&, unsigned) override { return ++posts; }
+    std::atomic<int> pings{0}, agentPings{0}, posts{0};
+};
+struct SharedChecker : FakeUpdateChecker {
     bool updateLatestVersionDictionary() override { return ++fetches % 4; }
     std::optional<std::string> latestVersion() const override {
         return fetches % 3 ? std::optional<std::string>("2.0") : std::nullopt;
     }
-    std::string latestVersionURL() const override { return "https://example.invalid/download"; }
-
-    std::atomic<int> daemonPings{0}, agentPings{0}, toDaemon{0}, toAgent{0}, fetches{0};
+    std::atomic<int> fetches{0};
 };
 
-/// Texts are looked up for controls, so only on the main thread.
-struct MainThreadBundle : headless::Bundle {
-    using Bundle::Bundle;
-    std::string localizedStringForKeyValueTable(std::string_view key, std::string_view value,
-                                                std::string_view table) const override {
-        if (std::this_thread::get_id() != mainThread) ++strays;
-        return Bundle::localizedStringForKeyValueTable(key, value, table);
-    }
-    const std::thread::id mainThread = std::this_thread::get_id();
-    mutable std::atomic<int> strays{0};
-};
-
-class PollingTest : public testing::Test {
-protected:
-    void SetUp() override {
-        bundle->info = Value(Dictionary{{"CFBundleIdentifier", "com.quorel.pane"}});
-        controller = VXPrefPaneController::initWithBundle(bundle, configuratorUi, platform);
-        ASSERT_TRUE(controller);
-        ui.load(*controller);
-    }
-    void TearDown() override {
-        dispatch.stop();
-        EXPECT_TRUE(mainQueue.runUntil([this] { return dispatch.isQuiet() && controller.use_count() == 1; }));
-        EXPECT_EQ(bundle->strays, 0);
-    }
-
+TEST(PollingTest, UpdateChecksRunBesideManyChains) {
+    constexpr int kClicks = 300;
     headless::HeadlessPlatform host;
     MainQueue mainQueue;
-    HurriedDispatch dispatch{mainQueue};
+    FirstCycles dispatch{mainQueue};
     Platform platform{host.platform,
                       {.authorization = host.authorization,
                        .clock = host.clock,
@@ -120,35 +62,29 @@ protected:
                        .files = host.files,
                        .sharedWorkspace = host.sharedWorkspace,
                        .effectiveUserId = 501}};
-    SharedKit kit;
-    std::shared_ptr<MainThreadBundle> bundle = std::make_shared<MainThreadBundle>("/pane");
+    host.files.files[std::string(preferences::kFile)] = Value(Dictionary());
+    SharedCenter center;
+    SharedChecker checker;
+    const auto bundle = std::make_shared<headless::Bundle>("/pane");
+    bundle->info = Value(Dictionary{{"CFBundleIdentifier", "com.quorel.pane"}});
     ConfiguratorInterface configuratorUi;
     PaneInterface ui;
-    std::shared_ptr<VXPrefPaneController> controller;
-};
-
-TEST_F(PollingTest, UpdateChecksRunBesideManyChains) {
-    constexpr int kClicks = 300;
-    for (int chain = 0; chain < 16; ++chain) {
-        controller->didSelect();
-        if (chain % 3 == 0) controller->willUnselect();
-    }
+    const auto controller = VXPrefPaneController::initWithBundle(bundle, configuratorUi, platform);
+    ASSERT_TRUE(controller);
+    ui.load(*controller);
     int clicks = 0;
-    const auto outcomes = [this] { return static_cast<int>(host.application.alerts.size()) + kit.toAgent; };
     ASSERT_TRUE(mainQueue.runUntil([&] {
-        if (clicks < kClicks && kit.daemonPings > clicks * 5) {
+        if (clicks < kClicks) {
+            for (int chain = 0; chain < 5; ++chain) controller->didSelect();
             ++clicks;
             EXPECT_TRUE(ui.checkUpdatesButton->click());
         }
-        return outcomes() == kClicks && kit.daemonPings > 3000;
+        return clicks == kClicks && controller.use_count() == 1;
     }));
-    EXPECT_GT(kit.toAgent, 0);
-    EXPECT_GT(kit.fetches, 0);
-    for (const char* title : {"Verification impossible", "Nouvelle version dispo"}) {
-        EXPECT_TRUE(std::any_of(host.application.alerts.begin(), host.application.alerts.end(), [&](const auto& alert) {
-            return alert.title == title;
-        })) << title;
-    }
+    EXPECT_EQ(center.pings, kClicks * 5);
+    EXPECT_GT(center.posts, 0);
+    EXPECT_GT(checker.fetches, 0);
+    EXPECT_EQ(static_cast<int>(host.application.alerts.size()) + center.posts, kClicks);
 }
 
 }  // namespace

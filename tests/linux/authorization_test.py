@@ -2,14 +2,12 @@
 """What polkit says is what the administrator lock gets: authorization_test.py KIT_CALLER"""
 import os
 import signal
-import subprocess
 import sys
 import unittest
 
 from private_system import PrivateSystem, polkit_rule, read_line
-from talk import Talk
+from talk import Talk, answer_with, main_as_root
 
-HERE = os.path.dirname(os.path.abspath(__file__))
 PROGRAM = os.path.abspath(sys.argv[1])
 NOBODY = 65534
 INTERACTION = 3
@@ -32,15 +30,9 @@ class AuthorizationTest(unittest.TestCase):
     def start_lock(self):
         return Lock(self.system, PROGRAM, "1000", "1000", user=NOBODY)
 
-    def answer_with(self, manner, lock):
-        agent = self.system.start([sys.executable, f"{HERE}/../support/auth_agent.py", str(lock.process.pid), manner],
-                                  stdout=subprocess.PIPE, text=True)
-        self.assertEqual(read_line(agent), "ready")
-        return agent
-
     def test_answered_dialog_counts_for_a_while(self):
         lock = self.start()
-        agent = self.answer_with("answer", lock)
+        agent = answer_with(self.system, lock.process, "answer")
         self.assertEqual(lock("create"), 0)
         self.assertEqual(lock("copy 0"), NOT_WITHOUT_ASKING)
         self.assertEqual(lock(f"copy {INTERACTION}"), GRANTED)
@@ -60,7 +52,7 @@ class AuthorizationTest(unittest.TestCase):
 
     def test_polkit_dying_over_an_open_dialog_refuses(self):
         lock = self.start()
-        agent = self.answer_with("ignore", lock)
+        agent = answer_with(self.system, lock.process, "ignore")
         lock("create")
         lock.begin(f"copy {INTERACTION}")
         self.assertEqual(read_line(agent), "asked com.quorel.modify-preferences")
@@ -89,7 +81,4 @@ class AuthorizationTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    if os.getuid() != 0:
-        print("Skipped: only root can cover polkit's folders in a mount namespace.")
-        sys.exit(77)
-    unittest.main(argv=sys.argv[:1])
+    main_as_root()

@@ -136,20 +136,6 @@ TEST_F(LifecycleTest, WhatChangesApplyAndRevert) {
     }
 }
 
-TEST_F(LifecycleTest, LeavingSavesWhateverTheLockAndWithoutAnEdit) {
-    center.daemonAlive = true;
-    for (const bool unlocked : {false, true}) {
-        if (unlocked) unlockBeforehand();
-        store(storedDefaults());
-        open();
-        ui.menuCheck->setState(kStateOff);
-        center.toDaemon.clear();
-        pane->willUnselect();
-        ASSERT_EQ(center.toDaemon.size(), 1u);
-        EXPECT_EQ(center.toDaemon[0].userInfo["Show In Menu Bar"], Value(0));
-    }
-}
-
 TEST_F(LifecycleTest, GoesWhenItWasNeverSelected) {
     create();
     const std::weak_ptr<VXPrefPaneController> watched = pane;

@@ -68,21 +68,14 @@ TEST_F(StatusTest, EachSelectionStartsAChainThatNeverEnds) {
         EXPECT_EQ(cycles(), polls);
         EXPECT_EQ(lights(), "+-");
     }
-    EXPECT_FALSE(watched.expired());
-}
-
-TEST_F(StatusTest, TenThousandCyclesPileNothingUp) {
-    open();
-    host.dispatch.advance(3s);
-    pane->didSelect();
-    host.dispatch.run();
     const std::size_t queues = host.dispatch.liveQueues();
-    const long holders = pane.use_count();
-    host.dispatch.advance(10'000 * 10s);
-    EXPECT_EQ(cycles(), 20'002);
+    const long holders = watched.use_count();
+    host.dispatch.advance(10'000s);  // and nothing piles up
+    EXPECT_EQ(cycles(), 2'004);
     EXPECT_EQ(host.dispatch.pendingTimers(), 2u);
     EXPECT_EQ(host.dispatch.liveQueues(), queues);
-    EXPECT_EQ(pane.use_count(), holders);
+    EXPECT_EQ(watched.use_count(), holders);
+    EXPECT_GT(holders, 0);
 }
 
 }  // namespace

@@ -116,7 +116,6 @@ const Row kRows[] = {
     {"at its minute, after a minute's warning", "from 22:50 Sleep@23:00; wake 23:40; until 23:50",
      "22:59 warn, for 23:00; 23:00 suspend; 23:40 awake; 23:40 slept Sleep 23:00"},
     {"just saved: the whole minute passes", "from 22:59:30 Sleep@23:00; until 23:00", "22:59:30 warn, for 23:00:30"},
-    {"shut-down", "from 22:50 ShutDown@23:00; until 23:50", "22:59 warn, for 23:00; 23:00 shut down; 23:00 shut-down ShutDown 23:00"},
     {"woken for nothing else", "from 10:00 Sleep@23:00 Plain@12:00; until 22:59:59; ticks",
      "12:00 start Plain; 12:00:10 ran Plain 12:00; 22:59 warn, for 23:00; 22:59:59 2 ticks"},
     {"restart", "from 22:50 ShutDown@23:00/restart; until 23:50",

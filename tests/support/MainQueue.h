@@ -2,8 +2,8 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdlib>
 #include <deque>
-#include <map>
 #include <mutex>
 #include <utility>
 
@@ -31,11 +31,7 @@ public:
         _changed.notify_all();
         _changed.wait(lock, [&] { return done; });
     }
-    void after(std::chrono::nanoseconds delay, Block block) override {
-        const std::lock_guard lock(_mutex);
-        _timed.emplace(Clock::now() + delay, std::move(block));
-        _changed.notify_all();
-    }
+    void after(std::chrono::nanoseconds, Block) override { std::abort(); }  // nobody asks for it
 
     /// Runs blocks until `done`, which is asked after each of them; false when that took too long.
     template <class Done>
@@ -53,10 +49,6 @@ private:
     void runOne() {
         std::unique_lock lock(_mutex);
         if (_pending.empty()) _changed.wait_for(lock, std::chrono::milliseconds(5));
-        while (!_timed.empty() && _timed.begin()->first <= Clock::now()) {
-            _pending.push_back(std::move(_timed.begin()->second));
-            _timed.erase(_timed.begin());
-        }
         if (_pending.empty()) return;
         const Block block = std::move(_pending.front());
         _pending.pop_front();
@@ -67,7 +59,6 @@ private:
     std::mutex _mutex;
     std::condition_variable _changed;
     std::deque<Block> _pending;
-    std::multimap<Clock::time_point, Block> _timed;
 };
 
 }  // namespace quorel::test

@@ -1,6 +1,6 @@
 // Stands for the pane: calls the kit over the buses and asks polkit, one command a line; answers each with its result
 // and the milliseconds that it took. Arguments: how long silence and handling may last, in milliseconds.
-//   ping-daemon | ping-agent USER | post-daemon NAME [BYTES] | post-agent USER NAME | save FILE
+//   ping-daemon | ping-agent USER | post-daemon NAME [BYTES] | post-agent USER NAME
 //   open true|false|none: the own end, and its observer's pong
 //   together THREADS TIMES: each thread pings and posts
 //   create | copy FLAGS | free FLAGS: the administrator's right, with the status as result
@@ -18,7 +18,6 @@
 
 #include "linux/BusCommunicationCenter.h"
 #include "linux/PolkitAuthorization.h"
-#include "linux/RootedPropertyListFiles.h"
 #include "model/Dictionary.h"
 #include "model/Names.h"
 #include "pane/VXCommunicationProtocol.h"
@@ -57,12 +56,6 @@ int together(BusCommunicationCenter& center, int threads, int times) {
     return succeeded;
 }
 
-int save(BusCommunicationCenter& center, const std::string& file) {
-    auto saved = notification(std::string(kDaemonMustReloadPrefs), kDaemonName);
-    saved.userInfo = RootedPropertyListFiles().dictionaryWithContentsOfFile(file);
-    return center.postNotificationToDaemon(saved);
-}
-
 }  // namespace
 
 int main(int, char** arguments) {
@@ -90,7 +83,6 @@ int main(int, char** arguments) {
         }
         if (command == "post-agent" && words >> number >> name)
             result = center.postNotificationToAgentOfUser(notification(name, kUserAgentName), number);
-        if (command == "save" && words >> name) result = save(center, name);
         if (command == "open" && words >> name) {
             if (name != "none") observer = std::make_shared<Observer>(name == "true");
             center.setObserver(observer);

@@ -24,9 +24,6 @@ SCRIPT = {
     "inhibitors": [],            # of others: what, who, why, mode
     "scheduled": ["", 0],        # shut-down
     "sessions": [],              # properties of each
-    "lid closed": False,
-    "powered": True,
-    "hangs": False,              # no answers at all
 }
 
 
@@ -75,12 +72,10 @@ class Manager(dbus.service.Object):
                          for number, properties in enumerate(self.script["sessions"])]
         return json.dumps({"calls": self.calls, "locks": list(self.locks.values())})
 
-    @dbus.service.method(MANAGER, out_signature="a(ssssuu)", async_callbacks=("answer", "fail"))
-    def ListInhibitors(self, answer, fail):
-        self.calls.append("ListInhibitors")
-        if not self.script["hangs"]:
-            others = [(*lock, 0, 1) for lock in self.script["inhibitors"]]
-            answer(others + [(*lock[:4], 0, lock[4]) for lock in self.locks.values()])
+    @dbus.service.method(MANAGER, out_signature="a(ssssuu)")
+    def ListInhibitors(self):
+        others = [(*lock, 0, 1) for lock in self.script["inhibitors"]]
+        return others + [(*lock[:4], 0, lock[4]) for lock in self.locks.values()]
 
     @dbus.service.method(MANAGER, out_signature="a(susso)")
     def ListSessions(self):
@@ -113,7 +108,7 @@ class Manager(dbus.service.Object):
 
     @dbus.service.method(PROPERTIES, in_signature="s", out_signature="a{sv}")
     def GetAll(self, _):
-        return {"LidClosed": self.script["lid closed"], "OnExternalPower": self.script["powered"]}
+        return {"LidClosed": False, "OnExternalPower": True}
 
     @dbus.service.method(MANAGER, in_signature="t")
     def SuspendWithFlags(self, flags):

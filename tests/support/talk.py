@@ -1,7 +1,26 @@
 """Conversations with a program that answers each line of its input with one line."""
+import os
 import subprocess
+import sys
+import unittest
 
 from private_system import SECONDS, read_line
+
+
+def answer_with(system, process, manner):
+    """Answers in this manner when the process's user is asked for a password; see auth_agent.py."""
+    agent = system.start([sys.executable, f"{os.path.dirname(__file__)}/auth_agent.py", str(process.pid), manner],
+                         stdout=subprocess.PIPE, text=True)
+    if read_line(agent) != "ready":
+        raise RuntimeError("the answering program does not start")
+    return agent
+
+
+def main_as_root():
+    if os.getuid() != 0:
+        print("Skipped: only root can cover polkit's folders in a mount namespace.")
+        sys.exit(77)
+    unittest.main(argv=sys.argv[:1])
 
 
 class Talk:
