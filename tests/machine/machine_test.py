@@ -27,6 +27,19 @@ ExecStart=/usr/bin/xinit /usr/bin/openbox-session -- /usr/bin/Xvfb :7 -nolisten 
 """
 
 
+PROBE = "/usr/lib/GNUstep/Bundles/Quorel.prefPane/PlugIns/Probe.vxplugin"
+PROBE_INFO = """{ QuorelActionType = "com.quorel.plugin.Probe"; QuorelActionNames = { en = Probe; };
+    QuorelActionProgram = probe; QuorelActionRunsAs = system; }
+"""
+PROBE_PROGRAM = """#!/bin/bash
+cat
+[ $(id -u) -ne 0 ] && echo not root
+readlink /proc/self/ns/net
+touch /etc/quorel-probe || echo no writing in /etc
+touch /home/anna/quorel-probe || echo no writing in /home
+"""
+
+
 def preferences(**changes):
     return {"Check Updates": 0, "Check Updates Frequency": 1, "Show In Menu Bar": 1,
             "Enable Network Administration": 0, "Prefs Version": 1, "Schedule Array": [], **changes}
@@ -110,16 +123,17 @@ class PackageTest(unittest.TestCase):
         guest.run("systemctl stop quorel-daemon")
         self.assertEqual(guest.run(anna(PING)), "b true")
 
-    def test_05_is_there_after_a_power_off_that_leaves_the_alarm_set(self):
-        guest.run("timedatectl set-timezone UTC; date -s '2027-03-01 12:00:00'; hwclock --systohc --utc")
-        guest.run(save(**{"Schedule Array": [schedule("WakeUp", 18, 30, **{"Needs Startup": 1})]}))
-        guest.ask("systemctl poweroff")
+    def test_05_shuts_down_at_its_minute_and_leaves_the_alarm_set(self):
+        guest.run("timedatectl set-timezone UTC; date -s '2027-03-01 12:00:50'; hwclock --systohc --utc")
+        guest.run(save(**{"Schedule Array": [schedule("WakeUp", 18, 30, **{"Needs Startup": 1}),
+                                             schedule("ShutDown", 12, 2)]}))
         guest.wait_state("shutdown")
         self.assertTrue(guest.cmos(0x0b) & 0x20, "the alarm is off")
         self.assertEqual([f"{guest.cmos(register):02x}" for register in (5, 3, 1)], ["18", "28", "00"])
         guest.start()
         self.is_up_without_complaint()
-        self.assertEqual(len(self.stored()["Schedule Array"]), 1)
+        self.assertEqual(len(self.stored()["Schedule Array"]), 2)
+        self.assertIn("shut-down", guest.run("quorelctl log --json"))
 
     def test_05a_sets_the_alarm_of_a_clock_in_local_time_too(self):
         guest.run("timedatectl set-timezone Europe/Paris; timedatectl set-local-rtc 1")
@@ -179,6 +193,36 @@ class PackageTest(unittest.TestCase):
         guest.run(f'dbus-monitor --system "{look}" | grep -m1 member=GetNameOwner')
         self.assertEqual(guest.ask("systemctl is-active quorel-daemon")[1], "inactive")
         guest.run("systemctl start quorel-daemon; pkill -f ^SystemPreferences")
+
+    def test_08a_runs_a_module_for_the_system_and_one_for_the_user(self):
+        guest.run(f"mkdir -p {PROBE}/Resources; cat > {PROBE}/Resources/Info-gnustep.plist << 'END'\n{PROBE_INFO}END\n"
+                  f"cat > {PROBE}/Resources/probe << 'END'\n{PROBE_PROGRAM}END\nchmod 755 {PROBE}/Resources/probe")
+        guest.run("printf '#!/bin/sh\\nid -un > ~/opened\\n' > /usr/local/bin/mark; chmod 755 /usr/local/bin/mark")
+        guest.run("date -s '2027-03-01 16:59:40'")
+        probe = schedule("Probe", 17, 0, word="<&>")
+        guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [
+            probe, schedule("Open", 17, 0, Target="/usr/local/bin/mark")]}))
+        guest.wait("test $(quorelctl log --json | grep -o 'com.quorel.plugin.[OP]' | wc -l) -ge 2")
+        log = {one["Action"]: one for one in json.loads(guest.run("quorelctl log --json")) if "Action" in one}
+        self.assertEqual([log[f"com.quorel.plugin.{name}"]["Code"] for name in ("Probe", "Open")], ["ran", "ran"], log)
+        said = guest.run("journalctl -q -o cat -u 'quorel-[0-9]*'")
+        for words in ("not root", "no writing in /etc", "no writing in /home", "&lt;&amp;&gt;"):
+            self.assertIn(words, said)
+        self.assertIn("net:[", said)
+        self.assertNotIn(guest.run("readlink /proc/1/ns/net"), said)
+        self.assertEqual(guest.run("cat /home/anna/opened"), "anna")
+        self.assertIn("Probe", guest.run("quorelctl modules"))
+        guest.run(f"rm -r {PROBE} /usr/local/bin/mark")
+
+    def test_08b_who_sits_at_the_computer_says_no_during_the_warning(self):
+        guest.run("date -s '2027-03-01 17:29:20'")
+        guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 17, 30)]}))
+        token = guest.wait("quorelctl next --json | grep -q warned && quorelctl next --json").split('"Token"')[1].split('"')[1]
+        skip = f"quorelctl skip {token} < /dev/null"
+        self.assertNotEqual(guest.ask(anna(skip))[0], 0)  # not from a session
+        guest.run(anna(f"systemd-run --user --quiet --wait --pipe {skip}"))
+        guest.wait("test $(date +%H%M) = 1731 && quorelctl log | grep 'skipped by anna'")
+        guest.run(save(**{"Show In Menu Bar": 0}))
 
     def test_09_upgrade_renews_the_daemon_and_leaves_the_rest(self):
         daemon, agent = guest.run(DAEMON), guest.run(AGENT)
