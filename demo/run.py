@@ -91,6 +91,16 @@ def main():
             return 0
 
 
+def install_modules(build, root):
+    """Where the daemon looks for them, as it trusts them: nobody else's, and writable by nobody else."""
+    with open(f"{build}/CMakeCache.txt") as file:
+        (prefix,) = (line.partition("=")[2].strip() for line in file if line.startswith("CMAKE_INSTALL_PREFIX:"))
+    shutil.rmtree(f"{root}/{prefix.split('/')[1]}", ignore_errors=True)
+    plug_ins = f"{root}{prefix}/lib/GNUstep/Bundles/Quorel.prefPane/PlugIns"
+    shutil.copytree(f"{build}/Quorel.prefPane/PlugIns", plug_ins)
+    subprocess.run(["chmod", "-R", "go-w", plug_ins], check=True)
+
+
 def show(build, user, place, path, ends):
     """What runs until it is ended. The exit status."""
     root, home = f"{place}/root", f"{place}/settings"
@@ -102,6 +112,7 @@ def show(build, user, place, path, ends):
     ends.callback(system.close)
     system.start_session_bus()
     system.start_polkit(polkit_rule("yes", user.pw_name))
+    install_modules(build, root)
     system.start_daemon(f"{build}/daemon/quorel-daemon", root)
     system.start_agent(f"{build}/agent/quorel-agent", root, "--feed", feed_address, **as_user)
     environment = dict(system.environment(), HOME=user.pw_dir)
