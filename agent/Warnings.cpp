@@ -33,10 +33,9 @@ bool isActive() {
 }
 
 std::string titleOf(const Value& occurrence) {
-    const char* text = translated("The computer shuts down at {1}");
-    if (occurrence["Action"].text() == schedule_keys::kSleepType)
-        text = translated("The computer goes to sleep at {1}");
-    if (occurrence["Restart"].intValue() != 0) text = translated("The computer restarts at {1}");
+    const char* text = translated("Shutting down at {1}");
+    if (occurrence["Action"].text() == schedule_keys::kSleepType) text = translated("Going to sleep at {1}");
+    if (occurrence["Restart"].intValue() != 0) text = translated("Restarting at {1}");
     return filled(text, {timeText(occurrence["At"].integer())});
 }
 

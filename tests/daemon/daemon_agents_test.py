@@ -20,7 +20,7 @@ PATH, INTERFACE = "/com/quorel/Agents", "com.quorel.Agents1"
 RULE = """polkit.addRule(function(action, subject) {
     if (action.id != 'com.quorel.modify-preferences' && subject.user == 'nobody') return 'yes'; });"""
 PLANNED = "Sleep, planned for 23:15"
-TITLE = "The computer goes to sleep at {}"
+TITLE = "Going to sleep at {}"
 BUTTONS = ["postpone", "In 15 minutes", "skip", "Not this time"]
 
 
