@@ -101,24 +101,17 @@ class PermissionTest(DaemonCase):
         self.assertTrue(self.probe()[0])
         self.assert_unchanged()
 
-    def test_few_calls_of_a_user_wait(self):
+    def test_few_calls_wait(self):
         self.start()
         waiting = [self.caller(NOBODY) for _ in range(4)]
         for one in waiting:
             agent = answer_with(self.system, one.process, "ignore")
             one.begin(xml(CHANGED))
             self.assert_asked(agent)
+            self.assertEqual(one.save(xml(CHANGED))[0], BUSY)  # one call of a connection
         self.assertEqual(self.caller(NOBODY).save(xml(CHANGED))[0], BUSY)
         self.assertEqual(self.caller("daemon").save(xml(CHANGED))[0], NOT_AUTHORIZED)  # had its turn
         self.assertEqual(self.caller().save(xml(CHANGED)), ("", ""))
-
-    def test_one_call_of_a_sender_waits(self):
-        self.start()
-        nobody = self.caller(NOBODY)
-        agent = answer_with(self.system, nobody.process, "ignore")
-        nobody.begin(xml(CHANGED))
-        self.assert_asked(agent)
-        self.assertEqual(nobody.save(xml(CHANGED))[0], BUSY)
 
     def test_polkit_absent_or_dying_refuses(self):
         self.start(polkit_rule("yes"))

@@ -143,21 +143,5 @@ TEST_F(PreferencesTest, ReadsBackAtOnceWhetherTheDaemonHasStoredOrNot) {
     }
 }
 
-TEST_F(PreferencesTest, SavingAgainSendsWhatIsStored) {
-    const Value odd = schedule("a").with("Action Hour", "7x").with("Unknown", Data{1, 2});
-    store(Value(storedDefaults()).with("Schedule Array", Array{odd, schedule("?", "gone")}));
-    center.daemonAlive = true;
-    center.onDaemon = [&](const Notification& sent) { store(sent.userInfo); };
-    open();
-    pane->willUnselect();
-    const Value stored = host.files.files[std::string(preferences::kFile)];
-    ASSERT_EQ(stored["Schedule Array"].array().size(), 1u);
-    EXPECT_EQ(stored["Schedule Array"].array()[0], odd);
-    pane->didSelect();
-    pane->willUnselect();
-    ASSERT_EQ(center.toDaemon.size(), 2u);
-    EXPECT_EQ(center.toDaemon[1].userInfo, stored);
-}
-
 }  // namespace
 }  // namespace quorel::test
