@@ -28,11 +28,6 @@ std::string withoutControls(std::string_view line) {
     return text;
 }
 
-/// A service's standard error stream is the journal already.
-bool isService() {
-    return std::getenv("JOURNAL_STREAM") != nullptr;
-}
-
 /// The service manager names the stream that it has made. The variable alone is handed on to programs with another one.
 bool errorStreamIsJournal() {
     const char* named = std::getenv("JOURNAL_STREAM");
@@ -43,15 +38,12 @@ bool errorStreamIsJournal() {
 
 void writeLine(std::string_view line) {
     const std::string text = withoutControls(line);
-    if (!isService())
-        sd_journal_send("MESSAGE=%s", text.c_str(), "PRIORITY=%i", LOG_INFO, "SYSLOG_IDENTIFIER=%s", programName,
-                        nullptr);
-    // The journal names the program by itself.
     if (errorStreamIsJournal()) {
-        std::fprintf(stderr, "%s\n", text.c_str());
-    } else {
-        std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
+        std::fprintf(stderr, "%s\n", text.c_str());  // the journal names the program by itself
+        return;
     }
+    sd_journal_send("MESSAGE=%s", text.c_str(), "PRIORITY=%i", LOG_INFO, "SYSLOG_IDENTIFIER=%s", programName, nullptr);
+    std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
 }
 
 }  // namespace

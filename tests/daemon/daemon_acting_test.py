@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """What the daemon does with Schedules: daemon_acting_test.py DAEMON PROBE STEPPING_DAEMON"""
 import os
+import signal
 
 from acting_case import SHUT_DOWN, SLEEP, WAKE_UP, ActingCase, instant, schedule
 from daemon_case import main
@@ -72,6 +73,21 @@ class ActingTest(ActingCase):
         self.last("gave-up", Hold="unknown")
         self.start_logind()
         self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "a lock of the logind that has come")
+
+    def test_hung_logind(self):
+        self.begin(schedule(SLEEP, "23:15"))
+        self.logind_process.send_signal(signal.SIGSTOP)
+        self.reach("23:14", "looking")
+        self.reach("23:14:30", "waiting")
+        self.assertLess(self.probe()[1], 0.5)
+
+        def gives_up():
+            self.write_clocks(*(clock + 30_000 for clock in self.read_clocks()))
+            return self.outcomes()
+        self.wait_for(gives_up, "it gives up")
+        self.last("gave-up", Hold="unknown", Why="no-answer")
+        self.logind_process.send_signal(signal.SIGCONT)
+        self.assertEqual(self.calls("Suspend"), [])
 
     # Wake-up, shut-down, saving, restarts.
 
