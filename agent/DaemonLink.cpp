@@ -72,10 +72,11 @@ BusMessagePointer DaemonLink::newCall(const Interface& interface, const char* me
 
 void DaemonLink::send(const std::string& key, const BusMessagePointer& call,
                       std::function<void(sd_bus_message*)> replied) {
-    _calls[key] = callAsync(_bus.get(), call.get(), kPatience, [this, key, replied](sd_bus_message* reply) {
-        const auto ended = _calls.extract(key);
-        replied(reply);
-    });
+    _calls[key] =
+        callAsync(_bus.get(), call.get(), kPatience, [this, key, replied = std::move(replied)](sd_bus_message* reply) {
+            const auto ended = _calls.extract(key);
+            replied(reply);
+        });
     if (!_calls[key]) _calls.erase(key);
 }
 

@@ -60,11 +60,12 @@ void IdleMeter::measure(Measured measured) {
 
 void IdleMeter::ask(const std::string& key, const BusMessagePointer& call,
                     std::function<void(sd_bus_message*)> replied) {
-    _calls[key] = callAsync(_session, call.get(), kPatience, [this, key, replied](sd_bus_message* reply) {
-        const auto ended = _calls.extract(key);
-        replied(reply);
-        finishIfComplete();
-    });
+    _calls[key] =
+        callAsync(_session, call.get(), kPatience, [this, key, replied = std::move(replied)](sd_bus_message* reply) {
+            const auto ended = _calls.extract(key);
+            replied(reply);
+            finishIfComplete();
+        });
 }
 
 void IdleMeter::askPlayers(sd_bus_message* names) {

@@ -70,16 +70,17 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Cloc
                }),
       _sessions(bus, clocks,
                 [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
-      _power(bus, clocks, _sessions,
-             {[this](Ticket ticket, const Conditions& conditions) {
-                  tell([&](Now now) { _scheduler.looked(now, ticket, conditions); });
-              },
-              [this](Ticket ticket, PowerReply reply, const std::string& reason) {
-                  tell([&](Now now) { _scheduler.powerReplied(now, ticket, reply, reason); });
-              },
-              [this](Conditions conditions, const auto& userIds, auto done) {
-                  findIdle(std::move(conditions), userIds, std::move(done));
-              }}),
+      _power(
+          bus, clocks, _sessions,
+          {[this](Ticket ticket, const Conditions& conditions) {
+               tell([&](Now now) { _scheduler.looked(now, ticket, conditions); });
+           },
+           [this](Ticket ticket, PowerReply reply, const std::string& reason) {
+               tell([&](Now now) { _scheduler.powerReplied(now, ticket, reply, reason); });
+           },
+           [this](Conditions conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done) {
+               findIdle(std::move(conditions), userIds, std::move(done));
+           }}),
       _scheduler({_calendar, _power, _alarms, _actions, _state, *this}),
       _clockWatch(loop, clocks,
                   {[this] { tell([&](Now now) { _scheduler.tick(now); }); },
@@ -147,7 +148,8 @@ void Acting::findIdle(Conditions conditions, const std::vector<unsigned>& userId
     std::vector<unsigned> graphical;
     for (std::size_t i = 0; i < userIds.size(); ++i)
         if (conditions.sessions[i].isGraphical) graphical.push_back(userIds[i]);
-    _agents.findIdle(graphical, [=, conditions = std::move(conditions)](const Agents::Idle& idle) mutable {
+    _agents.findIdle(graphical, [userIds, done = std::move(done),
+                                 conditions = std::move(conditions)](const Agents::Idle& idle) mutable {
         for (std::size_t i = 0; i < userIds.size(); ++i) {
             const auto found = idle.find(userIds[i]);
             if (found != idle.end()) conditions.sessions[i].agentIdle = found->second;

@@ -121,10 +121,9 @@ void ModuleActions::begin(const std::string& token) {
 }
 
 void ModuleActions::end(const std::string& token, ActionEnd end, int status, const std::string& reason) {
-    const std::string own = token;  // it may be part of what goes
-    _running.erase(own);
+    const auto gone = _running.extract(token);  // the token may be part of it
     if (_running.empty()) _lock.release();
-    _ended(own, end, status, reason);
+    _ended(token, end, status, reason);
 }
 
 }  // namespace quorel

@@ -87,7 +87,7 @@ EventSource whenReadable(EventLoop& loop, int file, std::function<void()> readab
     check(sd_event_add_io(loop.get(), &source, file, EPOLLIN, called, callback.get()), "no file to watch");
     // The loop keeps a source until it has been called, also one that lets itself go.
     sd_event_source_set_destroy_callback(source, [](void* owned) { delete static_cast<Callback*>(owned); });
-    callback.release();
+    static_cast<void>(callback.release());
     return EventSource(source);
 }
 

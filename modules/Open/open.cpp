@@ -29,9 +29,9 @@ using Command = std::vector<std::string>;
 /// What fails does so at once; what still runs after that has opened.
 constexpr int kPatience = 5000;  // milliseconds
 
-std::string environmentOr(const char* name, std::string otherwise) {
+std::string environmentOr(const char* name, std::string_view otherwise) {
     const char* value = std::getenv(name);
-    return value && *value ? value : otherwise;
+    return value && *value ? value : std::string(otherwise);
 }
 
 std::string home() {
