@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "configurator/VXConfigurator.h"
 
 namespace quorel {
@@ -65,7 +67,8 @@ void VXConfigurator::unloadModules() {
 
 VXPrefPanePlugInProtocol* VXConfigurator::moduleOfType(std::string_view identifier) const {
     if (!_plugins) return nullptr;
-    const auto found = _plugins->find(identifier);
+    // One after another: there are a handful, which begin alike and differ in length.
+    const auto found = std::ranges::find(*_plugins, identifier, &Plugins::value_type::first);
     return found == _plugins->end() ? nullptr : found->second.get();
 }
 

@@ -6,11 +6,14 @@ Dictionary::Dictionary(std::initializer_list<std::pair<std::string_view, Value>>
     for (const auto& [key, value] : entries) set(key, value);
 }
 
-// One after another: of a Schedule's dozen keys most differ in length, which is all that is looked at then.
+// One after another: of a Schedule's dozen keys most differ in length or in the last letter, and many begin alike.
 const Value& Dictionary::operator[](std::string_view key) const {
     static const Value absent;
-    for (std::size_t i = 0; i < size(); ++i)
-        if (keyAt(i) == key) return _values[i];
+    for (std::size_t i = 0; i < size(); ++i) {
+        const std::string& known = keyAt(i);
+        if (known.size() == key.size() && (key.empty() || known.back() == key.back()) && known == key)
+            return _values[i];
+    }
     return absent;
 }
 

@@ -204,16 +204,6 @@ class AgentTest(unittest.TestCase):
         eventually("the feed is asked again", lambda: len(self.feed.requests) == 2)
         self.assertLess(self.end(agent, signal.SIGINT), 2)
 
-    def test_refuses_what_it_does_not_know(self):
-        self.start_agent()
-        for name, receiver in (("UserAgentMustCheckUpdates", "com.quorel.Daemon"), ("DaemonMustReloadPrefs", NAME),
-                               ("", "")):
-            with self.subTest(name=name, receiver=receiver):
-                with self.assertRaises(dbus.DBusException) as refused:
-                    self.ask(name, receiver)
-                self.assertEqual(refused.exception.get_dbus_name(), "com.quorel.Error.UnknownNotification")
-        self.assertEqual(self.feed.requests, [])
-
     def test_periodic_checks(self):
         notifications = self.show_notifications()
         for what, preferences, last_check, answer, asked, told in (

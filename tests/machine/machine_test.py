@@ -126,7 +126,9 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(guest.run(anna(PING)), "b true")
 
     def test_05_shuts_down_at_its_minute_and_leaves_the_alarm_set(self):
-        guest.run("timedatectl set-timezone UTC; date -s '2027-03-01 12:00:50'; hwclock --systohc --utc")
+        # In local time, as beside another system, with two hours between the clocks for who takes it for the world's.
+        guest.run("timedatectl set-timezone Europe/Helsinki; timedatectl set-local-rtc 1")
+        guest.run("date -s '2027-03-01 12:00:50'; hwclock --systohc --localtime")
         guest.run(save(**{"Schedule Array": [schedule("WakeUp", 18, 30, **{"Needs Startup": 1}),
                                              schedule("ShutDown", 12, 2)]}))
         guest.wait_state("shutdown")
@@ -137,14 +139,14 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(len(self.stored()["Schedule Array"]), 2)
         self.assertIn("shut-down", guest.run("quorelctl log --json"))
 
-    def test_05a_sets_the_alarm_of_a_clock_in_local_time_too(self):
-        guest.run("timedatectl set-timezone Europe/Paris; timedatectl set-local-rtc 1")
+    def test_05a_sets_the_alarm_of_a_clock_in_the_worlds_time_too(self):
+        guest.run("timedatectl set-local-rtc 0; rm /etc/adjtime; date -s '2027-03-01 13:00:00'")
         guest.run(save(**{"Schedule Array": [schedule("WakeUp", 21, 10, **{"Needs Startup": 1})]}))
         rtc = "/sys/class/rtc/rtc0"
         ahead = guest.wait(f"test -s {rtc}/wakealarm && echo $(($(cat {rtc}/wakealarm) - $(cat {rtc}/since_epoch)))")
         until = guest.run("echo $(($(date -d '21:08:00' +%s) - $(date +%s)))")
         self.assertLessEqual(abs(int(ahead) - int(until)), 30)
-        guest.run("timedatectl set-local-rtc 0; timedatectl set-timezone UTC; rm /etc/adjtime")
+        guest.run("timedatectl set-timezone UTC")
 
     def test_05b_stays_awake_for_a_lock_of_root(self):
         guest.run("systemd-run -q --unit=upgrade systemd-inhibit --what=sleep --who=Upgrades --why=installing sleep 1h")
@@ -178,9 +180,21 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(guest.wait(PING_AGENT), "b true")
         # It came with the session's own start, and not as a service.
         self.assertEqual(guest.ask(anna("systemctl --user is-active quorel-agent"))[1], "inactive")
-        guest.run(f"loginctl activate {SESSION}")
-        guest.wait(f"loginctl show-session -p Active --value {SESSION} | grep yes")
         self.assertEqual(guest.ask(anna("/usr/libexec/quorel/quorel-agent")), (0, ""))
+
+    def test_06a_who_sits_at_the_computer_says_no_and_nobody_else(self):
+        self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}))
+        guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 23, 0)]}))
+        skip = f"quorelctl skip {json.loads(guest.run('quorelctl next --json'))[0]['Token']} < /dev/null"
+        in_session = anna(f"systemd-run --user --quiet --wait --pipe {skip}")
+        active = f"loginctl show-session -p Active --value {SESSION}"
+        self.assertEqual(guest.run(active), "no")
+        for refused in (anna(skip), in_session):  # without a session, and from one that another one hides
+            self.assertNotEqual(guest.ask(refused)[0], 0)
+        guest.run(f"loginctl activate {SESSION}")
+        guest.wait(f"{active} | grep yes")
+        guest.run(in_session)
+        self.assertIn("skipped by anna", guest.run("quorelctl next"))
 
     def test_07_settings_application_loads_pane_and_modules(self):
         guest.run("mkdir -p /home/anna/GNUstep && chown anna: /home/anna/GNUstep")
@@ -216,15 +230,15 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(guest.run("cat /home/anna/opened"), "anna")
         self.assertIn("Probe", guest.run("quorelctl modules"))
 
-    def test_08b_who_sits_at_the_computer_says_no_during_the_warning(self):
+    def test_08b_the_warning_has_a_button_for_not_this_time(self):
         self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}))
+        guest.run("printf '#!/bin/sh\\ngrep Not' > /usr/local/bin/choose; chmod 755 /usr/local/bin/choose")
+        guest.run("printf '[global]\\ndmenu = /usr/local/bin/choose\\n' > /run/dunstrc")
+        guest.run(anna("dunst -config /run/dunstrc > /dev/null 2>&1 &"))
         guest.run("date -s '2027-03-01 17:29:20'")
         guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 17, 30)]}))
-        (token,) = {one["Token"] for one in json.loads(guest.wait("quorelctl next --json | grep warned > /dev/null && "
-                                                                  "quorelctl next --json")) if one["Step"] == "warned"}
-        skip = f"quorelctl skip {token} < /dev/null"
-        self.assertNotEqual(guest.ask(anna(skip))[0], 0)  # not from a session
-        guest.run(anna(f"systemd-run --user --quiet --wait --pipe {skip}"))
+        guest.wait(anna("dunstctl count displayed | grep -v ^0"))
+        guest.run(anna("dunstctl action 0"))
         guest.wait("quorelctl log | grep 'skipped by anna'")
 
     def test_09_upgrade_renews_the_daemon_and_leaves_the_rest(self):

@@ -63,18 +63,12 @@ protected:
     ~ModuleContract() override { [pool drain]; }
 
     /// Whether the setter of a flag changes it; left as it was.
-    bool startupChanges() {
-        const BOOL was = [module needsStartup];
-        [module setNeedsStartup:!was];
-        const bool changed = [module needsStartup] != was;
-        [module setNeedsStartup:was];
-        return changed;
-    }
-    bool wakeUpChanges() {
-        const BOOL was = [module needsWakeUp];
-        [module setNeedsWakeUp:!was];
-        const bool changed = [module needsWakeUp] != was;
-        [module setNeedsWakeUp:was];
+    template <class Get, class Set>
+    static bool changes(Get get, Set set) {
+        const BOOL was = get();
+        set(!was);
+        const bool changed = get() != was;
+        set(was);
         return changed;
     }
 
@@ -128,8 +122,10 @@ TEST_P(ModuleContract, TellsTheSameToWhoLoadsNoClass) {
 
 TEST_P(ModuleContract, KeepsBothFlagsInItsParameters) {
     [module setParameters:[module defaultParameters]];
-    EXPECT_EQ(startupChanges(), GetParam().startupIsFree);
-    EXPECT_EQ(wakeUpChanges(), GetParam().wakeUpIsFree);
+    EXPECT_EQ(changes([&] { return [module needsStartup]; }, [&](BOOL needs) { [module setNeedsStartup:needs]; }),
+              GetParam().startupIsFree);
+    EXPECT_EQ(changes([&] { return [module needsWakeUp]; }, [&](BOOL needs) { [module setNeedsWakeUp:needs]; }),
+              GetParam().wakeUpIsFree);
     EXPECT_EQ([module needsWakeUp], [module needsWakeUpByDefault]);
     EXPECT_EQ([module needsStartup], [module needsStartupByDefault]);
 
