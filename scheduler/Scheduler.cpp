@@ -1,4 +1,5 @@
-// The events, the clocks, and sleep. What is planned is in SchedulerPlan.cpp, what is open in SchedulerOpen.cpp.
+// The events, the clocks, and sleep. What is planned is in SchedulerPlan.cpp, what is open in SchedulerOpen.cpp, what is
+// stored in SchedulerState.cpp.
 #include "scheduler/Scheduler.h"
 
 #include <algorithm>
