@@ -41,8 +41,10 @@ void ClockWatch::waitFor(std::optional<Instant> instant) {
     itimerspec at{};
     at.it_value = instant ? _clocks.realTimeOf(*instant) : kNever;
     if (at.it_value.tv_sec <= 0) at.it_value = {0, 1};  // zero would switch it off
-    if (timerfd_settime(_timer.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &at, nullptr) != 0)
-        MOLLog("The timer cannot be set: %s.", std::strerror(errno));
+    while (timerfd_settime(_timer.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &at, nullptr) != 0) {
+        if (errno != ECANCELED) return MOLLog("The timer cannot be set: %s.", std::strerror(errno));
+        at.it_value = {0, 1};  // the clock was set, which is said once: whoever waits is called at once
+    }
 }
 
 void ClockWatch::read() {

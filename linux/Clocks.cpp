@@ -13,7 +13,8 @@ std::int64_t millisecondsOf(clockid_t clock) {
 }  // namespace
 
 Now Clocks::now() const {
-    return {millisecondsOf(CLOCK_REALTIME), millisecondsOf(CLOCK_BOOTTIME), millisecondsOf(CLOCK_MONOTONIC)};
+    const std::int64_t awake = millisecondsOf(CLOCK_MONOTONIC);  // first: it is never to be ahead of the other
+    return {millisecondsOf(CLOCK_REALTIME), millisecondsOf(CLOCK_BOOTTIME), awake};
 }
 
 }  // namespace quorel
