@@ -5,6 +5,7 @@
 
 #include "kit/MOLLog.h"
 #include "linux/BusValues.h"
+#include "linux/OutcomeText.h"
 #include "model/Names.h"
 
 namespace quorel {
@@ -20,7 +21,7 @@ constexpr std::uint32_t kMostUpcoming = 20;
 constexpr std::uint32_t kMostOutcomes = 8;
 
 BusConnection connectIfThere(EventLoop& loop) try {
-    BusConnection bus = connectTo(Bus::System, loop);
+    BusConnection bus = connectTo(Bus::System, loop, kPatience);
     sd_bus_set_exit_on_disconnect(bus.get(), false);  // updates are looked for without it, too
     return bus;
 } catch (const std::exception& exception) {
@@ -46,22 +47,27 @@ DaemonLink::DaemonLink(EventLoop& loop, Callbacks callbacks)
       _retry(loop, [this] { registerAgent(); }) {
     if (!_bus) return;
     const std::string daemon(kDaemonName);
-    _owner = watchSignals(_bus.get(),
-                          "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                          "member='NameOwnerChanged',arg0='" +
-                              daemon + "'",
-                          [this](sd_bus_message* signal) {
-                              const char* owner = "";
-                              sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner);
-                              ownerChanged(owner[0] != '\0');
-                          });
-    const auto hinted = [this](sd_bus_message*) { fetch(); };
-    const auto hints = [&daemon](const char* interface) {
-        return "type='signal',sender='" + daemon + "',member='Changed',interface='" + interface + "'";
+    _owner = watchOwner(_bus.get(), daemon, [this](const std::string& owner) { ownerChanged(!owner.empty()); });
+    const auto hints = [&](const char* interface) {
+        return watchSignals(_bus.get(), daemon, std::string("member='Changed',interface='") + interface + "'",
+                            [this](sd_bus_message*) { fetch(); });
     };
-    _schedulerHints = watchSignals(_bus.get(), hints(wire::scheduler::kInterface), hinted);
-    _agentHints = watchSignals(_bus.get(), hints(wire::agents::kInterface), hinted);
+    _schedulerHints = hints(wire::scheduler::kInterface);
+    _agentHints = hints(wire::agents::kInterface);
+    watchLogins(loop);
     ownerChanged(true);  // what is sent tells whether that is so
+}
+
+/// Who may skip and postpone, and who is to be warned, depends on whose session is shown, of which the daemon says
+/// nothing.
+void DaemonLink::watchLogins(EventLoop& loop) {
+    sd_login_monitor* monitor = nullptr;
+    if (sd_login_monitor_new("uid", &monitor) < 0) return;  // there is no logind
+    _logins.reset(monitor);
+    _loginSource = whenReadable(loop, sd_login_monitor_get_fd(monitor), [this] {
+        sd_login_monitor_flush(_logins.get());
+        fetch();
+    });
 }
 
 BusMessagePointer DaemonLink::newCall(const Interface& interface, const char* method) const {
@@ -131,6 +137,11 @@ void DaemonLink::read(const char* method, std::optional<std::uint32_t> most, Val
     if (most) sd_bus_message_append(call.get(), "u", *most);
     send(method, call, [this, &into](sd_bus_message* reply) {
         if (!errorOf(reply)) into = readValue(reply).value_or(Value());
+        const std::int64_t question = _work["Idle"].integer();
+        if (question > _answered) {  // which does not wait for polkit
+            _answered = question;
+            _callbacks.idleAsked(question);
+        }
         fetched();
     });
 }
@@ -148,11 +159,6 @@ void DaemonLink::fetched() {
     if (_missing == 0 || --_missing > 0) return;
     _pause.start(kPause);
     _callbacks.changed();
-    const std::int64_t question = _work["Idle"].integer();
-    if (question > _answered) {
-        _answered = question;
-        _callbacks.idleAsked(question);
-    }
 }
 
 void DaemonLink::skip(const std::string& token, Refused refused) {
@@ -168,7 +174,7 @@ void DaemonLink::change(const char* method, const std::string& token, Refused re
     const auto call = newCall({wire::scheduler::kPath, wire::scheduler::kInterface}, method);
     sd_bus_message_append(call.get(), "s", token.c_str());
     send(method + token, call, [refused = std::move(refused)](sd_bus_message* reply) {
-        if (const BusError error = errorOf(reply)) refused(error.message);
+        if (const BusError error = errorOf(reply)) refused(refusalText(error.name, error.message));
     });
 }
 

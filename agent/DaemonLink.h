@@ -1,8 +1,11 @@
 #pragma once
 
+#include <systemd/sd-login.h>
+
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -15,9 +18,9 @@
 namespace quorel {
 
 /// The daemon as its user's agent sees it: what comes next, and what the agent is to do. All of it is fetched by calls
-/// to the daemon's name, which only root can have; signals, which anybody can send, only say that it may be worth
-/// fetching again, a few times a second at most. Without a system bus, or while no daemon runs, there is nothing to
-/// see. The thread of the loop.
+/// to the daemon's name, which only root can have; its signals, and whoever comes to the screen or leaves it, only say
+/// that it may be worth fetching again, a few times a second at most. Without a system bus, or while no daemon runs,
+/// there is nothing to see. The thread of the loop.
 class DaemonLink {
 public:
     struct Callbacks {
@@ -39,7 +42,7 @@ public:
     bool maySkip() const { return _maySkip; }
     bool mayPostpone() const { return _mayPostpone; }
 
-    /// `refused` is called later, if at all; its reason is the daemon's text.
+    /// `refused` is called later, if at all; its reason is for the user.
     void skip(const std::string& token, Refused refused);
     void postpone(const std::string& token, Refused refused);
     /// Nothing for the seconds: it cannot be told.
@@ -60,6 +63,7 @@ private:
     void fetched();
     void change(const char* method, const std::string& token, Refused refused);
     void ownerChanged(bool isThere);
+    void watchLogins(EventLoop& loop);
 
     const Callbacks _callbacks;
     const BusConnection _bus;  // null where there is none
@@ -67,6 +71,8 @@ private:
     BusSlot _owner;
     BusSlot _schedulerHints;
     BusSlot _agentHints;
+    std::unique_ptr<sd_login_monitor, Release<sd_login_monitor_unref>> _logins;
+    EventSource _loginSource;
     std::map<std::string, BusSlot> _calls;  // under way
     std::map<std::string, PolkitQuestion> _questions;
     std::size_t _missing = 0;  // answers to the last fetch

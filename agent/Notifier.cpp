@@ -38,8 +38,8 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
-std::string signalRule(const char* member) {
-    return std::string("type='signal',sender='") + kService + "',path='" + kPath + "',member='" + member + "'";
+BusSlot watch(sd_bus* bus, const char* member, std::function<void(sd_bus_message*)> heard) {
+    return watchSignals(bus, kService, std::string("path='") + kPath + "',member='" + member + "'", std::move(heard));
 }
 
 }  // namespace
@@ -47,9 +47,8 @@ std::string signalRule(const char* member) {
 Notifier::Notifier(sd_bus* bus, std::function<void(const std::string&)> pressed)
     : _bus(bus),
       _pressed(std::move(pressed)),
-      _invocations(watchSignals(bus, signalRule("ActionInvoked"), [this](sd_bus_message* signal) { invoked(signal); })),
-      _closings(
-          watchSignals(bus, signalRule("NotificationClosed"), [this](sd_bus_message* signal) { closed(signal); })) {
+      _invocations(watch(bus, "ActionInvoked", [this](sd_bus_message* signal) { invoked(signal); })),
+      _closings(watch(bus, "NotificationClosed", [this](sd_bus_message* signal) { closed(signal); })) {
     if (!_invocations || !_closings) throw std::runtime_error("notifications cannot be watched");
 }
 

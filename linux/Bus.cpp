@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "kit/MOLLog.h"
@@ -14,6 +15,8 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{1};       // with the bus itself, while nothing is served yet
 constexpr std::chrono::seconds kLongestReply{60};  // when much that strangers have sent is in front of it
+
+constexpr const char* kBusName = "org.freedesktop.DBus";
 
 using Replied = std::function<void(sd_bus_message*)>;
 
@@ -31,6 +34,19 @@ BusSlot owning(int result, sd_bus_slot* slot, std::unique_ptr<Replied> callback)
     sd_bus_slot_set_destroy_callback(slot, [](void* owned) { delete static_cast<Replied*>(owned); });
     static_cast<void>(callback.release());  // the slot deletes it
     return BusSlot(slot);
+}
+
+bool isFrom(sd_bus_message* message, std::string_view name) {
+    const char* sender = sd_bus_message_get_sender(message);
+    return sender && sender == name;
+}
+
+BusSlot addMatch(sd_bus* bus, const std::string& sender, const std::string& rule, Replied heard) {
+    auto callback = std::make_unique<Replied>(std::move(heard));
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_add_match_async(bus, &slot, ("type='signal',sender='" + sender + "'," + rule).c_str(),
+                                              handOver, nullptr, callback.get());
+    return owning(result, slot, std::move(callback));
 }
 
 }  // namespace
@@ -53,11 +69,11 @@ bool serveUntil(sd_bus* bus, BusDeadline deadline, const std::function<bool()>& 
     return true;
 }
 
-BusConnection connectTo(Bus bus, EventLoop& loop) {
+BusConnection connectTo(Bus bus, EventLoop& loop, std::chrono::seconds limit) {
     auto connection = beginConnection(bus);
     if (!connection) throw std::runtime_error("there is no bus");
     const auto ready = [&] { return sd_bus_is_ready(connection.get()) > 0; };
-    if (!serveUntil(connection.get(), BusDeadline::clock::now() + kPatience, ready))
+    if (!serveUntil(connection.get(), BusDeadline::clock::now() + limit, ready))
         throw std::runtime_error("the bus does not answer");
     sd_bus_set_exit_on_disconnect(connection.get(), true);
     const int result = sd_bus_attach_event(connection.get(), loop.get(), SD_EVENT_PRIORITY_NORMAL);
@@ -96,11 +112,35 @@ BusError errorOf(sd_bus_message* reply) {
     return {error->name, error->message ? error->message : error->name};
 }
 
-BusSlot watchSignals(sd_bus* bus, const std::string& rule, std::function<void(sd_bus_message* signal)> heard) {
-    auto callback = std::make_unique<Replied>(std::move(heard));
-    sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_add_match_async(bus, &slot, rule.c_str(), handOver, nullptr, callback.get());
-    return owning(result, slot, std::move(callback));
+BusSlot watchOwner(sd_bus* bus, const std::string& name, std::function<void(const std::string& owner)> changed) {
+    const std::string rule = "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" + name + "'";
+    return addMatch(bus, kBusName, rule, [changed = std::move(changed)](sd_bus_message* signal) {
+        const char* owner = nullptr;
+        if (isFrom(signal, kBusName) && sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) > 0)
+            changed(owner);
+    });
+}
+
+BusSlot watchSignals(sd_bus* bus, const std::string& name, const std::string& rule,
+                     std::function<void(sd_bus_message* signal)> heard) {
+    struct Owner {
+        std::string name;
+        BusSlot changes;
+        BusSlot question;
+    };
+    const auto owner = std::make_shared<Owner>();
+    owner->changes = watchOwner(bus, name, [known = owner.get()](const std::string& now) { known->name = now; });
+    const auto call = newCall(bus, kBusName, "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner");
+    sd_bus_message_append(call.get(), "s", name.c_str());
+    owner->question = callAsync(bus, call.get(), kLongestReply, [known = owner.get()](sd_bus_message* reply) {
+        const char* now = nullptr;
+        if (!errorOf(reply) && sd_bus_message_read(reply, "s", &now) > 0) known->name = now;
+    });
+    if (!owner->changes || !owner->question) return {};
+    // The answer about the owner comes before the first signal: the bus takes one message after the other.
+    return addMatch(bus, name, rule, [owner, heard = std::move(heard)](sd_bus_message* signal) {
+        if (isFrom(signal, owner->name)) heard(signal);
+    });
 }
 
 }  // namespace quorel

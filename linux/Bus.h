@@ -26,13 +26,13 @@ BusConnection beginConnection(Bus bus);
 /// bus has gone.
 bool serveUntil(sd_bus* bus, BusDeadline deadline, const std::function<bool()>& condition);
 
-/// Connects, which takes a second at most, and has the loop serve the connection. When the bus goes later, the loop
-/// ends with status 1. Throws std::runtime_error.
+/// Connects, which takes no longer than the limit, and has the loop serve the connection. When the bus goes later, the
+/// loop ends with status 1. Throws std::runtime_error.
 ///
 /// One connection does for a whole program: objects at further paths, calls, matches. Once the program serves, nothing
 /// on it may wait for an answer (sd_bus_call and the like): sd-bus reads one message at a time and leaves the others to
 /// the bus, which keeps count of them, but who waits has it read them all into this program's memory.
-BusConnection connectTo(Bus bus, EventLoop& loop);
+BusConnection connectTo(Bus bus, EventLoop& loop, std::chrono::seconds limit = std::chrono::seconds(1));
 /// Takes a second at most. False when somebody else has the name; throws std::runtime_error when it is not to be had
 /// at all.
 bool requestName(sd_bus* bus, const std::string& name);
@@ -53,7 +53,13 @@ struct BusError {
 };
 BusError errorOf(sd_bus_message* reply);
 
-/// Hands over the signals that a match rule describes until the slot has gone, which the callback may let go.
-BusSlot watchSignals(sd_bus* bus, const std::string& rule, std::function<void(sd_bus_message* signal)> heard);
+// Anybody can send anything to a single connection, and sd-bus takes that for a match whatever sender the rule names.
+// Here only what the bus itself, or the owner of the name, has sent is handed over. A callback may let its slot go.
+
+/// Tells of each new owner of a name, a unique name; empty when it has none any more.
+BusSlot watchOwner(sd_bus* bus, const std::string& name, std::function<void(const std::string& owner)> changed);
+/// Hands over the signals of a name's owner that the rest of a match rule describes.
+BusSlot watchSignals(sd_bus* bus, const std::string& name, const std::string& rule,
+                     std::function<void(sd_bus_message* signal)> heard);
 
 }  // namespace quorel

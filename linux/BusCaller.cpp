@@ -22,11 +22,9 @@ const char* textOf(Verdict verdict) {
 BusCaller::BusCaller(sd_bus* bus, std::string name, std::function<void()> gone)
     : _bus(bus),
       _name(std::move(name)),
-      _leaving(watchSignals(bus,
-                            "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                            "member='NameOwnerChanged',arg0='" +
-                                _name + "',arg2=''",
-                            [gone = std::move(gone)](sd_bus_message*) { gone(); })) {}
+      _leaving(watchOwner(bus, _name, [gone = std::move(gone)](const std::string& owner) {
+          if (owner.empty()) gone();
+      })) {}
 
 BusCaller::~BusCaller() = default;
 

@@ -91,8 +91,8 @@ LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<vo
         const char* path = nullptr;
         if (sd_bus_message_read(signal, "so", nullptr, &path) > 0) look(path);
     };
-    _added = watchSignals(_bus, logind::signalRule("SessionNew"), added);
-    _removed = watchSignals(_bus, logind::signalRule("SessionRemoved"), [this](sd_bus_message*) { restart(); });
+    _added = logind::watch(_bus, "SessionNew", added);
+    _removed = logind::watch(_bus, "SessionRemoved", [this](sd_bus_message*) { restart(); });
     const auto changed = [this](sd_bus_message* signal) {
         bool active = false;
         if (sd_bus_message_skip(signal, "s") < 0) return;
@@ -101,10 +101,9 @@ LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<vo
         });
         if (active) look(sd_bus_message_get_path(signal));
     };
-    _changed = watchSignals(_bus,
-                            std::string("type='signal',sender='") + logind::kName +
-                                "',path_namespace='/org/freedesktop/login1/session',"
-                                "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged'",
+    _changed = watchSignals(_bus, logind::kName,
+                            "path_namespace='/org/freedesktop/login1/session',"
+                            "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged'",
                             changed);
 }
 

@@ -8,9 +8,10 @@ namespace quorel {
 
 namespace logind {
 
-std::string signalRule(const char* member) {
-    return std::string("type='signal',sender='") + kName + "',path='" + kManager.path + "',interface='" +
-           kManager.interface + "',member='" + member + "'";
+BusSlot watch(sd_bus* bus, const char* member, std::function<void(sd_bus_message* signal)> heard) {
+    const std::string rule =
+        std::string("path='") + kManager.path + "',interface='" + kManager.interface + "',member='" + member + "'";
+    return watchSignals(bus, kName, rule, std::move(heard));
 }
 
 bool readProperties(sd_bus_message* reply,

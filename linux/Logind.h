@@ -36,8 +36,8 @@ BusSlot call(sd_bus* bus, std::chrono::seconds patience, const Object& object, c
     return callAsync(bus, message.get(), patience, std::move(answered));
 }
 
-/// A match rule for one of the manager's signals.
-std::string signalRule(const char* member);
+/// One of the manager's signals; as watchSignals.
+BusSlot watch(sd_bus* bus, const char* member, std::function<void(sd_bus_message* signal)> heard);
 
 /// Calls for each name of a reply with `a{sv}`, the message being inside the variant; `read` reads what is of the type
 /// given and leaves the rest. False where the message is something else.

@@ -6,6 +6,7 @@
 
 #include "linux/Language.h"
 #include "model/Dictionary.h"
+#include "model/Names.h"
 #include "model/Schedule.h"
 #include "scheduler/Outcome.h"
 
@@ -46,6 +47,7 @@ constexpr Text kReasons[] = {
     {kStayedAwake, marked("the system agreed, and the computer stayed awake")},
     {kNobody, marked("nobody is at the computer")},
     {kNoAgent, marked("the agent of the user at the computer is not running")},
+    {kTooMany, marked("too many actions of the user are running")},
     {kNoManager, marked("there is no service manager to run it")},
     {kNoModule, marked("its module is no longer there")},
     {kNoProgram, marked("its program could not be executed")},
@@ -215,12 +217,21 @@ std::string stepText(const Value& upcoming) {
     if (step == "postponed")
         return filled(translated("postponed by {1}, planned for {2}"), {by, timeText(upcoming["Due"].integer())});
     if (step == "make-up") return translated("missed, and to be made up for");
+    if (step == "awaited") return translated("waits for somebody to log in, until then");
     if (step == "running") return translated("running");
     if (step == "looking" || step == "checking") return translated("looking whether anything speaks against it");
     if (step == "waiting") return filled(translated("held up: {1}"), {holdText(upcoming)});
     if (step == "warned") return translated("announced");
     if (step == "acting") return translated("the system was asked for it");
     return step;
+}
+
+std::string refusalText(const std::string& error, const std::string& text) {
+    if (error == wire::kNoSuchOccurrence)
+        return translated("There is no such occurrence any more. \"quorelctl next\" shows what there is.");
+    if (error == wire::kNotAuthorized) return translated("This is not permitted without an administrator.");
+    if (error == wire::kTooManyChanges) return translated("More than ten changes a minute are not taken.");
+    return filled(translated("The daemon refused: {1}"), {plainText(text.empty() ? error : text)});
 }
 
 std::string faultText(const Value& fault) {

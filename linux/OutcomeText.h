@@ -19,6 +19,8 @@ std::string outcomeText(const Value& outcome);
 std::string outcomeLine(const Value& outcome);
 /// What there is to say of an occurrence to come: "held up: rsync: copying". Empty for one that is only planned.
 std::string stepText(const Value& upcoming);
+/// Why the daemon did not skip or postpone: an error's name on the bus, and what it says.
+std::string refusalText(const std::string& error, const std::string& text);
 /// Why a Schedule never runs: "Schedule 3 (Sleep) never runs: …".
 std::string faultText(const Value& fault);
 

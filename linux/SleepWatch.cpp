@@ -21,20 +21,15 @@ SleepWatch::SleepWatch(EventLoop& loop, sd_bus* bus, Events events)
       _lock(bus, "sleep:shutdown", "delay"),
       _lockTimer(
           loop, [this] { takeLock(); }, CLOCK_MONOTONIC) {
-    _sleepSignal = watchSignals(_bus, logind::signalRule("PrepareForSleep"),
-                                [this](sd_bus_message* signal) { sleepAnnounced(logind::readFlag(signal)); });
-    _shutdownSignal = watchSignals(_bus, logind::signalRule("PrepareForShutdown"),
-                                   [this](sd_bus_message* signal) { shutdownAnnounced(logind::readFlag(signal)); });
-    const auto ownerChanged = [this](sd_bus_message* signal) {
-        const char* owner = nullptr;
-        if (sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) < 0 || !*owner) return;
+    _sleepSignal = logind::watch(_bus, "PrepareForSleep",
+                                 [this](sd_bus_message* signal) { sleepAnnounced(logind::readFlag(signal)); });
+    _shutdownSignal = logind::watch(_bus, "PrepareForShutdown",
+                                    [this](sd_bus_message* signal) { shutdownAnnounced(logind::readFlag(signal)); });
+    _ownerSignal = watchOwner(_bus, logind::kName, [this](const std::string& owner) {
+        if (owner.empty()) return;
         _lock.release();  // the one before has forgotten it
         takeLock();
-    };
-    _ownerSignal = watchSignals(_bus,
-                                "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                                "member='NameOwnerChanged',arg0='org.freedesktop.login1'",
-                                ownerChanged);
+    });
     takeLock();
 }
 

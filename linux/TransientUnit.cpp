@@ -52,26 +52,19 @@ bool isSilence(const BusError& error) {
 
 TransientUnits::TransientUnits(sd_bus* bus) : _bus(bus) {
     // The manager's programs run on while it is replaced by a newer one.
-    const auto changed = [this](sd_bus_message* signal) {
-        const char* owner = nullptr;
-        if (sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) <= 0 || !*owner) return;
+    _restarts = watchOwner(bus, kName, [this](const std::string& owner) {
+        if (owner.empty()) return;
         _subscription.reset();
         for (const auto& run : _runs) look(run.first);
-    };
-    _restarts = watchSignals(bus,
-                             std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                                         "member='NameOwnerChanged',arg0='") +
-                                 kName + "'",
-                             changed);
+    });
 }
 
 TransientUnits::Run& TransientUnits::begin(const std::string& name, Ended ended) {
     Run& run = _runs[name] = Run{std::move(ended)};
     run.path = pathOf(name);
-    run.signals = watchSignals(_bus,
-                               std::string("type='signal',sender='") + kName + "',path='" + run.path + "',interface='" +
-                                   kProperties + "',member='PropertiesChanged'",
-                               [this, name](sd_bus_message*) { look(name); });
+    run.signals =
+        watchSignals(_bus, kName, "path='" + run.path + "',interface='" + kProperties + "',member='PropertiesChanged'",
+                     [this, name](sd_bus_message*) { look(name); });
     return run;
 }
 

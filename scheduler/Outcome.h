@@ -74,6 +74,7 @@ inline constexpr std::string_view kStayedAwake = "stayed-awake";  ///< it said y
 // Values of Reason in "failed" and "not-started", where it is no text of the system's.
 inline constexpr std::string_view kNobody = "nobody";         ///< no user at the computer
 inline constexpr std::string_view kNoAgent = "no-agent";      ///< the user's does not run
+inline constexpr std::string_view kTooMany = "too-many";      ///< actions of that user are running
 inline constexpr std::string_view kNoManager = "no-manager";  ///< no service manager on the bus
 inline constexpr std::string_view kNoModule = "no-module";    ///< it has gone meanwhile
 inline constexpr std::string_view kNoProgram = "no-program";  ///< it could not be executed

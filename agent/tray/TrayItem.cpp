@@ -120,11 +120,8 @@ TrayItem::TrayItem(EventLoop& loop, std::function<void()> activated, std::functi
     check(sd_bus_add_object_vtable(_bus.get(), &slot, kPath, kInterface, TrayItemMethods::kTable, this));
     _object.reset(slot);
     check(sd_bus_attach_event(_bus.get(), loop.get(), SD_EVENT_PRIORITY_NORMAL));
-    const std::string changes =
-        "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='";
-    _watch = watchSignals(_bus.get(), changes + kWatcher + "'", [this](sd_bus_message* signal) {
-        const char* owner = nullptr;
-        if (sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) >= 0 && owner && *owner) panelCame();
+    _watch = watchOwner(_bus.get(), kWatcher, [this](const std::string& owner) {
+        if (!owner.empty()) panelCame();
     });
     panelCame();
 }

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Calls the daemon as its input says, without waiting for answers: "NAME RECEIVER PAYLOAD [SENDER]", the payload in
 hexadecimal digits, or "-"; a sender is claimed in the message. "call PATH INTERFACE METHOD SIGNATURE ARGUMENTS" is
-any call, its arguments as JSON in such digits, "flood RECEIVER PATH INTERFACE SIGNAL" a thousand signals, and "leave" leaves the bus.
+any call, its arguments as JSON in such digits, "signal TIMES RECEIVER PATH INTERFACE SIGNAL SIGNATURE ARGUMENTS" sends one
+straight to its receiver, and "leave" leaves the bus.
 
 Says its own bus name first, and then for each answer "accepted", or the error's name and text.
 """
@@ -28,10 +29,11 @@ def obey(*_):
     if words in ([], ["leave"]):
         bus.close()
         return bool(words)
-    if words[0] == "flood":
-        for _ in range(1000):
-            signal = dbus.lowlevel.SignalMessage(*words[2:])
-            signal.set_destination(words[1])
+    if words[0] == "signal":
+        for _ in range(int(words[1])):
+            signal = dbus.lowlevel.SignalMessage(*words[3:6])
+            signal.set_destination(words[2])
+            signal.append(*json.loads(bytes.fromhex(words[7])), signature=words[6].strip("-"))
             bus.send_message(signal)
         bus.flush()
         print("accepted", flush=True)

@@ -56,8 +56,8 @@ class Caller(Talk):
         super().begin(f"call {path} {interface} {method} {signature or '-'} {json.dumps(arguments).encode().hex()}")
         return self.result()
 
-    def flood(self, receiver, path, interface, signal):
-        super().begin(f"flood {receiver} {path} {interface} {signal}")
+    def signal(self, times, *what, signature="", arguments=()):
+        super().begin(" ".join(["signal", str(times), *what, signature or "-", json.dumps(arguments).encode().hex()]))
         return self.result()
 
     def leave(self):
