@@ -92,6 +92,7 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Cloc
                        tell([&](Now now) { _scheduler.resumed(now, lidClosed); });
                    },
                    [this] { tell([&](Now now) { _scheduler.goingDown(now); }); }}) {
+    _agents.cameCallback = [this] { tell([&](Now now) { _scheduler.agentCame(now); }); };
     _agents.usedCallback = [this](unsigned user) { tell([&](Now now) { _scheduler.used(now, nameOfUser(user)); }); };
 }
 
@@ -142,14 +143,10 @@ void Acting::changed() {
     if (changedCallback) changedCallback();
 }
 
-/// What a user's agent says counts for the user's graphical sessions: of the others logind knows as much.
 void Acting::findIdle(Conditions conditions, const std::vector<unsigned>& userIds,
                       std::function<void(Conditions)> done) {
-    std::vector<unsigned> graphical;
-    for (std::size_t i = 0; i < userIds.size(); ++i)
-        if (conditions.sessions[i].isGraphical) graphical.push_back(userIds[i]);
-    _agents.findIdle(graphical, [userIds, done = std::move(done),
-                                 conditions = std::move(conditions)](const Agents::Idle& idle) mutable {
+    _agents.findIdle(userIds, [userIds, done = std::move(done),
+                               conditions = std::move(conditions)](const Agents::Idle& idle) mutable {
         for (std::size_t i = 0; i < userIds.size(); ++i) {
             const auto found = idle.find(userIds[i]);
             if (found != idle.end()) conditions.sessions[i].agentIdle = found->second;

@@ -21,10 +21,10 @@ namespace names = wire::agents;
 using namespace std::chrono_literals;
 
 constexpr std::size_t kMostAgents = 256;
-constexpr std::size_t kMostUnknown = 16;  // whose user the bus is still asked for
-constexpr std::size_t kMostRuns = 16;     // of a user at a time
-constexpr auto kPatience = 3s;            // with agents, which measure within a second
-constexpr Seconds kJustUsed = 10;         // what agents that watch tell every few seconds
+constexpr std::size_t kMostUnknown = 300;  // whose user the bus is still asked for; it lets no user connect as often
+constexpr std::size_t kMostRuns = 16;      // of a user at a time
+constexpr auto kPatience = 3s;             // with agents, which measure within a second
+constexpr Seconds kJustUsed = 10;          // what agents that watch tell every few seconds
 constexpr Seconds kLongestIdle = 366 * kDay;
 constexpr Seconds kAfterLimit = kMinute;  // an agent that is alive ends it at the limit by itself
 
@@ -73,8 +73,9 @@ int Agents::registerAgent(sd_bus_message* call, void* self, sd_bus_error* error)
         if (!known->second.user) return refuse(error, wire::kBusy, "The caller is being registered.");
         return sd_bus_reply_method_return(call, "");
     }
-    const auto unknown = std::ranges::count_if(agents._agents, [](const auto& one) { return !one.second.user; });
-    if (agents._agents.size() >= kMostAgents || unknown >= static_cast<std::ptrdiff_t>(kMostUnknown))
+    const auto unknown = static_cast<std::size_t>(
+        std::ranges::count_if(agents._agents, [](const auto& one) { return !one.second.user; }));
+    if (agents._agents.size() - unknown >= kMostAgents || unknown >= kMostUnknown)
         return refuse(error, wire::kBusy, "Too many calls are waiting.");
     Agent& agent = agents._agents[name];
     agent.call.reset(sd_bus_message_ref(call));
@@ -93,6 +94,7 @@ void Agents::userFound(const std::string& name, std::optional<unsigned> user) {
     }
     found->second.user = user;
     sd_bus_reply_method_return(call.get(), "");
+    if (cameCallback) cameCallback();
 }
 
 void Agents::left(const std::string& name) {
@@ -172,9 +174,9 @@ int Agents::reportIdle(sd_bus_message* call, void* self, sd_bus_error* error) {
 
 void Agents::run(unsigned user, const std::string& token, Dictionary action, Ended ended) {
     const auto others = std::ranges::count_if(_runs, [user](const auto& run) { return run.second.user == user; });
-    if (!isThere(user)) return ended(ActionEnd::kNotStarted, 0, "the user's agent is not running");
+    if (!isThere(user)) return ended(ActionEnd::kNotStarted, 0, std::string(outcome::kNoAgent));
     if (others >= static_cast<std::ptrdiff_t>(kMostRuns))
-        return ended(ActionEnd::kNotStarted, 0, "too many actions of this user are running");
+        return ended(ActionEnd::kNotStarted, 0, std::string(outcome::kTooMany));
     const std::chrono::seconds limit(Value(action)["TimeLimit"].integer() + kAfterLimit);
     Run& run = _runs[token];
     run = {user, std::move(action), std::move(ended), nullptr};

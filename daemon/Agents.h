@@ -38,6 +38,7 @@ public:
     /// While somebody who uses the computer is to be noticed at once. Counts for those who were asked last.
     void watchUse(bool watch);
     std::function<void(unsigned user)> usedCallback;
+    std::function<void()> cameCallback;  ///< an agent has registered
 
     /// Has the user's agent run an action: the dictionary is what `Work` tells of it. `ended` is called once, now or
     /// later; with kUnknown when the agent goes, or says nothing for longer than the action's "TimeLimit".

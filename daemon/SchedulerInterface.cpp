@@ -19,8 +19,10 @@ namespace {
 
 namespace names = wire::scheduler;
 
-constexpr std::size_t kMostRequests = 16;
-constexpr std::ptrdiff_t kMostRequestsOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
+// So that nobody's open dialogs keep everybody else out. The bus lets no user connect as often as there may be
+// requests.
+constexpr std::size_t kMostRequests = 300;
+constexpr std::ptrdiff_t kMostRequestsOfAUser = 4;
 
 constexpr const char* kGone = "There is no such occurrence any more.";
 

@@ -7,6 +7,20 @@
 
 namespace quorel {
 
+namespace {
+
+/// A graphical session is as idle as its agent says; without an agent, or without graphics, as logind says. Graphics
+/// that were started at a text log-in are a text session to logind, and what is typed into them is not: where the agent
+/// says less, that counts. Nothing where neither can tell: a desktop that keeps no hint looks to logind like one in
+/// use.
+std::optional<Seconds> idleOf(const Session& session) {
+    const std::optional<Seconds> agent = session.agentIdle, hint = session.hintIdle;
+    if (session.isGraphical) return agent ? agent : hint == 0 ? std::nullopt : hint;
+    return agent && hint ? std::min(agent, hint) : hint;
+}
+
+}  // namespace
+
 Hold holdOf(const Conditions& conditions, Seconds idle, const std::string& running) {
     if (conditions.failure) return {outcome::kHoldUnknown, {}, plainText(*conditions.failure)};
     if (!conditions.scheduledShutdown.empty()) {
@@ -15,13 +29,9 @@ Hold holdOf(const Conditions& conditions, Seconds idle, const std::string& runni
     // Use comes before inhibitors: a film takes both, and the patience with use is the longer one.
     if (idle > 0) {
         for (const Session& session : conditions.sessions) {
-            // A graphical one is as idle as its agent says; without an agent, or without graphics, as logind says.
-            // Where neither can tell it is in use. A desktop that keeps no hint looks to logind like one in use.
-            const bool byAgent = session.isGraphical && session.agentIdle;
-            const Seconds told = (byAgent ? session.agentIdle : session.hintIdle).value_or(0);
-            const bool isGuess = !byAgent && (session.isGraphical ? told == 0 : !session.hintIdle);
-            if (told < idle)
-                return {outcome::kHoldUse, plainText(session.name), std::string(isGuess ? outcome::kUntold : "")};
+            const auto told = idleOf(session);
+            if (told.value_or(0) < idle)  // where nobody can tell it is in use
+                return {outcome::kHoldUse, plainText(session.name), std::string(told ? "" : outcome::kUntold)};
         }
         if (conditions.sessions.empty() && conditions.sinceLastSession < idle) return {outcome::kHoldUse, {}, {}};
     }
@@ -31,6 +41,13 @@ Hold holdOf(const Conditions& conditions, Seconds idle, const std::string& runni
         return {outcome::kHoldInhibitor, plainText(first.who), plainText(first.why)};
     }
     return {};
+}
+
+bool wasUsed(const Conditions& conditions, Seconds recently) {
+    return std::ranges::any_of(conditions.sessions, [recently](const Session& session) {
+        const auto told = idleOf(session);
+        return told && *told < recently;
+    });
 }
 
 PowerCourse::Move PowerCourse::begin(Instant now) {

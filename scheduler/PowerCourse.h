@@ -17,6 +17,7 @@ enum class Step {
     kDone,     ///< ended before its minute, which is yet to come; its outcome is told
     kPostponed,
     kMakeUp,   ///< missed, and to run soon
+    kAwaited,  ///< found nobody to run for, and may run until `at`
     kRunning,  ///< a module's action
     // Sleep and shut-down:
     kLooking,   ///< may it be? Asked, not yet answered
@@ -37,6 +38,9 @@ struct Hold {
 /// What of these conditions holds up something that wants the computer unused for so long (0: does not care).
 /// `running` is the action type of a module's action under way, or empty.
 Hold holdOf(const Conditions& conditions, Seconds idle, const std::string& running);
+
+/// Whether somebody is known to have used a session that recently.
+bool wasUsed(const Conditions& conditions, Seconds recently);
 
 /// The course of one sleep or shut-down, from a minute before its time to its end. It answers each event with what is
 /// to be done now; time beyond that it asks for by `next`.
@@ -65,6 +69,8 @@ public:
     /// Takes up waiting where an earlier run of the program left it.
     Move goOn(Instant now, Instant waitingSince);
     Move reached(Instant now);
+    /// What it has been waiting for has ended.
+    Move freed(Instant now) { return _asked ? Move{} : look(now, Step::kWaiting); }
     Move looked(Instant now, const Hold& hold);
     Move replied(Instant now, PowerReply reply, const std::string& reason);
     /// The computer is awake again, or was not seen to go.

@@ -9,6 +9,8 @@ namespace quorel::rules {
 inline constexpr Seconds kGrace = 2 * kMinute;
 /// A missed action that its module allows to be made up runs that long after it was found missed.
 inline constexpr Seconds kBeforeMakeUp = 2 * kMinute;
+/// One that needs a user runs that long after somebody has come.
+inline constexpr Seconds kAfterArrival = 10;
 /// Further back nobody wants to know what was missed.
 inline constexpr Seconds kLongestAbsence = 366 * kDay;
 
@@ -23,8 +25,8 @@ inline constexpr int kMostRefusals = 2;
 inline constexpr Seconds kLongestLook = 30;
 inline constexpr Seconds kLongestCall = 90;
 inline constexpr Seconds kLongestParting = kMinute;
-/// How long, awake, the word that it is back may take.
-inline constexpr Seconds kLongestSilence = 30;
+/// How long, awake, the word that it is back may take. Other programs can hold the going up for half a minute.
+inline constexpr Seconds kLongestSilence = 90;
 
 inline constexpr Seconds kPostponement = 15 * kMinute;
 /// How much people may set aside, and how far ahead.
@@ -43,6 +45,8 @@ inline constexpr std::int64_t kLeastSleep = 1000;
 inline constexpr Seconds kKeptAwake = 10 * kMinute;
 /// A computer that was woken for nothing goes back to sleep after as long.
 inline constexpr Seconds kBeforeBack = 20;
+/// Who has used it so recently then has done so since: waking itself counts as use with some desktops.
+inline constexpr Seconds kUsedSince = 15;
 /// How far from its time our alarm may wake the computer, to be what woke it.
 inline constexpr Seconds kAlarmEarly = 2;
 inline constexpr Seconds kAlarmLate = kMinute;

@@ -1,5 +1,5 @@
-// The events, the clocks, and sleep. What is planned is in SchedulerPlan.cpp, what is open in SchedulerOpen.cpp, what is
-// stored in SchedulerState.cpp.
+// The events, the clocks, and sleep. What is planned is in SchedulerPlan.cpp, what is open in SchedulerOpen.cpp, what
+// is stored in SchedulerState.cpp.
 #include "scheduler/Scheduler.h"
 
 #include <algorithm>
@@ -54,7 +54,8 @@ void Scheduler::settle() {
         moveBack(_back->reached(now()));
     }
     if (_wakeIsStone && _wakeAlarm && now() >= *_wakeAlarm) _rewrite = true;
-    if (const bool keep = now() < _awakeUntil; keep != _keepsAwake) {
+    if (_awakeUntil <= now()) _awakeUntil = 0;
+    if (const bool keep = _awakeUntil != 0; keep != _keepsAwake) {
         _keepsAwake = keep;
         act([this, keep] { _world.power.keepAwake(keep); });
     }
@@ -184,7 +185,7 @@ void Scheduler::moveBack(const PowerCourse::Move& move) {
     using Do = PowerCourse::Do;
     if (move.what == Do::kLook || move.what == Do::kAct) _backTicket = ++_lastTicket;
     const Ticket ticket = _backTicket;
-    if (move.what == Do::kLook) act([this, ticket] { _world.power.look(ticket, false); });
+    if (move.what == Do::kLook) act([this, ticket] { _world.power.look(ticket, true); });
     if (move.what == Do::kAct) {
         tell(outcome::kBackToSleep, nullptr);
         act([this, ticket] { _world.power.suspend(ticket); });
@@ -200,7 +201,12 @@ void Scheduler::used(Now now, const std::string& who) {
             OpenOccurrence& open = *each++;
             if (open.course) move(open, open.course->used(this->now(), who));
         }
+        arrived();
     });
+}
+
+void Scheduler::agentCame(Now now) {
+    take(now, [this] { arrived(); });
 }
 
 void Scheduler::looked(Now now, Ticket ticket, const Conditions& conditions) {
@@ -209,6 +215,8 @@ void Scheduler::looked(Now now, Ticket ticket, const Conditions& conditions) {
         if (OpenOccurrence* open = asking(ticket)) {
             const Hold hold = holdOf(conditions, open->occurrence.schedule->idle, running);
             move(*open, open->course->looked(this->now(), hold));
+        } else if (_back && ticket == _backTicket && wasUsed(conditions, rules::kUsedSince)) {
+            _back.reset();
         } else if (_back && ticket == _backTicket) {
             moveBack(_back->looked(this->now(), holdOf(conditions, 0, running)));
         }

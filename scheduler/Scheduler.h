@@ -64,6 +64,8 @@ public:
     void goingDown(Now now);
     /// Somebody uses the computer: input after a while, or a session became active. `who` for a person to read.
     void used(Now now, const std::string& who);
+    /// Actions can run for a user for whom they could not before.
+    void agentCame(Now now);
 
     void looked(Now now, Ticket ticket, const Conditions& conditions);
     /// `reason` says why it was refused.
@@ -148,6 +150,8 @@ private:
     void endCourses(std::string_view cause);
     void awakeCourses(bool slept);
     void reportLid();
+    void arrived();
+    void notStarted(OpenOccurrence& open, const std::string& reason);
     std::string runningAction() const;
     void withdraw();
     void moveOpen(Seconds by);

@@ -15,6 +15,13 @@ bool isUnderWay(Step step) {
     return step == Step::kRunning || step == Step::kActing || step == Step::kDone;
 }
 
+/// Whether the token is one that the occurrence has had when it was postponed.
+bool isOfPostponement(std::string_view token, const std::string& own) {
+    if (!token.starts_with(own + "-")) return false;
+    const std::string_view at = token.substr(own.size() + 1);
+    return at.size() < 20 && std::ranges::all_of(at, [](char c) { return c >= '0' && c <= '9'; });
+}
+
 }  // namespace
 
 std::string OpenOccurrence::token() const {
@@ -87,6 +94,8 @@ void Scheduler::reach(OpenOccurrence& open) {
         finish(open, outcome::kSkipped, {{"By", open.by}});
     } else if (open.step == Step::kPostponed) {
         isLate(open.at) ? missed(open) : run(open);
+    } else if (open.step == Step::kAwaited) {
+        finish(open, outcome::kNotStarted, {{"Reason", outcome::kNobody}});
     } else if (open.step == Step::kMakeUp) {
         now() - one.due > one.schedule->makeUp + rules::kBeforeMakeUp ? missed(open) : run(open);
     } else if (_slept && isLate(open.course->next())) {
@@ -219,14 +228,34 @@ void Scheduler::actionEnded(Now now, const std::string& token, ActionEnd end, in
             finish(*running, outcome::kFailed, {{"Seconds", seconds}, {"Status", status}, {"Reason", text}});
         }
         if (end == ActionEnd::kTimedOut) finish(*running, outcome::kTimedOut, {{"Seconds", seconds}});
-        if (end == ActionEnd::kNotStarted) finish(*running, outcome::kNotStarted, {{"Reason", text}});
+        if (end == ActionEnd::kNotStarted) notStarted(*running, reason);
         if (end == ActionEnd::kUnknown) finish(*running, outcome::kUnknown);
         // A sleep of the same minute waits for the last action to end.
         for (OpenOccurrence& open : _open) {
             const bool waits = open.course && open.course->hold().kind == outcome::kHoldAction;
-            if (waits && open.step == Step::kWaiting) move(open, open.course->reached(this->now()));
+            if (waits && open.step == Step::kWaiting) move(open, open.course->freed(this->now()));
         }
     });
+}
+
+/// Somebody may come while it is still worth it.
+void Scheduler::notStarted(OpenOccurrence& open, const std::string& reason) {
+    const Occurrence& one = open.occurrence;
+    const bool lacksUser = reason == outcome::kNobody || reason == outcome::kNoAgent;
+    if (!lacksUser || now() - one.due >= one.schedule->makeUp)
+        return finish(open, outcome::kNotStarted, {{"Reason", plainText(reason)}});
+    open.step = Step::kAwaited;
+    open.at = one.due + one.schedule->makeUp;
+    open.madeUp = _changed = true;
+}
+
+void Scheduler::arrived() {
+    for (OpenOccurrence& open : _open) {
+        if (open.step != Step::kAwaited) continue;
+        open.step = Step::kMakeUp;
+        open.at = now() + rules::kAfterArrival;
+        _changed = true;
+    }
 }
 
 std::string Scheduler::runningAction() const {
@@ -285,7 +314,7 @@ void Scheduler::endOpen(Seconds by) {
 const OpenOccurrence* Scheduler::openOne(std::string_view token) const {
     for (const OpenOccurrence& open : _open) {
         const std::string own = open.occurrence.token();
-        if (token == own || token.starts_with(own + "-")) return &open;
+        if (token == own || isOfPostponement(token, own)) return &open;
     }
     return nullptr;
 }
@@ -336,7 +365,7 @@ bool Scheduler::postpone(Now now, const std::string& token, const std::string& b
     if (_working) return done;
     take(now, [&] {
         OpenOccurrence* open = named(token);
-        done = open && !isUnderWay(open->step) && open->step != Step::kSkipped;
+        done = open && !isUnderWay(open->step) && open->step != Step::kSkipped && open->step != Step::kAwaited;
         if (!done || token != open->token()) return;  // a token from before a postponement asks for that one again
         open->course.reset();
         open->step = Step::kPostponed;

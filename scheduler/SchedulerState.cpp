@@ -1,4 +1,6 @@
 // What outlives the program.
+#include <algorithm>
+
 #include "scheduler/Rules.h"
 #include "scheduler/Scheduler.h"
 
@@ -15,7 +17,8 @@ StoredState Scheduler::state() const {
 }
 
 void Scheduler::restore(const StoredState& state) {
-    _awakeUntil = state.awakeUntil;
+    // Of another clock's time it says nothing.
+    if (!_dormant) _awakeUntil = std::min(state.awakeUntil, now() + rules::kKeptAwake);
     _outcomes = state.outcomes;
     const bool undisturbed = state.bootId == _bootId && _now.asleep() - state.slept < rules::kLeastSleep;
     for (const StoredState::Open& stored : state.open) {

@@ -15,8 +15,9 @@ constexpr std::size_t kMostOutcomes = 500;
 constexpr Instant kLatest = 100'000'000'000;  // some three thousand years ahead; sums stay sums
 
 /// In the order of Step.
-constexpr std::array<std::string_view, 11> kSteps = {"planned", "skipped", "done",   "postponed", "make-up", "running",
-                                                     "looking", "waiting", "warned", "checking",  "acting"};
+constexpr std::array<std::string_view, 12> kSteps = {"planned", "skipped", "done",     "postponed",
+                                                     "make-up", "awaited", "running",  "looking",
+                                                     "waiting", "warned",  "checking", "acting"};
 
 /// Reads entries of one dictionary; after the first that is not what it must be, all is lost.
 struct Reader {

@@ -51,8 +51,8 @@ struct StoredState {
     static std::optional<StoredState> from(const Value& value);
 };
 
-/// As it is stored and sent: "planned", "skipped", "done", "postponed", "make-up", "running", "looking", "waiting",
-/// "warned", "checking", "acting".
+/// As it is stored and sent: "planned", "skipped", "done", "postponed", "make-up", "awaited", "running", "looking",
+/// "waiting", "warned", "checking", "acting".
 std::string_view nameOf(Step step);
 /// Adds one to the last 500.
 void keepOutcome(Array& outcomes, Value outcome);

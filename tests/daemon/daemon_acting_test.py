@@ -127,7 +127,8 @@ class ActingTest(ActingCase):
         self.sleep_at_its_minute()
         self.wait_for(lambda: self.calls("slept"), "it sleeps")
         self.assertEqual(alarm(), 0)
-        self.move_to("23:17")
+        self.move_to("23:18")
+        self.last("slept")
         self.wait_for(alarm, "armed again")
 
     def test_goes_on_after_a_restart(self):

@@ -72,6 +72,8 @@ void play(VirtualWorld& w, const std::string& script) {
         if (what == "mute") w.answers = false;
         if (what == "near") w.farAlarms = false;
         if (what == "loses") w.loses = true;
+        if (what == "lonely") w.lonely = true;
+        if (what == "company") w.lonely = false, w.scheduler->agentCame(w.now);
         if (what == "lid") w.lidClosed = true;
         if (what == "wake") w.wakenAt = timeOf(first);
         if (what == "sleep") w.wakenAt = first.empty() ? 0 : timeOf(first), w.sleep();
@@ -134,9 +136,9 @@ const Row kRows[] = {
     {"yes without sleep", "lies; from 22:50 Sleep@23:00; until 23:50",
      "22:59 warn, for 23:00; 23:00 suspend; 23:00 suspend; 23:00 refused Sleep 23:00 stayed-awake"},
     {"yes without sleep, and without a word", "lies; silent; from 22:50 Sleep@23:00; until 23:50",
-     "22:59 warn, for 23:00; 23:00 suspend; 23:00:30 suspend; 23:01 refused Sleep 23:00 stayed-awake"},
+     "22:59 warn, for 23:00; 23:00 suspend; 23:01:30 suspend; 23:03 refused Sleep 23:00 stayed-awake"},
     {"back without a word", "silent; from 22:50 Sleep@23:00; wake 23:40; until 23:50",
-     "22:59 warn, for 23:00; 23:00 suspend; 23:40 awake; 23:40:30 slept Sleep 23:00"},
+     "22:59 warn, for 23:00; 23:00 suspend; 23:40 awake; 23:41:30 slept Sleep 23:00"},
     {"yes, and then nothing", "lies; from 22:50 ShutDown@23:00; until 23:50",
      "22:59 warn, for 23:00; 23:00 shut down; 23:01 shut down; 23:02 refused ShutDown 23:00 no-answer"},
     {"one is under way", "busy; from 22:50 Sleep@23:00; until 23:50",
@@ -163,6 +165,7 @@ const Row kRows[] = {
      "23:29 gave-up Sleep 23:00 use 29 ann; 23:29 warn, for 23:30"},
     {"input during the warning", "since 900; from 22:50 Sleep@23:00/idle; until 22:59:30; used; until 23:01:29",
      "22:59 warn, for 23:00; 23:00:30 warn, for 23:01:30"},
+    {"graphics that were started at a text log-in", "user text 5 3600; from 22:50 Sleep@23:00/idle; until 23:00; next", "23:00 waiting"},
     {"input does not matter to others", "from 22:59 Sleep@23:00; used; until 22:59:59", "22:59 warn, for 23:00"},
 
     // Several at one minute.
@@ -181,6 +184,11 @@ const Row kRows[] = {
     {"an action, where its module allows it", "from 11:50 Late@12:00; sleep 13:00; until 14:00",
      "13:00 awake; 13:02 start Late; 13:02:10 ran Late 12:00 MadeUp"},
     {"but not for ever", "from 11:50 Late@12:00; sleep 13:00:01; until 14:00", "13:00:01 awake; 13:00:01 missed Late 12:00 asleep 1"},
+    {"for nobody: once somebody has come", "lonely; from 11:50 Late@12:00; until 12:30; next; company; until 13:01",
+     "12:00 start Late; 12:30 awaited; 12:30:10 start Late; 12:30:20 ran Late 12:00 MadeUp"},
+    {"but not for ever either", "lonely; from 11:50 Late@12:00/wake Plain@12:00; until 12:30; alarms; down 0; until 14:00; company",
+     "12:00 start Late; 12:00 start Plain; 12:00:10 not-started Plain 12:00 nobody; 12:30 alarms +1 11:59:30, none; "
+     "13:00 not-started Late 12:00 nobody"},
     {"off: one entry a Schedule, the last made up", "from 11:50 Plain@12:00 Late@12:00; cut 174000; until 2+13:00",
      "+2 12:10 missed Late +1 12:00 off 2; +2 12:10 missed Plain +2 12:00 off 3; +2 12:12 start Late; "
      "+2 12:12:10 ran Late +2 12:00 MadeUp"},
@@ -200,6 +208,9 @@ const Row kRows[] = {
      "07:00 lid-closed WakeUp 07:00; 07:00:20 back-to-sleep; 07:00:20 suspend; 09:00 awake"},
     {"stepping stones, and input on one", "near; from 12:00 WakeUp@7:00/thursday; sleep; until 1+11:01; used; until 2+12:00",
      "+1 11:00 awake; +1 11:00:20 back-to-sleep; +1 11:00:20 suspend; +2 10:00:20 awake"},
+
+    {"input since a stepping stone, as the agent says",
+     "near; from 12:00 WakeUp@7:00/thursday; sleep; user desktop 14 ?; until 1+12:00", "+1 11:00 awake"},
 
     // Lists and zones.
     {"saved in its own minute: next time", "from 11:50; until 12:00:20; save Plain@12:00; until 1+12:00", "+1 12:00 start Plain"},
@@ -236,6 +247,11 @@ const Row kRows[] = {
      "06:55 clock-behind 20100; 06:55 alarms none, none; 07:05 correction 0; 12:00 start Plain"},
     {"dead battery, the clock set", "from 11:00 Plain@12:00; restore 6:00; until 6:05; set 23400; until 1+12:00:05",
      "06:00 clock-behind 18000; 12:35 correction 23400; +1 12:00 start Plain"},
+
+    {"dead battery, the ten minutes of an earlier wake-up",
+     "from 6:50 WakeUp@7:00; until 7:05; restore 2:00; set 93600; until 1+7:00",
+     "07:00 awake-already WakeUp 07:00; 07:00 keep awake; 02:00 clock-behind 18000; +1 04:00 correction 93600; "
+     "+1 07:00 awake-already WakeUp +1 07:00; +1 07:00 keep awake"},
 
     // Restarts.
     {"killed before the action is started", "kill start; loses; from 11:50 Plain@12:00; until 12:01; boot; until 12:05",

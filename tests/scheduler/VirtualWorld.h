@@ -54,7 +54,7 @@ public:
     std::string killAt;   ///< the next call that the program does not live to make
     std::string bootId = "boot 1";
     Seconds actionLasts = 10;
-    ActionEnd actionEnds = ActionEnd::kRan;
+    bool lonely = false;  ///< actions find nobody to run for
     Value list;
 
     Now now{kMonday * 1000, 3600'000, 3600'000};
@@ -96,7 +96,8 @@ public:
                     if (ends > now.instant()) {
                         _running.emplace_back(ends, token);
                     } else {
-                        scheduler->actionEnded(now, token, actionEnds, 3, "why");
+                        scheduler->actionEnded(now, token, lonely ? ActionEnd::kNotStarted : ActionEnd::kRan, 0,
+                                               lonely ? "nobody" : "");
                     }
                 }
                 if (!scheduler->nextCall() || *scheduler->nextCall() > now.instant()) return;
