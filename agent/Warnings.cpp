@@ -64,9 +64,11 @@ void Warnings::update() {
         announced.insert(token);
         Warning& warning = _warnings[token];
         const bool isNew = !warning.occurrence.isDictionary();
+        const Permission permission = {_daemon.mayPostpone(), _daemon.maySkip()};
         warning.occurrence = occurrence;
-        if (!isNew) continue;
-        warning.isAnswered = false;
+        if (!isNew && (permission == warning.permission || warning.notifier->isDone())) continue;
+        warning.permission = permission;
+        if (isNew) warning.isAnswered = false;
         if (!warning.notifier)
             warning.notifier =
                 std::make_unique<Notifier>(_session, [this, token](const std::string& key) { answer(token, key); });
@@ -89,12 +91,12 @@ void Warnings::update() {
 void Warnings::show(Warning& warning) {
     Message message{titleOf(warning.occurrence), reasonOf(warning.occurrence)};
     message.isUrgent = true;
-    if (_daemon.mayPostpone()) message.buttons.push_back({kPostponeKey, translated("In 15 minutes")});
-    if (_daemon.maySkip()) message.buttons.push_back({kSkipKey, translated("Not this time")});
+    if (warning.permission.postpone) message.buttons.push_back({kPostponeKey, translated("In 15 minutes")});
+    if (warning.permission.skip) message.buttons.push_back({kSkipKey, translated("Not this time")});
     warning.notifier->show(std::move(message));
 }
 
-/// A notification server may have been restarted, and permission may have come since.
+/// A notification server may have been restarted.
 void Warnings::renew() {
     update();
     for (auto& [token, warning] : _warnings)
@@ -104,8 +106,12 @@ void Warnings::renew() {
 void Warnings::answer(const std::string& token, const std::string& key) {
     Warning& warning = _warnings[token];
     warning.isAnswered = true;
-    const auto refused = [this, occurrence = warning.occurrence](const std::string& reason) {
-        tell(occurrence, plainText(reason));
+    const auto refused = [this, token](const std::string& reason) {
+        const auto found = _warnings.find(token);
+        if (found == _warnings.end() || !found->second.occurrence.isDictionary()) return;
+        tell(found->second.occurrence, reason);
+        found->second.isAnswered = false;  // it still happens, and can still be answered
+        show(found->second);
     };
     if (key == kSkipKey) _daemon.skip(token, refused);
     if (key == kPostponeKey) _daemon.postpone(token, refused);
@@ -116,7 +122,10 @@ void Warnings::tellWhy(const Value& occurrence) {
     const std::string own = nameOfUser(getuid());
     for (const Value& next : _daemon.upcoming())
         if (isSame(next, occurrence) && !next["By"].text().empty() && next["By"].text() != own)
-            return tell(occurrence, stepText(next));
+            return tell(occurrence, next["Step"].text() == "postponed"
+                                        ? filled(translated("postponed until {1} by {2}"),
+                                                 {timeText(next["At"].integer()), plainText(next["By"].text())})
+                                        : stepText(next));
     const Array& outcomes = _daemon.outcomes();
     for (auto ended = outcomes.rbegin(); ended != outcomes.rend(); ++ended)
         if (isSame(*ended, occurrence) && (*ended)["Code"].text() == outcome::kSkipped &&

@@ -23,10 +23,16 @@ public:
     void update();
 
 private:
+    struct Permission {
+        bool postpone = false;
+        bool skip = false;
+        bool operator==(const Permission&) const = default;
+    };
     /// One that is announced.
     struct Warning {
         Value occurrence;
         std::unique_ptr<Notifier> notifier;
+        Permission permission;    // as the buttons have it
         bool isAnswered = false;  // a button was pressed here
     };
 

@@ -44,21 +44,11 @@ ExitStatus fail(const Answer& answer) {
         default:
             break;
     }
-    if (answer.error == wire::kNoSuchOccurrence) {
-        complain(translated("There is no such occurrence any more. \"quorelctl next\" shows what there is."));
-        return ExitStatus::kNoSuchOccurrence;
-    }
-    if (answer.error == wire::kNotAuthorized) {
-        complain(translated("This is not permitted without an administrator."));
-    } else if (answer.error == wire::kTooManyChanges) {
-        complain(translated("More than ten changes a minute are not taken."));
-    } else if (answer.error == SD_BUS_ERROR_UNKNOWN_OBJECT || answer.error == SD_BUS_ERROR_UNKNOWN_INTERFACE ||
-               answer.error == SD_BUS_ERROR_UNKNOWN_METHOD) {
-        complain(translated("The daemon that is running is of another version."));
-    } else {
-        complain(filled(translated("The daemon refused: {1}"), {answer.text.empty() ? answer.error : answer.text}));
-    }
-    return ExitStatus::kFailed;
+    const bool isOther = answer.error == SD_BUS_ERROR_UNKNOWN_OBJECT ||
+                         answer.error == SD_BUS_ERROR_UNKNOWN_INTERFACE || answer.error == SD_BUS_ERROR_UNKNOWN_METHOD;
+    complain(isOther ? translated("The daemon that is running is of another version.")
+                     : refusalText(answer.error, answer.text));
+    return answer.error == wire::kNoSuchOccurrence ? ExitStatus::kNoSuchOccurrence : ExitStatus::kFailed;
 }
 
 /// The answer, made sure to be of the kind that is expected.

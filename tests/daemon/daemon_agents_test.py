@@ -17,6 +17,7 @@ from notifications import NotificationServer, eventually
 AGENT = os.path.abspath(sys.argv[4])
 OTHER = 1  # the user "daemon"
 PATH, INTERFACE = "/com/quorel/Agents", "com.quorel.Agents1"
+SCHEDULER = "com.quorel.Scheduler1"
 RULE = """polkit.addRule(function(action, subject) {
     if (action.id != 'com.quorel.modify-preferences' && subject.user == 'nobody') return 'yes'; });"""
 PLANNED = "Sleep, planned for 23:15"
@@ -88,11 +89,24 @@ class AgentsTest(ActingCase):
         self.reach("23:14", "warned")
         self.expect(nobodys, (TITLE.format("23:15"), PLANNED, BUTTONS, 2, 0))
         self.expect(others, (TITLE.format("23:15"), PLANNED, [], 2, 0))
-        nobodys.press("skip")
-        self.expect(others, (PLANNED, "skipped by nobody", [], 1, -1))
-        self.expect(nobodys)
-        self.move_to("23:15")
-        self.last("skipped", By="nobody")
+        nobodys.press("postpone")
+        self.expect(others, (PLANNED, "postponed until 23:30 by nobody", [], 1, -1))
+        self.reach("23:29", "warned")
+        self.expect(nobodys, (TITLE.format("23:30"), PLANNED, BUTTONS, 2, 0))
+        bus = self.system.connect()
+        self.addCleanup(bus.close)
+        scheduler = dbus.Interface(bus.get_object("com.quorel.Daemon", "/com/quorel/Scheduler"), SCHEDULER)
+        hasty, tomorrow = self.caller(NOBODY), scheduler.Upcoming(2)[1]["Token"]
+        while hasty.call("/com/quorel/Scheduler", SCHEDULER, "Postpone", "s", tomorrow)[0] == "":
+            pass
+        nobodys.press("skip")  # which is too much by now; the warning stays
+        self.expect(nobodys, (PLANNED, "More than ten changes a minute are not taken.", [], 1, -1),
+                    (TITLE.format("23:30"), PLANNED, BUTTONS, 2, 0))
+        scheduler.Skip(scheduler.Upcoming(1)[0]["Token"])
+        self.expect(others, (PLANNED, "skipped by root", [], 1, -1))
+        self.expect(nobodys, (PLANNED, "skipped by root", [], 1, -1))
+        self.move_to("23:30")
+        self.wait_for(lambda: self.outcomes() == ["skipped"], "skipped")
         self.assertEqual(self.calls("Suspend"), [])
 
     def test_is_postponed_as_often_as_wanted(self):
@@ -169,12 +183,19 @@ class AgentsTest(ActingCase):
         # One agent a user; its place is free when it has gone.
         second = self.caller(OTHER)
         self.assertEqual(second.call(PATH, INTERFACE, "Register", "")[0], BUSY)
-        # Signals straight to the agent only have it ask the daemon again, a few times a second.
+        # Signals straight to one of them, as if from the daemon, logind or the bus, are nobody's.
         bus = self.system.connect()
         self.addCleanup(bus.close)
         before = self.used_by(agent)
         (name,) = (name for name in bus.list_names() if name[0] == ":" and bus.get_unix_user(name) == NOBODY)
-        stranger.flood(name, PATH, INTERFACE, "Changed")
+        daemon = bus.get_name_owner("com.quorel.Daemon")
+        stranger.signal(1000, name, PATH, INTERFACE, "Changed")
+        stranger.signal(1, daemon, "/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep",
+                        signature="b", arguments=[True])
+        for receiver, gone in ((daemon, name), (name, "com.quorel.Daemon")):
+            stranger.signal(1, receiver, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged",
+                            signature="sss", arguments=[gone, daemon, ""])
+        self.assertEqual(self.caller(NOBODY).call(PATH, INTERFACE, "Register", "")[0], BUSY)
         stranger.leave()
         self.wait_for(lambda: second.call(PATH, INTERFACE, "Register", "") == ("", ""), "the place is free")
         self.assertLess(self.used_by(agent) - before, 2)
