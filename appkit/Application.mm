@@ -18,13 +18,8 @@ NSWindow *nativeWindowOf(quorel::Window *window) {
 
 constexpr CGFloat kTitleBarHeight = 22;
 
-// The framework's sheets do not fit here: its beginSheet runs a modal loop of its own, its endSheet ends one more. So a
-// sheet is a window that is placed by hand, as elsewhere the framework sees to: in the middle of its parent, hanging
-// from the title bar, and never beyond the screen's edges. One that is begun without a window belongs to the main one
-// all the same; where there is none either it lies in the middle of the screen.
-void beginSheet(NSWindow *sheet, NSWindow *parent) {
-    if (!parent) parent = [NSApp mainWindow];
-    if (!parent) [sheet center];
+/// In the middle of its parent, hanging from the title bar, and never beyond the screen's edges.
+void placeSheet(NSWindow *sheet, NSWindow *parent) {
     NSRect frame = [sheet frame];
     if (parent) {
         frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
@@ -34,10 +29,27 @@ void beginSheet(NSWindow *sheet, NSWindow *parent) {
     frame.origin.x = std::max(std::min(frame.origin.x, NSMaxX(screen) - frame.size.width), NSMinX(screen));
     frame.origin.y = std::max(std::min(frame.origin.y, NSMaxY(screen) - frame.size.height), NSMinY(screen));
     [sheet setFrameOrigin:frame.origin];
+}
+
+// The framework's sheets do not fit here: its beginSheet runs a modal loop of its own, its endSheet ends one more. So a
+// sheet is a window that is placed by hand, and goes where its parent goes, as elsewhere the framework sees to. One
+// that is begun without a window belongs to the main one all the same; where there is none either it lies in the middle
+// of the screen.
+void beginSheet(NSWindow *sheet, NSWindow *parent) {
+    if (!parent) parent = [NSApp mainWindow];
+    if (!parent) [sheet center];
+    placeSheet(sheet, parent);
+    if (parent)
+        [[NSNotificationCenter defaultCenter] addObserver:sheet
+                                                 selector:@selector(vxParentMoved:)
+                                                     name:NSWindowDidMoveNotification
+                                                   object:parent];
     [sheet makeKeyAndOrderFront:nil];
 }
 
-void endSheet(NSWindow *) {}
+void endSheet(NSWindow *sheet) {
+    [[NSNotificationCenter defaultCenter] removeObserver:sheet name:NSWindowDidMoveNotification object:nil];
+}
 
 #else
 
@@ -52,6 +64,23 @@ void endSheet(NSWindow *sheet) {
 #endif
 
 }  // namespace
+}  // namespace quorel::appkit
+
+#ifdef GNUSTEP
+
+@interface NSWindow (VXSheet)
+- (void)vxParentMoved:(NSNotification *)notification;
+@end
+
+@implementation NSWindow (VXSheet)
+- (void)vxParentMoved:(NSNotification *)notification {
+    quorel::appkit::placeSheet(self, [notification object]);
+}
+@end
+
+#endif
+
+namespace quorel::appkit {
 
 std::shared_ptr<quorel::Window> Application::mainWindow() const {
     return wrapped<Window>([NSApp mainWindow]);
