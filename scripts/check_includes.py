@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Holds every include against the table of folders in docs/architecture.md, which says who may see whom.
 
-A file may include what lies in its own folder and what its row names in backticks, "all" being whatever there is. Where a
-row speaks of the standard library, other headers of the system count too."""
+A file may include the standard library, what lies in its own folder and what its row names in backticks, "all" being
+whatever there is; headers of the system where the row speaks of libraries, and of the toolkit where it speaks of AppKit."""
 import re
 import subprocess
 import sys
@@ -10,6 +10,7 @@ import sys
 with open("docs/architecture.md", encoding="utf-8") as file:
     rows = re.findall(r"^\| (`.*?) \|.*\| (.*?) \|$", file.read(), re.MULTILINE)
 may_include = {folder: may for folders, may in rows for folder in re.findall(r"`(.*?)`", folders)}
+TOOLKIT = re.compile("(AppKit|Foundation|GNUstepGUI|PreferencePanes|objc)/")
 INCLUDE = re.compile(r'^#\s*(?:include|import) (["<])(.*?)[">]', re.MULTILINE)
 
 
@@ -28,7 +29,8 @@ for path in listed.stdout.split():
             if quote == '"' and "/" in name:
                 fine = may == "all" or folder_of(name) in allowed or name in allowed
             else:  # the standard library's headers have no ending
-                fine = "standard library" not in may or "." not in name and "/" not in name or name in allowed
+                needs = "AppKit" if TOOLKIT.match(name) else "libraries" if "." in name or "/" in name else ""
+                fine = may == "all" or needs in may or name in allowed
             if not fine:
                 faults.append(f"{path}: {name} is not for this folder, says docs/architecture.md")
 print(*faults, sep="\n", end="\n" if faults else "")
