@@ -66,6 +66,11 @@ TEST_F(ActionModulesTest, FirstOfAnIdentifierWinsLastOfANameLeads) {
     EXPECT_EQ(registered(), (std::vector<std::string>{"b", "same", "x"}));
     EXPECT_EQ(configurator->pluginNames(), (VXConfigurator::PluginNames{{"First", "same"}, {"Twin", "b"}}));
     EXPECT_EQ(ui.popUpType->items, (Items{"Twin", "First", "Twin", std::nullopt}));
+    for (const auto& twin : {earlier, later}) twin->module->calls.clear();
+    host.application.duringNextModal([this] { ui.cancelButton->act(); });
+    ui.addButton->act();
+    EXPECT_EQ(earlier->module->calls, std::vector<std::string>{"setParameters"});
+    EXPECT_GT(later->module->calls.size(), 1u) << "the one that is chosen in the sheet";
 }
 
 TEST_F(ActionModulesTest, PopUpListsBaseModulesFirst) {

@@ -4,6 +4,7 @@ import os
 import signal
 
 from pane_case import PaneCase, main, preferences, schedule, wait_for
+from private_system import read_line
 from talk import answer_with
 
 LOCKED, UNLOCKED = "Settings locked", "Settings unlocked"
@@ -102,7 +103,7 @@ class AskedTest(LockCase):
         locked = self.display.picture(label)
         agent = answer_with(self.system, self.application.process, "later")
         self.toggle()
-        self.assertEqual(agent.stdout.readline(), "asked com.quorel.modify-preferences\n")
+        self.assertEqual(read_line(agent), "asked com.quorel.modify-preferences")
         # The application waits and tells nothing: only its picture can be looked at.
         asking = wait_for(lambda: (now := self.display.picture(label)) != locked and now, "the label stays")
         self.assertGreater(len(set(asking)), 1)

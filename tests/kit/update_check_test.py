@@ -10,6 +10,7 @@ import time
 import unittest
 
 from feed_server import FeedServer, certificate, record
+from private_system import read_line
 
 PROBE = os.path.abspath(sys.argv[1])
 INSTALLED = "1.0"
@@ -28,7 +29,7 @@ def check(feed, ca_file="", limit=5000, version=INSTALLED, times=1, threads=1, b
             if before_each:
                 before_each(number)
             probe.stdin.write("check\n")
-            answers.append(tuple(probe.stdout.readline().rstrip("\n").split("\t")))
+            answers.append(tuple(read_line(probe).split("\t")))
         probe.stdin.close()
     assert probe.returncode == 0, probe.returncode
     return answers if times > 1 else answers[0]
