@@ -6,7 +6,7 @@
  * main thread.
  *
  * One object serves every Schedule of its type: setParameters: comes before each question about a Schedule. Both
- * flags (needs start-up, needs wake-up) are kept inside the parameters, under keys of the module's own.
+ * flags are kept inside the parameters, under "Needs Startup" and "Needs Wake Up", which are all that is read of them.
  */
 #import <AppKit/AppKit.h>
 
