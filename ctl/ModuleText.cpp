@@ -16,9 +16,11 @@ std::string faultText(const std::string& fault) {
     if (fault == "untrusted") return translated("others than root could have changed it");
     if (fault == "unreadable") return translated("its information dictionary cannot be read");
     if (fault == "no-words") return translated("it does not say what action it is");
-    if (fault == "no-program") return translated("its module has nothing to run");
+    if (fault == "no-program") return translated("it has nothing to run");
     if (fault == "malformed") return translated("what it says of its program makes no sense");
-    if (fault == "bad-program") return translated("its program is missing, or others than root could have changed it");
+    if (fault == "bad-program")
+        return translated(
+            "its program is missing, not executable for everybody, or others than root could have changed it");
     if (fault == "taken") return translated("another module is this action already");
     return plainText(fault);
 }

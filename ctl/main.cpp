@@ -29,7 +29,7 @@ int help() {
                           "  log [N]          what became of the last occurrences, 10 or N; the latest last\n"
                           "  skip TOKEN       not this time\n"
                           "  postpone TOKEN   15 minutes later\n"
-                          "  modules          the actions that there are, and what they may\n"
+                          "  modules          the actions that there are, and what they may do\n"
                           "\n"
                           "Options:\n"
                           "  --json           answer in JSON\n"

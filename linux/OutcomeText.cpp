@@ -31,7 +31,7 @@ constexpr Text kCauses[] = {
     {kCauseOff, marked("the computer was off")},
     {kCauseAsleep, marked("the computer was asleep")},
     {kCauseDaemon, marked("the daemon was not running")},
-    {kCauseClock, marked("the clock was set on past it")},
+    {kCauseClock, marked("the clock was set forward past it")},
     {kCauseLate, marked("the computer did not get to it in time")},
 };
 
@@ -143,7 +143,7 @@ std::string failedText(const Value& arguments) {
 
 std::string correctionText(Seconds by) {
     if (by == 0) return translated("the clock was corrected");
-    return filled(by > 0 ? translated("the clock was set on by {1}") : translated("the clock was set back by {1}"),
+    return filled(by > 0 ? translated("the clock was set forward by {1}") : translated("the clock was set back by {1}"),
                   {durationText(by)});
 }
 
