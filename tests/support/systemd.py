@@ -4,6 +4,7 @@
 It runs the programs of transient units, without a sandbox, and tells how they end as systemd does. A test may ask it
 what it was told.
 """
+import contextlib
 import json
 import os
 import signal
@@ -33,8 +34,9 @@ class Unit(dbus.service.Object):
         with open("/dev/null", "r+b") as null:
             self.process = subprocess.Popen(list(command), env=environment, cwd="/", stdin=subprocess.PIPE, stdout=null,
                                             stderr=null, start_new_session=True)
-        self.process.stdin.write(bytes(properties["StandardInputData"]))
-        self.process.stdin.close()
+        with contextlib.suppress(BrokenPipeError):  # it has read none of it, and has ended
+            with self.process.stdin:
+                self.process.stdin.write(bytes(properties["StandardInputData"]))
         limit = properties["RuntimeMaxUSec"] // 1000
         self.limit = GLib.timeout_add(min(limit, 2**31 - 1), self.time_out)
         GLib.child_watch_add(self.process.pid, self.ended)
