@@ -33,6 +33,8 @@ TEST(Year, EachOccurrenceExactlyOnce) {
         world.conditions.sessions[0].agentIdle = chance(2) ? 0 : 3600;
         world.conditions.inhibitors.clear();
         if (chance(4)) world.conditions.inhibitors = {{"apt", "upgrade"}};
+        world.lonely = chance(3);
+        if (!world.lonely) world.scheduler->agentCame(world.now);
         world.until(world.now.instant() + 1 + static_cast<Seconds>(random() % (5 * kHour)));
         const unsigned what = random() % 10;
         const std::vector<Upcoming> upcoming = world.scheduler->upcoming(3);
@@ -84,7 +86,7 @@ TEST(Year, EachOccurrenceExactlyOnce) {
     EXPECT_EQ(perAction, expected);
     // The year had some of everything, and what is kept does not grow.
     for (const char* code : {"slept", "shut-down", "woke-up", "awake-already", "ran", "missed", "skipped", "withdrawn",
-                             "gave-up", "overtaken"}) {
+                             "gave-up", "overtaken", "not-started"}) {
         EXPECT_GT(codes[code], 0) << code;
     }
     EXPECT_LT(most, 12u);
