@@ -1,6 +1,7 @@
 #!/usr/bin/python3
-"""The agent's item in the real panels of two desktops, used by mouse: tray_test.py PROBE"""
+"""The agent's item in the real panels of two desktops, used by mouse: tray_test.py PROBE DAEMON AGENT"""
 import os
+import plistlib
 import re
 import subprocess
 import sys
@@ -9,10 +10,11 @@ import unittest
 from desktop import VirtualDisplay
 from private_system import PrivateSystem, read_line, wait_until
 
-PROBE = os.path.abspath(sys.argv[1])
+PROBE, DAEMON, AGENT = map(os.path.abspath, sys.argv[1:4])
 WATCHER = "org.kde.StatusNotifierWatcher"
 XFCONFD = "/usr/lib/x86_64-linux-gnu/xfce4/xfconf/xfconfd"
 HEIGHT = 32
+DAYS = ("Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Sunday")
 
 XFCE = f"""<channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>
@@ -158,6 +160,21 @@ class TrayTest(unittest.TestCase):
     def test_lxqt(self):
         self.configure("lxqt/panel.conf", LXQT)
         self.use("lxqt-panel")
+
+    def test_daemon_agent_and_panel(self):
+        self.system.start_polkit("polkit.addRule(function() { return 'yes'; });")
+        root = f"{self.home}/root"
+        self.configure("lxqt/panel.conf", LXQT)
+        self.configure("root/Library/Preferences/com.quorel.plist", plistlib.dumps({
+            "Show In Menu Bar": 1, "Schedule Array": [{"Is Enabled": 1, "Action Type": "com.quorel.plugin.Sleep",
+                                                       "Action Hour": 23, "Action Minute": 15,
+                                                       **{f"Active On {day}": 1 for day in DAYS}}]}).decode())
+        self.system.start_daemon(DAEMON, root, log="daemon.txt")
+        self.system.start_agent(AGENT, root, log="agent.txt")
+        self.system.start(["lxqt-panel"], log="panel.txt")
+        self.wait_for_icon()
+        self.click(*self.open_menu(7)[4])
+        wait_until(lambda: "(skipped by root)" in self.labels()[0], "it is not this time")
 
 
 if __name__ == "__main__":
