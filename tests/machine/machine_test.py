@@ -240,7 +240,8 @@ class PackageTest(unittest.TestCase):
         self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}))
         guest.run("printf '[global]\\ndmenu = /bin/grep Not\\n' > /run/dunstrc")
         guest.run(anna("dunst -config /run/dunstrc > /dev/null 2>&1 &"))
-        guest.run("chvt 1; date -s '2027-03-01 17:29:20'")
+        guest.run("busctl call org.freedesktop.login1 /org/freedesktop/login1/seat/seat0 org.freedesktop.login1.Seat "
+                  "SwitchTo u 1; date -s '2027-03-01 17:29:20'")
         guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 17, 30)]}))
         guest.wait("quorelctl next | grep announced")
         # Not to who is elsewhere, but to who comes while there is time.
