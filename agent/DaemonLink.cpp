@@ -21,7 +21,7 @@ constexpr std::uint32_t kMostUpcoming = 20;
 constexpr std::uint32_t kMostOutcomes = 8;
 
 BusConnection connectIfThere(EventLoop& loop) try {
-    BusConnection bus = connectTo(Bus::System, loop, kPatience);
+    BusConnection bus = connectTo(Bus::System, loop);
     sd_bus_set_exit_on_disconnect(bus.get(), false);  // updates are looked for without it, too
     return bus;
 } catch (const std::exception& exception) {

@@ -176,7 +176,7 @@ class PrivateSystem:
 
         def is_up():
             if process.poll() is not None:
-                raise RuntimeError(f"{arguments[0]} ended with {process.returncode}")
+                raise RuntimeError(f"{arguments[0]} ended with {process.returncode}: {self.log(log)[-2000:]}")
             return self.owner(name, kind) not in (None, before)
 
         if name:

@@ -13,7 +13,6 @@ namespace quorel {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{1};       // with the bus itself, while nothing is served yet
 constexpr std::chrono::seconds kLongestReply{60};  // when much that strangers have sent is in front of it
 
 constexpr const char* kBusName = "org.freedesktop.DBus";
@@ -81,8 +80,8 @@ BusConnection connectTo(Bus bus, EventLoop& loop, std::chrono::seconds limit) {
     return connection;
 }
 
-bool requestName(sd_bus* bus, const std::string& name) {
-    sd_bus_set_method_call_timeout(bus, std::chrono::microseconds(kPatience).count());
+bool requestName(sd_bus* bus, const std::string& name, std::chrono::seconds limit) {
+    sd_bus_set_method_call_timeout(bus, static_cast<std::uint64_t>(std::chrono::microseconds(limit).count()));
     const int result = sd_bus_request_name(bus, name.c_str(), 0);
     // Not for what comes later: a match that the bus has not confirmed by then would close the connection.
     sd_bus_set_method_call_timeout(bus, std::chrono::microseconds(kLongestReply).count());

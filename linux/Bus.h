@@ -26,16 +26,19 @@ BusConnection beginConnection(Bus bus);
 /// bus has gone.
 bool serveUntil(sd_bus* bus, BusDeadline deadline, const std::function<bool()>& condition);
 
+/// How long who starts waits for the bus: a program whose user waits for nothing, or one whose user does.
+inline constexpr std::chrono::seconds kBusPatience{10};
+inline constexpr std::chrono::seconds kShortBusPatience{1};
+
 /// Connects, which takes no longer than the limit, and has the loop serve the connection. When the bus goes later, the
 /// loop ends with status 1. Throws std::runtime_error.
 ///
 /// One connection does for a whole program: objects at further paths, calls, matches. Once the program serves, nothing
 /// on it may wait for an answer (sd_bus_call and the like): sd-bus reads one message at a time and leaves the others to
 /// the bus, which keeps count of them, but who waits has it read them all into this program's memory.
-BusConnection connectTo(Bus bus, EventLoop& loop, std::chrono::seconds limit = std::chrono::seconds(1));
-/// Takes a second at most. False when somebody else has the name; throws std::runtime_error when it is not to be had
-/// at all.
-bool requestName(sd_bus* bus, const std::string& name);
+BusConnection connectTo(Bus bus, EventLoop& loop, std::chrono::seconds limit = kBusPatience);
+/// False when somebody else has the name; throws std::runtime_error when it is not to be had at all.
+bool requestName(sd_bus* bus, const std::string& name, std::chrono::seconds limit = kBusPatience);
 
 /// A message to be filled. Null when the connection has gone; sd-bus's functions take that for a failure.
 BusMessagePointer newCall(sd_bus* bus, const char* receiver, const char* path, const char* interface,

@@ -51,9 +51,10 @@ class BusCommunicationCenter::OwnEnd {
 public:
     explicit OwnEnd(BusEndpoint::Pong pong)
         : _stop(_loop, [this] { _loop.end(0); }),
-          _bus(connectTo(Bus::Session, _loop)),
+          _bus(connectTo(Bus::Session, _loop, kShortBusPatience)),
           _endpoint(_bus.get(), {}, std::move(pong)) {
-        requestName(_bus.get(), std::string(kPaneName));  // another window may show the pane as well, and have it
+        requestName(_bus.get(), std::string(kPaneName),
+                    kShortBusPatience);  // another window may show the pane as well, and have it
         _thread = std::thread([this] {
             sigset_t all;
             sigfillset(&all);

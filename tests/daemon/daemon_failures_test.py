@@ -7,7 +7,7 @@ import subprocess
 import time
 
 from daemon_case import PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, xml
-from private_system import SECONDS
+from private_system import SECONDS, wait_until
 
 ENDS = 200
 SECONDS_OF_ENDING = 20
@@ -44,6 +44,7 @@ class FailuresTest(DaemonCase):
             changed += stored != last
             last = stored
             self.system.end(self.daemon)
+            wait_until(lambda: not self.system.owner("com.quorel.Daemon"), "the name is free")
             self.start_daemon()
             self.assertEqual(os.listdir(self.folder), ["com.quorel.plist"])
             error, _ = caller.result()
