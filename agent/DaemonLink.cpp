@@ -44,7 +44,7 @@ DaemonLink::DaemonLink(EventLoop& loop, Callbacks callbacks)
              [this] {
                  if (std::exchange(_again, false)) fetch();
              }),
-      _retry(loop, [this] { registerAgent(); }) {
+      _retry(loop, [this] { _isRegistered ? fetch() : registerAgent(); }) {
     if (!_bus) return;
     const std::string daemon(kDaemonName);
     _owner = watchOwner(_bus.get(), daemon, [this](const std::string& owner) { ownerChanged(!owner.empty()); });
@@ -136,7 +136,10 @@ void DaemonLink::read(const char* method, std::optional<std::uint32_t> most, Val
                               method);
     if (most) sd_bus_message_append(call.get(), "u", *most);
     send(method, call, [this, &into](sd_bus_message* reply) {
-        if (!errorOf(reply)) into = readValue(reply).value_or(Value());
+        if (!errorOf(reply))
+            into = readValue(reply).value_or(Value());
+        else
+            _retry.start(kRetry);
         const std::int64_t question = _work["Idle"].integer();
         if (question > _answered) {  // which does not wait for polkit
             _answered = question;
@@ -151,6 +154,7 @@ void DaemonLink::askPolkit(const char* action, bool& allowed) {
     _questions.try_emplace(action, _bus.get(), _name, action, false,
                            [this, &allowed](const std::optional<PolkitQuestion::Answer>& answer) {
                                allowed = answer && answer->authorized;
+                               if (!answer) _retry.start(kRetry);
                                fetched();
                            });
 }

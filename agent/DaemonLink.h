@@ -32,6 +32,9 @@ public:
     DaemonLink(EventLoop& loop, Callbacks callbacks);
     DaemonLink(const DaemonLink&) = delete;
 
+    /// Asks for everything anew, soon.
+    void refresh() { fetch(); }
+
     bool isThere() const { return _isThere; }
     /// As the daemon's methods of these names answer; empty while it is not there.
     const Array& upcoming() const { return _upcoming.array(); }
@@ -78,7 +81,7 @@ private:
     std::size_t _missing = 0;  // answers to the last fetch
     bool _again = false;       // hints have come since
     LoopTimer _pause;          // between two fetches
-    LoopTimer _retry;          // where another agent of the user is registered
+    LoopTimer _retry;          // where another agent of the user is registered, or somebody has not answered
     bool _isThere = false;
     bool _isRegistered = false;
     Value _upcoming, _outcomes, _work;

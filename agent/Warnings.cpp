@@ -96,9 +96,10 @@ void Warnings::show(Warning& warning) {
     warning.notifier->show(std::move(message));
 }
 
-/// A notification server may have been restarted.
+/// A notification server may have been restarted, and polkit may have been too slow to say who may do what.
 void Warnings::renew() {
     update();
+    _daemon.refresh();
     for (auto& [token, warning] : _warnings)
         if (warning.occurrence.isDictionary() && !warning.notifier->isDone()) show(warning);
 }

@@ -89,7 +89,7 @@ void Agents::userFound(const std::string& name, std::optional<unsigned> user) {
     const BusMessagePointer call = std::move(found->second.call);
     if (!user || isThere(*user)) {
         _agents.erase(found);
-        if (user) sd_bus_reply_method_errorf(call.get(), wire::kBusy, "The user has an agent already.");
+        sd_bus_reply_method_errorf(call.get(), wire::kBusy, "The user has an agent already.");
         return;
     }
     found->second.user = user;
