@@ -5,6 +5,38 @@
 #import "appkit/Strings.h"
 #import "appkit/Views.h"
 
+#ifdef GNUSTEP
+
+/// A window as a sheet.
+@interface NSWindow (VXSheet)
+- (void)vxHangFrom:(NSWindow *)parent;
+- (void)vxParentMoved:(NSNotification *)notification;
+@end
+
+@implementation NSWindow (VXSheet)
+
+/// In the middle of its parent, hanging from the title bar, and never beyond the screen's edges.
+- (void)vxHangFrom:(NSWindow *)parent {
+    constexpr CGFloat kTitleBarHeight = 22;
+    NSRect frame = [self frame];
+    if (parent) {
+        frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
+        frame.origin.y = NSMaxY([parent frame]) - kTitleBarHeight - frame.size.height;
+    }
+    const NSRect screen = [[NSScreen mainScreen] visibleFrame];
+    frame.origin.x = std::max(std::min(frame.origin.x, NSMaxX(screen) - frame.size.width), NSMinX(screen));
+    frame.origin.y = std::max(std::min(frame.origin.y, NSMaxY(screen) - frame.size.height), NSMinY(screen));
+    [self setFrameOrigin:frame.origin];
+}
+
+- (void)vxParentMoved:(NSNotification *)notification {
+    [self vxHangFrom:[notification object]];
+}
+
+@end
+
+#endif
+
 namespace quorel::appkit {
 
 namespace {
@@ -16,21 +48,6 @@ NSWindow *nativeWindowOf(quorel::Window *window) {
 
 #ifdef GNUSTEP
 
-constexpr CGFloat kTitleBarHeight = 22;
-
-/// In the middle of its parent, hanging from the title bar, and never beyond the screen's edges.
-void placeSheet(NSWindow *sheet, NSWindow *parent) {
-    NSRect frame = [sheet frame];
-    if (parent) {
-        frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
-        frame.origin.y = NSMaxY([parent frame]) - kTitleBarHeight - frame.size.height;
-    }
-    const NSRect screen = [[NSScreen mainScreen] visibleFrame];
-    frame.origin.x = std::max(std::min(frame.origin.x, NSMaxX(screen) - frame.size.width), NSMinX(screen));
-    frame.origin.y = std::max(std::min(frame.origin.y, NSMaxY(screen) - frame.size.height), NSMinY(screen));
-    [sheet setFrameOrigin:frame.origin];
-}
-
 // The framework's sheets do not fit here: its beginSheet runs a modal loop of its own, its endSheet ends one more. So a
 // sheet is a window that is placed by hand, and goes where its parent goes, as elsewhere the framework sees to. One
 // that is begun without a window belongs to the main one all the same; where there is none either it lies in the middle
@@ -38,7 +55,7 @@ void placeSheet(NSWindow *sheet, NSWindow *parent) {
 void beginSheet(NSWindow *sheet, NSWindow *parent) {
     if (!parent) parent = [NSApp mainWindow];
     if (!parent) [sheet center];
-    placeSheet(sheet, parent);
+    [sheet vxHangFrom:parent];
     if (parent)
         [[NSNotificationCenter defaultCenter] addObserver:sheet
                                                  selector:@selector(vxParentMoved:)
@@ -64,23 +81,6 @@ void endSheet(NSWindow *sheet) {
 #endif
 
 }  // namespace
-}  // namespace quorel::appkit
-
-#ifdef GNUSTEP
-
-@interface NSWindow (VXSheet)
-- (void)vxParentMoved:(NSNotification *)notification;
-@end
-
-@implementation NSWindow (VXSheet)
-- (void)vxParentMoved:(NSNotification *)notification {
-    quorel::appkit::placeSheet(self, [notification object]);
-}
-@end
-
-#endif
-
-namespace quorel::appkit {
 
 std::shared_ptr<quorel::Window> Application::mainWindow() const {
     return wrapped<Window>([NSApp mainWindow]);

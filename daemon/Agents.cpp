@@ -21,10 +21,9 @@ namespace names = wire::agents;
 using namespace std::chrono_literals;
 
 constexpr std::size_t kMostAgents = 256;
-constexpr std::size_t kMostUnknown = 300;  // whose user the bus is still asked for; it lets no user connect as often
-constexpr std::size_t kMostRuns = 16;      // of a user at a time
-constexpr auto kPatience = 3s;             // with agents, which measure within a second
-constexpr Seconds kJustUsed = 10;          // what agents that watch tell every few seconds
+constexpr std::size_t kMostRuns = 16;  // of a user at a time
+constexpr auto kPatience = 3s;         // with agents, which measure within a second
+constexpr Seconds kJustUsed = 10;      // what agents that watch tell every few seconds
 constexpr Seconds kLongestIdle = 366 * kDay;
 constexpr Seconds kAfterLimit = kMinute;  // an agent that is alive ends it at the limit by itself
 
@@ -75,7 +74,7 @@ int Agents::registerAgent(sd_bus_message* call, void* self, sd_bus_error* error)
     }
     const auto unknown = static_cast<std::size_t>(
         std::ranges::count_if(agents._agents, [](const auto& one) { return !one.second.user; }));
-    if (agents._agents.size() - unknown >= kMostAgents || unknown >= kMostUnknown)
+    if (agents._agents.size() - unknown >= kMostAgents || unknown >= kMostCallers)
         return refuse(error, wire::kBusy, "Too many calls are waiting.");
     Agent& agent = agents._agents[name];
     agent.call.reset(sd_bus_message_ref(call));
@@ -89,7 +88,8 @@ void Agents::userFound(const std::string& name, std::optional<unsigned> user) {
     const BusMessagePointer call = std::move(found->second.call);
     if (!user || isThere(*user)) {
         _agents.erase(found);
-        sd_bus_reply_method_errorf(call.get(), wire::kBusy, "The user has an agent already.");
+        sd_bus_reply_method_errorf(call.get(), wire::kBusy,
+                                   user ? "The user has an agent already." : "The user is not known.");
         return;
     }
     found->second.user = user;

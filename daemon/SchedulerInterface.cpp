@@ -19,10 +19,7 @@ namespace {
 
 namespace names = wire::scheduler;
 
-// So that nobody's open dialogs keep everybody else out. The bus lets no user connect as often as there may be
-// requests.
-constexpr std::size_t kMostRequests = 300;
-constexpr std::ptrdiff_t kMostRequestsOfAUser = 4;
+constexpr std::ptrdiff_t kMostRequestsOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
 
 constexpr const char* kGone = "There is no such occurrence any more.";
 
@@ -148,7 +145,7 @@ int SchedulerInterface::begin(sd_bus_message* call, const char* action, Change c
     sd_bus_message_read(call, "s", &token);
     const std::string sender = sd_bus_message_get_sender(call);
     if (!_acting.scheduler().knows(token)) return sd_bus_error_set(error, wire::kNoSuchOccurrence, kGone);
-    if (_requests.size() >= kMostRequests || _requests.contains(sender))  // one of a connection at a time
+    if (_requests.size() >= kMostCallers || _requests.contains(sender))  // one of a connection at a time
         return sd_bus_error_set(error, wire::kBusy, "Too many calls are waiting.");
     const auto gone = [this, sender] { _requests.erase(sender); };
     Request& request = _requests[sender];

@@ -26,9 +26,8 @@ BusConnection beginConnection(Bus bus);
 /// bus has gone.
 bool serveUntil(sd_bus* bus, BusDeadline deadline, const std::function<bool()>& condition);
 
-/// How long who starts waits for the bus: a program whose user waits for nothing, or one whose user does.
+/// How long a program that starts in the background waits for a bus that is slow to answer.
 inline constexpr std::chrono::seconds kBusPatience{10};
-inline constexpr std::chrono::seconds kShortBusPatience{1};
 
 /// Connects, which takes no longer than the limit, and has the loop serve the connection. When the bus goes later, the
 /// loop ends with status 1. Throws std::runtime_error.

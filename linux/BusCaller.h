@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -12,6 +13,10 @@ namespace quorel {
 enum class Verdict { Allowed, Refused, Dismissed, NobodyToAsk };
 /// Tells the caller why it was not allowed.
 const char* textOf(Verdict verdict);
+
+/// More connections than the bus allows one user, so that nobody alone can fill a table of callers who are not known
+/// yet.
+inline constexpr std::size_t kMostCallers = 300;
 
 /// Who has called this program, while the call is handled. The identity is the connection's unique name, which the bus
 /// stamps on each message and never gives to another connection. Callbacks may let the caller go; nothing is called

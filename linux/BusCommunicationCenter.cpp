@@ -20,6 +20,8 @@ namespace {
 
 using Clock = BusPeer::Clock;
 
+constexpr std::chrono::seconds kPatience{1};  // somebody waits for the pane to open
+
 bool post(BusPeer& peer, const Notification& notification, const BusCommunicationCenter::Limits& limits) {
     std::string userInfo;
     if (notification.userInfo.isPresent()) {
@@ -51,10 +53,10 @@ class BusCommunicationCenter::OwnEnd {
 public:
     explicit OwnEnd(BusEndpoint::Pong pong)
         : _stop(_loop, [this] { _loop.end(0); }),
-          _bus(connectTo(Bus::Session, _loop, kShortBusPatience)),
+          _bus(connectTo(Bus::Session, _loop, kPatience)),
           _endpoint(_bus.get(), {}, std::move(pong)) {
-        requestName(_bus.get(), std::string(kPaneName),
-                    kShortBusPatience);  // another window may show the pane as well, and have it
+        // Another window may show the pane as well, and have it.
+        requestName(_bus.get(), std::string(kPaneName), kPatience);
         _thread = std::thread([this] {
             sigset_t all;
             sigfillset(&all);

@@ -45,7 +45,7 @@ inline constexpr std::int64_t kLeastSleep = 1000;
 inline constexpr Seconds kKeptAwake = 10 * kMinute;
 /// A computer that was woken for nothing goes back to sleep after as long.
 inline constexpr Seconds kBeforeBack = 20;
-/// Who has used it so recently then has done so since: waking itself counts as use with some desktops.
+/// Use within that time before it does so came after the waking, which some desktops take for use itself.
 inline constexpr Seconds kUsedSince = 15;
 /// How far from its time our alarm may wake the computer, to be what woke it.
 inline constexpr Seconds kAlarmEarly = 2;

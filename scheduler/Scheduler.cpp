@@ -215,9 +215,8 @@ void Scheduler::looked(Now now, Ticket ticket, const Conditions& conditions) {
         if (OpenOccurrence* open = asking(ticket)) {
             const Hold hold = holdOf(conditions, open->occurrence.schedule->idle, running);
             move(*open, open->course->looked(this->now(), hold));
-        } else if (_back && ticket == _backTicket && wasUsed(conditions, rules::kUsedSince)) {
-            _back.reset();
         } else if (_back && ticket == _backTicket) {
+            if (wasUsed(conditions, rules::kUsedSince)) return _back.reset();
             moveBack(_back->looked(this->now(), holdOf(conditions, 0, running)));
         }
     });

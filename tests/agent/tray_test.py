@@ -9,12 +9,12 @@ import unittest
 
 from desktop import VirtualDisplay
 from private_system import PrivateSystem, read_line, wait_until
+from schedules import SLEEP, schedule
 
 PROBE, DAEMON, AGENT = map(os.path.abspath, sys.argv[1:4])
 WATCHER = "org.kde.StatusNotifierWatcher"
 XFCONFD = "/usr/lib/x86_64-linux-gnu/xfce4/xfconf/xfconfd"
 HEIGHT = 32
-DAYS = ("Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Sunday")
 
 XFCE = f"""<channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>
@@ -166,9 +166,7 @@ class TrayTest(unittest.TestCase):
         root = f"{self.home}/root"
         self.configure("lxqt/panel.conf", LXQT)
         self.configure("root/Library/Preferences/com.quorel.plist", plistlib.dumps({
-            "Show In Menu Bar": 1, "Schedule Array": [{"Is Enabled": 1, "Action Type": "com.quorel.plugin.Sleep",
-                                                       "Action Hour": 23, "Action Minute": 15,
-                                                       **{f"Active On {day}": 1 for day in DAYS}}]}).decode())
+            "Show In Menu Bar": 1, "Schedule Array": [schedule(SLEEP, "23:15")]}).decode())
         self.system.start_daemon(DAEMON, root, log="daemon.txt")
         self.system.start_agent(AGENT, root, log="agent.txt")
         self.system.start(["lxqt-panel"], log="panel.txt")

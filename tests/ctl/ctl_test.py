@@ -20,11 +20,11 @@ import dbus.mainloop.glib
 from gi.repository import GLib
 
 from private_system import PrivateSystem, wait_until
+from schedules import SHUT_DOWN, SLEEP, WAKE_UP, schedule
 
 STEPPING_DAEMON, QUORELCTL = (os.path.abspath(path) for path in sys.argv[1:3])
 NOBODY = 65534
 NAME, PATH, INTERFACE = "com.quorel.Daemon", "/com/quorel/Scheduler", "com.quorel.Scheduler1"
-SLEEP, WAKE_UP, SHUT_DOWN = (f"com.quorel.plugin.{name}" for name in ("Sleep", "WakeUp", "ShutDown"))
 FORGERY = "a\x1b[31m\nroot\u202e"
 SHOWN = "a\ufffd[31m\ufffdroot\ufffd"
 AT = calendar.timegm((2027, 3, 1, 23, 0, 0))
@@ -84,13 +84,6 @@ SENTENCES = (
     ("missed", SLEEP, {"Count": "x", "Cause": 5}, "missed: ", "manqué : "),
     ("slept", SLEEP, {"Until": 2**62}, f"slept until {2**62}", f"en veille jusqu’à {2**62}"),
 )
-
-
-def schedule(action, time, **parameters):
-    hour, minute = time.split(":")
-    return {"Is Enabled": 1, "Action Type": action, "Action Hour": hour, "Action Minute": minute,
-            "Action Parameters": {key.replace("_", " "): parameters[key] for key in parameters},
-            **{f"Active On {day}": 1 for day in ("Monday", "Tuesday")}}
 
 
 class StandIn:

@@ -16,19 +16,12 @@ STEPPING_DAEMON = os.path.abspath(sys.argv[3])
 POLICY = """
   <policy user="root"><allow own="org.freedesktop.login1"/></policy>
   <policy context="default"><allow send_destination="org.freedesktop.login1"/></policy>"""
-SLEEP, WAKE_UP, SHUT_DOWN = (f"com.quorel.plugin.{name}" for name in ("Sleep", "WakeUp", "ShutDown"))
 
 
 def instant(time):
     """Of a time of that Monday, in seconds."""
     hour, minute, second = map(int, f"{time}:0".split(":")[:3])
     return calendar.timegm((2027, 3, 1, hour, minute, second))
-
-
-def schedule(action, time, **parameters):
-    hour, minute = time.split(":")
-    return {"Is Enabled": 1, "Action Type": action, "Action Hour": hour, "Action Minute": minute,
-            "Active On Monday": True, "Action Parameters": {key.replace("_", " "): parameters[key] for key in parameters}}
 
 
 class ActingCase(DaemonCase):

@@ -3,8 +3,9 @@
 import os
 import signal
 
-from acting_case import SHUT_DOWN, SLEEP, WAKE_UP, ActingCase, instant, schedule
+from acting_case import ActingCase, instant
 from daemon_case import main
+from schedules import SHUT_DOWN, SLEEP, WAKE_UP, schedule
 
 ALICES_LOCK = [["sleep", "Upgrades", "installing\x1b[31m", "block"]]
 ERROR = "org.freedesktop.login1."

@@ -10,9 +10,10 @@ import sys
 import dbus
 import dbus.service
 
-from acting_case import SLEEP, ActingCase, instant, schedule
+from acting_case import ActingCase, instant
 from daemon_case import BUSY, NOBODY, NOT_AUTHORIZED, main
 from notifications import NotificationServer, eventually
+from schedules import SLEEP, schedule
 
 AGENT = os.path.abspath(sys.argv[4])
 OTHER = 1  # the user "daemon"
@@ -96,8 +97,8 @@ class AgentsTest(ActingCase):
         bus = self.system.connect()
         self.addCleanup(bus.close)
         scheduler = dbus.Interface(bus.get_object("com.quorel.Daemon", "/com/quorel/Scheduler"), SCHEDULER)
-        hasty, tomorrow = self.caller(NOBODY), scheduler.Upcoming(2)[1]["Token"]
-        while hasty.call("/com/quorel/Scheduler", SCHEDULER, "Postpone", "s", tomorrow)[0] == "":
+        hasty, later = self.caller(NOBODY), scheduler.Upcoming(2)[1]["Token"]
+        while hasty.call("/com/quorel/Scheduler", SCHEDULER, "Postpone", "s", later)[0] == "":
             pass
         nobodys.press("skip")  # which is too much by now; the warning stays
         self.expect(nobodys, (PLANNED, "More than ten changes a minute are not taken.", [], 1, -1),

@@ -12,8 +12,9 @@ import sys
 
 import dbus
 
-from acting_case import POLICY, SLEEP, STEPPING_DAEMON, ActingCase, instant, schedule
+from acting_case import POLICY, STEPPING_DAEMON, ActingCase, instant
 from daemon_case import SUPPORT, main
+from schedules import SLEEP, schedule
 
 PLUG_INS, AGENT = sys.argv[4], os.path.abspath(sys.argv[5])
 SYSTEMD, AGENTS = "org.freedesktop.systemd1", "com.quorel.Agents1"
