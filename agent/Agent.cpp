@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
-#include "linux/Browser.h"
+#include "linux/pane/Browser.h"
 #include "linux/Launch.h"
 #include "model/Names.h"
 #include "model/Preferences.h"

@@ -5,20 +5,20 @@
 #include <string>
 #include <thread>
 
-#include "agent/CheckInterval.h"
+#include "agent/updates/CheckInterval.h"
 #include "agent/DaemonLink.h"
-#include "agent/IdleMeter.h"
-#include "agent/LastCheckFile.h"
-#include "agent/MenuBarSetting.h"
-#include "agent/Notifier.h"
-#include "agent/Reports.h"
+#include "agent/idle/IdleMeter.h"
+#include "agent/updates/LastCheckFile.h"
+#include "agent/tray/MenuBarSetting.h"
+#include "agent/warning/Notifier.h"
+#include "agent/updates/Reports.h"
 #include "agent/UserActions.h"
-#include "agent/Warnings.h"
+#include "agent/warning/Warnings.h"
 #include "agent/tray/Tray.h"
 #include "kit/update/CurlUpdateChecker.h"
-#include "linux/BusEndpoint.h"
+#include "linux/bus/BusEndpoint.h"
 #include "linux/EventLoop.h"
-#include "linux/RootedPropertyListFiles.h"
+#include "linux/pane/RootedPropertyListFiles.h"
 
 namespace quorel {
 

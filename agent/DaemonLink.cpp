@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
-#include "linux/BusValues.h"
-#include "linux/OutcomeText.h"
+#include "linux/bus/BusValues.h"
+#include "words/OutcomeText.h"
 #include "model/Names.h"
 
 namespace quorel {

@@ -9,9 +9,9 @@
 #include <optional>
 #include <string>
 
-#include "linux/Bus.h"
+#include "linux/bus/Bus.h"
 #include "linux/EventLoop.h"
-#include "linux/PolkitQuestion.h"
+#include "linux/bus/PolkitQuestion.h"
 #include "model/Dictionary.h"
 #include "scheduler/Instant.h"
 

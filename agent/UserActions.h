@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "linux/TransientUnit.h"
+#include "linux/units/TransientUnit.h"
 #include "model/Value.h"
 
 namespace quorel {

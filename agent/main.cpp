@@ -14,7 +14,7 @@
 #include "kit/MOLLog.h"
 #include "kit/update/UpdateRecord.h"
 #include "linux/JournalLog.h"
-#include "linux/Language.h"
+#include "words/Language.h"
 
 namespace quorel {
 

@@ -5,7 +5,7 @@
 #include "appkit/Services.h"
 #include "appkit/Strings.h"
 #include "appkit/Table.h"
-#include "linux/SystemServices.h"
+#include "linux/pane/SystemServices.h"
 
 // A build for macOS needs that system's services in place of linux/: its Authorization Services, its dispatch queues,
 // and a channel to the programs there.

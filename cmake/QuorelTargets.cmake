@@ -65,5 +65,5 @@ function(quorel_script_test name script)
   add_test(NAME ${name} COMMAND ${namespace} /usr/bin/python3 ${CMAKE_CURRENT_SOURCE_DIR}/${script}
     ${TEST_UNPARSED_ARGUMENTS})
   set_tests_properties(${name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} SKIP_RETURN_CODE 77
-    ENVIRONMENT PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/support:${CMAKE_SOURCE_DIR}/demo)
+    ENVIRONMENT PYTHONPATH=${CMAKE_SOURCE_DIR}/tests/support:${CMAKE_SOURCE_DIR}/harness)
 endfunction()

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "linux/BusValues.h"
+#include "linux/bus/BusValues.h"
 #include "model/Names.h"
 #include "scheduler/Outcome.h"
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "linux/Bus.h"
+#include "linux/bus/Bus.h"
 #include "model/Value.h"
 
 namespace quorel {

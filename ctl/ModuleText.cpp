@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "linux/Language.h"
-#include "linux/OutcomeText.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
 #include "model/Dictionary.h"
 #include "model/ModuleKeys.h"
 #include "scheduler/Outcome.h"

@@ -8,7 +8,7 @@
 
 #include "ProductVersion.h"
 #include "ctl/Commands.h"
-#include "linux/Language.h"
+#include "words/Language.h"
 
 namespace quorel {
 

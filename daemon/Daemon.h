@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "daemon/Acting.h"
-#include "daemon/Door.h"
-#include "daemon/SchedulerInterface.h"
-#include "linux/Bus.h"
+#include "daemon/acting/Acting.h"
+#include "daemon/saving/Door.h"
+#include "daemon/acting/SchedulerInterface.h"
+#include "linux/bus/Bus.h"
 #include "linux/EventLoop.h"
 
 namespace quorel {

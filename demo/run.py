@@ -14,6 +14,8 @@ import signal
 import subprocess
 import sys
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../harness"))
+
 from desktop import DesktopServers, SettingsApplication, VirtualDisplay
 from feed_server import FeedServer, record
 from private_system import PrivateSystem, polkit_rule, wait_until

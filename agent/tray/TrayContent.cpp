@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "linux/Language.h"
-#include "linux/OutcomeText.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
 
 namespace quorel {
 

@@ -7,7 +7,7 @@
 
 #include "agent/tray/TrayIcon.h"
 #include "agent/tray/TrayMenu.h"
-#include "linux/Bus.h"
+#include "linux/bus/Bus.h"
 #include "linux/EventLoop.h"
 
 namespace quorel {

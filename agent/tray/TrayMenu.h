@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "linux/Bus.h"
+#include "linux/bus/Bus.h"
 
 namespace quorel {
 

@@ -1,4 +1,4 @@
-#include "agent/CheckInterval.h"
+#include "agent/updates/CheckInterval.h"
 
 #include <gtest/gtest.h>
 

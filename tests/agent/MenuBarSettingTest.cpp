@@ -1,4 +1,4 @@
-#include "agent/MenuBarSetting.h"
+#include "agent/tray/MenuBarSetting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "agent/Reports.h"
+#include "agent/updates/Reports.h"
 
 #include <gtest/gtest.h>
 

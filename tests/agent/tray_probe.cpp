@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "agent/tray/Tray.h"
-#include "linux/Language.h"
+#include "words/Language.h"
 #include "model/Dictionary.h"
 
 using namespace quorel;

@@ -1,4 +1,4 @@
-#include "daemon/ModuleRegistry.h"
+#include "daemon/modules/ModuleRegistry.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

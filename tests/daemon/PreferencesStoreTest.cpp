@@ -1,4 +1,4 @@
-#include "daemon/PreferencesStore.h"
+#include "daemon/saving/PreferencesStore.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

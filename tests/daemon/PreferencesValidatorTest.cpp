@@ -1,4 +1,4 @@
-#include "daemon/PreferencesValidator.h"
+#include "daemon/saving/PreferencesValidator.h"
 
 #include <gtest/gtest.h>
 

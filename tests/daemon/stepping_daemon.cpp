@@ -5,7 +5,7 @@
 #include <string>
 
 #include "daemon/Daemon.h"
-#include "linux/Clocks.h"
+#include "linux/time/Clocks.h"
 #include "linux/JournalLog.h"
 
 namespace {

@@ -7,7 +7,7 @@ import tempfile
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path[:0] = f"{HERE}/../../demo", f"{HERE}/../support"
+sys.path[:0] = f"{HERE}/../../harness", f"{HERE}/../support"
 from desktop import DesktopServers, SettingsApplication, VirtualDisplay, wait_for  # noqa: E402
 from private_system import PrivateSystem  # noqa: E402
 from talk import main_as_root  # noqa: E402

@@ -1,4 +1,4 @@
-#include "linux/ClockWatch.h"
+#include "linux/time/ClockWatch.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

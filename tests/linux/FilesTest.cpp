@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "linux/RootedPropertyListFiles.h"
+#include "linux/pane/RootedPropertyListFiles.h"
 #include "model/Dictionary.h"
 #include "model/PropertyList.h"
 

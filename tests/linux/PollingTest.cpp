@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "linux/ThreadDispatch.h"
+#include "linux/pane/ThreadDispatch.h"
 #include "model/Dictionary.h"
 #include "model/Preferences.h"
 #include "pane/VXPrefPaneController.h"

@@ -1,4 +1,4 @@
-#include "linux/StartupAlarm.h"
+#include "linux/time/StartupAlarm.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>

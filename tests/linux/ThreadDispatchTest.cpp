@@ -1,4 +1,4 @@
-#include "linux/ThreadDispatch.h"
+#include "linux/pane/ThreadDispatch.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "linux/BusEndpoint.h"
+#include "linux/bus/BusEndpoint.h"
 
 using namespace quorel;
 

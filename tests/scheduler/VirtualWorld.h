@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "linux/SystemCalendar.h"
+#include "linux/time/SystemCalendar.h"
 #include "model/Schedule.h"
 #include "scheduler/Scheduler.h"
 

@@ -5,7 +5,7 @@
 #include <map>
 #include <sstream>
 
-#include "linux/SystemCalendar.h"
+#include "linux/time/SystemCalendar.h"
 #include "scheduler/Agenda.h"
 
 int main(int, char** arguments) {

@@ -6,7 +6,7 @@
 
 #include "configurator/VXConfigurator.h"
 #include "model/Dictionary.h"
-#include "platform/headless/HeadlessPlatform.h"
+#include "headless/HeadlessPlatform.h"
 
 namespace quorel::test {
 

@@ -5,7 +5,7 @@
 #include "configurator/VXConfigurator.h"
 #include "model/Schedule.h"
 #include "pane/VXPrefPaneController.h"
-#include "platform/headless/HeadlessPlatform.h"
+#include "headless/HeadlessPlatform.h"
 
 namespace quorel::test {
 

@@ -16,8 +16,8 @@
 #include <utility>
 #include <vector>
 
-#include "linux/BusCommunicationCenter.h"
-#include "linux/PolkitAuthorization.h"
+#include "linux/pane/BusCommunicationCenter.h"
+#include "linux/pane/PolkitAuthorization.h"
 #include "model/Dictionary.h"
 #include "model/Names.h"
 #include "pane/VXCommunicationProtocol.h"

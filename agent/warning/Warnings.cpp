@@ -1,0 +1,141 @@
+#include "agent/warning/Warnings.h"
+
+#include <systemd/sd-login.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "words/Language.h"
+#include "words/OutcomeText.h"
+#include "linux/login/Users.h"
+#include "model/Schedule.h"
+#include "scheduler/Outcome.h"
+
+namespace quorel {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kBetweenRenewals = 15s;
+constexpr const char* kPostponeKey = "postpone";
+constexpr const char* kSkipKey = "skip";
+
+/// Whether this user may be at the computer: not while the only sessions are in the background.
+bool isActive() {
+    char* state = nullptr;
+    if (sd_uid_get_state(getuid(), &state) < 0) return true;
+    const std::unique_ptr<char, Release<std::free>> owned(state);
+    return std::string_view(state) != "online" && std::string_view(state) != "lingering";
+}
+
+std::string titleOf(const Value& occurrence) {
+    const char* text = translated("Shutting down at {1}");
+    if (occurrence["Action"].text() == schedule_keys::kSleepType) text = translated("Going to sleep at {1}");
+    if (occurrence["Restart"].intValue() != 0) text = translated("Restarting at {1}");
+    return filled(text, {timeText(occurrence["At"].integer())});
+}
+
+/// "Sleep, planned for 23:15".
+std::string reasonOf(const Value& occurrence) {
+    return filled(translated("{1}, planned for {2}"),
+                  {actionName(occurrence["Action"].text(), occurrence["Restart"].intValue() != 0),
+                   timeText(occurrence["Due"].integer())});
+}
+
+bool isSame(const Value& a, const Value& b) {
+    return a["Due"] == b["Due"] && a["Action"] == b["Action"];
+}
+
+}  // namespace
+
+Warnings::Warnings(EventLoop& loop, sd_bus* session, DaemonLink& daemon)
+    : _session(session), _daemon(daemon), _news(session, nullptr), _renewal(loop, [this] { renew(); }) {}
+
+void Warnings::update() {
+    std::set<std::string> announced;
+    const bool active = isActive();
+    for (const Value& occurrence : _daemon.upcoming()) {
+        if (occurrence["Step"].text() != "warned" || !active) continue;
+        const std::string token = occurrence["Token"].text();
+        announced.insert(token);
+        Warning& warning = _warnings[token];
+        const bool isNew = !warning.occurrence.isDictionary();
+        const Permission permission = {_daemon.mayPostpone(), _daemon.maySkip()};
+        warning.occurrence = occurrence;
+        if (!isNew && (permission == warning.permission || warning.notifier->isDone())) continue;
+        warning.permission = permission;
+        if (isNew) warning.isAnswered = false;
+        if (!warning.notifier)
+            warning.notifier =
+                std::make_unique<Notifier>(_session, [this, token](const std::string& key) { answer(token, key); });
+        show(warning);
+    }
+    for (auto each = _warnings.begin(); each != _warnings.end();) {
+        Warning& warning = each->second;
+        const bool isOver = !announced.contains(each->first);
+        if (isOver && warning.occurrence.isDictionary()) {
+            warning.notifier->withdraw();
+            if (!warning.isAnswered) tellWhy(warning.occurrence);
+            warning.occurrence = Value();
+        }
+        // The notifier stays until its last call has been answered.
+        each = isOver && warning.notifier->isIdle() ? _warnings.erase(each) : std::next(each);
+    }
+    if (!announced.empty() && !_renewal.isRunning()) _renewal.start(kBetweenRenewals);
+}
+
+void Warnings::show(Warning& warning) {
+    Message message{titleOf(warning.occurrence), reasonOf(warning.occurrence)};
+    message.isUrgent = true;
+    if (warning.permission.postpone) message.buttons.push_back({kPostponeKey, translated("In 15 minutes")});
+    if (warning.permission.skip) message.buttons.push_back({kSkipKey, translated("Not this time")});
+    warning.notifier->show(std::move(message));
+}
+
+/// A notification server may have been restarted, and polkit may have been too slow to say who may do what.
+void Warnings::renew() {
+    update();
+    _daemon.refresh();
+    for (auto& [token, warning] : _warnings)
+        if (warning.occurrence.isDictionary() && !warning.notifier->isDone()) show(warning);
+}
+
+void Warnings::answer(const std::string& token, const std::string& key) {
+    Warning& warning = _warnings[token];
+    warning.isAnswered = true;
+    const auto refused = [this, token](const std::string& reason) {
+        const auto found = _warnings.find(token);
+        if (found == _warnings.end() || !found->second.occurrence.isDictionary()) return;
+        tell(found->second.occurrence, reason);
+        found->second.isAnswered = false;  // it still happens, and can still be answered
+        show(found->second);
+    };
+    if (key == kSkipKey) _daemon.skip(token, refused);
+    if (key == kPostponeKey) _daemon.postpone(token, refused);
+}
+
+/// Others who were told of it are told that it will not be, and who said so.
+void Warnings::tellWhy(const Value& occurrence) {
+    const std::string own = nameOfUser(getuid());
+    for (const Value& next : _daemon.upcoming())
+        if (isSame(next, occurrence) && !next["By"].text().empty() && next["By"].text() != own)
+            return tell(occurrence, next["Step"].text() == "postponed"
+                                        ? filled(translated("postponed until {1} by {2}"),
+                                                 {timeText(next["At"].integer()), plainText(next["By"].text())})
+                                        : stepText(next));
+    const Array& outcomes = _daemon.outcomes();
+    for (auto ended = outcomes.rbegin(); ended != outcomes.rend(); ++ended)
+        if (isSame(*ended, occurrence) && (*ended)["Code"].text() == outcome::kSkipped &&
+            (*ended)["Arguments"]["By"].text() != own)
+            return tell(occurrence, outcomeText(*ended));
+}
+
+void Warnings::tell(const Value& occurrence, const std::string& what) {
+    _news.show({reasonOf(occurrence), what});
+}
+
+}  // namespace quorel

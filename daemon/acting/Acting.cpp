@@ -1,0 +1,158 @@
+#include "daemon/acting/Acting.h"
+
+#include <systemd/sd-id128.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "linux/JournalLog.h"
+#include "words/OutcomeText.h"
+#include "linux/login/Users.h"
+#include "model/Preferences.h"
+
+namespace quorel {
+
+namespace {
+
+/// Of every outcome's entry in the journal.
+constexpr std::string_view kOutcomeMessage = "6c0b7b1d5f4e4a0f9d6e3c8a27b41f53";
+
+/// What is warned of stands among the first.
+constexpr std::size_t kSoon = 8;
+
+constexpr const char* kHardwareClock = "/sys/class/rtc/rtc0";
+
+/// The service manager says where, and makes it.
+std::string stateFolder(const std::string& root) {
+    const char* given = root.empty() ? std::getenv("STATE_DIRECTORY") : nullptr;
+    return given ? given : root + "/var/lib/quorel";
+}
+
+std::string textOf(const Value& value) {
+    return value.isText() ? value.text() : std::to_string(value.isBoolean() ? value.intValue() : value.integer());
+}
+
+/// Another one after each boot.
+std::string bootId() {
+    sd_id128_t id{};
+    char text[SD_ID128_STRING_MAX];
+    return sd_id128_get_boot(&id) < 0 ? std::string() : sd_id128_to_string(id, text);
+}
+
+}  // namespace
+
+template <class Event>
+auto Acting::tell(Event event) {
+    if constexpr (std::is_void_v<decltype(event(_clocks.now()))>) {
+        if (!_hasBegun) return;
+        event(_clocks.now());
+        _clockWatch.waitFor(_scheduler.nextCall());
+    } else {
+        const auto result = event(_clocks.now());
+        _clockWatch.waitFor(_scheduler.nextCall());
+        return result;
+    }
+}
+
+Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Clocks& clocks)
+    : _clocks(clocks),
+      _state(stateFolder(root) + "/state.plist"),
+      _alarms(loop, clocks, {root.empty(), root + kHardwareClock, stateFolder(root) + "/startup-alarm"}),
+      _agents(loop, bus),
+      _actions(loop, bus, root, clocks, _agents,
+               [this](const std::string& token, ActionEnd end, int status, const std::string& reason) {
+                   tell([&](Now now) { _scheduler.actionEnded(now, token, end, status, reason); });
+               }),
+      _sessions(bus, clocks,
+                [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
+      _power(
+          bus, clocks, _sessions,
+          {[this](Ticket ticket, const Conditions& conditions) {
+               tell([&](Now now) { _scheduler.looked(now, ticket, conditions); });
+           },
+           [this](Ticket ticket, PowerReply reply, const std::string& reason) {
+               tell([&](Now now) { _scheduler.powerReplied(now, ticket, reply, reason); });
+           },
+           [this](Conditions conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done) {
+               findIdle(std::move(conditions), userIds, std::move(done));
+           }}),
+      _scheduler({_calendar, _power, _alarms, _actions, _state, *this}),
+      _clockWatch(loop, clocks,
+                  {[this] { tell([&](Now now) { _scheduler.tick(now); }); },
+                   [this] { tell([&](Now now) { _scheduler.zoneChanged(now); }); }}),
+      _sleepWatch(loop, bus,
+                  {[this](bool lidClosed) { tell([&](Now now) { _scheduler.goingToSleep(now, lidClosed); }); },
+                   [this](bool lidClosed) {
+                       _sessions.restart();
+                       tell([&](Now now) { _scheduler.resumed(now, lidClosed); });
+                   },
+                   [this] { tell([&](Now now) { _scheduler.goingDown(now); }); }}) {
+    _agents.cameCallback = [this] { tell([&](Now now) { _scheduler.agentCame(now); }); };
+    _agents.usedCallback = [this](unsigned user) { tell([&](Now now) { _scheduler.used(now, nameOfUser(user)); }); };
+}
+
+void Acting::take(const Value& preferences) {
+    const Value& list = preferences[preferences::kScheduleArray];
+    const bool begins = !std::exchange(_hasBegun, true);
+    _actions.scan();
+    tell([&](Now now) {
+        if (begins)
+            _scheduler.start(now, list, _state.read(), bootId());
+        else
+            _scheduler.listSaved(now, list);
+    });
+}
+
+bool Acting::skip(const std::string& token, const std::string& by) {
+    return tell([&](Now now) { return _scheduler.skip(now, token, by); });
+}
+
+bool Acting::postpone(const std::string& token, const std::string& by) {
+    return tell([&](Now now) { return _scheduler.postpone(now, token, by); });
+}
+
+void Acting::ended(const Outcome& outcome) {
+    std::vector<std::string> names;
+    std::vector<std::pair<std::string_view, std::string>> fields = {{"QUOREL_CODE", outcome.code}};
+    if (outcome.due != 0) fields.emplace_back("QUOREL_DUE", std::to_string(outcome.due));
+    if (!outcome.action.empty()) fields.emplace_back("QUOREL_ACTION", outcome.action);
+    const Dictionary& arguments = outcome.arguments;
+    names.reserve(arguments.size());
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        std::string& name = names.emplace_back("QUOREL_");
+        for (const char letter : arguments.keyAt(i)) name += static_cast<char>(std::toupper(letter));
+        fields.emplace_back(name, textOf(arguments.valueAt(i)));
+    }
+    writeJournalEntry(kOutcomeMessage, outcomeLine(named(outcome.value())), fields);
+}
+
+Value Acting::named(const Value& told) const {
+    const ModuleInfo* module = modules().find(told["Action"].text());
+    return module && module->names.size() > 0 ? told.with("Names", module->names) : told;
+}
+
+void Acting::changed() {
+    const auto open = _scheduler.upcoming(kSoon);
+    _agents.watchUse(std::ranges::any_of(
+        open, [](const Upcoming& one) { return one.step == Step::kWarned && one.schedule->idle > 0; }));
+    if (changedCallback) changedCallback();
+}
+
+void Acting::findIdle(Conditions conditions, const std::vector<unsigned>& userIds,
+                      std::function<void(Conditions)> done) {
+    _agents.findIdle(userIds, [userIds, done = std::move(done),
+                               conditions = std::move(conditions)](const Agents::Idle& idle) mutable {
+        for (std::size_t i = 0; i < userIds.size(); ++i) {
+            const auto found = idle.find(userIds[i]);
+            if (found != idle.end()) conditions.sessions[i].agentIdle = found->second;
+        }
+        done(std::move(conditions));
+    });
+}
+
+}  // namespace quorel

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "daemon/acting/Agents.h"
+#include "daemon/acting/ComputerAlarms.h"
+#include "daemon/modules/ModuleActions.h"
+#include "daemon/acting/StateFile.h"
+#include "linux/time/ClockWatch.h"
+#include "linux/login/LoginPower.h"
+#include "linux/login/LoginSessions.h"
+#include "linux/login/SleepWatch.h"
+#include "linux/time/SystemCalendar.h"
+#include "scheduler/Scheduler.h"
+
+namespace quorel {
+
+/// Carries the stored Schedules out: joins the scheduler to the computer. One thread.
+class Acting : private Reports {
+public:
+    /// `root` stands before the absolute paths of what it reads and writes; below one of its own it arms no wake alarm.
+    /// `clocks`, loop and bus must outlive it.
+    Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Clocks& clocks);
+
+    /// The preferences that are in place. The first call begins.
+    void take(const Value& preferences);
+
+    /// As the scheduler's own.
+    bool skip(const std::string& token, const std::string& by);
+    bool postpone(const std::string& token, const std::string& by);
+
+    const Scheduler& scheduler() const { return _scheduler; }
+    const ComputerAlarms& alarms() const { return _alarms; }
+    const ModuleRegistry& modules() const { return _actions.registry(); }
+    /// An occurrence's, outcome's or fault's value, with the names of its "Action" where a module tells them.
+    Value named(const Value& told) const;
+    /// Called after what can be asked here has changed.
+    std::function<void()> changedCallback;
+
+private:
+    void ended(const Outcome& outcome) override;
+    void changed() override;
+    void findIdle(Conditions conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done);
+
+    /// Tells the scheduler something, and waits for what it waits for then.
+    template <class Event>
+    auto tell(Event event);
+
+    const Clocks& _clocks;
+    SystemCalendar _calendar;
+    StateFile _state;
+    ComputerAlarms _alarms;
+    Agents _agents;
+    ModuleActions _actions;
+    LoginSessions _sessions;
+    LoginPower _power;
+    Scheduler _scheduler;
+    ClockWatch _clockWatch;
+    SleepWatch _sleepWatch;
+    bool _hasBegun = false;
+};
+
+}  // namespace quorel

@@ -1,0 +1,208 @@
+#include "daemon/acting/Agents.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <iterator>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include "kit/MOLLog.h"
+#include "linux/bus/BusValues.h"
+#include "model/Names.h"
+#include "scheduler/Outcome.h"
+
+namespace quorel {
+
+namespace {
+
+namespace names = wire::agents;
+using namespace std::chrono_literals;
+
+constexpr std::size_t kMostAgents = 256;
+constexpr std::size_t kMostRuns = 16;  // of a user at a time
+constexpr auto kPatience = 3s;         // with agents, which measure within a second
+constexpr Seconds kJustUsed = 10;      // what agents that watch tell every few seconds
+constexpr Seconds kLongestIdle = 366 * kDay;
+constexpr Seconds kAfterLimit = kMinute;  // an agent that is alive ends it at the limit by itself
+
+int refuse(sd_bus_error* error, const char* name, const char* text) {
+    return sd_bus_error_set(error, name, text);
+}
+
+int refuseStranger(sd_bus_error* error) {
+    return refuse(error, wire::kNotAuthorized, "The caller is not the agent of its user.");
+}
+
+}  // namespace
+
+Agents::Agents(EventLoop& loop, sd_bus* bus) : _loop(loop), _bus(bus), _patience(loop, [this] { answerIdle(); }) {
+    static constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
+    static constexpr sd_bus_vtable kMembers[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD_WITH_ARGS(names::kRegister, SD_BUS_NO_ARGS, SD_BUS_NO_RESULT, &Agents::registerAgent, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kWork, SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sv}", work), &Agents::work, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kReportIdle, SD_BUS_ARGS("x", question, "x", seconds), SD_BUS_NO_RESULT,
+                                &Agents::reportIdle, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kReportAction, SD_BUS_ARGS("s", token, "s", end, "i", status, "s", reason),
+                                SD_BUS_NO_RESULT, &Agents::reportAction, kOpen),
+        SD_BUS_SIGNAL_WITH_ARGS(names::kChanged, SD_BUS_NO_ARGS, 0),
+        SD_BUS_VTABLE_END};
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_add_object_vtable(bus, &slot, names::kPath, names::kInterface, kMembers, this);
+    if (result < 0) throw std::runtime_error(std::strerror(-result));
+    _object.reset(slot);
+}
+
+bool Agents::isThere(unsigned user) const {
+    return std::ranges::any_of(_agents, [user](const auto& agent) { return agent.second.user == user; });
+}
+
+void Agents::hint() {
+    sd_bus_emit_signal(_bus, names::kPath, names::kInterface, names::kChanged, "");
+}
+
+// Who they are.
+
+int Agents::registerAgent(sd_bus_message* call, void* self, sd_bus_error* error) {
+    auto& agents = *static_cast<Agents*>(self);
+    const std::string name = sd_bus_message_get_sender(call);
+    if (const auto known = agents._agents.find(name); known != agents._agents.end()) {
+        if (!known->second.user) return refuse(error, wire::kBusy, "The caller is being registered.");
+        return sd_bus_reply_method_return(call, "");
+    }
+    const auto unknown = static_cast<std::size_t>(
+        std::ranges::count_if(agents._agents, [](const auto& one) { return !one.second.user; }));
+    if (agents._agents.size() - unknown >= kMostAgents || unknown >= kMostCallers)
+        return refuse(error, wire::kBusy, "Too many calls are waiting.");
+    Agent& agent = agents._agents[name];
+    agent.call.reset(sd_bus_message_ref(call));
+    agent.caller.emplace(agents._bus, name, [&agents, name] { agents.left(name); });
+    agent.caller->findUser([&agents, name](std::optional<unsigned> user) { agents.userFound(name, user); });
+    return 1;
+}
+
+void Agents::userFound(const std::string& name, std::optional<unsigned> user) {
+    const auto found = _agents.find(name);
+    const BusMessagePointer call = std::move(found->second.call);
+    if (!user || isThere(*user)) {
+        _agents.erase(found);
+        sd_bus_reply_method_errorf(call.get(), wire::kBusy,
+                                   user ? "The user has an agent already." : "The user is not known.");
+        return;
+    }
+    found->second.user = user;
+    sd_bus_reply_method_return(call.get(), "");
+    if (cameCallback) cameCallback();
+}
+
+void Agents::left(const std::string& name) {
+    const auto agent = _agents.extract(name);
+    if (agent.empty() || !agent.mapped().user) return;
+    const unsigned user = *agent.mapped().user;
+    std::vector<std::string> lost;
+    for (const auto& [token, run] : _runs)
+        if (run.user == user) lost.push_back(token);
+    for (const std::string& token : lost) end(token, ActionEnd::kUnknown, 0, {});
+    if (_unheard.erase(user) > 0 && _unheard.empty()) answerIdle();
+}
+
+/// Nothing for a caller that has not registered.
+std::optional<unsigned> Agents::userOf(sd_bus_message* call) const {
+    const auto agent = _agents.find(std::string_view(sd_bus_message_get_sender(call)));
+    return agent == _agents.end() ? std::nullopt : agent->second.user;
+}
+
+int Agents::work(sd_bus_message* call, void* self, sd_bus_error* error) {
+    const auto& agents = *static_cast<Agents*>(self);
+    const auto user = agents.userOf(call);
+    if (!user) return refuseStranger(error);
+    Array actions;
+    for (const auto& each : agents._runs)
+        if (each.second.user == *user) actions.push_back(each.second.action);
+    Dictionary work{{"Actions", actions}, {"Watch", agents._watches && agents._asked.contains(*user)}};
+    if (agents._unheard.contains(*user)) work.set("Idle", agents._question);
+    return replyDictionary(call, work);
+}
+
+// How long nobody has used their sessions.
+
+void Agents::findIdle(const std::vector<unsigned>& users, std::function<void(const Idle&)> answered) {
+    _waiting.push_back(std::move(answered));
+    if (_patience.isRunning()) return;  // the question under way is fresh enough for two
+    ++_question;
+    _idle.clear();
+    _asked.clear();
+    for (const unsigned user : users)
+        if (isThere(user)) _asked.insert(user);
+    _unheard = _asked;
+    if (_unheard.empty()) return answerIdle();
+    _patience.start(kPatience);
+    hint();
+}
+
+void Agents::answerIdle() {
+    _patience.stop();
+    _unheard.clear();
+    for (const auto& answered : std::exchange(_waiting, {})) answered(_idle);
+}
+
+void Agents::watchUse(bool watch) {
+    if (watch == std::exchange(_watches, watch)) return;
+    hint();
+}
+
+int Agents::reportIdle(sd_bus_message* call, void* self, sd_bus_error* error) {
+    auto& agents = *static_cast<Agents*>(self);
+    const auto user = agents.userOf(call);
+    if (!user) return refuseStranger(error);
+    std::int64_t question = 0;
+    std::int64_t seconds = 0;
+    sd_bus_message_read(call, "xx", &question, &seconds);
+    sd_bus_reply_method_return(call, "");
+    if (question == agents._question && agents._unheard.erase(*user) > 0) {
+        if (seconds >= 0) agents._idle[*user] = std::min(seconds, kLongestIdle);
+        if (agents._unheard.empty()) agents.answerIdle();
+    } else if (agents._watches && seconds >= 0 && seconds < kJustUsed && agents._asked.contains(*user)) {
+        if (agents.usedCallback) agents.usedCallback(*user);
+    }
+    return 1;
+}
+
+// Their users' actions.
+
+void Agents::run(unsigned user, const std::string& token, Dictionary action, Ended ended) {
+    const auto others = std::ranges::count_if(_runs, [user](const auto& run) { return run.second.user == user; });
+    if (!isThere(user)) return ended(ActionEnd::kNotStarted, 0, std::string(outcome::kNoAgent));
+    if (others >= static_cast<std::ptrdiff_t>(kMostRuns))
+        return ended(ActionEnd::kNotStarted, 0, std::string(outcome::kTooMany));
+    const std::chrono::seconds limit(Value(action)["TimeLimit"].integer() + kAfterLimit);
+    Run& run = _runs[token];
+    run = {user, std::move(action), std::move(ended), nullptr};
+    run.limit = std::make_unique<LoopTimer>(_loop, [this, token] { end(token, ActionEnd::kUnknown, 0, {}); });
+    run.limit->start(limit);
+    hint();
+}
+
+int Agents::reportAction(sd_bus_message* call, void* self, sd_bus_error* error) {
+    auto& agents = *static_cast<Agents*>(self);
+    const auto user = agents.userOf(call);
+    if (!user) return refuseStranger(error);
+    const char *token = "", *name = "", *reason = "";
+    std::int32_t status = 0;
+    sd_bus_message_read(call, "ssis", &token, &name, &status, &reason);
+    sd_bus_reply_method_return(call, "");
+    const auto run = agents._runs.find(std::string_view(token));
+    const auto known = std::ranges::find(kActionEnds, std::string_view(name));
+    if (run != agents._runs.end() && run->second.user == *user && known != std::end(kActionEnds))
+        agents.end(token, static_cast<ActionEnd>(known - std::begin(kActionEnds)), status, reason);
+    return 1;
+}
+
+void Agents::end(const std::string& token, ActionEnd end, int status, const std::string& reason) {
+    const auto run = _runs.extract(token);
+    if (!run.empty()) run.mapped().ended(end, status, reason);
+}
+
+}  // namespace quorel

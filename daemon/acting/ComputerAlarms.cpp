@@ -1,0 +1,87 @@
+#include "daemon/acting/ComputerAlarms.h"
+
+#include <utility>
+
+#include "kit/MOLLog.h"
+
+namespace quorel {
+
+namespace {
+
+using Result = StartupAlarm::Result;
+
+const char* textOf(Result result) {
+    switch (result) {
+        case Result::kAbsent:
+            return "this computer has no clock with an alarm";
+        case Result::kPast:
+            return "its time is too close";
+        case Result::kTooFar:
+            return "its time is further ahead than the computer's clock can be set";
+        case Result::kTaken:
+            return "somebody else's alarm is set, and is earlier";
+        case Result::kReplaced:
+            return "it replaces somebody else's";
+        default:
+            return "it cannot be set";
+    }
+}
+
+}  // namespace
+
+ComputerAlarms::ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options options)
+    : _clocks(clocks),
+      _arms(options.wake),
+      _wake(loop),
+      _startup(std::move(options.clock), std::move(options.note)),
+      _ability(_arms ? WakeAlarm::ability() : WakeAlarm::Ability::kNoClock) {
+    if (!_arms)
+        MOLLog("No wake alarm is armed: the daemon runs below a folder of its own.");
+    else if (_ability == WakeAlarm::Ability::kNoClock)
+        MOLLog("Nothing can wake this computer: no clock has an alarm.");
+    else if (_ability == WakeAlarm::Ability::kForbidden)
+        MOLLog("The system does not let the daemon set wake alarms.");
+    _startup.set(std::nullopt, clocks.now().instant());
+    _reachFar = _startup.reachesFar();
+}
+
+void ComputerAlarms::armWake(std::optional<Instant> at) {
+    if (_ability != WakeAlarm::Ability::kWakes) return;
+    _wakeFailure = _wake.set(at);
+    if (!_wakeFailure.empty()) MOLLog("The wake alarm cannot be set: %s.", _wakeFailure.c_str());
+}
+
+void ComputerAlarms::armStartup(std::optional<Instant> at) {
+    const Result before = _startupOutcome.result;
+    _startupOutcome = _startup.set(at, _clocks.now().instant());
+    const Result result = _startupOutcome.result;
+    if (result == Result::kDone || (result == before && result != Result::kReplaced)) return;
+    if (!at && result == Result::kAbsent) return;  // which matters to nobody
+    MOLLog("The start-up alarm: %s%s%s.", textOf(result), _startupOutcome.reason.empty() ? "" : ": ",
+           _startupOutcome.reason.c_str());
+}
+
+ComputerAlarms::Obstacle ComputerAlarms::waking() const {
+    if (!_arms) return {"off", {}, {}};
+    if (_ability == WakeAlarm::Ability::kForbidden) return {"forbidden", {}, {}};
+    if (_ability != WakeAlarm::Ability::kWakes) return {"no-clock", {}, {}};
+    return {_wakeFailure.empty() ? "" : "failed", _wakeFailure, {}};
+}
+
+ComputerAlarms::Obstacle ComputerAlarms::starting() const {
+    if (!_startup.exists()) return {_arms ? "no-clock" : "off", {}, {}};
+    switch (_startupOutcome.result) {
+        case Result::kPast:
+            return {"past", {}, {}};
+        case Result::kTooFar:
+            return {"too-far", {}, {}};
+        case Result::kTaken:
+            return {"taken", {}, _startupOutcome.others};
+        case Result::kFailed:
+            return {"failed", _startupOutcome.reason, {}};
+        default:
+            return {};
+    }
+}
+
+}  // namespace quorel

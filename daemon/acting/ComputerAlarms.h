@@ -1,0 +1,52 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "linux/time/Clocks.h"
+#include "linux/time/StartupAlarm.h"
+#include "linux/time/WakeAlarm.h"
+#include "scheduler/World.h"
+
+namespace quorel {
+
+/// The computer's two alarms, and whether it has them. What stands in their way is said once.
+class ComputerAlarms : public Alarms {
+public:
+    struct Options {
+        bool wake = true;   ///< whether the kernel is to be asked for wake alarms
+        std::string clock;  ///< the kernel's folder of the hardware clock
+        std::string note;   ///< a file that says which start-up alarm is ours
+    };
+    /// An alarm of an earlier run is taken away. `clocks` and the loop must outlive it.
+    ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options options);
+
+    bool reachFar() const override { return _reachFar; }
+    void armWake(std::optional<Instant> at) override;
+    void armStartup(std::optional<Instant> at) override;
+
+    /// What stands in the way of an alarm.
+    struct Obstacle {
+        /// "no-clock" where the computer has no clock with an alarm, "forbidden", "past" or "too-far" where it was to
+        /// be set so, "taken" where somebody else's earlier one stays, "failed"; "off" where this daemon is not to arm
+        /// alarms. Empty where nothing does.
+        std::string_view fault;
+        std::string reason;             ///< what the system says, or empty
+        std::optional<Instant> others;  ///< somebody else's alarm, where that is it
+    };
+    Obstacle waking() const;
+    Obstacle starting() const;
+
+private:
+    const Clocks& _clocks;
+    const bool _arms;
+    WakeAlarm _wake;
+    StartupAlarm _startup;
+    WakeAlarm::Ability _ability;
+    bool _reachFar;
+    std::string _wakeFailure;
+    StartupAlarm::Outcome _startupOutcome;
+};
+
+}  // namespace quorel

@@ -1,0 +1,194 @@
+#include "daemon/acting/SchedulerInterface.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+#include "ProductVersion.h"
+#include "kit/MOLLog.h"
+#include "linux/bus/BusValues.h"
+#include "linux/login/Users.h"
+#include "model/Names.h"
+
+namespace quorel {
+
+namespace {
+
+namespace names = wire::scheduler;
+
+constexpr std::ptrdiff_t kMostRequestsOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
+
+constexpr const char* kGone = "There is no such occurrence any more.";
+
+Value valueOf(const Upcoming& upcoming) {
+    Dictionary value{{"Token", upcoming.token},
+                     {"Due", upcoming.due},
+                     {"At", upcoming.at},
+                     {"Action", plainText(upcoming.schedule->action)},
+                     {"Step", nameOf(upcoming.step)}};
+    if (upcoming.schedule->restarts) value.set("Restart", true);
+    if (!upcoming.by.empty()) value.set("By", upcoming.by);
+    if (upcoming.hold) {
+        value.set("Hold", upcoming.hold.kind);
+        value.set("Who", upcoming.hold.who);
+        value.set("Why", upcoming.hold.why);
+    }
+    return value;
+}
+
+Value valueOf(std::optional<Instant> armed, const ComputerAlarms::Obstacle& obstacle) {
+    Dictionary value;
+    if (armed) value.set("At", *armed);
+    if (!obstacle.fault.empty()) value.set("Fault", obstacle.fault);
+    if (!obstacle.reason.empty()) value.set("Reason", plainText(obstacle.reason));
+    if (obstacle.others) value.set("Others", *obstacle.others);
+    return value;
+}
+
+Value valueOf(const ScheduleFault& fault) {
+    return Dictionary{{"Number", static_cast<std::int64_t>(fault.number)},
+                      {"Action", plainText(fault.action)},
+                      {"Reason", fault.reason}};
+}
+
+/// How many the caller wants, within the longest answer.
+std::size_t wanted(sd_bus_message* call, unsigned most) {
+    std::uint32_t number = 0;
+    sd_bus_message_read(call, "u", &number);
+    return std::min<std::uint32_t>(number, most);
+}
+
+}  // namespace
+
+SchedulerInterface::SchedulerInterface(sd_bus* bus, Acting& acting) : _bus(bus), _acting(acting) {
+    static constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
+    static constexpr sd_bus_vtable kMembers[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD_WITH_ARGS(names::kUpcoming, SD_BUS_ARGS("u", most), SD_BUS_RESULT("aa{sv}", occurrences),
+                                &SchedulerInterface::upcoming, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kOutcomes, SD_BUS_ARGS("u", most), SD_BUS_RESULT("aa{sv}", outcomes),
+                                &SchedulerInterface::outcomes, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kStatus, SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sv}", status),
+                                &SchedulerInterface::status, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kModules, SD_BUS_NO_ARGS, SD_BUS_RESULT("aa{sv}", modules),
+                                &SchedulerInterface::modules, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kSkip, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT, &SchedulerInterface::skip,
+                                kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kPostpone, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT,
+                                &SchedulerInterface::postpone, kOpen),
+        SD_BUS_SIGNAL_WITH_ARGS(names::kChanged, SD_BUS_NO_ARGS, 0),
+        SD_BUS_VTABLE_END};
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_add_object_vtable(bus, &slot, names::kPath, names::kInterface, kMembers, this);
+    if (result < 0) throw std::runtime_error(std::strerror(-result));
+    _object.reset(slot);
+}
+
+void SchedulerInterface::changed() {
+    sd_bus_emit_signal(_bus, names::kPath, names::kInterface, names::kChanged, "");
+}
+
+int SchedulerInterface::upcoming(sd_bus_message* call, void* self, sd_bus_error*) {
+    const Acting& acting = static_cast<SchedulerInterface*>(self)->_acting;
+    Array values;
+    for (const Upcoming& one : acting.scheduler().upcoming(wanted(call, names::kMostUpcoming)))
+        values.push_back(acting.named(valueOf(one)));
+    return replyDictionaries(call, values);
+}
+
+int SchedulerInterface::outcomes(sd_bus_message* call, void* self, sd_bus_error*) {
+    const Acting& acting = static_cast<SchedulerInterface*>(self)->_acting;
+    const Array& all = acting.scheduler().outcomes();
+    const auto number = std::min(wanted(call, names::kMostOutcomes), all.size());
+    Array last;
+    for (std::size_t i = all.size() - number; i < all.size(); ++i) last.push_back(acting.named(all[i]));
+    return replyDictionaries(call, last);
+}
+
+int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) {
+    const Acting& acting = static_cast<SchedulerInterface*>(self)->_acting;
+    const Scheduler& scheduler = acting.scheduler();
+    const ComputerAlarms::Obstacle waking = acting.alarms().waking();
+    Array faults;
+    for (const ScheduleFault& fault : scheduler.faults()) {
+        if (faults.size() == names::kMostUpcoming) break;
+        faults.push_back(acting.named(valueOf(fault)));
+    }
+    const Dictionary status{{"Version", product::kVersion},
+                            {"Acts", waking.fault != "off"},
+                            {"Wake Alarm", valueOf(scheduler.armedWake(), waking)},
+                            {"Startup Alarm", valueOf(scheduler.armedStartup(), acting.alarms().starting())},
+                            {"Faults", faults}};
+    return replyDictionary(call, status);
+}
+
+int SchedulerInterface::modules(sd_bus_message* call, void* self, sd_bus_error*) {
+    Array modules;
+    for (const ModuleInfo& one : static_cast<SchedulerInterface*>(self)->_acting.modules().modules())
+        modules.push_back(one.value());
+    return replyDictionaries(call, modules);
+}
+
+int SchedulerInterface::skip(sd_bus_message* call, void* self, sd_bus_error* error) {
+    return static_cast<SchedulerInterface*>(self)->begin(call, kSkipAction, &Acting::skip, error);
+}
+
+int SchedulerInterface::postpone(sd_bus_message* call, void* self, sd_bus_error* error) {
+    return static_cast<SchedulerInterface*>(self)->begin(call, kPostponeAction, &Acting::postpone, error);
+}
+
+int SchedulerInterface::begin(sd_bus_message* call, const char* action, Change change, sd_bus_error* error) {
+    const char* token = "";
+    sd_bus_message_read(call, "s", &token);
+    const std::string sender = sd_bus_message_get_sender(call);
+    if (!_acting.scheduler().knows(token)) return sd_bus_error_set(error, wire::kNoSuchOccurrence, kGone);
+    if (_requests.size() >= kMostCallers || _requests.contains(sender))  // one of a connection at a time
+        return sd_bus_error_set(error, wire::kBusy, "Too many calls are waiting.");
+    const auto gone = [this, sender] { _requests.erase(sender); };
+    Request& request = _requests[sender];
+    request.call.reset(sd_bus_message_ref(call));
+    request.token = token;
+    request.action = action;
+    request.change = change;
+    request.caller.emplace(_bus, sender, gone);
+    request.caller->findUser([this, &request](std::optional<unsigned> user) { userFound(request, user); });
+    return 1;
+}
+
+void SchedulerInterface::userFound(Request& request, std::optional<unsigned> user) {
+    if (!user) return dismiss(request);  // nobody would hear the answer
+    const auto others =
+        std::ranges::count_if(_requests, [user](const auto& other) { return other.second.user == user; });
+    request.user = user;
+    if (others >= kMostRequestsOfAUser) return refuse(request, wire::kBusy, "Too many calls are waiting.");
+    if (!_limit.admit(*user, std::chrono::steady_clock::now()))
+        return refuse(request, wire::kTooManyChanges, "More than ten changes a minute are not taken.");
+    if (*user == 0) return permitted(request);
+    const bool interaction = sd_bus_message_get_allow_interactive_authorization(request.call.get()) > 0;
+    request.caller->ask(request.action, interaction, [this, &request](Verdict verdict) {
+        if (verdict != Verdict::Allowed) return refuse(request, wire::kNotAuthorized, textOf(verdict));
+        permitted(request);
+    });
+}
+
+void SchedulerInterface::permitted(Request& request) {
+    if (!(_acting.*request.change)(request.token, nameOfUser(*request.user)))
+        return refuse(request, wire::kNoSuchOccurrence, kGone);
+    MOLLog("Occurrence %s: %s by user %u.", request.token.c_str(), request.action, *request.user);
+    sd_bus_reply_method_return(request.call.get(), "");
+    dismiss(request);
+}
+
+void SchedulerInterface::refuse(Request& request, const char* errorName, const char* text) {
+    sd_bus_reply_method_errorf(request.call.get(), errorName, "%s", text);
+    dismiss(request);
+}
+
+void SchedulerInterface::dismiss(Request& request) {
+    _requests.erase(request.caller->name());
+}
+
+}  // namespace quorel

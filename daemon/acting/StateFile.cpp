@@ -1,0 +1,31 @@
+#include "daemon/acting/StateFile.h"
+
+#include <unistd.h>
+
+#include <utility>
+
+#include "daemon/saving/FileReplacement.h"
+#include "kit/MOLLog.h"
+#include "linux/pane/RootedPropertyListFiles.h"
+#include "model/PropertyList.h"
+
+namespace quorel {
+
+StateFile::StateFile(std::string path) : _path(std::move(path)) {
+    removeLeftovers(_path);
+}
+
+Value StateFile::read() const {
+    Value state = RootedPropertyListFiles("").dictionaryWithContentsOfFile(_path);
+    if (state.isAbsent() && access(_path.c_str(), F_OK) == 0) return "unreadable";
+    return state;
+}
+
+void StateFile::save(const Value& state) {
+    const auto bytes = encodePropertyList(state);
+    const std::string reason = bytes ? replaceFile(_path, *bytes) : "It cannot be written as a property list";
+    if (!reason.empty() && !_fails) MOLLog("The state of the Schedules is not kept: %s.", reason.c_str());
+    _fails = !reason.empty();
+}
+
+}  // namespace quorel

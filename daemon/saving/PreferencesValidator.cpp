@@ -1,0 +1,68 @@
+#include "daemon/saving/PreferencesValidator.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+#include "model/Dictionary.h"
+#include "model/Preferences.h"
+
+namespace quorel {
+
+namespace {
+
+std::string quoted(std::string_view key) {
+    constexpr std::size_t kLongestShown = 64;
+    if (key.size() > kLongestShown) return "of " + std::to_string(key.size()) + " bytes";
+    return "\"" + std::string(key) + "\"";
+}
+
+// What each key must hold; the answer completes "The value of ... ".
+
+const char* faultInNumber(const Value& value) {
+    if (!value.isInteger()) return "is no integer";
+    using Limits = std::numeric_limits<std::int32_t>;
+    const bool fits = value.integer() >= Limits::min() && value.integer() <= Limits::max();
+    return fits ? nullptr : "does not fit in 32 bits";
+}
+
+const char* faultInWideNumber(const Value& value) {
+    return value.isInteger() ? nullptr : "is no integer";
+}
+
+const char* faultInList(const Value& value) {
+    return value.isArray() ? nullptr : "is no array";
+}
+
+constexpr struct {
+    std::string_view key;
+    const char* (*faultIn)(const Value&);
+} kKeys[] = {
+    {preferences::kCheckUpdates, faultInNumber},     {preferences::kCheckUpdatesFrequency, faultInNumber},
+    {preferences::kShowInMenuBar, faultInNumber},    {preferences::kEnableNetworkAdministration, faultInNumber},
+    {preferences::kPrefsVersion, faultInWideNumber}, {preferences::kScheduleArray, faultInList},
+};
+
+}  // namespace
+
+std::optional<std::string> faultInPreferences(const Value& preferences) {
+    if (!preferences.isDictionary()) return "The preferences are no dictionary.";
+    for (const auto& [key, faultIn] : kKeys) {
+        const Value& value = preferences[key];
+        if (value.isAbsent()) return "The key " + quoted(key) + " is missing.";
+        if (const char* fault = faultIn(value)) return "The value of " + quoted(key) + " " + fault + ".";
+    }
+    const Dictionary& entries = preferences.dictionary();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const bool known = std::ranges::any_of(kKeys, [&](const auto& one) { return one.key == entries.keyAt(i); });
+        if (!known) return "The key " + quoted(entries.keyAt(i)) + " is unknown.";
+    }
+    const Array& schedules = preferences[preferences::kScheduleArray].array();
+    const auto wrong = std::ranges::find_if(schedules, [](const Value& schedule) { return !schedule.isDictionary(); });
+    if (wrong == schedules.end()) return {};
+    return "In \"" + std::string(preferences::kScheduleArray) + "\", entry " +
+           std::to_string(wrong - schedules.begin() + 1) + " is no dictionary.";
+}
+
+}  // namespace quorel

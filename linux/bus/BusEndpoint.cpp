@@ -1,0 +1,77 @@
+#include "linux/bus/BusEndpoint.h"
+
+#include <cstring>
+#include <exception>
+#include <stdexcept>
+#include <utility>
+
+#include "kit/MOLLog.h"
+#include "model/Names.h"
+
+namespace quorel {
+
+struct BusAnswer::State {
+    explicit State(sd_bus_message* message) : _message(sd_bus_message_ref(message)) {}
+    ~State() { refuse(wire::kFailed, "The notification was not handled."); }
+
+    void accept() {
+        if (!std::exchange(_answered, true)) sd_bus_reply_method_return(_message.get(), "");
+    }
+    void refuse(const char* errorName, const char* text) {
+        const sd_bus_error error = SD_BUS_ERROR_MAKE_CONST(errorName, text);
+        if (!std::exchange(_answered, true)) sd_bus_reply_method_error(_message.get(), &error);
+    }
+
+private:
+    const BusMessagePointer _message;
+    bool _answered = false;
+};
+
+void BusAnswer::accept() const {
+    _state->accept();
+}
+
+void BusAnswer::refuse(const char* errorName, const std::string& text) const {
+    _state->refuse(errorName, text.c_str());
+}
+
+BusEndpoint::BusEndpoint(sd_bus* bus, Handler handler, Pong pong)
+    : _handler(std::move(handler)), _pong(std::move(pong)) {
+    static constexpr sd_bus_vtable kMethods[] = {
+        SD_BUS_VTABLE_START(0),
+        SD_BUS_METHOD_WITH_ARGS(wire::kPing, SD_BUS_NO_ARGS, SD_BUS_RESULT("b", alive), &BusEndpoint::ping,
+                                SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_METHOD_WITH_ARGS(wire::kPostNotification, SD_BUS_ARGS("s", name, "s", object, "ay", userInfo),
+                                SD_BUS_NO_RESULT, &BusEndpoint::post, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_VTABLE_END};
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_add_object_vtable(bus, &slot, wire::kPath, wire::kInterface, kMethods, this);
+    if (result < 0) throw std::runtime_error(std::strerror(-result));
+    _slot.reset(slot);
+}
+
+int BusEndpoint::ping(sd_bus_message* message, void* self, sd_bus_error*) {
+    const auto& pong = static_cast<BusEndpoint*>(self)->_pong;
+    return sd_bus_reply_method_return(message, "b", static_cast<int>(!pong || pong()));
+}
+
+int BusEndpoint::post(sd_bus_message* message, void* self, sd_bus_error* error) try {
+    const auto& handler = static_cast<BusEndpoint*>(self)->_handler;
+    if (!handler) return sd_bus_error_set(error, wire::kUnknownNotification, "This program takes no notifications.");
+    const char* name = nullptr;
+    const char* object = nullptr;
+    const void* bytes = nullptr;
+    std::size_t size = 0;
+    int result = sd_bus_message_read(message, "ss", &name, &object);
+    if (result >= 0) result = sd_bus_message_read_array(message, 'y', &bytes, &size);
+    if (result < 0) return result;
+    const char* sender = sd_bus_message_get_sender(message);
+    handler({name, object, {static_cast<const char*>(bytes), size}, sender ? sender : ""},
+            BusAnswer(std::make_shared<BusAnswer::State>(message)));
+    return 1;
+} catch (const std::exception& exception) {  // memory has run out
+    MOLLog("A notification is lost: %s", exception.what());
+    return sd_bus_error_set(error, wire::kFailed, "The notification was not handled.");
+}
+
+}  // namespace quorel

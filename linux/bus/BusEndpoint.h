@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "linux/bus/Bus.h"
+
+namespace quorel {
+
+/// A notification as it came over the bus; what the views show lasts as long as its answer. Nothing in it is to be
+/// trusted but the sender.
+struct BusNotification {
+    std::string_view name;
+    std::string_view object;
+    std::string_view userInfo;  ///< bytes of a property list; empty for none
+    std::string_view sender;    ///< the sender's unique name, as the bus vouches for it
+};
+
+/// The answer to one notification. Copies answer the same one, and the first answer counts. When the last copy goes
+/// unanswered, the sender is told that the notification failed. On the connection's thread.
+class BusAnswer {
+public:
+    void accept() const;
+    void refuse(const char* errorName, const std::string& text) const;
+
+private:
+    friend class BusEndpoint;
+    struct State;
+    explicit BusAnswer(std::shared_ptr<State> state) : _state(std::move(state)) {}
+    std::shared_ptr<State> _state;
+};
+
+/// A program's own end of the channel, on a connection that a loop serves: answers pings and takes notifications.
+class BusEndpoint {
+public:
+    using Handler = std::function<void(const BusNotification&, const BusAnswer&)>;
+    using Pong = std::function<bool()>;
+
+    /// Without a handler all notifications are refused; without `pong` the program is alive. Throws std::runtime_error.
+    BusEndpoint(sd_bus* bus, Handler handler, Pong pong = {});
+    BusEndpoint(const BusEndpoint&) = delete;
+
+private:
+    static int ping(sd_bus_message* message, void* self, sd_bus_error*);
+    static int post(sd_bus_message* message, void* self, sd_bus_error* error);
+
+    const Handler _handler;
+    const Pong _pong;
+    BusSlot _slot;
+};
+
+}  // namespace quorel

@@ -1,0 +1,87 @@
+#include "linux/bus/BusPeer.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "model/Names.h"
+
+namespace quorel {
+
+/// A call under way. Must not be moved: what waits for the reply knows where it is.
+struct BusPeer::Call {
+    BusMessagePointer reply;
+    BusSlot slot;
+};
+
+BusPeer::BusPeer(Bus bus, const char* name, Clock::time_point deadline) : _bus(beginConnection(bus)) {
+    if (!_bus) return;
+    Call call;
+    const char* owner = nullptr;
+    sd_bus_message* reply = ask(call, callToBus("GetNameOwner", name).get(), deadline);
+    if (reply && sd_bus_message_read(reply, "s", &owner) >= 0) _owner = owner;
+}
+
+std::optional<unsigned> BusPeer::userId(Clock::time_point deadline) {
+    if (_owner.empty()) return {};
+    Call call;
+    std::uint32_t user = 0;
+    sd_bus_message* reply = ask(call, callToBus("GetConnectionUnixUser", _owner.c_str()).get(), deadline);
+    if (!reply || sd_bus_message_read(reply, "u", &user) < 0) return {};
+    return user;
+}
+
+bool BusPeer::ping(Clock::time_point deadline) {
+    if (_owner.empty()) return false;
+    Call call;
+    int alive = 0;
+    sd_bus_message* reply = ask(call, callToOwner(wire::kPing).get(), deadline);
+    return reply && sd_bus_message_read(reply, "b", &alive) >= 0 && alive;
+}
+
+BusPeer::Outcome BusPeer::post(const std::string& name, const std::string& object, const std::string& userInfo,
+                               std::chrono::milliseconds silence, Clock::time_point deadline, std::string& text) {
+    if (_owner.empty()) return Outcome::Silent;
+    const auto message = callToOwner(wire::kPostNotification);
+    Call call;
+    if (!message || sd_bus_message_append(message.get(), "ss", name.c_str(), object.c_str()) < 0 ||
+        sd_bus_message_append_array(message.get(), 'y', userInfo.data(), userInfo.size()) < 0 ||
+        !begin(call, message.get()))
+        return Outcome::Silent;
+    while (!wait(call, std::min(deadline, Clock::now() + silence))) {
+        const auto now = Clock::now();
+        if (now >= deadline || !ping(std::min(deadline, now + silence))) return Outcome::Silent;
+    }
+    const sd_bus_error* error = sd_bus_message_get_error(call.reply.get());
+    if (!error) return Outcome::Handled;
+    if (sd_bus_error_has_name(error, SD_BUS_ERROR_NO_REPLY)) return Outcome::Silent;  // it has ended meanwhile
+    text = error->message ? error->message : error->name;
+    return Outcome::Refused;
+}
+
+bool BusPeer::begin(Call& call, sd_bus_message* message) {
+    // The connection's own time limit must never be the shorter one.
+    call.slot = callAsync(_bus.get(), message, std::chrono::microseconds::max(),
+                          [&call](sd_bus_message* reply) { call.reply.reset(sd_bus_message_ref(reply)); });
+    return call.slot != nullptr;
+}
+
+bool BusPeer::wait(const Call& call, Clock::time_point deadline) {
+    return serveUntil(_bus.get(), deadline, [&call] { return call.reply != nullptr; });
+}
+
+sd_bus_message* BusPeer::ask(Call& call, sd_bus_message* message, Clock::time_point deadline) {
+    if (!begin(call, message) || !wait(call, deadline)) return nullptr;
+    return sd_bus_message_is_method_error(call.reply.get(), nullptr) ? nullptr : call.reply.get();
+}
+
+BusMessagePointer BusPeer::callToBus(const char* method, const char* argument) {
+    auto message = newCall(_bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
+    sd_bus_message_append(message.get(), "s", argument);
+    return message;
+}
+
+BusMessagePointer BusPeer::callToOwner(const char* method) {
+    return newCall(_bus.get(), _owner.c_str(), wire::kPath, wire::kInterface, method);
+}
+
+}  // namespace quorel

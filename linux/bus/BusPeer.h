@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "linux/bus/Bus.h"
+
+namespace quorel {
+
+/// The program that owns a name on a bus, as seen from here, over a connection of its own. One thread at a time.
+class BusPeer {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Does not start the program. When nobody has the name, or the bus has not said so by `deadline`, the peer
+    /// is absent: pings and notifications fail at once.
+    BusPeer(Bus bus, const char* name, Clock::time_point deadline);
+
+    /// As the bus says. Nothing when absent.
+    std::optional<unsigned> userId(Clock::time_point deadline);
+    bool ping(Clock::time_point deadline);
+
+    enum class Outcome { Handled, Refused, Silent };
+    /// Waits as long as the peer answers a ping within `silence`, and until `deadline` at most. `text` tells why
+    /// it was refused.
+    Outcome post(const std::string& name, const std::string& object, const std::string& userInfo,
+                 std::chrono::milliseconds silence, Clock::time_point deadline, std::string& text);
+
+private:
+    struct Call;
+    bool begin(Call& call, sd_bus_message* message);
+    /// False when there is no reply by then.
+    bool wait(const Call& call, Clock::time_point deadline);
+    /// The reply, or null after an error reply or none.
+    sd_bus_message* ask(Call& call, sd_bus_message* message, Clock::time_point deadline);
+    BusMessagePointer callToBus(const char* method, const char* argument);
+    BusMessagePointer callToOwner(const char* method);
+
+    BusConnection _bus;
+    std::string _owner;  // its unique name: what is sent there reaches this very program and starts no other
+};
+
+}  // namespace quorel

@@ -1,0 +1,59 @@
+#include "linux/login/LoginPower.h"
+
+#include <utility>
+
+#include "kit/MOLLog.h"
+
+namespace quorel {
+
+namespace {
+
+// logind answers when it has begun, which others may delay.
+constexpr std::chrono::seconds kRequestPatience{90};
+
+// Makes it look at the locks of others although root asks. It overlooks root's own.
+constexpr std::uint64_t kRootChecksInhibitors = 1;
+
+}  // namespace
+
+LoginPower::LoginPower(sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers)
+    : _bus(bus), _clocks(clocks), _sessions(sessions), _answers(std::move(answers)), _idleLock(bus, "idle", "block") {}
+
+void LoginPower::look(Ticket ticket, bool idle) {
+    const auto answered = [this, ticket, idle](Conditions conditions, const std::vector<unsigned>& userIds) {
+        const auto look = _looks.extract(ticket);
+        const auto done = [this, ticket](const Conditions& complete) { _answers.looked(ticket, complete); };
+        if (!idle || conditions.failure) return done(conditions);
+        _answers.findIdle(std::move(conditions), userIds, done);
+    };
+    _looks[ticket] = std::make_unique<LoginConditions>(_bus, _clocks, _sessions, answered);
+}
+
+void LoginPower::suspend(Ticket ticket) {
+    request(ticket, "SuspendWithFlags");
+}
+
+void LoginPower::shutDown(Ticket ticket, bool restart) {
+    request(ticket, restart ? "RebootWithFlags" : "PowerOffWithFlags");
+}
+
+void LoginPower::request(Ticket ticket, const char* member) {
+    const auto replied = [this, ticket](sd_bus_message* reply) {
+        const auto request = std::move(_request);
+        const BusError error = errorOf(reply);
+        const PowerReply meaning = !error                            ? PowerReply::kAccepted
+                                   : error.name == logind::kUnderWay ? PowerReply::kUnderWay
+                                                                     : PowerReply::kRefused;
+        _answers.powerReplied(ticket, meaning, error.message);
+    };
+    _request = logind::call(_bus, kRequestPatience, logind::kManager, member, replied, "t", kRootChecksInhibitors);
+}
+
+void LoginPower::keepAwake(bool keep) {
+    if (!keep) return _idleLock.release();
+    _idleLock.take("A Schedule has woken this computer.", [](const BusError& error) {
+        MOLLog("A desktop may let the computer fall asleep again: %s", error.message.c_str());
+    });
+}
+
+}  // namespace quorel

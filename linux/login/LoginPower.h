@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "linux/login/LoginConditions.h"
+#include "linux/login/LoginSessions.h"
+#include "linux/login/Logind.h"
+#include "scheduler/World.h"
+
+namespace quorel {
+
+/// Sleep and shut-down by logind, and what speaks against them. Where logind is absent, silent or refuses, the answer
+/// says so. One thread; `clocks` and the bus must outlive it.
+class LoginPower : public Power {
+public:
+    struct Answers {
+        std::function<void(Ticket, const Conditions&)> looked;
+        std::function<void(Ticket, PowerReply, const std::string& reason)> powerReplied;
+        /// Adds what others than logind know of how long the sessions, whose users these are, have not been used, and
+        /// calls `done` now or later.
+        std::function<void(Conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done)>
+            findIdle;
+    };
+    LoginPower(sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers);
+
+    void look(Ticket ticket, bool idle) override;
+    void suspend(Ticket ticket) override;
+    void shutDown(Ticket ticket, bool restart) override;
+    void keepAwake(bool keep) override;
+
+private:
+    void request(Ticket ticket, const char* member);
+
+    sd_bus* _bus;
+    const Clocks& _clocks;
+    const LoginSessions& _sessions;
+    const Answers _answers;
+    std::map<Ticket, std::unique_ptr<LoginConditions>> _looks;
+    BusSlot _request;
+    InhibitorLock _idleLock;
+};
+
+}  // namespace quorel

@@ -1,0 +1,135 @@
+#include "linux/pane/BusCommunicationCenter.h"
+
+#include <pthread.h>
+
+#include <csignal>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "kit/MOLLog.h"
+#include "linux/bus/BusEndpoint.h"
+#include "linux/bus/BusPeer.h"
+#include "model/Names.h"
+#include "model/PropertyList.h"
+#include "pane/VXCommunicationProtocol.h"
+
+namespace quorel {
+
+namespace {
+
+using Clock = BusPeer::Clock;
+
+constexpr std::chrono::seconds kPatience{1};  // somebody waits for the pane to open
+
+bool post(BusPeer& peer, const Notification& notification, const BusCommunicationCenter::Limits& limits) {
+    std::string userInfo;
+    if (notification.userInfo.isPresent()) {
+        auto encoded = encodePropertyList(notification.userInfo, wire::kMaximumUserInfoBytes);
+        if (!encoded) {
+            const bool large = encodePropertyList(notification.userInfo).has_value();
+            MOLLog("%s was not sent: the user information %s.", notification.name.c_str(),
+                   large ? "takes more than 2 MiB" : "is no property list, or far too large a one");
+            return false;
+        }
+        userInfo = std::move(*encoded);
+    }
+    std::string text;
+    const auto outcome = peer.post(notification.name, notification.object.value_or(""), userInfo, limits.silence,
+                                   Clock::now() + limits.handling, text);
+    if (outcome == BusPeer::Outcome::Silent) MOLLog("%s was not handled: no answer.", notification.name.c_str());
+    if (outcome == BusPeer::Outcome::Refused) MOLLog("%s was refused: %s", notification.name.c_str(), text.c_str());
+    return outcome == BusPeer::Outcome::Handled;
+}
+
+bool belongsTo(unsigned userId, BusPeer& peer, Clock::time_point deadline) {
+    return peer.userId(deadline) == userId;
+}
+
+}  // namespace
+
+/// An endpoint with a loop, and the thread that runs it.
+class BusCommunicationCenter::OwnEnd {
+public:
+    explicit OwnEnd(BusEndpoint::Pong pong)
+        : _stop(_loop, [this] { _loop.end(0); }),
+          _bus(connectTo(Bus::Session, _loop, kPatience)),
+          _endpoint(_bus.get(), {}, std::move(pong)) {
+        // Another window may show the pane as well, and have it.
+        requestName(_bus.get(), std::string(kPaneName), kPatience);
+        _thread = std::thread([this] {
+            sigset_t all;
+            sigfillset(&all);
+            pthread_sigmask(SIG_BLOCK, &all, nullptr);  // signals are the business of the program's own threads
+            _loop.run();
+        });
+    }
+    ~OwnEnd() {
+        _stop.wake();
+        _thread.join();
+    }
+
+private:
+    EventLoop _loop;
+    const Wakeup _stop;
+    const BusConnection _bus;
+    const BusEndpoint _endpoint;
+    std::thread _thread;
+};
+
+BusCommunicationCenter::BusCommunicationCenter(Limits limits) : _limits(limits) {}
+
+BusCommunicationCenter::~BusCommunicationCenter() = default;
+
+void BusCommunicationCenter::setObserver(std::weak_ptr<VXCommunicationProtocol> observer) {
+    const std::lock_guard lock(_mutex);
+    _observer = std::move(observer);
+}
+
+void BusCommunicationCenter::createServerConnection() try {
+    const std::lock_guard lock(_mutex);
+    if (!_ownEnd) _ownEnd = std::make_unique<OwnEnd>([this] { return pong(); });
+} catch (const std::exception& exception) {
+    MOLLog("No own end on the session bus: %s", exception.what());
+}
+
+bool BusCommunicationCenter::pong() {
+    std::shared_ptr<VXCommunicationProtocol> observer;
+    {
+        const std::lock_guard lock(_mutex);
+        observer = _observer.lock();
+    }
+    return observer && observer->pong();
+}
+
+bool BusCommunicationCenter::pingDaemon() try {
+    const auto deadline = Clock::now() + _limits.silence;
+    return BusPeer(Bus::System, kDaemonName.data(), deadline).ping(deadline);
+} catch (const std::exception&) {
+    return false;
+}
+
+bool BusCommunicationCenter::pingAgentOfUser(unsigned userId) try {
+    const auto deadline = Clock::now() + _limits.silence;
+    BusPeer peer(Bus::Session, kUserAgentName.data(), deadline);
+    return belongsTo(userId, peer, deadline) && peer.ping(deadline);
+} catch (const std::exception&) {
+    return false;
+}
+
+bool BusCommunicationCenter::postNotificationToDaemon(const Notification& notification) try {
+    BusPeer peer(Bus::System, kDaemonName.data(), Clock::now() + _limits.silence);
+    return post(peer, notification, _limits);
+} catch (const std::exception&) {
+    return false;
+}
+
+bool BusCommunicationCenter::postNotificationToAgentOfUser(const Notification& notification, unsigned userId) try {
+    const auto deadline = Clock::now() + _limits.silence;
+    BusPeer peer(Bus::Session, kUserAgentName.data(), deadline);
+    return belongsTo(userId, peer, deadline) && post(peer, notification, _limits);
+} catch (const std::exception&) {
+    return false;
+}
+
+}  // namespace quorel

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "linux/time/Clocks.h"
+#include "linux/EventLoop.h"
+#include "linux/FileDescriptor.h"
+
+namespace quorel {
+
+/// Waits for an instant of the wall clock, and notices when that clock is set or its zone changes. It causes no other
+/// wake-ups. One thread.
+class ClockWatch {
+public:
+    struct Events {
+        std::function<void()> ticked;  ///< the instant is there, or the clock was set, or the computer has slept
+        std::function<void()> zoneChanged;
+    };
+    /// `clocks` and `loop` must outlive it. `settings` is the folder in which "localtime" says what zone it is.
+    ClockWatch(EventLoop& loop, const Clocks& clocks, Events events, const char* settings = "/etc");
+
+    /// The next instant to wait for, also one that has passed; none: only changes count.
+    void waitFor(std::optional<Instant> instant);
+
+private:
+    void read();
+
+    const Clocks& _clocks;
+    const Events _events;
+    std::optional<Instant> _instant;
+    FileDescriptor _timer;
+    EventSource _timerSource;
+    EventSource _zoneSource;
+};
+
+}  // namespace quorel

@@ -1,0 +1,243 @@
+#include "words/OutcomeText.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "words/Language.h"
+#include "model/Dictionary.h"
+#include "model/Names.h"
+#include "model/Schedule.h"
+#include "scheduler/Outcome.h"
+
+namespace quorel {
+
+namespace {
+
+using namespace outcome;
+
+/// A code and what it says.
+struct Text {
+    std::string_view code;
+    const char* text;
+};
+
+/// Tells those who collect the texts; it is translated when it is shown.
+constexpr const char* marked(const char* text) {
+    return text;
+}
+
+constexpr Text kCauses[] = {
+    {kCauseOff, marked("the computer was off")},
+    {kCauseAsleep, marked("the computer was asleep")},
+    {kCauseDaemon, marked("the daemon was not running")},
+    {kCauseClock, marked("the clock was set forward past it")},
+    {kCauseLate, marked("the computer did not get to it in time")},
+};
+
+constexpr Text kOvertakers[] = {
+    {kSleep, marked("the computer went to sleep before")},
+    {kDown, marked("the computer went down before")},
+    {kNext, marked("the next sleep, shut-down or wake-up came")},
+    {kOther, marked("the system was doing so already")},
+};
+
+constexpr Text kReasons[] = {
+    {kNoAnswer, marked("the system did not answer")},
+    {kStayedAwake, marked("the system agreed, and the computer stayed awake")},
+    {kNobody, marked("nobody is at the computer")},
+    {kNoAgent, marked("the agent of the user at the computer is not running")},
+    {kTooMany, marked("too many actions of the user are running")},
+    {kNoManager, marked("there is no service manager to run it")},
+    {kNoModule, marked("its module is no longer there")},
+    {kNoProgram, marked("its program could not be executed")},
+    {kNoSandbox, marked("what it runs in could not be set up")},
+    {kSignal, marked("ended by a signal")},
+    {kMemory, marked("it took more memory than it may")},
+};
+
+constexpr Text kFaults[] = {
+    {"hour", marked("its hour is not between 0 and 23")},
+    {"minute", marked("its minute is not between 0 and 59")},
+    {"action", marked("there is no such action")},
+    {"program", marked("its module has nothing to run")},
+};
+
+/// The outcomes that say all without arguments.
+constexpr Text kPlain[] = {
+    {kWokeUp, marked("woke up")},
+    {kStarted, marked("started up")},
+    {kAwakeAlready, marked("was awake already; kept awake for ten minutes")},
+    {kUnknown, marked("begun; how it ended is not known")},
+    {kWithdrawn, marked("withdrawn: its schedule was changed or deleted")},
+    {kClockCorrected, marked("ended: the clock was corrected")},
+    {kStateLost, marked("what was stored about the schedules could not be read; begun anew")},
+    {kBackToSleep, marked("woken for nothing; put back to sleep")},
+};
+
+/// The outcomes that say why something was not done.
+constexpr Text kPrevented[] = {
+    {kSameMinute, marked("another sleep or shut-down had the same minute")},
+    {kWakesThen, marked("the computer was to wake up in the same minute")},
+    {kLidClosed, marked("the lid is closed, and there is no external power")},
+};
+
+/// Null for a code that the list does not have.
+template <std::size_t kSize>
+const char* textIn(const Text (&texts)[kSize], std::string_view code) {
+    for (const Text& one : texts)
+        if (one.code == code) return translated(one.text);
+    return nullptr;
+}
+
+template <std::size_t kSize>
+std::string textOrCode(const Text (&texts)[kSize], const std::string& code) {
+    const char* text = textIn(texts, code);
+    return text ? text : code;
+}
+
+std::string plain(const Value& dictionary, std::string_view key) {
+    return plainText(dictionary[key].text());
+}
+
+std::string joined(const std::string& first, const std::string& second) {
+    if (first.empty() || second.empty()) return first + second;
+    return filled(translated("{1}: {2}"), {first, second});
+}
+
+/// The keys are those of an outcome's arguments and of an occurrence to come.
+std::string holdText(const Value& held) {
+    const std::string kind = plain(held, "Hold");
+    const std::string who = plain(held, "Who");
+    const std::string why = plain(held, "Why");
+    if (kind == kHoldAction) return filled(translated("{1} under way"), {actionName(who)});
+    if (kind == kHoldShutdown) return filled(translated("a shut-down is planned ({1})"), {who});
+    if (kind == kHoldUse && who.empty()) return translated("used a short while ago");
+    if (kind == kHoldUse && why == kUntold) return filled(translated("in use by {1}, as far as can be told"), {who});
+    if (kind == kHoldUse) return filled(translated("in use by {1}"), {who});
+    if (kind == kHoldUnknown)
+        return joined(translated("it is not known what speaks against it"), textOrCode(kReasons, why));
+    return joined(who, why);
+}
+
+std::string notDone(const std::string& action, const std::string& why) {
+    if (action == schedule_keys::kSleepType) return filled(translated("not put to sleep: {1}"), {why});
+    if (action == schedule_keys::kWakeUpType) return filled(translated("not woken up: {1}"), {why});
+    if (action == schedule_keys::kShutDownType) return filled(translated("not shut down: {1}"), {why});
+    return filled(translated("not run: {1}"), {why});
+}
+
+std::string missedText(const Value& arguments) {
+    const std::string cause = textOrCode(kCauses, plain(arguments, "Cause"));
+    const std::int64_t count = std::max<std::int64_t>(arguments["Count"].integer(), 1);
+    return filled(translatedCount("missed: {2}", "missed {1} times: {2}", count), {std::to_string(count), cause});
+}
+
+std::string failedText(const Value& arguments) {
+    const std::string reason = textOrCode(kReasons, plain(arguments, "Reason"));
+    const std::string text =
+        filled(translated("failed with status {1} after {2}"),
+               {std::to_string(arguments["Status"].integer()), durationText(arguments["Seconds"].integer())});
+    return joined(text, reason);
+}
+
+std::string correctionText(Seconds by) {
+    if (by == 0) return translated("the clock was corrected");
+    return filled(by > 0 ? translated("the clock was set forward by {1}") : translated("the clock was set back by {1}"),
+                  {durationText(by)});
+}
+
+}  // namespace
+
+std::string actionName(const std::string& actionType, bool restarts) {
+    if (actionType == schedule_keys::kSleepType) return translated("Sleep");
+    if (actionType == schedule_keys::kWakeUpType) return translated("Wake up");
+    if (actionType == schedule_keys::kShutDownType) return restarts ? translated("Restart") : translated("Shut down");
+    const std::string name = plainText(actionType.substr(actionType.rfind('.') + 1));
+    return name.empty() ? plainText(actionType) : name;
+}
+
+std::string actionName(const Value& told) {
+    const Value& names = told["Names"];
+    const std::string& action = told["Action"].text();
+    const bool isOurs = action == schedule_keys::kSleepType || action == schedule_keys::kWakeUpType ||
+                        action == schedule_keys::kShutDownType;
+    if (isOurs || names.dictionary().size() == 0) return actionName(action, told["Restart"].intValue() != 0);
+    for (const std::string& language : {usersLanguage(), std::string("en"), names.dictionary().keyAt(0)})
+        if (std::string name = plain(names, language); !name.empty()) return name;
+    return actionName(action);
+}
+
+std::string outcomeText(const Value& outcome) {
+    const std::string code = plain(outcome, "Code");
+    const std::string& action = outcome["Action"].text();
+    const Value& arguments = outcome["Arguments"];
+    const auto length = [&] { return durationText(arguments["Seconds"].integer()); };
+    if (const char* text = textIn(kPlain, code)) return text;
+    if (const char* why = textIn(kPrevented, code)) return notDone(action, why);
+    if (code == kSlept) return filled(translated("slept until {1}"), {momentText(arguments["Until"].integer())});
+    if (code == kShutDown) return arguments["Restart"].intValue() ? translated("restarted") : translated("shut down");
+    if (code == kRan && arguments["MadeUp"].intValue()) return filled(translated("made up for, in {1}"), {length()});
+    if (code == kRan) return filled(translated("done in {1}"), {length()});
+    if (code == kFailed) return failedText(arguments);
+    if (code == kTimedOut) return filled(translated("ended at its limit, after {1}"), {length()});
+    if (code == kNotStarted) {
+        return joined(translated("could not be started"), textOrCode(kReasons, plain(arguments, "Reason")));
+    }
+    if (code == kMissed) return missedText(arguments);
+    if (code == kSkipped) return filled(translated("skipped by {1}"), {plain(arguments, "By")});
+    if (code == kOvertaken) return notDone(action, textOrCode(kOvertakers, plain(arguments, "By")));
+    if (code == kGaveUp) {
+        const std::string waited = durationText(arguments["Minutes"].integer() * kMinute);
+        return notDone(action, filled(translated("{1} (waited {2})"), {holdText(arguments), waited}));
+    }
+    if (code == kRefused) {
+        const std::string reason = textOrCode(kReasons, plain(arguments, "Reason"));
+        return notDone(action, joined(translated("refused"), reason));
+    }
+    if (code == kCorrection) return correctionText(arguments["By"].integer());
+    if (code == kClockBehind)
+        return filled(translated("the clock is {1} behind; nothing runs until it is set, or for ten minutes"),
+                      {durationText(arguments["By"].integer())});
+    if (code == kCannotRun) return faultText(Value(arguments).with("Action", outcome["Action"]));
+    return code;
+}
+
+std::string outcomeLine(const Value& outcome) {
+    const std::int64_t due = outcome["Due"].integer();
+    if (due == 0) return outcomeText(outcome);
+    return filled(translated("{1} of {2}: {3}"), {actionName(outcome), momentText(due), outcomeText(outcome)});
+}
+
+std::string stepText(const Value& upcoming) {
+    const std::string step = plain(upcoming, "Step");
+    const std::string by = plain(upcoming, "By");
+    if (step == "planned") return {};
+    if (step == "skipped") return filled(translated("skipped by {1}"), {by});
+    if (step == "postponed")
+        return filled(translated("postponed by {1}, planned for {2}"), {by, timeText(upcoming["Due"].integer())});
+    if (step == "make-up") return translated("missed, and to be made up for");
+    if (step == "awaited") return translated("waits for somebody to log in, until then");
+    if (step == "running") return translated("running");
+    if (step == "looking" || step == "checking") return translated("looking whether anything speaks against it");
+    if (step == "waiting") return filled(translated("held up: {1}"), {holdText(upcoming)});
+    if (step == "warned") return translated("announced");
+    if (step == "acting") return translated("the system was asked for it");
+    return step;
+}
+
+std::string refusalText(const std::string& error, const std::string& text) {
+    if (error == wire::kNoSuchOccurrence)
+        return translated("There is no such occurrence any more. \"quorelctl next\" shows what there is.");
+    if (error == wire::kNotAuthorized) return translated("This is not permitted without an administrator.");
+    if (error == wire::kTooManyChanges) return translated("More than ten changes a minute are not taken.");
+    return filled(translated("The daemon refused: {1}"), {plainText(text.empty() ? error : text)});
+}
+
+std::string faultText(const Value& fault) {
+    return filled(
+        translated("schedule {1} ({2}) never runs: {3}"),
+        {std::to_string(fault["Number"].integer()), actionName(fault), textOrCode(kFaults, plain(fault, "Reason"))});
+}
+
+}  // namespace quorel
