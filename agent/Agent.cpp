@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
-#include "linux/pane/Browser.h"
 #include "linux/Launch.h"
+#include "linux/pane/Browser.h"
 #include "model/Names.h"
 #include "model/Preferences.h"
 

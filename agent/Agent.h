@@ -5,19 +5,19 @@
 #include <string>
 #include <thread>
 
-#include "agent/updates/CheckInterval.h"
 #include "agent/DaemonLink.h"
-#include "agent/idle/IdleMeter.h"
-#include "agent/updates/LastCheckFile.h"
-#include "agent/tray/MenuBarSetting.h"
-#include "agent/warning/Notifier.h"
-#include "agent/updates/Reports.h"
 #include "agent/UserActions.h"
-#include "agent/warning/Warnings.h"
+#include "agent/idle/IdleMeter.h"
+#include "agent/tray/MenuBarSetting.h"
 #include "agent/tray/Tray.h"
+#include "agent/updates/CheckInterval.h"
+#include "agent/updates/LastCheckFile.h"
+#include "agent/updates/Reports.h"
+#include "agent/warning/Notifier.h"
+#include "agent/warning/Warnings.h"
 #include "kit/update/CurlUpdateChecker.h"
-#include "linux/bus/BusEndpoint.h"
 #include "linux/EventLoop.h"
+#include "linux/bus/BusEndpoint.h"
 #include "linux/pane/RootedPropertyListFiles.h"
 
 namespace quorel {

@@ -5,8 +5,8 @@
 
 #include "kit/MOLLog.h"
 #include "linux/bus/BusValues.h"
-#include "words/OutcomeText.h"
 #include "model/Names.h"
+#include "words/OutcomeText.h"
 
 namespace quorel {
 

@@ -9,8 +9,8 @@
 #include <optional>
 #include <string>
 
-#include "linux/bus/Bus.h"
 #include "linux/EventLoop.h"
+#include "linux/bus/Bus.h"
 #include "linux/bus/PolkitQuestion.h"
 #include "model/Dictionary.h"
 #include "scheduler/Instant.h"

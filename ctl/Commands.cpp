@@ -9,11 +9,11 @@
 #include "ctl/Json.h"
 #include "ctl/ModuleText.h"
 #include "ctl/Page.h"
-#include "words/Language.h"
-#include "words/OutcomeText.h"
 #include "model/Dictionary.h"
 #include "model/Names.h"
 #include "scheduler/Outcome.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
 
 namespace quorel {
 

@@ -2,11 +2,11 @@
 
 #include <string_view>
 
-#include "words/Language.h"
-#include "words/OutcomeText.h"
 #include "model/Dictionary.h"
 #include "model/ModuleKeys.h"
 #include "scheduler/Outcome.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
 
 namespace quorel {
 

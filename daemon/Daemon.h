@@ -3,10 +3,10 @@
 #include <string>
 
 #include "daemon/acting/Acting.h"
-#include "daemon/saving/Door.h"
 #include "daemon/acting/SchedulerInterface.h"
-#include "linux/bus/Bus.h"
+#include "daemon/saving/Door.h"
 #include "linux/EventLoop.h"
+#include "linux/bus/Bus.h"
 
 namespace quorel {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "headless/Controls.h"
 #include "model/Dictionary.h"
 #include "platform/Bundle.h"
-#include "headless/Controls.h"
 
 namespace quorel::headless {
 

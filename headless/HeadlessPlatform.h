@@ -1,11 +1,11 @@
 #pragma once
 
-#include "platform/Platform.h"
 #include "headless/Application.h"
 #include "headless/Bundle.h"
 #include "headless/Dispatch.h"
 #include "headless/Services.h"
 #include "headless/TableView.h"
+#include "platform/Platform.h"
 
 namespace quorel::headless {
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/TableView.h"
 #include "headless/Controls.h"
+#include "platform/TableView.h"
 
 namespace quorel::headless {
 

@@ -4,11 +4,11 @@
 #include <string_view>
 #include <utility>
 
-#include "words/Language.h"
 #include "model/Dictionary.h"
 #include "model/Names.h"
 #include "model/Schedule.h"
 #include "scheduler/Outcome.h"
+#include "words/Language.h"
 
 namespace quorel {
 

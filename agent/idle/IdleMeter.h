@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "linux/bus/Bus.h"
 #include "linux/EventLoop.h"
+#include "linux/bus/Bus.h"
 #include "scheduler/Instant.h"
 
 struct xcb_connection_t;

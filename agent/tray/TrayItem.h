@@ -7,8 +7,8 @@
 
 #include "agent/tray/TrayIcon.h"
 #include "agent/tray/TrayMenu.h"
-#include "linux/bus/Bus.h"
 #include "linux/EventLoop.h"
+#include "linux/bus/Bus.h"
 
 namespace quorel {
 

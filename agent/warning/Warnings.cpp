@@ -8,11 +8,11 @@
 #include <string_view>
 #include <utility>
 
-#include "words/Language.h"
-#include "words/OutcomeText.h"
 #include "linux/login/Users.h"
 #include "model/Schedule.h"
 #include "scheduler/Outcome.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
 
 namespace quorel {
 

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "linux/JournalLog.h"
-#include "words/OutcomeText.h"
 #include "linux/login/Users.h"
 #include "model/Preferences.h"
+#include "words/OutcomeText.h"
 
 namespace quorel {
 

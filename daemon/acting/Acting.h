@@ -6,12 +6,12 @@
 
 #include "daemon/acting/Agents.h"
 #include "daemon/acting/ComputerAlarms.h"
-#include "daemon/modules/ModuleActions.h"
 #include "daemon/acting/StateFile.h"
-#include "linux/time/ClockWatch.h"
+#include "daemon/modules/ModuleActions.h"
 #include "linux/login/LoginPower.h"
 #include "linux/login/LoginSessions.h"
 #include "linux/login/SleepWatch.h"
+#include "linux/time/ClockWatch.h"
 #include "linux/time/SystemCalendar.h"
 #include "scheduler/Scheduler.h"
 

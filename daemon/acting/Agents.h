@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "linux/EventLoop.h"
 #include "linux/bus/Bus.h"
 #include "linux/bus/BusCaller.h"
-#include "linux/EventLoop.h"
 #include "model/Dictionary.h"
 #include "scheduler/World.h"
 

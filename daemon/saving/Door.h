@@ -10,9 +10,9 @@
 
 #include "daemon/saving/ListReader.h"
 #include "daemon/saving/PreferencesStore.h"
+#include "linux/EventLoop.h"
 #include "linux/bus/BusCaller.h"
 #include "linux/bus/BusEndpoint.h"
-#include "linux/EventLoop.h"
 
 namespace quorel {
 

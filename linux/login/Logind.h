@@ -5,8 +5,8 @@
 #include <functional>
 #include <string>
 
-#include "linux/bus/Bus.h"
 #include "linux/FileDescriptor.h"
+#include "linux/bus/Bus.h"
 
 namespace quorel {
 

@@ -5,9 +5,9 @@
 #include <ctime>
 #include <utility>
 
+#include "linux/JournalLog.h"
 #include "linux/pane/Browser.h"
 #include "linux/pane/BusCommunicationCenter.h"
-#include "linux/JournalLog.h"
 #include "linux/pane/PolkitAuthorization.h"
 #include "linux/pane/RootedPropertyListFiles.h"
 #include "linux/pane/ThreadDispatch.h"

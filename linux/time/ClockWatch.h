@@ -3,9 +3,9 @@
 #include <functional>
 #include <optional>
 
-#include "linux/time/Clocks.h"
 #include "linux/EventLoop.h"
 #include "linux/FileDescriptor.h"
+#include "linux/time/Clocks.h"
 
 namespace quorel {
 

@@ -7,8 +7,8 @@
 #include <sstream>
 
 #include "agent/tray/Tray.h"
-#include "words/Language.h"
 #include "model/Dictionary.h"
+#include "words/Language.h"
 
 using namespace quorel;
 

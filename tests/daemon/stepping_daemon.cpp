@@ -5,8 +5,8 @@
 #include <string>
 
 #include "daemon/Daemon.h"
-#include "linux/time/Clocks.h"
 #include "linux/JournalLog.h"
+#include "linux/time/Clocks.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "configurator/VXConfigurator.h"
-#include "model/Dictionary.h"
 #include "headless/HeadlessPlatform.h"
+#include "model/Dictionary.h"
 
 namespace quorel::test {
 

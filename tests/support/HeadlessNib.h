@@ -3,9 +3,9 @@
 #include <memory>
 
 #include "configurator/VXConfigurator.h"
+#include "headless/HeadlessPlatform.h"
 #include "model/Schedule.h"
 #include "pane/VXPrefPaneController.h"
-#include "headless/HeadlessPlatform.h"
 
 namespace quorel::test {
 
