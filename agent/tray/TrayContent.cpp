@@ -38,8 +38,8 @@ TrayContent contentOf(std::string title, const std::vector<std::string>& lines, 
     };
     for (const std::string& line : lines) add(line, false, TrayContent::kNone);
     content.menu.emplace_back();
-    add(translated("In 15 minutes"), mayPostpone && !content.token.empty(), TrayContent::kPostpone);
-    add(translated("Not this time"), maySkip && !content.token.empty(), TrayContent::kSkip);
+    add(translated("Postpone 15 minutes"), mayPostpone && !content.token.empty(), TrayContent::kPostpone);
+    add(translated("Skip"), maySkip && !content.token.empty(), TrayContent::kSkip);
     content.menu.emplace_back();
     add(translated("Check for Updates"), true, TrayContent::kCheckUpdates);
     add(translated("Open Settings"), true, TrayContent::kOpenSettings);

@@ -39,6 +39,13 @@ std::string titleOf(const Value& occurrence) {
     return filled(text, {timeText(occurrence["At"].integer())});
 }
 
+/// The title has the time already, unless it is another than was planned.
+std::string bodyOf(const Value& occurrence) {
+    const std::string due = timeText(occurrence["Due"].integer());
+    if (due == timeText(occurrence["At"].integer())) return translated("As planned.");
+    return filled(translated("Planned for {1}."), {due});
+}
+
 /// "Sleep, planned for 23:15".
 std::string reasonOf(const Value& occurrence) {
     return filled(translated("{1}, planned for {2}"),
@@ -89,10 +96,10 @@ void Warnings::update() {
 }
 
 void Warnings::show(Warning& warning) {
-    Message message{titleOf(warning.occurrence), reasonOf(warning.occurrence)};
+    Message message{titleOf(warning.occurrence), bodyOf(warning.occurrence)};
     message.isUrgent = true;
-    if (warning.permission.postpone) message.buttons.push_back({kPostponeKey, translated("In 15 minutes")});
-    if (warning.permission.skip) message.buttons.push_back({kSkipKey, translated("Not this time")});
+    if (warning.permission.postpone) message.buttons.push_back({kPostponeKey, translated("Postpone 15 minutes")});
+    if (warning.permission.skip) message.buttons.push_back({kSkipKey, translated("Skip")});
     warning.notifier->show(std::move(message));
 }
 

@@ -129,7 +129,7 @@ class TrayTest(unittest.TestCase):
         self.wait_for_icon()
         self.assertEqual(self.labels(), [
             "Sleep, Mon 2026-11-23 23:15 (skipped by alice)", "Back__up, Mon 2026-11-23 23:30",
-            "Wake up, Mon 2026-11-23 23:45", "-", "In 15 minutes", "Not this time", "-", "Check for Updates",
+            "Wake up, Mon 2026-11-23 23:45", "-", "Postpone 15 minutes", "Skip", "-", "Check for Updates",
             "Open Settings"])
         self.click(HEIGHT // 3, HEIGHT // 2)
         self.assertEqual(self.heard(), "settings")

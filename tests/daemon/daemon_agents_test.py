@@ -22,8 +22,13 @@ SCHEDULER = "com.quorel.Scheduler1"
 RULE = """polkit.addRule(function(action, subject) {
     if (action.id != 'com.quorel.modify-preferences' && subject.user == 'nobody') return 'yes'; });"""
 PLANNED = "Sleep, planned for 23:15"
-TITLE = "Going to sleep at {}"
-BUTTONS = ["postpone", "In 15 minutes", "skip", "Not this time"]
+BUTTONS = ("postpone", "Postpone 15 minutes", "skip", "Skip")
+
+
+def warning(at, buttons=BUTTONS):
+    """What a user is shown of the sleep that was planned for 23:15."""
+    body = "As planned." if at == "23:15" else "Planned for 23:15."
+    return (f"Going to sleep at {at}", body, list(buttons), 2, 0)
 
 
 class IdleMonitor(dbus.service.Object):
@@ -88,12 +93,12 @@ class AgentsTest(ActingCase):
         self.start(schedule(SLEEP, "23:15"))
         (_, nobodys), (_, others) = self.log_in(NOBODY), self.log_in(OTHER)
         self.reach("23:14", "warned")
-        self.expect(nobodys, (TITLE.format("23:15"), PLANNED, BUTTONS, 2, 0))
-        self.expect(others, (TITLE.format("23:15"), PLANNED, [], 2, 0))
+        self.expect(nobodys, warning("23:15"))
+        self.expect(others, warning("23:15", []))
         nobodys.press("postpone")
         self.expect(others, (PLANNED, "postponed until 23:30 by nobody", [], 1, -1))
         self.reach("23:29", "warned")
-        self.expect(nobodys, (TITLE.format("23:30"), PLANNED, BUTTONS, 2, 0))
+        self.expect(nobodys, warning("23:30"))
         bus = self.system.connect()
         self.addCleanup(bus.close)
         scheduler = dbus.Interface(bus.get_object("com.quorel.Daemon", "/com/quorel/Scheduler"), SCHEDULER)
@@ -102,7 +107,7 @@ class AgentsTest(ActingCase):
             pass
         nobodys.press("skip")  # which is too much by now; the warning stays
         self.expect(nobodys, (PLANNED, "More than ten changes a minute are not taken.", [], 1, -1),
-                    (TITLE.format("23:30"), PLANNED, BUTTONS, 2, 0))
+                    warning("23:30"))
         scheduler.Skip(scheduler.Upcoming(1)[0]["Token"])
         self.expect(others, (PLANNED, "skipped by root", [], 1, -1))
         self.expect(nobodys, (PLANNED, "skipped by root", [], 1, -1))
@@ -115,14 +120,14 @@ class AgentsTest(ActingCase):
         connection, server = self.log_in(NOBODY)
         for before, at, next_one in (("23:14", "23:15", "23:30"), ("23:29", "23:30", "23:45")):
             self.reach(before, "warned")
-            self.expect(server, (TITLE.format(at), PLANNED, BUTTONS, 2, 0))
+            self.expect(server, warning(at))
             server.press("postpone")
             self.wait_for(lambda: self.at() == instant(next_one), next_one)
             self.expect(server)
         server.end()
         self.reach("23:44", "warned")
         server = NotificationServer(connection)  # has been restarted; a while later everything is on the screen again
-        self.expect(server, (TITLE.format("23:45"), PLANNED, BUTTONS, 2, 0))
+        self.expect(server, warning("23:45"))
         server.CloseNotification(*server.screen)
         server.end()
         self.move_to("23:45")

@@ -29,7 +29,7 @@ class LockCase(PaneCase):
         """Of everything behind the lock, what can be used."""
         views = {view.get("toolTip") or view.get("title"): view.get("enabled")
                  for window in self.screen.look() for view in window["views"]}
-        names = (*OPTIONS, "How often to check", *COMMANDS, "Save the settings", "Take back the saved settings")
+        names = (*OPTIONS, "How often to check", *COMMANDS, "Save the settings", "Discard changes")
         return [name for name in names if views[name]]
 
     def enabled_cells(self):

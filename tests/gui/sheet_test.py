@@ -8,10 +8,10 @@ TIME = ("Hours", "Minutes", "Morning or afternoon")
 DAY_TITLES = tuple(day[:3] for day in DAYS)
 SEPARATOR = "-----------"
 SLEEP_PARAMETERS = {"Needs Startup": False, "Needs Wake Up": False, "Only When Idle": False, "Idle Minutes": 15}
-IDLE = "Only when nobody has used it for"
-IDLE_MINUTES = "Time without use, from 1 to 999 minutes"
+IDLE = "Only if idle for"
+IDLE_MINUTES = "Idle time, from 1 to 999 minutes"
 MESSAGE_TITLE, MESSAGE = "Title of the message", "Text of the message"
-FLAGS = ("Start the computer up", "Wake the computer up")
+FLAGS = ("Turn the computer on", "Wake the computer up")
 MAY_BE_CUT = ("Show All", ":")  # the host's; narrower than the margins that cells leave
 
 
@@ -80,7 +80,7 @@ class SheetTest(PaneCase):
         self.type_over(IDLE_MINUTES, "45")
         self.save()
 
-        self.assertEqual(screen.rows()[0]["Infos"]["Action"], "After 45 min without use")
+        self.assertEqual(screen.rows()[0]["Infos"]["Action"], "After 45 min idle")
         self.wait_times("8:02", "6:15")
         self.apply()
         parameters = dict(SLEEP_PARAMETERS, **{"Only When Idle": True, "Idle Minutes": 45})
@@ -94,12 +94,12 @@ class SheetTest(PaneCase):
         self.wait_sheet()
         self.wait_time("11", "00", "PM")
         self.assertEqual(self.by_tip("Type of action")["title"], "Sleep")
-        self.assertIsNotNone(self.by_tip("What the action needs")["image"])
-        self.choose("Wake up")
+        self.assertIsNotNone(self.by_tip("Sun: wakes the computer up. Power sign: turns it on.")["image"])
+        self.choose("Wake Up")
         screen.wait(title="Wake the computer up", enabled=False, state=1)
         screen.wait(value="This action has no options.")
-        screen.click(screen.wait(title="Start the computer up", enabled=True, state=0))
-        screen.wait(title="Start the computer up", state=1)
+        screen.click(screen.wait(title="Turn the computer on", enabled=True, state=0))
+        screen.wait(title="Turn the computer on", state=1)
         self.save()
         self.wait_times("10:30", "6:15", "11:00")
         self.assertTrue(screen.rows()[2]["Infos"]["Startup"])
@@ -148,7 +148,7 @@ class SheetTest(PaneCase):
             self.cancel()
         # Picking a type leaves the top edge where it is.
         top = self.open_row(1)["frame"][1]
-        for title in ("Sleep", "Wake up", "Sleep"):
+        for title in ("Sleep", "Wake Up", "Sleep"):
             self.choose(title)
             self.assertEqual(screen.modal()["frame"][1], top)
         self.assertEqual([heights[0] - height for height in heights[:3]], [0, 22, 22])
@@ -202,12 +202,12 @@ class SheetTest(PaneCase):
 
         self.open_row(1)
         self.assertEqual(self.by_tip("Type of action")["items"],
-                         ["Shut Down", "Sleep", "Wake up", SEPARATOR, "Message", "Open", "Say a message"])
+                         ["Shut Down", "Sleep", "Wake Up", SEPARATOR, "Message", "Open", "Say a message"])
         screen.wait(toolTip="What is said", value="Tea")
         screen.wait(toolTip="How many times it is said", title="2")
         screen.wait(title="Wake the computer up", enabled=False, state=1)
         screen.wait(value="Is not said if the computer is off.")
-        screen.click(self.button("Start the computer up"))
+        screen.click(self.button("Turn the computer on"))
         screen.wait(value="Is said even if the computer is off.")
         self.assert_inside_options()
         screen.choose(self.by_tip("How many times it is said"), "5")

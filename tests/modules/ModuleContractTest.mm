@@ -160,7 +160,7 @@ constexpr const char *kNone = nullptr;
 constexpr Expected kModules[] = {
     {BUILT_IN_MODULES "/Sleep.vxplugin", "com.quorel.plugin.Sleep", "Sleep", "Veille", kNone, kNone,  //
      true, false, false, false, true},
-    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake up", "Réveil", kNone, kNone,  //
+    {BUILT_IN_MODULES "/WakeUp.vxplugin", "com.quorel.plugin.WakeUp", "Wake Up", "Réveil", kNone, kNone,  //
      true, true, false, true, false},
     {BUILT_IN_MODULES "/ShutDown.vxplugin", "com.quorel.plugin.ShutDown", "Shut Down", "Extinction", kNone, kNone,  //
      true, false, false, false, true},
