@@ -27,7 +27,11 @@ inline constexpr std::size_t kMaximumUserInfoBytes = std::size_t{2} * 1024 * 102
 inline constexpr const char* kPath = "/com/quorel/Communication";
 inline constexpr const char* kInterface = "com.quorel.Communication1";
 inline constexpr const char* kPing = "Ping";
-inline constexpr const char* kPostNotification = "PostNotification";
+inline constexpr const char* kPostNotification = "PostNotification";  ///< name, object, user information
+/// The same with a base: what the sender would have sent right after it last read, had nobody touched anything.
+inline constexpr const char* kPostEdits = "PostEdits";
+/// Key of a base, with 1 under it: nothing was stored when the sender read.
+inline constexpr std::string_view kNothingStored = "Nothing Stored";
 
 inline constexpr const char* kBusy = "com.quorel.Error.Busy";
 inline constexpr const char* kFailed = "com.quorel.Error.Failed";
