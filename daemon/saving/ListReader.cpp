@@ -10,7 +10,7 @@
 #include <exception>
 #include <utility>
 
-#include "daemon/saving/PreferencesValidator.h"
+#include "planning/PreferencesCheck.h"
 #include "model/Names.h"
 #include "model/PropertyList.h"
 

@@ -1,4 +1,4 @@
-#include "daemon/saving/PreferencesValidator.h"
+#include "planning/PreferencesCheck.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ Value preferencesWith(std::string_view key, Value value) {
         .with(key, std::move(value));
 }
 
-TEST(PreferencesValidatorTest, WhatThePaneCanSendIsFine) {
+TEST(PreferencesCheckTest, WhatThePaneCanSendIsFine) {
     const Value strangeSchedule(Dictionary{{"Action Hour", Array{}},
                                            {"Action Type", 7},
                                            {"Action Parameters", Dictionary{{"deep", Array{Data{1}, Date{1}, 1.5}}}},
@@ -38,7 +38,7 @@ TEST(PreferencesValidatorTest, WhatThePaneCanSendIsFine) {
     for (const auto& [key, value] : cases) EXPECT_EQ(faultInPreferences(preferencesWith(key, value)), std::nullopt);
 }
 
-TEST(PreferencesValidatorTest, FaultsAreNamed) {
+TEST(PreferencesCheckTest, FaultsAreNamed) {
     const struct {
         std::string_view key;
         Value value;

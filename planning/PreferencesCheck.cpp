@@ -1,4 +1,4 @@
-#include "daemon/saving/PreferencesValidator.h"
+#include "planning/PreferencesCheck.h"
 
 #include <algorithm>
 #include <cstdint>
