@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <limits>
-#include <string_view>
 
 #include "model/Dictionary.h"
 #include "model/Preferences.h"
@@ -46,18 +46,21 @@ constexpr struct {
 
 }  // namespace
 
+std::optional<std::string> faultInPreference(std::string_view key, const Value& value) {
+    const auto* known = std::ranges::find(kKeys, key, [](const auto& one) { return one.key; });
+    if (known == std::end(kKeys)) return "The key " + quoted(key) + " is unknown.";
+    if (value.isAbsent()) return "The key " + quoted(key) + " is missing.";
+    if (const char* fault = known->faultIn(value)) return "The value of " + quoted(key) + " " + fault + ".";
+    return {};
+}
+
 std::optional<std::string> faultInPreferences(const Value& preferences) {
     if (!preferences.isDictionary()) return "The preferences are no dictionary.";
-    for (const auto& [key, faultIn] : kKeys) {
-        const Value& value = preferences[key];
-        if (value.isAbsent()) return "The key " + quoted(key) + " is missing.";
-        if (const char* fault = faultIn(value)) return "The value of " + quoted(key) + " " + fault + ".";
-    }
+    for (const auto& one : kKeys)
+        if (auto fault = faultInPreference(one.key, preferences[one.key])) return fault;
     const Dictionary& entries = preferences.dictionary();
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const bool known = std::ranges::any_of(kKeys, [&](const auto& one) { return one.key == entries.keyAt(i); });
-        if (!known) return "The key " + quoted(entries.keyAt(i)) + " is unknown.";
-    }
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (auto fault = faultInPreference(entries.keyAt(i), entries.valueAt(i))) return fault;
     const Array& schedules = preferences[preferences::kScheduleArray].array();
     const auto wrong = std::ranges::find_if(schedules, [](const Value& schedule) { return !schedule.isDictionary(); });
     if (wrong == schedules.end()) return {};

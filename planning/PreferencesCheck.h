@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "model/Value.h"
 
@@ -11,5 +12,7 @@ namespace quorel {
 /// must be the six of the file, each of its kind; a Schedule may hold any entries. Depth and size have been bounded by
 /// whoever decoded them.
 std::optional<std::string> faultInPreferences(const Value& preferences);
+/// The same of one value under a key of the file.
+std::optional<std::string> faultInPreference(std::string_view key, const Value& value);
 
 }  // namespace quorel

@@ -10,9 +10,9 @@
 #include <exception>
 #include <utility>
 
-#include "planning/PreferencesCheck.h"
 #include "model/Names.h"
 #include "model/PropertyList.h"
+#include "planning/PreferencesCheck.h"
 
 namespace quorel {
 
