@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "model/Dictionary.h"
+#include "model/PlainText.h"
 #include "scheduler/Instant.h"
 
 namespace quorel {
@@ -98,9 +99,5 @@ inline constexpr std::string_view kUntold = "untold";  ///< nothing tells for ho
 enum class ActionEnd { kRan, kFailed, kTimedOut, kNotStarted, kUnknown };
 inline constexpr std::string_view kActionEnds[] = {outcome::kRan, outcome::kFailed, outcome::kTimedOut,
                                                    outcome::kNotStarted, outcome::kUnknown};
-
-/// What came from elsewhere, fit for a line of a journal, a terminal or a menu: at most 120 characters, in place of
-/// control and direction characters and of what is no UTF-8 stands U+FFFD.
-std::string plainText(std::string_view text);
 
 }  // namespace quorel

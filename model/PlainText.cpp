@@ -1,6 +1,6 @@
-#include <cstddef>
+#include "model/PlainText.h"
 
-#include "scheduler/Outcome.h"
+#include <cstddef>
 
 namespace quorel {
 
