@@ -19,6 +19,18 @@ inline constexpr int kMostIdleMinutes = 999;
 
 inline constexpr std::string_view kRestart = "Restart";  ///< flag: a shut-down that starts the computer again
 
+/// Text: how the computer sleeps, one of those below; the first when absent.
+inline constexpr std::string_view kSleepKind = "Kind";
+inline constexpr std::string_view kSuspend = "suspend";
+inline constexpr std::string_view kHibernate = "hibernate";
+inline constexpr std::string_view kSuspendThenHibernate = "suspend-then-hibernate";
+inline constexpr std::string_view kAsTheSystemDoes = "system";  ///< whichever the system prefers
+
+inline constexpr std::string_view kUntil = "Until";  ///< text: the time of day (TimeOfDay.h) until which it stays awake
+
+inline constexpr std::string_view kProgram = "Program";      ///< text: the absolute path of a program to run
+inline constexpr std::string_view kArguments = "Arguments";  ///< text: its arguments, one a line
+
 inline constexpr std::string_view kTarget = "Target";  ///< text: an application, a file or a web address to open
 inline constexpr std::string_view kTitle = "Title";    ///< text: of a message
 inline constexpr std::string_view kText = "Text";      ///< text: of a message, of several lines perhaps

@@ -22,6 +22,7 @@ inline constexpr std::array<std::string_view, 7> kActiveOnDays = {
 inline constexpr std::string_view kSleepType = "com.quorel.plugin.Sleep";
 inline constexpr std::string_view kWakeUpType = "com.quorel.plugin.WakeUp";
 inline constexpr std::string_view kShutDownType = "com.quorel.plugin.ShutDown";
+inline constexpr std::string_view kStayAwakeType = "com.quorel.plugin.StayAwake";
 
 /// The table's column that sums up the action. No Schedule has such a key.
 inline constexpr std::string_view kInfos = "Infos";

@@ -1,6 +1,6 @@
 #import "modules/VXPlugIn.h"
 
-#include "model/ModuleKeys.h"
+#include "actions/DescriptionKeys.h"
 #include "modules/Parameters.h"
 
 using namespace quorel;
@@ -30,11 +30,11 @@ using namespace quorel;
 
 /* What the computer itself does, beside which what programs do is listed. */
 - (BOOL)isBaseModule {
-    return [self information:module_keys::kProgram] == nil;
+    return [self information:description_keys::kProgram] == nil;
 }
 
 - (NSString *)pluginIdentifier {
-    return [self information:module_keys::kActionType];
+    return [self information:description_keys::kType];
 }
 
 - (NSString *)pluginName {

@@ -132,7 +132,7 @@ void Acting::ended(const Outcome& outcome) {
 }
 
 Value Acting::named(const Value& told) const {
-    const ModuleInfo* module = modules().find(told["Action"].text());
+    const ActionDescription* module = modules().find(told["Action"].text());
     return module && module->names.size() > 0 ? told.with("Names", module->names) : told;
 }
 

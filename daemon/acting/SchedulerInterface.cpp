@@ -127,7 +127,7 @@ int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) 
 
 int SchedulerInterface::modules(sd_bus_message* call, void* self, sd_bus_error*) {
     Array modules;
-    for (const ModuleInfo& one : static_cast<SchedulerInterface*>(self)->_acting.modules().modules())
+    for (const ActionDescription& one : static_cast<SchedulerInterface*>(self)->_acting.modules().modules())
         modules.push_back(one.value());
     return replyDictionaries(call, modules);
 }

@@ -48,19 +48,19 @@ ModuleActions::ModuleActions(EventLoop& loop, sd_bus* bus, const std::string& ro
       _lock(bus, "sleep", "block") {}
 
 std::optional<Module> ModuleActions::module(const std::string& action) const {
-    const ModuleInfo* found = _registry.find(action);
+    const ActionDescription* found = _registry.find(action);
     if (!found) return {};
-    return Module{found->fault.empty() && !found->program.empty(), found->makeUp};
+    return Module{found->isSound() && !found->program.empty(), found->makeUp};
 }
 
 void ModuleActions::start(const Occurrence& occurrence, bool madeUp) {
     const std::string token = occurrence.token();
     const ScheduleReading& schedule = *occurrence.schedule;
-    const ModuleInfo* module = _registry.find(schedule.action);
+    const ActionDescription* module = _registry.find(schedule.action);
     const Value& parameters = schedule.parameters;
     const auto input = encodePropertyList(parameters.isDictionary() ? parameters : Dictionary());
     begin(token);
-    if (!module || !module->fault.empty() || !input)
+    if (!module || !module->isSound() || !input)
         return end(token, ActionEnd::kNotStarted, 0, std::string(outcome::kNoModule));
 
     const std::string path = _registry.programPath(*module);
@@ -88,7 +88,7 @@ void ModuleActions::start(const Occurrence& occurrence, bool madeUp) {
 
 void ModuleActions::find(const Occurrence& occurrence) {
     const std::string token = occurrence.token();
-    const ModuleInfo* module = _registry.find(occurrence.schedule->action);
+    const ActionDescription* module = _registry.find(occurrence.schedule->action);
     begin(token);
     if (!module || module->isSystem) return _units.find(unitName(token), ender(token));
     Dictionary action = actionFor(occurrence);

@@ -8,9 +8,8 @@
 #include <utility>
 
 #include "ProductVersion.h"
+#include "actions/DescriptionKeys.h"
 #include "kit/MOLLog.h"
-#include "model/PropertyList.h"
-#include "model/PropertyListText.h"
 
 namespace quorel {
 
@@ -19,11 +18,10 @@ namespace {
 constexpr std::string_view kExtension = ".vxplugin";
 constexpr const char* kResources = "Resources";
 constexpr std::size_t kMostModules = 256;
-constexpr std::size_t kLongestInfo = std::size_t{64} * 1024;
 
 /// A link is refused with ELOOP, or as no folder.
 std::string_view faultOf(int error, std::string_view otherwise) {
-    return error == EPERM || error == ELOOP || error == ENOTDIR ? module_fault::kUntrusted : otherwise;
+    return error == EPERM || error == ELOOP || error == ENOTDIR ? description_fault::kUntrusted : otherwise;
 }
 
 }  // namespace
@@ -33,56 +31,60 @@ void ModuleRegistry::scan() {
     const TrustedFolder plugIns = TrustedFolder::open(_root, product::kPlugInsFolder);
     if (!plugIns) {
         if (errno != ENOENT)
-            say(std::string("What lies in ") + product::kPlugInsFolder, faultOf(errno, module_fault::kUnreadable));
+            say(std::string("What lies in ") + product::kPlugInsFolder,
+                {faultOf(errno, description_fault::kUnreadable), {}});
         return;
     }
     for (const std::string& name : plugIns.names()) {
         if (!name.ends_with(kExtension) || _modules.size() == kMostModules) continue;
-        ModuleInfo module = read(plugIns, name);
-        if (!module.action.empty() && find(module.action)) module.fault = module_fault::kTaken;
-        if (!module.fault.empty()) say("The module " + name, module.fault);
+        ActionDescription module = read(plugIns, name);
+        const ActionDescription* first = find(module.type);
+        if (module.isSound() && first && first->isSound()) module.faults.push_back({description_fault::kTaken, {}});
+        if (!module.isSound()) say("The module " + name, module.faults.front());
         _modules.push_back(std::move(module));
     }
 }
 
-ModuleInfo ModuleRegistry::read(const TrustedFolder& plugIns, const std::string& name) const {
-    ModuleInfo refused;
+ActionDescription ModuleRegistry::read(const TrustedFolder& plugIns, const std::string& name) const {
+    ActionDescription refused;
     refused.bundle = name;
     errno = 0;
     const TrustedFolder bundle = plugIns.folder(name);
     const TrustedFolder resources = bundle ? bundle.folder(kResources) : TrustedFolder();
-    const auto bytes = resources ? resources.contents("Info-gnustep.plist", kLongestInfo) : std::nullopt;
+    const auto bytes =
+        resources ? resources.contents("Info-gnustep.plist", description_keys::kMostBytes) : std::nullopt;
     if (!bytes) {
-        refused.fault = faultOf(errno, module_fault::kUnreadable);
+        refused.faults.push_back({faultOf(errno, description_fault::kUnreadable), {}});
         return refused;
     }
-    Value dictionary = decodePropertyList(*bytes, kLongestInfo);
-    if (dictionary.isAbsent()) dictionary = decodePropertyListText(*bytes);
-    if (!dictionary.isDictionary()) {
-        refused.fault = module_fault::kUnreadable;
-        return refused;
-    }
-    ModuleInfo module = ModuleInfo::from(name, dictionary);
-    if (module.program.empty() || !module.fault.empty()) return module;
+    ActionDescription module = ActionDescription::read(name, *bytes);
+    if (module.program.empty() || !module.isSound()) return module;
     const FileDescriptor program = resources.file(module.program);
     struct stat status {};
     const bool isProgram = program && fstat(program.get(), &status) == 0 && (status.st_mode & S_IXUSR) != 0 &&
                            (status.st_mode & S_IXOTH) != 0;
-    if (!isProgram) module.fault = module_fault::kBadProgram;
+    if (!isProgram) module.faults.push_back({description_fault::kBadProgram, {}});
     return module;
 }
 
-const ModuleInfo* ModuleRegistry::find(const std::string& action) const {
-    const auto found = std::ranges::find(_modules, action, &ModuleInfo::action);
-    return action.empty() || found == _modules.end() ? nullptr : &*found;
+const ActionDescription* ModuleRegistry::find(const std::string& type) const {
+    const ActionDescription* broken = nullptr;
+    for (const ActionDescription& module : _modules) {
+        if (type.empty() || module.type != type) continue;
+        if (module.isSound()) return &module;
+        if (!broken) broken = &module;
+    }
+    return broken;
 }
 
-std::string ModuleRegistry::programPath(const ModuleInfo& module) const {
+std::string ModuleRegistry::programPath(const ActionDescription& module) const {
     return _root + product::kPlugInsFolder + "/" + module.bundle + "/" + kResources + "/" + module.program;
 }
 
-void ModuleRegistry::say(const std::string& who, std::string_view fault) {
-    if (_said.emplace(who, fault).second) MOLLog("%s cannot act: %s.", who.c_str(), std::string(fault).c_str());
+void ModuleRegistry::say(const std::string& who, const DescriptionFault& fault) {
+    const std::string where = fault.key.empty() ? "" : " (" + fault.key + ")";
+    const std::string what = std::string(fault.code) + where;
+    if (_said.emplace(who, what).second) MOLLog("%s cannot act: %s.", who.c_str(), what.c_str());
 }
 
 }  // namespace quorel

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "daemon/modules/ModuleInfo.h"
+#include "actions/ActionDescription.h"
 #include "linux/units/TrustedFolder.h"
 
 namespace quorel {
@@ -21,18 +21,18 @@ public:
     void scan();
 
     /// By the names of their bundles, those that cannot act among them.
-    const std::vector<ModuleInfo>& modules() const { return _modules; }
-    /// Null where nobody has that action. Until the next scan.
-    const ModuleInfo* find(const std::string& action) const;
+    const std::vector<ActionDescription>& modules() const { return _modules; }
+    /// The first sound one of that type, or else the first; null where nobody has it. Until the next scan.
+    const ActionDescription* find(const std::string& type) const;
     /// Absolute.
-    std::string programPath(const ModuleInfo& module) const;
+    std::string programPath(const ActionDescription& module) const;
 
 private:
-    ModuleInfo read(const TrustedFolder& plugIns, const std::string& name) const;
-    void say(const std::string& who, std::string_view fault);
+    ActionDescription read(const TrustedFolder& plugIns, const std::string& name) const;
+    void say(const std::string& who, const DescriptionFault& fault);
 
     const std::string _root;
-    std::vector<ModuleInfo> _modules;
+    std::vector<ActionDescription> _modules;
     std::set<std::pair<std::string, std::string>> _said;
 };
 

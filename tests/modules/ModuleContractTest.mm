@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-#include "model/ModuleKeys.h"
+#include "actions/DescriptionKeys.h"
 
 typedef NSObject<VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages> Module;
 
-using namespace quorel::module_keys;
+using namespace quorel::description_keys;
 
 namespace {
 
@@ -104,7 +104,7 @@ TEST_P(ModuleContract, SaysWhoItIs) {
 TEST_P(ModuleContract, TellsTheSameToWhoLoadsNoClass) {
     NSDictionary *information = [bundle infoDictionary];
     NSDictionary *names = [information objectForKey:key(kNames)];
-    EXPECT_STREQ([[information objectForKey:key(kActionType)] UTF8String], GetParam().identifier);
+    EXPECT_STREQ([[information objectForKey:key(kType)] UTF8String], GetParam().identifier);
     EXPECT_STREQ([[names objectForKey:@"en"] UTF8String], GetParam().name);
     EXPECT_STREQ([[names objectForKey:@"fr"] UTF8String], GetParam().frenchName);
     NSString *table = [bundle pathForResource:@"Localizable"

@@ -1,0 +1,140 @@
+#include "actions/ActionDescription.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "actions/DescriptionKeys.h"
+#include "model/ActionParameters.h"
+#include "model/PlainText.h"
+
+namespace quorel {
+
+namespace {
+
+constexpr std::string_view kPlace = "%@";
+
+bool isOn(const Value& parameters, const std::string& flag) {
+    return flag.empty() || parameters[flag].intValue() != 0;
+}
+
+/// Whether the line is to tell it.
+bool isWorthTelling(const Option& option, const Value& value) {
+    switch (option.kind) {
+        case OptionKind::kFlag:
+            return value.intValue() != 0;
+        case OptionKind::kText:
+        case OptionKind::kLines:
+            return !value.text().empty();
+        case OptionKind::kChoice:
+            return value != option.standard;
+        case OptionKind::kNumber:
+        case OptionKind::kTime:
+            break;
+    }
+    return true;
+}
+
+std::string shownValue(const Option& option, const Value& value, std::string_view language) {
+    if (option.kind == OptionKind::kNumber) return std::to_string(value.intValue());
+    if (option.kind == OptionKind::kChoice) {
+        const auto choice = std::ranges::find(option.choices, value.text(), &Choice::value);
+        if (choice != option.choices.end()) return inLanguage(choice->names, language);
+    }
+    const std::string& text = value.text();
+    // Of a file its name does.
+    const bool isPath = option.isFile && (text.starts_with('/') || text.starts_with("~/")) && !text.ends_with('/');
+    return isPath ? text.substr(text.rfind('/') + 1) : text;
+}
+
+/// What begins a line begins with a capital: a letter from "a" to "z", or one of those with accents, of two bytes.
+void capitalize(std::string& text) {
+    if (text.empty()) return;
+    if (text[0] >= 'a' && text[0] <= 'z') text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    const bool isAccented = text.size() > 1 && text[0] == '\xC3' && text[1] >= '\xA0' && text[1] <= '\xBE';
+    if (isAccented && text[1] != '\xB7') text[1] = static_cast<char>(text[1] - 0x20);  // that one is no letter
+}
+
+Array textsOf(std::initializer_list<std::pair<bool, std::string_view>> words) {
+    Array texts;
+    for (const auto& [isThere, word] : words)
+        if (isThere) texts.emplace_back(word);
+    return texts;
+}
+
+}  // namespace
+
+const Option* ActionDescription::option(std::string_view key) const {
+    const auto found = std::ranges::find(options, key, &Option::key);
+    return found == options.end() ? nullptr : &*found;
+}
+
+Value ActionDescription::standards() const {
+    return completed(Dictionary{{parameters::kNeedsWakeUp, wakesUp.standard},  //
+                                {parameters::kNeedsStartup, startsUp.standard}});
+}
+
+Value ActionDescription::completed(const Value& stored) const {
+    Dictionary complete = stored.dictionary();
+    for (const Option& option : options) complete.set(option.key, option.completed(stored[option.key]));
+    complete.set(parameters::kNeedsWakeUp, wakesUp.completed(stored[parameters::kNeedsWakeUp]));
+    complete.set(parameters::kNeedsStartup, startsUp.completed(stored[parameters::kNeedsStartup]));
+    return complete;
+}
+
+std::string ActionDescription::line(const Value& stored, std::string_view language) const {
+    const Value own = completed(stored);
+    std::string line;
+    for (const Option& option : options) {
+        std::string part = inLanguage(option.says, language);
+        const Value& value = own[option.key];
+        if (part.empty() || !isOn(own, option.dependsOn) || !isWorthTelling(option, value)) continue;
+        if (line.empty()) capitalize(part);
+        if (const std::size_t place = part.find(kPlace); place != std::string::npos)
+            part.replace(place, kPlace.size(), shownValue(option, value, language));
+        line.append(line.empty() ? "" : ", ").append(part);
+    }
+    if (line.empty()) line = inLanguage(says, language);
+    if (line.empty()) line = inLanguage(names, language);
+    std::ranges::replace_if(
+        line, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+    return plainText(line);
+}
+
+std::optional<Value> ActionDescription::withWords(const Value& stored, std::span<const std::string> words) const {
+    Value result = stored;
+    for (const Option& option : options) {
+        if (!option.takesWords || words.empty()) continue;
+        const std::size_t count = option.kind == OptionKind::kLines ? words.size() : 1;
+        std::string text;
+        for (const std::string& word : words.first(count)) {
+            if (word.find('\n') != std::string::npos) return {};
+            text.append(&word == &words.front() ? "" : "\n").append(word);
+        }
+        words = words.subspan(count);
+        const std::optional<Value> value = option.valueOf(text);
+        if (!value) return {};
+        result = result.with(option.key, *value);
+    }
+    return words.empty() ? std::optional(result) : std::nullopt;
+}
+
+Value ActionDescription::value() const {
+    Dictionary value{{"Bundle", plainText(bundle)}};
+    if (!type.empty()) value.set("Action", plainText(type));
+    if (names.size() > 0) value.set("Names", names);
+    if (!faults.empty()) value.set("Fault", faults.front().code);
+    if (!faults.empty() && !faults.front().key.empty()) value.set("FaultKey", plainText(faults.front().key));
+    const bool isKnown = faults.empty() || faults.front().code == description_fault::kBadProgram ||
+                         faults.front().code == description_fault::kTaken;
+    if (program.empty() || !isKnown) return value;
+    value.set("Program", program);
+    value.set("RunsAs", isSystem ? description_keys::kSystem : description_keys::kUser);
+    value.set("TimeLimit", limit);
+    value.set("MakeUp", makeUp);
+    Array needs = textsOf({{mayUseNetwork, description_keys::kNetwork}, {isRoot, description_keys::kRoot}});
+    if (!needs.empty()) value.set("Needs", std::move(needs));
+    if (!writes.empty()) value.set("Writes", Array(writes.begin(), writes.end()));
+    return value;
+}
+
+}  // namespace quorel
