@@ -11,6 +11,7 @@
 #include "ctl/Page.h"
 #include "model/Dictionary.h"
 #include "model/Names.h"
+#include "model/PlainText.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
@@ -75,8 +76,8 @@ std::string alarmText(const Value& alarm) {
                      {momentText(alarm["Others"].integer())});
     }
     if (!fault.empty() && why.empty()) {
-        const std::string reason = plainText(alarm["Reason"].text());
-        why = filled(translated("it could not be set: {1}"), {reason.empty() ? plainText(fault) : reason});
+        const std::string& reason = alarm["Reason"].text();
+        why = filled(translated("it could not be set: {1}"), {reason.empty() ? fault : reason});
     }
     if (why.empty()) return at.isInteger() ? momentText(at.integer()) : translated("none is needed");
     if (!at.isInteger()) return filled(translated("cannot be set: {1}"), {why});
@@ -88,7 +89,7 @@ ExitStatus showStatus(const Page& page, bool json) {
     const Answer status = daemon.ask(wire::scheduler::kStatus);
     if (status.failure == Failure::kNotRunning) {
         if (json) page.line(jsonText(Dictionary{{"Running", false}}));
-        if (!json) page.line(page.dot(Colour::kNone, false) + " " + translated("quorel-daemon is not running"));
+        if (!json) page.headline(Colour::kNone, false, translated("quorel-daemon is not running"));
         return ExitStatus::kNotRunning;
     }
     if (status.failure != Failure::kNone) return fail(status);
@@ -105,8 +106,8 @@ ExitStatus showStatus(const Page& page, bool json) {
     const bool acts = status.value["Acts"].intValue() != 0;
     const Array& faults = status.value["Faults"].array();
     const bool well = acts && faults.empty() && wake["Fault"].isAbsent() && startup["Fault"].isAbsent();
-    page.line(page.dot(well ? Colour::kGood : Colour::kWarning, true) + " " +
-              filled(translated("quorel-daemon {1} is running"), {plainText(status.value["Version"].text())}));
+    page.headline(well ? Colour::kGood : Colour::kWarning, true,
+                  filled(translated("quorel-daemon {1} is running"), {status.value["Version"].text()}));
     std::vector<std::pair<std::string, std::string>> fields;
     if (!acts) fields.emplace_back(translated("Acts:"), translated("no: nothing of this computer is asked or touched"));
     if (next.value.array().empty()) fields.emplace_back(translated("Next:"), translated("nothing is planned"));
@@ -130,7 +131,7 @@ ExitStatus showNext(const Page& page, bool json, unsigned most) {
     if (answer.failure != Failure::kNone) return fail(answer);
     std::vector<std::vector<std::string>> rows;
     for (const Value& one : answer.value.array()) {
-        rows.push_back({momentText(one["At"].integer()), actionName(one), plainText(one["Token"].text())});
+        rows.push_back({momentText(one["At"].integer()), actionName(one), one["Token"].text()});
         if (const std::string step = stepText(one); !step.empty()) rows.push_back({step});
     }
     if (json) {
@@ -202,7 +203,7 @@ ExitStatus misused(const std::string& text) {
 }  // namespace
 
 void complain(const std::string& text) {
-    std::fprintf(stderr, "quorelctl: %s\n", text.c_str());
+    std::fprintf(stderr, "quorelctl: %s\n", plainLines(text).c_str());
 }
 
 ExitStatus runCommand(const CommandLine& line) {
@@ -212,7 +213,7 @@ ExitStatus runCommand(const CommandLine& line) {
     const bool lists = command == "next" || command == "log";
     const bool changes = command == "skip" || command == "postpone";
     if (!lists && !changes && command != "status" && command != "modules")
-        return misused(filled(translated("There is no command \"{1}\"."), {plainText(command)}));
+        return misused(filled(translated("There is no command \"{1}\"."), {command}));
     if (arguments.size() > (lists || changes ? 1 : 0)) return misused(translated("Too many arguments."));
     if (changes) {
         if (arguments.empty() || arguments[0].empty())

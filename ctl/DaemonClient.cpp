@@ -5,7 +5,6 @@
 
 #include "linux/bus/BusValues.h"
 #include "model/Names.h"
-#include "scheduler/Outcome.h"
 
 namespace quorel {
 
@@ -60,7 +59,7 @@ DaemonClient::Answer DaemonClient::call(sd_bus_message* message, std::uint64_t m
     if (!message || sd_bus_call(_bus.get(), message, microseconds, &error, &reply) < 0) {
         answer.failure = sd_bus_error_is_set(&error) ? failureOf(&error) : Failure::kNoAnswer;
         if (error.name) answer.error = error.name;
-        if (error.message) answer.text = plainText(error.message);
+        if (error.message) answer.text = error.message;
     } else if (sd_bus_message_is_empty(reply) == 0) {
         std::optional<Value> value = readValue(reply);
         if (!value) answer.failure = Failure::kNotUnderstood;

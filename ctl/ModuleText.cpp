@@ -4,7 +4,6 @@
 
 #include "actions/DescriptionKeys.h"
 #include "model/Dictionary.h"
-#include "scheduler/Outcome.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
 
@@ -22,7 +21,7 @@ std::string wordFaultText(const std::string& fault, const std::string& where) {
     if (fault == "too-many") return filled(translated("{1} has too many"), {where});
     if (fault == "text") return filled(translated("{1} is too long or not plain text"), {where});
     if (fault == "malformed" && !where.empty()) return filled(translated("{1} makes no sense"), {where});
-    return plainText(fault);
+    return fault;
 }
 
 std::string faultText(const std::string& fault, const std::string& where) {
@@ -40,8 +39,7 @@ std::string faultText(const std::string& fault, const std::string& where) {
 
 std::string abilityText(const Value& module) {
     const std::string& fault = module["Fault"].text();
-    if (!fault.empty())
-        return filled(translated("cannot act: {1}"), {faultText(fault, plainText(module["FaultKey"].text()))});
+    if (!fault.empty()) return filled(translated("cannot act: {1}"), {faultText(fault, module["FaultKey"].text())});
     if (module["Program"].isAbsent()) return translated("carried out by the daemon itself");
     const std::string limit = durationText(module["TimeLimit"].integer());
     if (module["RunsAs"].text() == description_keys::kUser)
@@ -52,15 +50,15 @@ std::string abilityText(const Value& module) {
 }  // namespace
 
 std::vector<std::vector<std::string>> moduleRows(const Value& module) {
-    const std::string action = plainText(module["Action"].text());
-    const std::string name = action.empty() ? plainText(module["Bundle"].text()) : actionName(module);
+    const std::string& action = module["Action"].text();
+    const std::string name = action.empty() ? module["Bundle"].text() : actionName(module);
     std::vector<std::vector<std::string>> rows = {{name, action, abilityText(module)}};
     for (const Value& need : module["Needs"].array()) {
         if (need.text() == description_keys::kNetwork) rows.push_back({translated("uses the network")});
         if (need.text() == description_keys::kRoot) rows.push_back({translated("is root")});
     }
     for (const Value& folder : module["Writes"].array())
-        rows.push_back({filled(translated("writes {1}"), {plainText(folder.text())})});
+        rows.push_back({filled(translated("writes {1}"), {folder.text()})});
     if (const std::int64_t late = module["MakeUp"].integer(); late > 0)
         rows.push_back({filled(translated("when missed, made up for within {1}"), {durationText(late)})});
     return rows;

@@ -10,6 +10,8 @@
 #include <cwchar>
 #include <string_view>
 
+#include "model/PlainText.h"
+
 namespace quorel {
 
 namespace {
@@ -57,14 +59,14 @@ std::string Page::coloured(Colour colour, const std::string& text) const {
     return begin + text + "\033[0m";
 }
 
-std::string Page::dot(Colour colour, bool filled) const {
+void Page::headline(Colour colour, bool filled, const std::string& text) const {
     const bool unicode = nl_langinfo(CODESET) == std::string_view("UTF-8");
-    return coloured(colour, unicode ? (filled ? "●" : "○") : "*");
+    put(coloured(colour, unicode ? (filled ? "●" : "○") : "*") + " ");
+    line(text);
 }
 
 void Page::line(const std::string& text) const {
-    put(text);
-    put("\n");
+    put(plainLine(text) + "\n");
 }
 
 void Page::fields(const std::vector<std::pair<std::string, std::string>>& fields) const {
@@ -74,11 +76,13 @@ void Page::fields(const std::vector<std::pair<std::string, std::string>>& fields
         pad(kGap + width - widthOf(name));
         put(name);
         put(" ");
-        wrapped(text, kGap + width + 1);
+        wrapped(plainLine(text), kGap + width + 1);
     }
 }
 
-void Page::table(const std::vector<std::vector<std::string>>& rows) const {
+void Page::table(std::vector<std::vector<std::string>> rows) const {
+    for (auto& row : rows)
+        for (std::string& cell : row) cell = plainLine(cell);
     std::vector<std::size_t> widths;
     for (const auto& row : rows) {
         if (widths.size() < row.size()) widths.resize(row.size());

@@ -13,19 +13,20 @@ public:
 
     Page();
 
-    /// The text in that colour, where there are colours.
-    std::string coloured(Colour colour, const std::string& text) const;
-    /// A dot that says at a glance how things are.
-    std::string dot(Colour colour, bool filled) const;
+    // Texts come from elsewhere as often as not: what would act on a terminal does not get there.
 
+    /// Behind a dot, which says at a glance how things are.
+    void headline(Colour colour, bool filled, const std::string& text) const;
     void line(const std::string& text) const;
     /// Names to the right, what they stand for beside them.
     void fields(const std::vector<std::pair<std::string, std::string>>& fields) const;
     /// Columns as wide as they need be; the last one takes the rest. A row of one cell alone stands below the row
     /// before it, from the second column on.
-    void table(const std::vector<std::vector<std::string>>& rows) const;
+    void table(std::vector<std::vector<std::string>> rows) const;
 
 private:
+    /// The text in that colour, where there are colours.
+    std::string coloured(Colour colour, const std::string& text) const;
     /// From that column on, where something of the line may stand already.
     void wrapped(const std::string& text, std::size_t column) const;
 

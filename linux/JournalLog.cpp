@@ -14,19 +14,13 @@
 #include <vector>
 
 #include "kit/MOLLog.h"
+#include "model/PlainText.h"
 
 namespace quorel {
 
 namespace {
 
 const char* programName = "quorel";
-
-std::string withoutControls(std::string_view line) {
-    std::string text(line);
-    for (char& c : text)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '?';
-    return text;
-}
 
 /// The service manager names the stream that it has made. The variable alone is handed on to programs with another one.
 bool errorStreamIsJournal() {
@@ -37,7 +31,7 @@ bool errorStreamIsJournal() {
 }
 
 void writeLine(std::string_view line) {
-    const std::string text = withoutControls(line);
+    const std::string text = plainLine(line);
     if (errorStreamIsJournal()) {
         std::fprintf(stderr, "%s\n", text.c_str());  // the journal names the program by itself
         return;
@@ -55,7 +49,7 @@ void installJournalLog(const char* program) {
 
 void writeJournalEntry(std::string_view messageId, std::string_view message,
                        const std::vector<std::pair<std::string_view, std::string>>& fields) {
-    const std::string text = withoutControls(message);
+    const std::string text = plainLine(message);
     if (!errorStreamIsJournal()) {
         std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
         return;
@@ -63,7 +57,7 @@ void writeJournalEntry(std::string_view messageId, std::string_view message,
     std::vector<std::string> entries = {"MESSAGE=" + text, "MESSAGE_ID=" + std::string(messageId),
                                         "PRIORITY=" + std::to_string(LOG_INFO),
                                         "SYSLOG_IDENTIFIER=" + std::string(programName)};
-    for (const auto& [name, value] : fields) entries.push_back(std::string(name) + "=" + value);
+    for (const auto& [name, value] : fields) entries.push_back(std::string(name) + "=" + plainLine(value));
     std::vector<iovec> parts;
     for (std::string& entry : entries) parts.push_back({entry.data(), entry.size()});
     sd_journal_sendv(parts.data(), static_cast<int>(parts.size()));

@@ -3,6 +3,7 @@
 
 #include "model/PropertyList.h"
 #include "model/PropertyListContent.h"
+#include "model/Utf8.h"
 
 namespace quorel {
 
@@ -11,29 +12,6 @@ namespace {
 constexpr std::size_t kHeaderBytes = 8;
 constexpr std::size_t kTrailerBytes = 32;
 constexpr std::size_t kBytesPerValue = 8;  // what a value counts for beside its content
-
-/// Appends a code point as UTF-8. False for what is none: surrogates, and beyond U+10FFFF.
-bool appendUtf8(std::string& text, std::uint32_t codePoint) {
-    const auto put = [&](std::uint32_t byte) { text.push_back(static_cast<char>(byte)); };
-    const auto putTail = [&](unsigned shift) { put(0x80 | (codePoint >> shift & 0x3f)); };
-    if (codePoint > 0x10ffff || (codePoint >= 0xd800 && codePoint < 0xe000)) return false;
-    if (codePoint < 0x80) {
-        put(codePoint);
-        return true;
-    }
-    if (codePoint < 0x800) {
-        put(0xc0 | codePoint >> 6);
-    } else if (codePoint < 0x10000) {
-        put(0xe0 | codePoint >> 12);
-        putTail(6);
-    } else {
-        put(0xf0 | codePoint >> 18);
-        putTail(12);
-        putTail(6);
-    }
-    putTail(0);
-    return true;
-}
 
 /// Values refer to each other by number. Each is read once and shared, but what the list would take when written out
 /// without sharing keeps the size limit too: a small file could otherwise stand for any number of values.
@@ -165,7 +143,7 @@ private:
                 at += 2;
                 codePoint = 0x10000 + ((codePoint & 0x3ff) << 10) + (unit(at) & 0x3ff);
             }
-            if (!appendUtf8(text, codePoint)) return {};  // a half of a pair
+            if (!appendCharacter(text, codePoint)) return {};  // a half of a pair
         }
         return text;
     }

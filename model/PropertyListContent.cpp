@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "model/Utf8.h"
+
 namespace quorel {
 
 namespace {
@@ -15,34 +17,13 @@ constexpr sys_seconds kReference = sys_days(std::chrono::year(2001) / 1 / 1);
 constexpr sys_seconds kEarliest = sys_days(std::chrono::year(1) / 1 / 1);
 constexpr sys_seconds kBeyond = sys_days(std::chrono::year(10000) / 1 / 1);
 
-/// How many bytes the character at the front takes; 0 where it is malformed, or U+FFFE or U+FFFF.
-std::size_t characterLength(std::string_view text) {
-    const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-    const unsigned first = byte(0);
-    if (first < 0x80) return 1;
-    const std::size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-    if (first < 0xc2 || first > 0xf4 || text.size() < length) return 0;
-    for (std::size_t i = 1; i < length; ++i)
-        if ((byte(i) & 0xc0) != 0x80) return 0;
-    const unsigned second = byte(1);
-    const bool overlong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
-    const bool surrogate = first == 0xed && second >= 0xa0;
-    const bool beyond = first == 0xf4 && second >= 0x90;
-    const bool forbidden = first == 0xef && second == 0xbf && byte(2) >= 0xbe;
-    return overlong || surrogate || beyond || forbidden ? 0 : length;
-}
-
-bool isForbiddenControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-}
-
 }  // namespace
 
 bool isPropertyListText(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        if (length == 0 || isForbiddenControl(text.front())) return false;
-        text.remove_prefix(length);
+    for (takeAscii(text); !text.empty(); takeAscii(text)) {
+        const char32_t c = takeCharacter(text);
+        const bool isForbiddenControl = c < 0x20 && c != '\t' && c != '\n' && c != '\r';
+        if (c == kNoCharacter || c == 0xFFFE || c == 0xFFFF || isForbiddenControl) return false;
     }
     return true;
 }

@@ -9,6 +9,7 @@
 #include "model/Dictionary.h"
 #include "model/PropertyList.h"
 #include "model/PropertyListContent.h"
+#include "model/Utf8.h"
 
 namespace quorel {
 
@@ -20,20 +21,6 @@ constexpr std::string_view kBlanks = " \t\r\n\f\v";
 bool isBare(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
            std::string_view("_$/:.-+").find(c) != std::string_view::npos;
-}
-
-void appendCharacter(std::string& text, unsigned code) {
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-        return;
-    }
-    if (code < 0x800) {
-        text += static_cast<char>(0xC0 | code >> 6);
-    } else {
-        text += static_cast<char>(0xE0 | code >> 12);
-        text += static_cast<char>(0x80 | (code >> 6 & 0x3F));
-    }
-    text += static_cast<char>(0x80 | (code & 0x3F));
 }
 
 class TextReader {
@@ -149,8 +136,7 @@ private:
         const auto [end, error] = std::from_chars(written.data(), written.data() + written.size(), code, base);
         if (error != std::errc() || code > most) return false;
         _rest.remove_prefix(static_cast<std::size_t>(end - written.data()));
-        appendCharacter(text, code);
-        return true;
+        return appendCharacter(text, code);
     }
 
     std::string_view _rest;

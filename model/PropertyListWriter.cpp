@@ -2,8 +2,10 @@
 #include <cmath>
 #include <cstdio>
 
+#include "model/PlainText.h"
 #include "model/PropertyList.h"
 #include "model/PropertyListContent.h"
+#include "model/Utf8.h"
 
 namespace quorel {
 
@@ -76,17 +78,16 @@ private:
         if (!isPropertyListText(text)) return false;
         std::string escaped;
         escaped.reserve(text.size());
-        for (const char c : text) {
-            if (c == '<')
-                escaped += "&lt;";
-            else if (c == '>')
-                escaped += "&gt;";
-            else if (c == '&')
-                escaped += "&amp;";
-            else if (c == '\r')
-                escaped += "&#13;";  // a bare one is read as a line feed
+        while (!text.empty()) {
+            escaped += escapedMarkup(takeAscii(text));
+            if (text.empty()) break;
+            const std::string_view from = text;
+            const char32_t c = takeCharacter(text);
+            // By its number it does nothing to whoever shows or sends the list; a bare "\r" is read as a line feed.
+            if (!isPlain(c) && c != '\n' && c != '\t')
+                escaped += "&#" + std::to_string(static_cast<std::uint32_t>(c)) + ";";
             else
-                escaped += c;
+                escaped += from.substr(0, from.size() - text.size());
         }
         return putElement(element, escaped, depth);
     }

@@ -5,6 +5,7 @@
 #include "kit/MOLLog.h"
 #include "kit/VXUpdateChecker.h"
 #include "model/Dictionary.h"
+#include "model/Fnv1a.h"
 #include "model/Names.h"
 #include "pane/VXPrefPaneController.h"
 
@@ -17,9 +18,9 @@ constexpr int kHighestFrequency = 2;
 /// Names the version text by a number that is the same in every process: a save without an edit then equals what
 /// is stored. Nobody reads a version out of it.
 std::int64_t identityOf(std::string_view versionText) {
-    std::uint64_t hash = 14695981039346656037u;  // FNV-1a
-    for (const char c : versionText) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
-    return static_cast<std::int64_t>(hash);
+    Fnv1a hash;
+    hash.add(versionText);
+    return static_cast<std::int64_t>(hash.result());
 }
 
 int stateOf(bool on) {

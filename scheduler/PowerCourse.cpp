@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "model/PlainText.h"
 #include "scheduler/Outcome.h"
 #include "scheduler/Rules.h"
 

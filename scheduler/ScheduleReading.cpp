@@ -5,6 +5,8 @@
 
 #include "model/ActionParameters.h"
 #include "model/Dictionary.h"
+#include "model/Fnv1a.h"
+#include "model/PlainText.h"
 #include "model/Schedule.h"
 #include "scheduler/Occurrence.h"
 #include "scheduler/Outcome.h"
@@ -13,19 +15,21 @@ namespace quorel {
 
 namespace {
 
-/// FNV-1a: the same on every computer and in every version, since digests are stored.
 class Digest {
 public:
-    std::uint64_t result() const { return _hash; }
+    std::uint64_t result() const { return _hash.result(); }
 
     Digest& add(std::string_view bytes) {
         addNumber(bytes.size());
-        for (const char byte : bytes) addByte(static_cast<unsigned char>(byte));
+        _hash.add(bytes);
         return *this;
     }
 
     Digest& addNumber(std::uint64_t number) {
-        for (int i = 0; i < 8; ++i) addByte(static_cast<unsigned char>(number >> (8 * i)));
+        for (int i = 0; i < 8; ++i) {
+            const char byte = static_cast<char>(number >> (8 * i));
+            _hash.add({&byte, 1});
+        }
         return *this;
     }
 
@@ -54,8 +58,7 @@ public:
     }
 
 private:
-    void addByte(unsigned char byte) { _hash = (_hash ^ byte) * 0x100000001B3u; }
-    std::uint64_t _hash = 0xCBF29CE484222325u;
+    Fnv1a _hash;
 };
 
 ActionKind kindOf(const std::string& action) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "model/PlainText.h"
 #include "scheduler/Rules.h"
 
 namespace quorel {

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstdlib>
 
+#include "model/PlainText.h"
 #include "scheduler/Rules.h"
 #include "scheduler/Scheduler.h"
 

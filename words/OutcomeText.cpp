@@ -6,6 +6,7 @@
 
 #include "model/Dictionary.h"
 #include "model/Names.h"
+#include "model/PlainText.h"
 #include "model/Schedule.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"

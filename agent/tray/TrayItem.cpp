@@ -1,4 +1,5 @@
 #include "agent/tray/TrayItem.h"
+#include "model/PlainText.h"
 
 #include <cerrno>
 #include <chrono>
@@ -26,13 +27,6 @@ int appendPictures(sd_bus_message* reply, const TrayIcon* icon) {
         if (result >= 0) result = sd_bus_message_close_container(reply);
     }
     return result < 0 ? result : sd_bus_message_close_container(reply);
-}
-
-/// Some panels read a text that looks like markup as such, others show what would escape it: it is not to look so.
-std::string withoutMarkup(const std::string& text) {
-    std::string result;
-    for (const char c : text) result += c == '<' ? std::string("‹") : std::string(1, c);
-    return result;
 }
 
 void check(int result) {
@@ -144,7 +138,7 @@ void TrayItem::registerAtPanel() {
 }
 
 void TrayItem::setTitle(const std::string& title) {
-    _title = withoutMarkup(title);
+    _title = withoutMarkup(plainLine(title));
     for (const char* signal : {"NewTitle", "NewToolTip"}) sd_bus_emit_signal(_bus.get(), kPath, kInterface, signal, "");
 }
 

@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "model/PlainText.h"
+
 namespace quorel {
 
 namespace {
@@ -15,7 +17,7 @@ constexpr std::int32_t kRoot = 0;
 /// Panels take an underline for the mark of a key, and two of them for one.
 std::string label(const std::string& text) {
     std::string result;
-    for (const char c : text) result.append(c == '_' ? 2 : 1, c);
+    for (const char c : plainLine(text)) result.append(c == '_' ? 2 : 1, c);
     return result;
 }
 

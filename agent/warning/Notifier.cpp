@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
+#include "model/PlainText.h"
 
 namespace quorel {
 
@@ -17,26 +18,6 @@ constexpr std::int32_t kServersOwnDuration = -1;
 constexpr std::int32_t kWithoutEnd = 0;
 constexpr std::uint8_t kCritical = 2;
 constexpr std::uint32_t kClosedByUser = 2;
-
-std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        switch (c) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            default:
-                result += c;
-        }
-    }
-    return result;
-}
 
 BusSlot watch(sd_bus* bus, const char* member, std::function<void(sd_bus_message*)> heard) {
     return watchSignals(bus, kService, std::string("path='") + kPath + "',member='" + member + "'", std::move(heard));
@@ -106,11 +87,12 @@ void Notifier::capabilitiesKnown(sd_bus_message* reply) {
     }
     std::string body = _message->body;
     if (!buttons && !_message->withoutButtons.empty()) body += '\n' + _message->withoutButtons;
-    if (markup) body = escaped(body);
+    body = plainLines(body);
+    if (markup) body = escapedMarkup(body);
 
     const auto message = newCall(_bus, kService, kPath, kService, "Notify");
-    sd_bus_message_append(message.get(), "susss", "Quorel", _id, _message->icon.c_str(), _message->title.c_str(),
-                          body.c_str());
+    sd_bus_message_append(message.get(), "susss", "Quorel", _id, _message->icon.c_str(),
+                          plainLine(_message->title).c_str(), body.c_str());
     sd_bus_message_open_container(message.get(), 'a', "s");
     for (const Message::Button& button : _message->buttons)
         if (buttons) sd_bus_message_append(message.get(), "ss", button.key.c_str(), button.label.c_str());

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "linux/login/Users.h"
+#include "model/PlainText.h"
 #include "model/Schedule.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"

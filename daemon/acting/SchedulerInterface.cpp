@@ -12,6 +12,7 @@
 #include "linux/bus/BusValues.h"
 #include "linux/login/Users.h"
 #include "model/Names.h"
+#include "model/PlainText.h"
 
 namespace quorel {
 

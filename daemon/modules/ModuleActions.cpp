@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
+#include "model/PlainText.h"
 #include "model/PropertyList.h"
 #include "scheduler/Outcome.h"
 

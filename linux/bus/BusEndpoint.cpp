@@ -7,6 +7,7 @@
 
 #include "kit/MOLLog.h"
 #include "model/Names.h"
+#include "model/PlainText.h"
 
 namespace quorel {
 
@@ -32,7 +33,7 @@ void BusAnswer::accept() const {
 }
 
 void BusAnswer::refuse(const char* errorName, const std::string& text) const {
-    _state->refuse(errorName, text.c_str());
+    _state->refuse(errorName, plainLines(text).c_str());
 }
 
 BusEndpoint::BusEndpoint(sd_bus* bus, Handler handler, Pong pong)

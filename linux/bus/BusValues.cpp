@@ -8,6 +8,7 @@
 
 #include "linux/bus/Bus.h"
 #include "model/Dictionary.h"
+#include "model/PlainText.h"
 
 namespace quorel {
 
@@ -30,7 +31,7 @@ int writeContent(sd_bus_message* message, const Value& value) {
     if (value.isBoolean()) return sd_bus_message_append(message, "b", value.intValue());
     if (value.isInteger()) return sd_bus_message_append(message, "x", value.integer());
     if (value.isReal()) return sd_bus_message_append(message, "d", value.real());
-    if (value.isText()) return sd_bus_message_append(message, "s", value.text().c_str());
+    if (value.isText()) return sd_bus_message_append(message, "s", plainLines(value.text()).c_str());
     if (value.isDictionary()) return writeDictionary(message, value.dictionary());
     int result = sd_bus_message_open_container(message, 'a', "v");
     for (const Value& element : value.array()) {
@@ -132,7 +133,7 @@ int writeDictionary(sd_bus_message* message, const Dictionary& dictionary) {
     int result = sd_bus_message_open_container(message, 'a', "{sv}");
     for (std::size_t i = 0; i < dictionary.size() && result >= 0; ++i) {
         result = sd_bus_message_open_container(message, 'e', "sv");
-        if (result >= 0) result = sd_bus_message_append(message, "s", dictionary.keyAt(i).c_str());
+        if (result >= 0) result = sd_bus_message_append(message, "s", plainLines(dictionary.keyAt(i)).c_str());
         if (result >= 0) result = writeVariant(message, dictionary.valueAt(i));
         if (result >= 0) result = sd_bus_message_close_container(message);
     }

@@ -9,7 +9,8 @@
 namespace quorel {
 
 // Values in messages: flags as `b`, integers as `x`, reals as `d`, texts as `s`, arrays as `av`, dictionaries as
-// `a{sv}`. There is no place for others. Writing answers as sd-bus does, below 0 for a failure.
+// `a{sv}`. There is no place for others. Texts are made fit for the bus (plainLines): sd-bus refuses a whole message
+// for one character. Writing answers as sd-bus does, below 0 for a failure.
 
 int writeDictionary(sd_bus_message* message, const Dictionary& dictionary);
 /// As `aa{sv}`. Whatever is no dictionary is left out.

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "scheduler/Outcome.h"
+#include "model/PlainText.h"
 
 namespace quorel {
 

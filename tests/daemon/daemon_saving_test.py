@@ -37,7 +37,7 @@ class SavingTest(DaemonCase):
                 (b"<plist>" + b"<array>" * 100_000, "no property list"),
                 (plistlib.dumps(preferences(Schedule_Array=[{"k": "&" * 1_000_000}]), fmt=plistlib.FMT_BINARY),
                  "file would be larger than 2 MiB"),
-                (xml(preferences(Extra=1)), '"Extra" is unknown')):
+                (xml(preferences(**{"Extra\ufdd0": 1})), '"Extra\ufffd" is unknown')):
             with self.subTest(fault=fault, payload=payload[:60]):
                 error, text = self.save(payload)
                 self.assertEqual(error, INVALID)
@@ -47,6 +47,16 @@ class SavingTest(DaemonCase):
         self.assertEqual(error, INVALID)
         self.assertIn("larger than 2 MiB", text)
         self.assertEqual(self.identity(), before)
+
+    def test_no_character_in_a_list_takes_an_answer_from_everybody(self):
+        characters = "\ufdd0\U0001fffe\u0085\u2028\u202e"
+        self.assertEqual(self.save(xml(preferences(Schedule_Array=[
+            {"Is Enabled": 1, "Action Type": f"a{one}", "Active On Monday": 1} for one in characters]))), ("", ""))
+        for method, signature, arguments in (("Status", "", ()), ("Upcoming", "u", (100,)), ("Modules", "", ())):
+            answer = self.root_caller.call("/com/quorel/Scheduler", "com.quorel.Scheduler1", method, signature, *arguments)
+            self.assertEqual(answer, ("", ""))
+        self.assertIn("a\ufffd", self.logged())
+        self.assertFalse(set(characters) & set(self.logged()))
 
     def test_takes_its_own_notification_alone(self):
         for how in ({"name": "UserAgentMustCheckUpdates"}, {"receiver": "com.quorel.UserAgent"}):
