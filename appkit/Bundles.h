@@ -13,7 +13,7 @@ public:
     explicit Bundle(NSBundle *bundle) : _bundle(bundle) {}
     std::string bundlePath() const override;
     std::string builtInPlugInsPath() const override;
-    Value objectForInfoDictionaryKey(std::string_view key) const override;
+    Value infoDictionary() const override;
     bool load() override;
     std::shared_ptr<Object> classNamed(std::string_view name) override;
     std::string localizedStringForKeyValueTable(std::string_view key, std::string_view value,

@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "appkit/Controls.h"
@@ -20,8 +21,8 @@ std::string Bundle::builtInPlugInsPath() const {
     return stdString([_bundle.get() builtInPlugInsPath]);
 }
 
-Value Bundle::objectForInfoDictionaryKey(std::string_view key) const {
-    return valueFromObject([_bundle.get() objectForInfoDictionaryKey:nsString(key)]);
+Value Bundle::infoDictionary() const {
+    return valueFromObject([_bundle.get() infoDictionary]);
 }
 
 #ifdef GNUSTEP
@@ -74,6 +75,7 @@ std::vector<std::string> Bundles::pathsForResourcesOfTypeInDirectory(std::string
     for (NSString *path in [NSBundle pathsForResourcesOfType:nsString(extension) inDirectory:folder]) {
         if ([[path stringByDeletingLastPathComponent] isEqual:folder]) paths.push_back(stdString(path));
     }
+    std::ranges::sort(paths);
     return paths;
 }
 

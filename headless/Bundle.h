@@ -18,7 +18,7 @@ public:
     explicit Bundle(std::string_view bundlePath) : path(bundlePath) {}
     std::string bundlePath() const override { return path; }
     std::string builtInPlugInsPath() const override { return path + "/PlugIns"; }
-    Value objectForInfoDictionaryKey(std::string_view key) const override { return info[key]; }
+    Value infoDictionary() const override { return info; }
     bool load() override {
         ++loads;
         return loadable;
