@@ -1,6 +1,10 @@
 #include "daemon/modules/ModuleActions.h"
 
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <utility>
 
@@ -23,6 +27,16 @@ std::string runner() {
 
 std::string unitName(const std::string& token) {
     return "quorel-" + token + ".service";
+}
+
+/// The first that is missing, as the system says it; empty where none is. Folders that the daemon's own sandbox hides
+/// count as there. The service manager would only say that there can be no sandbox.
+std::string missingAmong(const std::vector<std::string>& folders) {
+    struct stat status {};
+    for (const std::string& folder : folders)
+        if (stat(folder.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR))
+            return plainText(folder) + ": " + std::strerror(errno);
+    return {};
 }
 
 /// As docs/protocol.md has it for agents.
@@ -74,6 +88,8 @@ void ModuleActions::start(const Occurrence& occurrence, bool madeUp) {
         action.set("TimeLimit", module->limit);
         return runAsUser(token, action);
     }
+    if (const std::string missing = missingAmong(module->writes); !missing.empty())
+        return end(token, ActionEnd::kNotStarted, 0, missing);
     const UnitProgram program{.description = "Quorel: " + plainText(schedule.action),
                               .command = {_runner, path},
                               .name = module->program,

@@ -67,7 +67,7 @@ class ModulesTest(ActingCase):
         self.wait_for(lambda: os.path.exists(f"{self.place}/begun"), "the program runs")
 
     def test_runs_at_its_minute(self):
-        self.add_module(Needs=["network"], Writes=["/var/lib/act"], TimeLimit=60)
+        self.add_module(Needs=["network"], Writes=["/var/lib"], TimeLimit=60)
         self.hold(True)
         self.start_systemd()
         self.begin_action(schedule(SLEEP, "23:15"))
@@ -83,7 +83,7 @@ class ModulesTest(ActingCase):
                          {"QUOREL_ACTION": ACTION, "QUOREL_OCCURRENCE": token, "QUOREL_MADE_UP": "0",
                           "QUOREL_DUE": str(instant("23:15"))})
         promised = {"DynamicUser": 1, "NoNewPrivileges": 1, "ProtectSystem": "strict", "ProtectHome": "yes",
-                    "PrivateDevices": 1, "CapabilityBoundingSet": 0, "ReadWritePaths": ["/var/lib/act"],
+                    "PrivateDevices": 1, "CapabilityBoundingSet": 0, "ReadWritePaths": ["/var/lib"],
                     "RuntimeMaxUSec": 60_000_000, "CollectMode": "inactive-or-failed"}
         self.assertEqual({key: told[key] for key in promised}, promised)
         self.assertNotIn("PrivateNetwork", told)
@@ -102,6 +102,7 @@ class ModulesTest(ActingCase):
                 ("trap '' TERM; sleep 1000", {"TimeLimit": 1}, "timed-out", {}),
                 ("exit 226", {}, "not-started", {"Reason": "no-sandbox"}),
                 (None, {}, "not-started", {"Reason": "no-program"}),
+                ("exit 0", {"Writes": ["/a/b"]}, "not-started", {"Reason": "/a/b: No such file or directory"}),
                 ("refused", {}, "not-started", {"Reason": "refused"}),
                 ("no manager", {}, "not-started", {"Reason": "no-manager"})):
             with self.subTest(end):
