@@ -9,6 +9,7 @@
 #include "ctl/Json.h"
 #include "ctl/ModuleText.h"
 #include "ctl/Page.h"
+#include "ctl/StatusText.h"
 #include "model/Dictionary.h"
 #include "model/Names.h"
 #include "model/PlainText.h"
@@ -39,6 +40,9 @@ ExitStatus fail(const Answer& answer) {
         case Failure::kNoAnswer:
             complain(translated("The daemon does not answer."));
             return ExitStatus::kFailed;
+        case Failure::kNotSent:
+            complain(translated("This is no text that can be sent: it is not in UTF-8."));
+            return ExitStatus::kUsage;
         case Failure::kNotUnderstood:
             complain(translated("The daemon's answer cannot be understood."));
             return ExitStatus::kFailed;
@@ -62,28 +66,6 @@ Answer askForArray(DaemonClient& daemon, const char* method, std::optional<unsig
     return answer;
 }
 
-std::string alarmText(const Value& alarm) {
-    const std::string fault = alarm["Fault"].text();
-    const Value& at = alarm["At"];
-    std::string why;
-    if (fault == "no-clock") why = translated("this computer has no clock with an alarm");
-    if (fault == "off") why = translated("this daemon sets none, it works below a folder of its own");
-    if (fault == "forbidden") why = translated("the daemon may not set alarms");
-    if (fault == "past") why = translated("it was too late to set it");
-    if (fault == "too-far") why = translated("it is further ahead than this computer's clock can be set");
-    if (fault == "taken") {
-        why = filled(translated("another program's earlier alarm stays, for {1}"),
-                     {momentText(alarm["Others"].integer())});
-    }
-    if (!fault.empty() && why.empty()) {
-        const std::string& reason = alarm["Reason"].text();
-        why = filled(translated("it could not be set: {1}"), {reason.empty() ? fault : reason});
-    }
-    if (why.empty()) return at.isInteger() ? momentText(at.integer()) : translated("none is needed");
-    if (!at.isInteger()) return filled(translated("cannot be set: {1}"), {why});
-    return filled(translated("{1}, but is not set: {2}"), {momentText(at.integer()), why});
-}
-
 ExitStatus showStatus(const Page& page, bool json) {
     DaemonClient daemon;
     const Answer status = daemon.ask(wire::scheduler::kStatus);
@@ -96,33 +78,15 @@ ExitStatus showStatus(const Page& page, bool json) {
     if (!status.value.isDictionary()) return fail({Failure::kNotUnderstood, {}, {}, {}});
     const Answer next = askForArray(daemon, wire::scheduler::kUpcoming, kInStatus);
     if (next.failure != Failure::kNone) return fail(next);
+    const bool well = isWell(status.value);
     if (json) {
         page.line(jsonText(status.value.with("Running", true).with("Upcoming", next.value)));
-        return ExitStatus::kDone;
+    } else {
+        page.headline(well ? Colour::kGood : Colour::kWarning, true,
+                      filled(translated("quorel-daemon {1} is running"), {status.value["Version"].text()}));
+        page.fields(statusFields(status.value, next.value.array()));
     }
-
-    const Value& wake = status.value["Wake Alarm"];
-    const Value& startup = status.value["Startup Alarm"];
-    const bool acts = status.value["Acts"].intValue() != 0;
-    const Array& faults = status.value["Faults"].array();
-    const bool well = acts && faults.empty() && wake["Fault"].isAbsent() && startup["Fault"].isAbsent();
-    page.headline(well ? Colour::kGood : Colour::kWarning, true,
-                  filled(translated("quorel-daemon {1} is running"), {status.value["Version"].text()}));
-    std::vector<std::pair<std::string, std::string>> fields;
-    if (!acts) fields.emplace_back(translated("Acts:"), translated("no: nothing of this computer is asked or touched"));
-    if (next.value.array().empty()) fields.emplace_back(translated("Next:"), translated("nothing is planned"));
-    // Whatever is under way or was changed, up to the first that simply comes.
-    for (const Value& one : next.value.array()) {
-        const std::string step = stepText(one);
-        fields.emplace_back(translated("Next:"), momentText(one["At"].integer()) + "  " + actionName(one));
-        if (step.empty()) break;
-        fields.emplace_back("", step);
-    }
-    fields.emplace_back(translated("Wake-up alarm:"), alarmText(wake));
-    fields.emplace_back(translated("Start-up alarm:"), alarmText(startup));
-    for (const Value& fault : faults) fields.emplace_back(translated("Fault:"), faultText(fault));
-    page.fields(fields);
-    return ExitStatus::kDone;
+    return well ? ExitStatus::kDone : ExitStatus::kNotWell;
 }
 
 ExitStatus showNext(const Page& page, bool json, unsigned most) {

@@ -6,7 +6,7 @@
 namespace quorel {
 
 /// What the program ends with.
-enum class ExitStatus { kDone = 0, kFailed = 1, kUsage = 2, kNotRunning = 3, kNoSuchOccurrence = 4 };
+enum class ExitStatus { kDone = 0, kFailed = 1, kUsage = 2, kNotRunning = 3, kNoSuchOccurrence = 4, kNotWell = 5 };
 
 struct CommandLine {
     std::string command;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "ctl/PasswordAgent.h"
 #include "linux/bus/BusValues.h"
 #include "model/Names.h"
 
@@ -47,7 +48,8 @@ DaemonClient::Answer DaemonClient::ask(const char* method, std::optional<unsigne
 DaemonClient::Answer DaemonClient::change(const char* method, const std::string& token) {
     if (!_bus) return {Failure::kNoBus, {}, {}, {}};
     const BusMessagePointer message = newCall(method);
-    sd_bus_message_append(message.get(), "s", token.c_str());
+    if (message && sd_bus_message_append(message.get(), "s", token.c_str()) < 0) return {Failure::kNotSent, {}, {}, {}};
+    const PasswordAgent agent;
     sd_bus_message_set_allow_interactive_authorization(message.get(), true);
     return call(message.get(), kPatienceWithPeople);
 }

@@ -16,6 +16,7 @@ public:
         kNoBus,
         kNotRunning,
         kNoAnswer,
+        kNotSent,        ///< a text of the call is not in UTF-8
         kNotUnderstood,  ///< the answer is of another kind than expected
         kRefused,        ///< see `error`
     };

@@ -11,12 +11,14 @@ namespace quorel {
 Daemon::Daemon(const std::string& root, const Clocks& clocks)
     : _bus(connectTo(Bus::System, _loop)),
       _acting(_loop, _bus.get(), root, clocks),
-      _schedulerInterface(_bus.get(), _acting),
-      _door(_loop, _bus.get(), root, [this](const Value& preferences) { _acting.take(preferences); }) {
+      _plan(_loop, root, [this](const Value& preferences) { _acting.take(preferences); }),
+      _schedulerInterface(_bus.get(), _acting, _plan),
+      _door(_loop, _bus.get(), root, [this](const std::string& bytes) { _plan.stored(bytes); }) {
     _acting.changedCallback = [this] { _schedulerInterface.changed(); };
-    _loop.endOn({SIGTERM, SIGINT, SIGHUP});
+    _loop.endOn({SIGTERM, SIGINT});
+    _reloading = onSignal(_loop, SIGHUP, [this] { _plan.reload(); });
     if (!requestName(_bus.get(), std::string(kDaemonName))) throw std::runtime_error("another daemon has the name");
-    _acting.take(PreferencesStore(root).read());
+    _plan.begin();
 }
 
 int Daemon::run() {

@@ -5,6 +5,7 @@
 #include "daemon/acting/Acting.h"
 #include "daemon/acting/SchedulerInterface.h"
 #include "daemon/saving/Door.h"
+#include "daemon/saving/PlanInPlace.h"
 #include "linux/EventLoop.h"
 #include "linux/bus/Bus.h"
 
@@ -24,8 +25,10 @@ private:
     EventLoop _loop;
     const BusConnection _bus;
     Acting _acting;
+    PlanInPlace _plan;
     SchedulerInterface _schedulerInterface;
     Door _door;
+    EventSource _reloading;
 };
 
 }  // namespace quorel

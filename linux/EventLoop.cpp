@@ -20,23 +20,33 @@ void check(int result, const char* what) {
     if (result < 0) throw std::system_error(-result, std::generic_category(), what);
 }
 
+void block(std::initializer_list<int> signals) {
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    for (const int signal : signals) sigaddset(&blocked, signal);
+    pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+}
+
+using Callback = std::function<void()>;
+
+/// The loop keeps a source until it has been called, also one that lets itself go, and the callback as long.
+EventSource owning(sd_event_source* source, std::unique_ptr<Callback> callback) {
+    sd_event_source_set_destroy_callback(source, [](void* owned) { delete static_cast<Callback*>(owned); });
+    static_cast<void>(callback.release());
+    return EventSource(source);
+}
+
 }  // namespace
 
 EventLoop::EventLoop() {
     sd_event* loop = nullptr;
     check(sd_event_new(&loop), "no event loop");
     _loop.reset(loop);
-    sigset_t children;
-    sigemptyset(&children);
-    sigaddset(&children, SIGCHLD);
-    pthread_sigmask(SIG_BLOCK, &children, nullptr);
+    block({SIGCHLD});
 }
 
 void EventLoop::endOn(std::initializer_list<int> signals) {
-    sigset_t ends;
-    sigemptyset(&ends);
-    for (const int signal : signals) sigaddset(&ends, signal);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    block(signals);
     // Without a handler of its own, a signal ends the loop with status 0.
     for (const int signal : signals)
         check(sd_event_add_signal(_loop.get(), nullptr, signal, nullptr, nullptr), "no signal");
@@ -77,7 +87,6 @@ bool LoopTimer::isRunning() const {
 }
 
 EventSource whenReadable(EventLoop& loop, int file, std::function<void()> readable) {
-    using Callback = std::function<void()>;
     const auto called = [](sd_event_source*, int, std::uint32_t, void* callback) {
         (*static_cast<Callback*>(callback))();
         return 0;
@@ -85,10 +94,19 @@ EventSource whenReadable(EventLoop& loop, int file, std::function<void()> readab
     auto callback = std::make_unique<Callback>(std::move(readable));
     sd_event_source* source = nullptr;
     check(sd_event_add_io(loop.get(), &source, file, EPOLLIN, called, callback.get()), "no file to watch");
-    // The loop keeps a source until it has been called, also one that lets itself go.
-    sd_event_source_set_destroy_callback(source, [](void* owned) { delete static_cast<Callback*>(owned); });
-    static_cast<void>(callback.release());
-    return EventSource(source);
+    return owning(source, std::move(callback));
+}
+
+EventSource onSignal(EventLoop& loop, int signal, std::function<void()> received) {
+    block({signal});
+    const auto called = [](sd_event_source*, const signalfd_siginfo*, void* callback) {
+        (*static_cast<Callback*>(callback))();
+        return 0;
+    };
+    auto callback = std::make_unique<Callback>(std::move(received));
+    sd_event_source* source = nullptr;
+    check(sd_event_add_signal(loop.get(), &source, signal, called, callback.get()), "no signal");
+    return owning(source, std::move(callback));
 }
 
 Wakeup::Wakeup(EventLoop& loop, std::function<void()> woken) : _file(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {

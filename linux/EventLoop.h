@@ -56,6 +56,9 @@ private:
 /// Calls whenever a file, which stays the caller's, has something to read.
 EventSource whenReadable(EventLoop& loop, int file, std::function<void()> readable);
 
+/// Calls on such a signal, which it blocks: call it before threads are started.
+EventSource onSignal(EventLoop& loop, int signal, std::function<void()> received);
+
 /// How another thread gets something called on the loop's.
 class Wakeup {
 public:

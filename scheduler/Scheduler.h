@@ -89,6 +89,8 @@ public:
     const Array& outcomes() const { return _outcomes; }
     /// Schedules of the list that never run.
     const std::vector<ScheduleFault>& faults() const { return _faults; }
+    /// Nothing runs until it is set, or for ten minutes.
+    bool isClockBehind() const { return _dormant.has_value(); }
     /// The alarms as they were set last.
     std::optional<Instant> armedWake() const { return _wakeAlarm; }
     std::optional<Instant> armedStartup() const { return _startupAlarm; }

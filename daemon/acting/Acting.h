@@ -33,6 +33,8 @@ public:
 
     const Scheduler& scheduler() const { return _scheduler; }
     const ComputerAlarms& alarms() const { return _alarms; }
+    /// Why the state is not kept; empty where it is.
+    const std::string& stateFault() const { return _state.fault(); }
     const ModuleRegistry& modules() const { return _actions.registry(); }
     /// An occurrence's, outcome's or fault's value, with the names of its "Action" where a module tells them.
     Value named(const Value& told) const;

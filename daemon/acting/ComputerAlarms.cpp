@@ -1,5 +1,6 @@
 #include "daemon/acting/ComputerAlarms.h"
 
+#include <cstdlib>
 #include <utility>
 
 #include "kit/MOLLog.h"
@@ -54,6 +55,7 @@ void ComputerAlarms::armWake(std::optional<Instant> at) {
 void ComputerAlarms::armStartup(std::optional<Instant> at) {
     const Result before = _startupOutcome.result;
     _startupOutcome = _startup.set(at, _clocks.now().instant());
+    _startupAt = at;
     const Result result = _startupOutcome.result;
     if (result == Result::kDone || (result == before && result != Result::kReplaced)) return;
     if (!at && result == Result::kAbsent) return;  // which matters to nobody
@@ -80,8 +82,16 @@ ComputerAlarms::Obstacle ComputerAlarms::starting() const {
         case Result::kFailed:
             return {"failed", _startupOutcome.reason, {}};
         default:
-            return {};
+            return _startupAt ? standing(*_startupAt) : Obstacle{};
     }
+}
+
+ComputerAlarms::Obstacle ComputerAlarms::standing(Instant at) const {
+    const Instant now = _clocks.now().instant();
+    const auto comes = _startup.comes(now);
+    if (at <= now) return {};
+    if (!comes) return {"gone", {}, {}};
+    return std::abs(*comes - at) > kMinute ? Obstacle{"moved", {}, comes} : Obstacle{};
 }
 
 }  // namespace quorel

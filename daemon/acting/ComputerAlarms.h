@@ -29,16 +29,20 @@ public:
     /// What stands in the way of an alarm.
     struct Obstacle {
         /// "no-clock" where the computer has no clock with an alarm, "forbidden", "past" or "too-far" where it was to
-        /// be set so, "taken" where somebody else's earlier one stays, "failed"; "off" where this daemon is not to arm
+        /// be set so, "taken" where somebody else's earlier one stays, "failed"; of one that was set, "gone" where it
+        /// is not any more, and "moved" where the hardware's clock was set since; "off" where this daemon is not to arm
         /// alarms. Empty where nothing does.
         std::string_view fault;
         std::string reason;             ///< what the system says, or empty
-        std::optional<Instant> others;  ///< somebody else's alarm, where that is it
+        std::optional<Instant> others;  ///< when somebody else's alarm, or the moved one, comes
     };
     Obstacle waking() const;
     Obstacle starting() const;
 
 private:
+    /// Of an alarm that was set for then.
+    Obstacle standing(Instant at) const;
+
     const Clocks& _clocks;
     const bool _arms;
     WakeAlarm _wake;
@@ -46,6 +50,7 @@ private:
     WakeAlarm::Ability _ability;
     bool _reachFar;
     std::string _wakeFailure;
+    std::optional<Instant> _startupAt;
     StartupAlarm::Outcome _startupOutcome;
 };
 

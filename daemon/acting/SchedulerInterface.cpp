@@ -64,7 +64,8 @@ std::size_t wanted(sd_bus_message* call, unsigned most) {
 
 }  // namespace
 
-SchedulerInterface::SchedulerInterface(sd_bus* bus, Acting& acting) : _bus(bus), _acting(acting) {
+SchedulerInterface::SchedulerInterface(sd_bus* bus, Acting& acting, const PlanInPlace& plan)
+    : _bus(bus), _acting(acting), _plan(plan) {
     static constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
     static constexpr sd_bus_vtable kMembers[] = {
         SD_BUS_VTABLE_START(0),
@@ -110,7 +111,8 @@ int SchedulerInterface::outcomes(sd_bus_message* call, void* self, sd_bus_error*
 }
 
 int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) {
-    const Acting& acting = static_cast<SchedulerInterface*>(self)->_acting;
+    const auto& own = *static_cast<SchedulerInterface*>(self);
+    const Acting& acting = own._acting;
     const Scheduler& scheduler = acting.scheduler();
     const ComputerAlarms::Obstacle waking = acting.alarms().waking();
     Array faults;
@@ -118,11 +120,14 @@ int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) 
         if (faults.size() == names::kMostUpcoming) break;
         faults.push_back(acting.named(valueOf(fault)));
     }
-    const Dictionary status{{"Version", product::kVersion},
-                            {"Acts", waking.fault != "off"},
-                            {"Wake Alarm", valueOf(scheduler.armedWake(), waking)},
-                            {"Startup Alarm", valueOf(scheduler.armedStartup(), acting.alarms().starting())},
-                            {"Faults", faults}};
+    Dictionary status{{"Version", product::kVersion},
+                      {"Acts", waking.fault != "off"},
+                      {"Wake Alarm", valueOf(scheduler.armedWake(), waking)},
+                      {"Startup Alarm", valueOf(scheduler.armedStartup(), acting.alarms().starting())},
+                      {"Faults", faults}};
+    if (!own._plan.fault().empty()) status.set("Plan Fault", plainText(own._plan.fault()));
+    if (!acting.stateFault().empty()) status.set("State Fault", plainText(acting.stateFault()));
+    if (scheduler.isClockBehind()) status.set("Clock", "behind");
     return replyDictionary(call, status);
 }
 

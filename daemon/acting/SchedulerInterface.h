@@ -6,6 +6,7 @@
 
 #include "daemon/acting/Acting.h"
 #include "daemon/acting/ChangeLimit.h"
+#include "daemon/saving/PlanInPlace.h"
 #include "linux/bus/Bus.h"
 #include "linux/bus/BusCaller.h"
 
@@ -15,8 +16,8 @@ namespace quorel {
 /// to say no, for whom polkit lets. docs/protocol.md has the whole of it. The thread of the loop that serves the bus.
 class SchedulerInterface {
 public:
-    /// Bus and `acting` must outlive it. Throws std::runtime_error.
-    SchedulerInterface(sd_bus* bus, Acting& acting);
+    /// What it is given must outlive it. Throws std::runtime_error.
+    SchedulerInterface(sd_bus* bus, Acting& acting, const PlanInPlace& plan);
     SchedulerInterface(const SchedulerInterface&) = delete;
 
     /// Tells whoever listens that it is worth asking again.
@@ -49,6 +50,7 @@ private:
 
     sd_bus* const _bus;
     Acting& _acting;
+    const PlanInPlace& _plan;
     ChangeLimit _limit;
     std::map<std::string, Request, std::less<>> _requests;  // by the caller's bus name
     BusSlot _object;

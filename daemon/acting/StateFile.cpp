@@ -23,9 +23,9 @@ Value StateFile::read() const {
 
 void StateFile::save(const Value& state) {
     const auto bytes = encodePropertyList(state);
-    const std::string reason = bytes ? replaceFile(_path, *bytes) : "It cannot be written as a property list";
-    if (!reason.empty() && !_fails) MOLLog("The state of the Schedules is not kept: %s.", reason.c_str());
-    _fails = !reason.empty();
+    const bool failed = !_fault.empty();
+    _fault = bytes ? replaceFile(_path, *bytes) : "It cannot be written as a property list";
+    if (!_fault.empty() && !failed) MOLLog("The state of the Schedules is not kept: %s.", _fault.c_str());
 }
 
 }  // namespace quorel

@@ -15,10 +15,12 @@ public:
     /// Absent when there is no file, and a text when there is one that cannot be read.
     Value read() const;
     void save(const Value& state) override;
+    /// Why the last one could not be saved; empty where it could.
+    const std::string& fault() const { return _fault; }
 
 private:
     const std::string _path;
-    bool _fails = false;  ///< said once
+    std::string _fault;  ///< said once
 };
 
 }  // namespace quorel

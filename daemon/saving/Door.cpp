@@ -9,7 +9,6 @@
 
 #include "kit/MOLLog.h"
 #include "model/Names.h"
-#include "model/PropertyList.h"
 
 namespace quorel {
 
@@ -87,6 +86,7 @@ void Door::readNext() {
 
 void Door::decide(Save& save, const ListReader::Outcome& outcome) {
     switch (outcome.kind) {
+        case ListReader::Outcome::Kind::Absent:  // which something that was sent never is
         case ListReader::Outcome::Kind::Failed:
             return refuse(save, wire::kFailed, outcome.text);
         case ListReader::Outcome::Kind::Invalid:
@@ -109,7 +109,7 @@ void Door::ask(Save& save) {
 void Door::store(Save& save, const std::string& bytes) {
     if (_store.keepUnreadable()) MOLLog("The file in place cannot be read; it is kept beside the new one.");
     if (const auto reason = _store.write(bytes); !reason.empty()) return refuse(save, wire::kStorageFailed, reason);
-    _stored(decodePropertyList(bytes));
+    _stored(bytes);
     accept(save, "are stored");
 }
 

@@ -23,7 +23,7 @@ namespace quorel {
 /// one list is read at a time, and of a call that waits for a person nothing is kept but its message.
 class Door {
 public:
-    using Stored = std::function<void(const Value& preferences)>;
+    using Stored = std::function<void(const std::string& bytes)>;
     /// The connection is served by the loop. `stored` is called before a save is answered. Throws std::exception.
     Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored);
 

@@ -21,12 +21,12 @@ namespace {
 using Outcome = ListReader::Outcome;
 using Kind = Outcome::Kind;
 
-Outcome outcomeOf(std::string_view bytes, const PreferencesStore& store) try {
+/// InPlace where that is what stands there.
+Outcome outcomeOf(std::string_view bytes, const std::function<Value()>& inPlace) try {
     const Value preferences = decodePropertyList(bytes, wire::kMaximumUserInfoBytes);
-    if (preferences.isAbsent())
-        return {Kind::Invalid, "The user information is no property list of at most 2 MiB and 64 levels."};
+    if (preferences.isAbsent()) return {Kind::Invalid, "It is no property list of at most 2 MiB and 64 levels."};
     if (const auto fault = faultInPreferences(preferences)) return {Kind::Invalid, *fault};
-    if (store.read() == preferences) return {Kind::InPlace, {}};
+    if (inPlace() == preferences) return {Kind::InPlace, {}};
     auto file = encodePropertyList(preferences, wire::kMaximumUserInfoBytes);
     if (!file) return {Kind::Invalid, "The file would be larger than 2 MiB."};
     return {Kind::Fresh, std::move(*file)};
@@ -46,6 +46,23 @@ ListReader::~ListReader() {
 }
 
 void ListReader::read(std::string_view bytes, std::function<void(Outcome)> done) {
+    // A file that the daemon would not go by is not in place.
+    const auto present = [this] { return decodePropertyList(_store.contents(wire::kMaximumUserInfoBytes).bytes); };
+    begin([bytes, present] { return outcomeOf(bytes, present); }, std::move(done));
+}
+
+void ListReader::readInPlace(std::function<void(Outcome)> done) {
+    begin([this] { return inPlace(_store); }, std::move(done));
+}
+
+Outcome ListReader::inPlace(const PreferencesStore& store) {
+    const PreferencesStore::Contents file = store.contents(wire::kMaximumUserInfoBytes);
+    if (!file.exists) return {Kind::Absent, {}};
+    if (!file.fault.empty()) return {Kind::Invalid, file.fault};
+    return outcomeOf(file.bytes, [] { return Value(); });
+}
+
+void ListReader::begin(const std::function<Outcome()>& reading, std::function<void(Outcome)> done) {
     _done = std::move(done);
     _file = memfd_create("preferences", MFD_CLOEXEC);
     _child = _file < 0 ? -1 : fork();
@@ -54,7 +71,7 @@ void ListReader::read(std::string_view bytes, std::function<void(Outcome)> done)
         close_range(STDERR_FILENO + 1, static_cast<unsigned>(_file) - 1, 0);
         close_range(static_cast<unsigned>(_file) + 1, UINT_MAX, 0);
         setpriority(PRIO_PROCESS, 0, 10);  // everything else comes first
-        const auto [kind, text] = outcomeOf(bytes, _store);
+        const auto [kind, text] = reading();
         const bool written = write(_file, &kind, sizeof kind) == sizeof kind &&
                              write(_file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
         _exit(written ? 0 : 1);

@@ -16,7 +16,7 @@ namespace quorel {
 class ListReader {
 public:
     struct Outcome {
-        enum class Kind { Fresh, InPlace, Invalid, Failed } kind = Kind::Failed;
+        enum class Kind { Fresh, InPlace, Absent, Invalid, Failed } kind = Kind::Failed;
         std::string text;  ///< Fresh: the file's bytes; Invalid, Failed: why
     };
 
@@ -28,8 +28,13 @@ public:
     bool isReading() const { return _child > 0; }
     /// Not while it reads. `bytes` are copied; `done` is called later, and may read the next list.
     void read(std::string_view bytes, std::function<void(Outcome)> done);
+    /// The same of the file in place: Fresh, however often it is read, or Absent.
+    void readInPlace(std::function<void(Outcome)> done);
+    /// That at once, in this process.
+    static Outcome inPlace(const PreferencesStore& store);
 
 private:
+    void begin(const std::function<Outcome()>& reading, std::function<void(Outcome)> done);
     void ended(bool orderly);
 
     EventLoop& _loop;

@@ -13,8 +13,16 @@ class PreferencesStore {
 public:
     explicit PreferencesStore(const std::string& root) : _files(root), _path(root + std::string(preferences::kFile)) {}
 
+    const std::string& path() const { return _path; }
     /// Absent when there is no file that can be read.
     Value read() const;
+    struct Contents {
+        bool exists = false;
+        std::string fault;  ///< why the bytes are not to be had, a sentence; empty where they are
+        std::string bytes;
+    };
+    /// The file, unless others than root could have changed it, or it is larger.
+    Contents contents(std::size_t most) const;
     /// As replaceFile.
     std::string write(std::string_view bytes) const;
     /// Gives a file that is no readable dictionary a second name ("….unreadable", the latest one alone), under which it

@@ -83,6 +83,13 @@ StartupAlarm::Outcome StartupAlarm::arm(Instant value) {
     return {};
 }
 
+std::optional<Instant> StartupAlarm::comes(Instant now) const {
+    const auto shown = read("since_epoch");
+    const auto stands = read("wakealarm");
+    if (!shown || !stands || stands != noted()) return {};
+    return *stands - *shown + now;
+}
+
 bool StartupAlarm::reachesFar() {
     const auto shown = read("since_epoch");
     if (!shown || read("wakealarm")) return false;

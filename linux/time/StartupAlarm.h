@@ -35,6 +35,9 @@ public:
     /// In place of ours; none takes ours away and leaves others'.
     Outcome set(std::optional<Instant> at, Instant now);
 
+    /// When ours comes, by this computer's clock; nothing where it is not set, or not any more.
+    std::optional<Instant> comes(Instant now) const;
+
     /// Whether it can be set further ahead than a day, which tells that of wake alarms too. Tries it where the alarm is
     /// free; where it is not, the answer is no.
     bool reachesFar();

@@ -130,7 +130,8 @@ class CtlTest(unittest.TestCase):
         folder = f"{self.root}/Library/Preferences"
         os.makedirs(folder)
         with open(f"{folder}/com.quorel.plist", "wb") as file:
-            plistlib.dump({"Schedule Array": list(schedules)}, file)
+            plistlib.dump({"Check Updates": 0, "Check Updates Frequency": 1, "Show In Menu Bar": 1, "Prefs Version": 1,
+                           "Enable Network Administration": 0, "Schedule Array": list(schedules)}, file)
         self.daemon = self.system.start([STEPPING_DAEMON, self.clocks, self.root], name=NAME, stderr=subprocess.DEVNULL)
 
     def run_ctl(self, *arguments, language="", user=0, stdout=subprocess.PIPE):
@@ -170,9 +171,9 @@ class CtlTest(unittest.TestCase):
                   f"  Start-up alarm: Tue 2027-03-02 06:58, {none}\n"
                   f"           Fault: schedule 3 (Shut down) never runs: its hour is not between 0 and 23\n")
         version = self.told("--version").split()[1]
-        self.assertEqual(self.told("status"), f"● quorel-daemon {version} is running\n{status}")
-        self.assertIn("À venir", self.told(language="fr"))
-        self.assertIs(json.loads(self.told("status", "--json"))["Running"], True)
+        self.assertEqual(self.run_ctl("status"), (5, f"● quorel-daemon {version} is running\n{status}", ""))
+        self.assertIn("À venir", self.run_ctl(language="fr")[1])
+        self.assertIs(json.loads(self.run_ctl("status", "--json")[1])["Running"], True)
         self.move_to(23, 14)
         wait_until(lambda: self.next()[0]["Step"] == "waiting", "it waits")
         self.assertIn("held up: it is not known what speaks against it", self.told("next"))
@@ -182,11 +183,44 @@ class CtlTest(unittest.TestCase):
     def test_coloured_and_wrapped_on_a_terminal_alone(self):
         self.start_daemon(schedule(SLEEP, "23:15"))
         reader, terminal = pty.openpty()
-        self.assertEqual(self.run_ctl("status", stdout=terminal)[0], 0)
+        self.assertEqual(self.run_ctl("status", stdout=terminal)[0], 5)
         shown = os.read(reader, 10000).decode()
         self.assertTrue(shown.startswith("\x1b[0;1;33m●\x1b[0m quorel-daemon"), shown)
         self.assertLessEqual(max(map(len, shown.splitlines()[1:])), 80)
-        self.assertNotIn("\x1b", self.told("status"))
+        self.assertNotIn("\x1b", self.run_ctl("status")[1])
+
+    def test_asks_for_a_password_on_its_terminal(self):
+        self.system.start_polkit("polkit.addAdminRule(function() { return ['unix-user:root']; });")
+        self.start_daemon(schedule(SLEEP, "23:15"))
+        reader, terminal = pty.openpty()
+        command = ["setsid", "--ctty", "--wait", QUORELCTL, "skip", self.next()[0]["Token"]]
+        process = self.system.start(command, user=NOBODY, stdin=terminal, stdout=terminal, stderr=terminal)
+        os.close(terminal)
+        shown = b""
+        while b"Password: " not in shown:
+            shown += os.read(reader, 1000)  # an error once the program has gone
+        while process.poll() is None:  # what is typed before the terminal stops to show it is thrown away
+            os.write(reader, b"no such password\n")
+            time.sleep(1)
+        self.assertEqual(process.returncode, 1)
+
+    def test_tells_how_well_things_stand(self):
+        stand_in = StandIn(self.system)
+        stand_in.answers["Upcoming"] = [("aa{sv}", dbus.Array([], "a{sv}"))]
+        no_clock = dbus.Dictionary({"Fault": "no-clock"}, "sv")
+        wanted = dbus.Dictionary({"At": dbus.Int64(AT), "Fault": "moved", "Others": dbus.Int64(AT + 3600)}, "sv")
+        well = {"Version": "1", "Acts": True, "Faults": dbus.Array([], "a{sv}"), "Wake Alarm": no_clock,
+                "Startup Alarm": dbus.Dictionary({}, "sv")}
+        for change, status, words in (
+                ({}, 0, "cannot be set: this computer has no clock with an alarm"),
+                ({"Plan Fault": "It is no file."}, 5, "Plan: the file in place is not used: It is no file."),
+                ({"State Fault": "No space"}, 5, "State: cannot be kept: No space"),
+                ({"Clock": "behind"}, 5, "Clock: behind; nothing runs"),
+                ({"Startup Alarm": wanted}, 5, "23:00, but would come Tue 2027-03-02 00:00: the hardware's clock was set")):
+            stand_in.answers["Status"] = [("a{sv}", {**well, **change})]
+            found, output, _ = self.run_ctl("status")
+            self.assertEqual(found, status, output)
+            self.assertIn(words, output)
 
     def test_says_no(self):
         self.system.start_polkit(LET_NOBODY.format("skip"))
@@ -201,6 +235,7 @@ class CtlTest(unittest.TestCase):
         self.assertIn("postponed by root, planned for 23:30\n", self.told("next"))
         self.assertEqual(self.next()[1]["At"], AT + 45 * 60)
         self.refused(4, "no such occurrence", "skip", "1-2-3")
+        self.refused(2, "not in UTF-8", "skip", b"\xff")
         for _ in range(7):
             self.told("skip", first)
         self.refused(1, "ten changes", "skip", first)

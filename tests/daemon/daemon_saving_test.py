@@ -2,11 +2,13 @@
 """What the daemon stores and what it refuses, for a caller that may."""
 import os
 import plistlib
+import shutil
 import signal
 import subprocess
+import time
 
 from daemon_case import DAEMON, INVALID, NOBODY, PREFERENCES, UNKNOWN, DaemonCase, main, preferences, xml
-from private_system import SECONDS
+from private_system import SECONDS, wait_until
 
 
 class SavingTest(DaemonCase):
@@ -83,6 +85,44 @@ class SavingTest(DaemonCase):
             self.assertEqual(self.save(xml(preferences(Show_In_Menu_Bar=0))), ("", ""))
             with open(f"{self.file}.unreadable", "rb") as file:
                 self.assertEqual(file.read(), damage)
+
+    def put(self, content, mode=0o644, owner=0):
+        with open(f"{self.file}.copy", "wb") as file:
+            file.write(content)
+        os.chmod(file.name, mode)
+        os.chown(file.name, owner, owner)
+        os.rename(file.name, self.file)
+
+    def says(self, words, times=1):
+        wait_until(lambda: self.logged().count(words) == times, lambda: f"{times} times {words}: {self.logged()}")
+
+    def test_goes_by_the_file_that_root_puts_in_place(self):
+        taken = "in place are taken over."
+        os.makedirs(self.folder)  # nothing of which was there when the daemon came
+        self.put(xml(PREFERENCES))
+        self.says(taken)
+        self.assertEqual(self.save(xml(PREFERENCES)), ("", ""))
+        self.says("are those in place.")
+        for content, how, fault in (
+                (b"junk", {}, "It is no property list"), (xml([1]), {}, "The preferences are no dictionary"),
+                (xml(preferences(Schedule_Array=[{}, 5])), {}, 'In "Schedule Array", entry 2'),
+                (xml(PREFERENCES), {"owner": NOBODY}, "Others than root"), (b" " * 3_000_000, {}, "It is larger")):
+            self.put(content, **how)
+            self.says(f"in place are not taken over: {fault}")
+        self.put(xml(PREFERENCES), mode=0o666)  # for the same reason as one before, which is said again
+        self.says("Others than root", 2)
+        os.chmod(self.file, 0o644)
+        self.says(taken, 2)
+        self.put(xml(PREFERENCES), owner=NOBODY)
+        self.says("Others than root", 3)
+        self.assertEqual(self.save(xml(PREFERENCES)), ("", ""))
+        self.says("Preferences of user 0 are stored.")
+        self.assertEqual(self.save(xml(preferences(Show_In_Menu_Bar=0))), ("", ""))
+        time.sleep(1)  # in which the daemon would notice its own replacement
+        self.daemon.send_signal(signal.SIGHUP)
+        self.says(taken, 3)
+        shutil.rmtree(self.folder)
+        self.says("There is no preferences file any more")
 
     def test_second_daemon_ends_with_an_error(self):
         second = subprocess.run([DAEMON, "--root", self.root], env=self.system.environment(), stderr=subprocess.PIPE,

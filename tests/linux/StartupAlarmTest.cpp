@@ -39,6 +39,16 @@ protected:
     std::string _folder;
 };
 
+TEST_F(StartupAlarmTest, OursMovesWithTheHardwaresClock) {
+    write("wakealarm", {});
+    alarm().set(kNow + 600, kNow);
+    EXPECT_EQ(alarm().comes(kNow), kNow + 600);
+    write("since_epoch", kNow);
+    EXPECT_EQ(alarm().comes(kNow), kNow + 600 + kAhead);
+    write("wakealarm", kNow + 300);  // somebody else's
+    EXPECT_EQ(alarm().comes(kNow), std::nullopt);
+}
+
 TEST_F(StartupAlarmTest, OursGivesWayToEarlierOnesOnly) {
     // Present alarm and the noted one by the hardware's clock; others by the computer's, relative to now.
     struct {

@@ -3,6 +3,7 @@
 machine_test.py IMAGE PAYLOAD: the payload holds the package, two higher versions of it below upgrade/, and the opener.
 Each case goes on where the one before it left the machine, and puts right what it needs itself.
 """
+import base64
 import json
 import os
 import plistlib
@@ -117,6 +118,24 @@ class PackageTest(unittest.TestCase):
         self.assertIn("administrator", output)
         self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
 
+    def test_02a_goes_by_what_root_puts_in_place(self):
+        self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}))
+        plan = base64.b64encode(plistlib.dumps(preferences(**{"Schedule Array": [schedule("Sleep", 4, 44)]}))).decode()
+        guest.run(f"base64 -d <<< {plan} > /root/plan; install -m 644 /root/plan {FILE}")
+        guest.wait("quorelctl next | grep 04:44")
+        self.assertEqual(guest.ask("quorelctl status")[0], 0)
+        guest.run(f"chown anna {FILE}; chmod 600 {FILE}")
+        guest.wait("quorelctl status | grep 'not used: It cannot be read: Permission denied'")
+        self.assertEqual(guest.ask("quorelctl status")[0], 5)
+        guest.run(f"chown root {FILE}; systemctl reload quorel-daemon")
+        guest.wait("quorelctl status > /dev/null")
+
+    def test_02b_starts_on_a_full_disk(self):
+        self.addCleanup(guest.run, "rm /fill /fill2; systemctl restart quorel-daemon")
+        guest.run("fallocate -l $(df --output=avail -B1 / | tail -1) /fill; cat /dev/zero > /fill2; test -s /fill2")
+        guest.run("systemctl restart quorel-daemon")
+        self.assertIn("No space left", guest.wait("quorelctl status | grep State:"))
+
     def test_03_comes_back_however_often_it_is_killed(self):
         before = guest.run(DAEMON)
         guest.run("systemctl kill -s KILL quorel-daemon")
@@ -152,7 +171,9 @@ class PackageTest(unittest.TestCase):
         ahead = guest.wait(f"test -s {rtc}/wakealarm && echo $(($(cat {rtc}/wakealarm) - $(cat {rtc}/since_epoch)))")
         until = guest.run("echo $(($(date -d '21:08:00' +%s) - $(date +%s)))")
         self.assertLessEqual(abs(int(ahead) - int(until)), 30)
-        guest.run("timedatectl set-timezone UTC")
+        guest.run("timedatectl set-local-rtc 1")
+        self.assertIn("21:08, but would come", guest.wait("quorelctl status | grep 'clock was set'"))
+        guest.run("timedatectl set-local-rtc 0; rm -f /etc/adjtime; timedatectl set-timezone UTC")
 
     def test_05b_stays_awake_for_a_lock_of_root(self):
         guest.run("systemd-run -q --unit=upgrade systemd-inhibit --what=sleep --who=Upgrades --why=installing sleep 1h")
@@ -201,6 +222,15 @@ class PackageTest(unittest.TestCase):
         guest.wait(f"{active} | grep yes")
         guest.run(in_session)
         self.assertIn("skipped by anna", guest.run("quorelctl next"))
+
+    def test_06b_asks_for_a_password_on_the_terminal(self):
+        self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}) + "; systemctl stop ask")
+        guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 23, 0)]}))
+        token = json.loads(guest.run("quorelctl next --json"))[0]["Token"]
+        words = " ".join(f"-p Standard{name}=tty" for name in ("Input", "Output", "Error"))
+        guest.run(f"systemd-run -q --unit=ask -p User=anna -p PAMName=login -p TTYPath=/dev/tty5 {words} "
+                  f"quorelctl skip {token}")
+        guest.wait("grep -a 'AUTHENTICATING FOR com.quorel.skip.*Password' /dev/vcs5")
 
     def test_07_settings_application_loads_pane_and_modules(self):
         guest.run("mkdir -p /home/anna/GNUstep && chown anna: /home/anna/GNUstep")

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "model/Value.h"
+
+namespace quorel {
+
+/// Whether all that is planned will happen, as far as the daemon knows. `status` as Status() tells it.
+bool isWell(const Value& status);
+/// How things stand: names, and what they stand for. `upcoming` as Upcoming() tells it.
+std::vector<std::pair<std::string, std::string>> statusFields(const Value& status, const Array& upcoming);
+
+}  // namespace quorel
