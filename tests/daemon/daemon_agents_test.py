@@ -4,6 +4,7 @@
 The daemon and users' agents together, with stand-ins for logind and for the desktops' notification servers.
 """
 import os
+import socket
 import subprocess
 import sys
 
@@ -13,6 +14,7 @@ import dbus.service
 from acting_case import ActingCase, instant
 from daemon_case import BUSY, NOBODY, NOT_AUTHORIZED, main
 from notifications import NotificationServer, eventually
+from private_system import SECONDS
 from schedules import SLEEP, schedule
 
 AGENT = os.path.abspath(sys.argv[4])
@@ -167,6 +169,20 @@ class AgentsTest(ActingCase):
                 self.start(schedule(SLEEP, "23:15", Only_When_Idle=1), sessions=[session])
                 self.log_in(NOBODY, server=False)
                 self.reach("23:14", step)
+
+    def test_an_x_server_that_says_nothing(self):
+        """Whoever waited for it would hear and say nothing more."""
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            self.system.variables["DISPLAY"] = f"127.0.0.1:{server.getsockname()[1] - 6000}"
+            self.start(schedule(SLEEP, "23:15", Only_When_Idle=1), sessions=[{"User": NOBODY, "IdleHint": False}])
+            self.log_in(NOBODY, server=False)
+            self.move_to("23:14")
+            silent, _ = server.accept()
+            with silent:
+                self.wait_for(lambda: self.steps() == ["waiting"], "it waits")
+                agent = self.system.processes[-1]
+                agent.terminate()
+                self.assertEqual(agent.wait(SECONDS), 0)
 
     def test_nobody_is_believed_for_another(self):
         self.start(schedule(SLEEP, "23:15", Only_When_Idle=1),
