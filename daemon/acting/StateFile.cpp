@@ -23,8 +23,11 @@ Value StateFile::read() const {
 
 void StateFile::save(const Value& state) {
     const auto bytes = encodePropertyList(state);
+    // What is begun must not be begun again after a loss of power. Otherwise the loop is held up by one sync less.
+    const bool begins = state["Open"] != std::exchange(_open, state["Open"]);
     const bool failed = !_fault.empty();
-    _fault = bytes ? replaceFile(_path, *bytes) : "It cannot be written as a property list";
+    _fault = bytes ? replaceFile(_path, *bytes, begins ? Lasts::kByNow : Lasts::kSoon)
+                   : "It cannot be written as a property list";
     if (!_fault.empty() && !failed) MOLLog("The state of the Schedules is not kept: %s.", _fault.c_str());
 }
 

@@ -20,7 +20,8 @@ public:
 
 private:
     const std::string _path;
-    std::string _fault;  ///< said once
+    Value _open = Array();  ///< what the file has of begun occurrences, as far as known here
+    std::string _fault;     ///< said once
 };
 
 }  // namespace quorel

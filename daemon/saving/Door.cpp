@@ -76,15 +76,20 @@ void Door::readNext() {
         _unread.pop_front();
         const auto next = _saves.find(name);
         if (next == _saves.end()) continue;  // has gone meanwhile
-        _reader.read(next->second.userInfo, [this, name](const ListReader::Outcome& outcome) {
+        const bool mayStore = next->second.user == 0U || next->second.allowed;
+        _reader.read(next->second.userInfo, mayStore, [this, name](const ListReader::Outcome& outcome) {
             const auto found = _saves.find(name);
-            if (found != _saves.end()) decide(found->second, outcome);
+            if (found != _saves.end())
+                decide(found->second, outcome);
+            else if (outcome.kind == ListReader::Outcome::Kind::Stored)
+                _stored(outcome.text);  // whoever sent it has gone meanwhile
             readNext();
         });
     }
 }
 
 void Door::decide(Save& save, const ListReader::Outcome& outcome) {
+    if (outcome.keptUnreadable) MOLLog("The file in place cannot be read; it is kept beside the new one.");
     switch (outcome.kind) {
         case ListReader::Outcome::Kind::Absent:  // which something that was sent never is
         case ListReader::Outcome::Kind::Failed:
@@ -94,7 +99,12 @@ void Door::decide(Save& save, const ListReader::Outcome& outcome) {
         case ListReader::Outcome::Kind::InPlace:
             return accept(save, "are those in place");
         case ListReader::Outcome::Kind::Fresh:
-            return save.user == 0U || save.allowed ? store(save, outcome.text) : ask(save);
+            return ask(save);
+        case ListReader::Outcome::Kind::NotStored:
+            return refuse(save, wire::kStorageFailed, outcome.text);
+        case ListReader::Outcome::Kind::Stored:
+            accept(save, "are stored");
+            return _stored(outcome.text);
     }
 }
 
@@ -104,13 +114,6 @@ void Door::ask(Save& save) {
         save.allowed = true;
         readLater(save);  // anew: lists that are kept while people look for passwords would add up
     });
-}
-
-void Door::store(Save& save, const std::string& bytes) {
-    if (_store.keepUnreadable()) MOLLog("The file in place cannot be read; it is kept beside the new one.");
-    if (const auto reason = _store.write(bytes); !reason.empty()) return refuse(save, wire::kStorageFailed, reason);
-    _stored(bytes);
-    accept(save, "are stored");
 }
 
 void Door::accept(Save& save, const char* outcome) {

@@ -24,7 +24,8 @@ namespace quorel {
 class Door {
 public:
     using Stored = std::function<void(const std::string& bytes)>;
-    /// The connection is served by the loop. `stored` is called before a save is answered. Throws std::exception.
+    /// The connection is served by the loop. `stored` is called right after a save is answered: what it does may take a
+    /// disk's time, and nothing else is served before. Throws std::exception.
     Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored);
 
 private:
@@ -48,7 +49,6 @@ private:
     void readNext();
     void decide(Save& save, const ListReader::Outcome& outcome);
     void ask(Save& save);
-    void store(Save& save, const std::string& bytes);
     void accept(Save& save, const char* outcome);
     void refuse(Save& save, const char* errorName, const std::string& text);
     void dismiss(Save& save);

@@ -49,7 +49,7 @@ std::string writeTemporary(int folder, const std::string& name, std::string_view
 
 }  // namespace
 
-std::string replaceFile(const std::string& file, std::string_view bytes) {
+std::string replaceFile(const std::string& file, std::string_view bytes, Lasts lasts) {
     const std::filesystem::path path = file;
     const std::string name = path.filename().string();
     const std::string temporary = temporaryName(path);
@@ -62,7 +62,7 @@ std::string replaceFile(const std::string& file, std::string_view bytes) {
         reason = failure("The new file cannot be put in place");
     if (!reason.empty()) unlinkat(folder.get(), temporary.c_str(), 0);
     // From here on the new file is the one that everybody sees: a failure would only be about a loss of power.
-    if (reason.empty()) fsync(folder.get());
+    if (reason.empty() && lasts == Lasts::kByNow) fsync(folder.get());
     return reason;
 }
 

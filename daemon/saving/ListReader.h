@@ -11,23 +11,26 @@
 
 namespace quorel {
 
-/// Reads preferences that anybody may have sent, one list at a time, in a process of its own: the loop goes on
-/// meanwhile, what the reading takes is gone with the process, and so is only that process if it should fail.
+/// Reads preferences that anybody may have sent, and stores them, one list at a time, in a process of its own: the loop
+/// goes on meanwhile, however slow the disk, what the reading takes is gone with the process, and so is only that
+/// process if it should fail. It ends with the daemon, so that what the daemon starts with stays in place.
 class ListReader {
 public:
     struct Outcome {
-        enum class Kind { Fresh, InPlace, Absent, Invalid, Failed } kind = Kind::Failed;
-        std::string text;  ///< Fresh: the file's bytes; Invalid, Failed: why
+        enum class Kind { Fresh, Stored, InPlace, Absent, Invalid, NotStored, Failed } kind = Kind::Failed;
+        bool keptUnreadable = false;  ///< the file in place could not be read and has a second name now
+        std::string text;             ///< Fresh, Stored: the file's bytes; Invalid, NotStored, Failed: why
     };
 
     ListReader(EventLoop& loop, const PreferencesStore& store);
-    /// Ends what is read.
+    /// Ends what is read; what is stored by then stays so.
     ~ListReader();
     ListReader(const ListReader&) = delete;
 
     bool isReading() const { return _child > 0; }
-    /// Not while it reads. `bytes` are copied; `done` is called later, and may read the next list.
-    void read(std::string_view bytes, std::function<void(Outcome)> done);
+    /// Not while it reads. A list that differs from the one in place is Fresh, or stored where it may be. `bytes` are
+    /// copied; `done` is called later, and may read the next list.
+    void read(std::string_view bytes, bool mayStore, std::function<void(Outcome)> done);
     /// The same of the file in place: Fresh, however often it is read, or Absent.
     void readInPlace(std::function<void(Outcome)> done);
     /// That at once, in this process.

@@ -6,7 +6,7 @@ import signal
 import subprocess
 import time
 
-from daemon_case import PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, xml
+from daemon_case import KIT_CALLER, PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, xml
 from private_system import SECONDS, wait_until
 
 ENDS = 200
@@ -56,6 +56,25 @@ class FailuresTest(DaemonCase):
         self.assertGreater(ends, 20)
         self.assertGreater(changed, 0)
         self.assertLess(changed, ends)
+
+    def test_a_disk_that_takes_its_time(self):
+        """Each sync takes a second: pings are answered all the while, and the save is answered as stored."""
+        self.system.variables["LD_PRELOAD"] = f"{os.path.dirname(KIT_CALLER)}/libslow_disk.so"
+        self.start_daemon()
+        del self.system.variables["LD_PRELOAD"]
+        caller = self.caller()
+        for check_updates in (0, 1):
+            sent = preferences(Check_Updates=check_updates)
+            wait_until(lambda: self.probe()[0], "the state of the Schedules has been synced, too")
+            caller.begin(xml(sent))
+            pings = [self.probe()[0]]
+            while not self.is_stored(sent):
+                pings.append(self.probe()[0])
+            self.assertEqual(caller.result(), ("", ""))
+            self.assertEqual(set(pings), {True})
+
+    def is_stored(self, sent):
+        return os.path.exists(self.file) and self.stored() == sent
 
     def test_disks_that_do_not_take_the_file(self):
         """Read-only, and full; afterwards, with room again, the same daemon saves."""
