@@ -8,9 +8,10 @@
 
 namespace quorel {
 
-Daemon::Daemon(const std::string& root, const Clocks& clocks)
+Daemon::Daemon(const std::string& root, const Clocks& clocks, Touches touches)
     : _bus(connectTo(Bus::System, _loop)),
-      _acting(_loop, _bus.get(), root, clocks),
+      _emptyBus(_loop),
+      _acting(_loop, _bus.get(), touches == Touches::kAll ? _bus.get() : _emptyBus.get(), root, clocks),
       _plan(_loop, root, [this](const Value& preferences) { _acting.take(preferences); }),
       _schedulerInterface(_bus.get(), _acting, _plan),
       _door(_loop, _bus.get(), root, [this](const std::string& bytes) { _plan.stored(bytes); }) {

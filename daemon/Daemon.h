@@ -8,15 +8,19 @@
 #include "daemon/saving/PlanInPlace.h"
 #include "linux/EventLoop.h"
 #include "linux/bus/Bus.h"
+#include "linux/bus/EmptyBus.h"
 
 namespace quorel {
 
 /// What the daemon is made of: one loop, one connection to the system bus, and the parts that share them.
 class Daemon {
 public:
+    /// What it does to the computer that it runs on.
+    enum class Touches { kNothing, kAll };
+
     /// `root` stands before absolute paths of the product. `clocks` must outlive it. Throws std::exception when the bus
     /// or the name is not to be had. Call it before threads are started.
-    Daemon(const std::string& root, const Clocks& clocks);
+    Daemon(const std::string& root, const Clocks& clocks, Touches touches);
 
     /// Serves until told to end, by a signal or by the bus, which has gone then. The program's exit status.
     int run();
@@ -24,6 +28,7 @@ public:
 private:
     EventLoop _loop;
     const BusConnection _bus;
+    const EmptyBus _emptyBus;
     Acting _acting;
     PlanInPlace _plan;
     SchedulerInterface _schedulerInterface;

@@ -1,4 +1,5 @@
-// quorel-daemon [--root DIR]: keeps the preferences file, for whom polkit lets change it.
+// quorel-daemon [--root DIR]: keeps the preferences file, for whom polkit lets change it, and carries the Schedules
+// out. Below a folder of its own it touches nothing of the computer, logind and the service manager included.
 
 #include <malloc.h>
 #include <sys/stat.h>
@@ -30,7 +31,8 @@ int main(int count, char** arguments) try {
     // The zone is the system's, which may change.
     if (root.empty()) unsetenv("TZ");
     const quorel::Clocks clocks;
-    return quorel::Daemon(root, clocks).run();
+    using Touches = quorel::Daemon::Touches;
+    return quorel::Daemon(root, clocks, root.empty() ? Touches::kAll : Touches::kNothing).run();
 } catch (const std::exception& exception) {
     quorel::MOLLog("The daemon cannot start: %s.", exception.what());
     return EXIT_FAILURE;

@@ -59,19 +59,19 @@ auto Acting::tell(Event event) {
     }
 }
 
-Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Clocks& clocks)
+Acting::Acting(EventLoop& loop, sd_bus* bus, sd_bus* computer, const std::string& root, const Clocks& clocks)
     : _clocks(clocks),
       _state(stateFolder(root) + "/state.plist"),
       _alarms(loop, clocks, {root.empty(), root + kHardwareClock, stateFolder(root) + "/startup-alarm"}),
       _agents(loop, bus),
-      _actions(loop, bus, root, clocks, _agents,
+      _actions(loop, computer, root, clocks, _agents,
                [this](const std::string& token, ActionEnd end, int status, const std::string& reason) {
                    tell([&](Now now) { _scheduler.actionEnded(now, token, end, status, reason); });
                }),
-      _sessions(bus, clocks,
+      _sessions(computer, clocks,
                 [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
       _power(
-          bus, clocks, _sessions,
+          computer, clocks, _sessions,
           {[this](Ticket ticket, const Conditions& conditions) {
                tell([&](Now now) { _scheduler.looked(now, ticket, conditions); });
            },
@@ -85,7 +85,7 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, const std::string& root, const Cloc
       _clockWatch(loop, clocks,
                   {[this] { tell([&](Now now) { _scheduler.tick(now); }); },
                    [this] { tell([&](Now now) { _scheduler.zoneChanged(now); }); }}),
-      _sleepWatch(loop, bus,
+      _sleepWatch(loop, computer,
                   {[this](bool lidClosed) { tell([&](Now now) { _scheduler.goingToSleep(now, lidClosed); }); },
                    [this](bool lidClosed) {
                        _sessions.restart();

@@ -4,7 +4,7 @@ import os
 import signal
 
 from acting_case import ActingCase, instant
-from daemon_case import main
+from daemon_case import DAEMON, main
 from schedules import SHUT_DOWN, SLEEP, WAKE_UP, schedule
 
 ALICES_LOCK = [["sleep", "Upgrades", "installing\x1b[31m", "block"]]
@@ -74,6 +74,14 @@ class ActingTest(ActingCase):
         self.last("gave-up", Hold="unknown")
         self.start_logind()
         self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "a lock of the logind that has come")
+
+    def test_touches_nothing_below_a_folder_of_its_own(self):
+        """The program itself, which has no clocks of the test's: what it would ask for at once, it has not asked for."""
+        self.start_logind()
+        self.daemon = self.system.start_daemon(DAEMON, self.root, log="daemon.log")
+        self.save(schedule(SLEEP, "23:15"))
+        self.hear("Alarms may not be set in time before sleep")
+        self.assertEqual((self.own_locks(), self.script()["calls"]), ([], []))
 
     def test_hung_logind(self):
         self.begin(schedule(SLEEP, "23:15"))

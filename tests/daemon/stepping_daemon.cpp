@@ -41,5 +41,5 @@ int main(int count, char** arguments) {
     quorel::installJournalLog("quorel-daemon");
     std::signal(SIGPIPE, SIG_IGN);
     const SteppingClocks clocks(arguments[1]);
-    return quorel::Daemon(arguments[2], clocks).run();
+    return quorel::Daemon(arguments[2], clocks, quorel::Daemon::Touches::kAll).run();
 }
