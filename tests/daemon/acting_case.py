@@ -84,7 +84,10 @@ class ActingCase(DaemonCase):
         self.save(*schedules)
 
     def save(self, *schedules):
-        self.assertEqual(self.caller().save(xml(preferences(Schedule_Array=list(schedules)))), ("", ""))
+        caller = self.caller()
+        self.assertEqual(caller.save(xml(preferences(Schedule_Array=list(schedules)))), ("", ""))
+        # What is stored is taken over before anything else is answered; only then may the clocks move.
+        caller.call("/com/quorel/Scheduler", "com.quorel.Scheduler1", "Status", "")
 
     # What there is to see.
 
