@@ -4,12 +4,12 @@
 
 namespace quorel {
 
-/// Queues on threads. All instances share one pool for the process: a thread is added when a block is ready and every
-/// thread is occupied, up to 64, and is kept. A block that waits for another queue occupies its thread, so do not let
-/// 64 of them wait for each other. `sync` on an idle queue needs no thread but the caller's. Any thread.
+/// Queues on threads: each has one while it has blocks to run, and one more for each block that is to come later. A
+/// block for which the system has no thread runs with the next one of its queue; a later one is lost. `sync` runs on
+/// the caller's thread. Any thread.
 ///
-/// The threads are never joined and what they work on is never destroyed, so that the process may exit at any moment;
-/// the code must stay loaded once a queue was used.
+/// The threads are never joined, so that the process may exit at any moment; the code must stay loaded once a queue was
+/// used.
 class ThreadDispatch : public Dispatch {
 public:
     /// The queue of the main thread is served by others; it outlives the dispatch.
