@@ -1,41 +1,8 @@
 #import "appkit/Application.h"
 
-#include <algorithm>
-
 #import "appkit/Strings.h"
+#import "appkit/VXSheet.h"
 #import "appkit/Views.h"
-
-#ifdef GNUSTEP
-
-/// A window as a sheet.
-@interface NSWindow (VXSheet)
-- (void)vxHangFrom:(NSWindow *)parent;
-- (void)vxParentMoved:(NSNotification *)notification;
-@end
-
-@implementation NSWindow (VXSheet)
-
-/// In the middle of its parent, hanging from the title bar, and never beyond the screen's edges.
-- (void)vxHangFrom:(NSWindow *)parent {
-    constexpr CGFloat kTitleBarHeight = 22;
-    NSRect frame = [self frame];
-    if (parent) {
-        frame.origin.x = NSMidX([parent frame]) - frame.size.width / 2;
-        frame.origin.y = NSMaxY([parent frame]) - kTitleBarHeight - frame.size.height;
-    }
-    const NSRect screen = [[NSScreen mainScreen] visibleFrame];
-    frame.origin.x = std::max(std::min(frame.origin.x, NSMaxX(screen) - frame.size.width), NSMinX(screen));
-    frame.origin.y = std::max(std::min(frame.origin.y, NSMaxY(screen) - frame.size.height), NSMinY(screen));
-    [self setFrameOrigin:frame.origin];
-}
-
-- (void)vxParentMoved:(NSNotification *)notification {
-    [self vxHangFrom:[notification object]];
-}
-
-@end
-
-#endif
 
 namespace quorel::appkit {
 
@@ -46,39 +13,9 @@ NSWindow *nativeWindowOf(quorel::Window *window) {
     return native ? native->nativeWindow() : nil;
 }
 
-#ifdef GNUSTEP
-
-// The framework's sheets do not fit here: its beginSheet runs a modal loop of its own, its endSheet ends one more. So a
-// sheet is a window that is placed by hand, and goes where its parent goes, as elsewhere the framework sees to. One
-// that is begun without a window belongs to the main one all the same; where there is none either it lies in the middle
-// of the screen.
-void beginSheet(NSWindow *sheet, NSWindow *parent) {
-    if (!parent) parent = [NSApp mainWindow];
-    if (!parent) [sheet center];
-    [sheet vxHangFrom:parent];
-    if (parent)
-        [[NSNotificationCenter defaultCenter] addObserver:sheet
-                                                 selector:@selector(vxParentMoved:)
-                                                     name:NSWindowDidMoveNotification
-                                                   object:parent];
-    [sheet makeKeyAndOrderFront:nil];
+VXSheet *sheetOf(quorel::Window &window) {
+    return static_cast<VXSheet *>(nativeWindowOf(&window));  // the interface files have no others
 }
-
-void endSheet(NSWindow *sheet) {
-    [[NSNotificationCenter defaultCenter] removeObserver:sheet name:NSWindowDidMoveNotification object:nil];
-}
-
-#else
-
-void beginSheet(NSWindow *sheet, NSWindow *parent) {
-    [NSApp beginSheet:sheet modalForWindow:parent modalDelegate:nil didEndSelector:NULL contextInfo:NULL];
-}
-
-void endSheet(NSWindow *sheet) {
-    [NSApp endSheet:sheet];
-}
-
-#endif
 
 }  // namespace
 
@@ -91,7 +28,7 @@ std::shared_ptr<quorel::Window> Application::modalWindow() const {
 }
 
 void Application::beginSheetModalForWindow(quorel::Window &sheet, quorel::Window *window) {
-    beginSheet(nativeWindowOf(&sheet), nativeWindowOf(window));
+    [sheetOf(sheet) beginOver:nativeWindowOf(window)];
 }
 
 void Application::runModalForWindow(quorel::Window &window) {
@@ -103,7 +40,7 @@ void Application::stopModal() {
 }
 
 void Application::endSheet(quorel::Window &sheet) {
-    appkit::endSheet(nativeWindowOf(&sheet));
+    [sheetOf(sheet) end];
 }
 
 int Application::runAlertPanel(std::string_view title, std::string_view message, std::string_view defaultButton,

@@ -8,6 +8,9 @@
 #include "appkit/VXConfigurator.h"
 #include "platform/Platform.h"
 
+/* Posted when the process is about to end without having been asked to quit: there are two seconds left. */
+extern NSString *const VXProcessEndsNotification;
+
 namespace quorel::appkit {
 
 /// The composition root: every service that the pane runs on, made once for the process and never destroyed, since

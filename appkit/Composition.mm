@@ -5,10 +5,13 @@
 #include "appkit/Services.h"
 #include "appkit/Strings.h"
 #include "appkit/Table.h"
+#include "linux/pane/EndOfProcess.h"
 #include "linux/pane/SystemServices.h"
 
 // A build for macOS needs that system's services in place of linux/: its Authorization Services, its dispatch queues,
 // and a channel to the programs there.
+
+NSString *const VXProcessEndsNotification = @"VXProcessEndsNotification";
 
 namespace quorel::appkit {
 
@@ -38,7 +41,13 @@ struct Services {
                     .timeFormat = timeFormat},
                    startSystemServices(settingsOf(bundle), mainQueue)},
           configuratorNib(bundle),
-          composition{std::make_shared<Bundle>(bundle), configuratorNib, platform} {}
+          composition{std::make_shared<Bundle>(bundle), configuratorNib, platform} {
+        beforeTheEnd(mainQueue, [] {
+            @autoreleasepool {
+                [[NSNotificationCenter defaultCenter] postNotificationName:VXProcessEndsNotification object:nil];
+            }
+        });
+    }
 
     Application application;
     Bundles bundles;

@@ -15,10 +15,7 @@ void VXSetButtonImages(NSButton *button, NSString *name, NSString *alternateName
 /* Lets a button up before its action opens a sheet: it would look pressed for as long as the sheet is open. */
 void VXLetGoOfButton(id sender);
 
+/* What is in the view and takes the keyboard, in the order of the subviews. */
+NSArray *VXKeyViewsIn(NSView *view);
 /* Makes Tab go through the views in this order, and round. */
 void VXLinkKeyViews(NSArray *views);
-
-#ifdef GNUSTEP
-/* A sheet is a window like others here, and without a window manager nothing sets it off from what it lies on. */
-void VXDrawSheetBorder(NSWindow *sheet);
-#endif

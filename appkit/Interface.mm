@@ -16,6 +16,7 @@ static void localizeToolTip(NSView *view, NSBundle *bundle) {
 }
 
 static void localizeTable(NSTableView *table, NSBundle *bundle) {
+    localizeToolTip([table headerView], bundle);
     for (NSTableColumn *column in [table tableColumns]) {
         NSCell *header = [column headerCell];
         [header setStringValue:localized([header stringValue], bundle)];
@@ -71,6 +72,16 @@ void VXLetGoOfButton(id sender) {
     [(NSButton *)sender display];
 }
 
+NSArray *VXKeyViewsIn(NSView *view) {
+    const bool fixed = [view isKindOfClass:[NSTextField class]] && ![(NSTextField *)view isEditable];
+    const bool takesKeys = [view isKindOfClass:[NSControl class]] || [view isKindOfClass:[NSTextView class]];
+    if (takesKeys)
+        return fixed || [view isKindOfClass:[NSScroller class]] ? [NSArray array] : [NSArray arrayWithObject:view];
+    NSMutableArray *keyViews = [NSMutableArray array];
+    for (NSView *subview in [view subviews]) [keyViews addObjectsFromArray:VXKeyViewsIn(subview)];
+    return keyViews;
+}
+
 void VXLinkKeyViews(NSArray *views) {
     NSView *previous = [views lastObject];
     for (NSView *view in views) {
@@ -78,16 +89,3 @@ void VXLinkKeyViews(NSArray *views) {
         previous = view;
     }
 }
-
-#ifdef GNUSTEP
-
-void VXDrawSheetBorder(NSWindow *sheet) {
-    NSView *content = [sheet contentView];
-    NSBox *border = [[[NSBox alloc] initWithFrame:[content bounds]] autorelease];
-    [border setTitlePosition:NSNoTitle];
-    [border setBorderType:NSLineBorder];
-    [border setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
-    [content addSubview:border positioned:NSWindowBelow relativeTo:nil];
-}
-
-#endif

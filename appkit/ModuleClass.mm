@@ -2,7 +2,11 @@
 
 #import <Quorel/VXPrefPanePlugInProtocol.h>
 
+#include <optional>
+#include <type_traits>
+
 #include "appkit/Controls.h"
+#include "appkit/Guard.h"
 #include "appkit/Strings.h"
 #include "appkit/Values.h"
 #include "configurator/VXPrefPanePlugInProtocol.h"
@@ -13,15 +17,27 @@ namespace {
 
 using NativeModule = NSObject<VXPrefPanePlugInProtocol, VXPrefPanePlugInMessages>;
 
-/// What `ask` answers; the default of that type when the module raises something.
+/// What `ask` answers; nothing when it raises something.
+template <class Ask>
+void answer(Ask ask, std::optional<decltype(ask())> &answered) {
+    @try {
+        answered = ask();
+    } @catch (id) {
+    }
+}
+
+/// What a module answers; the default of that type when it raises or throws something. Nothing is said of a module that
+/// does not work; it is passed over.
 template <class Ask>
 auto guarded(Ask ask) -> decltype(ask()) {
-    @try {
-        return ask();
-    } @catch (NSException *) {
-        // Nothing is said of a module that does not work; it is passed over.
+    using Answer = decltype(ask());
+    if constexpr (std::is_void_v<Answer>) {
+        guarded([&] { return ask(), true; });
+    } else {
+        std::optional<Answer> answered;
+        runGuarded([&] { answer(ask, answered); });
+        return answered.value_or(Answer());
     }
-    return decltype(ask())();
 }
 
 class Module : public VXPrefPanePlugInProtocol {
@@ -35,7 +51,8 @@ public:
         guarded([this] { [native() loadNib]; });
     }
     std::shared_ptr<quorel::View> setupView() override {
-        return wrapped<View>(guarded([this] { return [native() setupView]; }));
+        NSView *view = guarded([this] { return [native() setupView]; });
+        return [view isKindOfClass:[NSView class]] ? wrapped<View>(view) : nullptr;
     }
     bool needsWakeUp() override {
         return guarded([this] { return [native() needsWakeUp]; });

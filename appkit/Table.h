@@ -68,7 +68,7 @@ public:
     void setTarget(const Object *) override {}  // is known to whoever set the double action
     void setDoubleAction(std::function<void()> action) override;
     void setDelegate(TableViewDelegate *delegate) override { [native() setDelegate:delegate ? _bridge : nil]; }
-    void setRowHeight(double points) override { [native() setRowHeight:points]; }
+    void setRowHeight(double points) override;
     void setAllowsColumnSelection(bool allows) override { [native() setAllowsColumnSelection:allows]; }
     void setVerticalMotionCanBeginDrag(bool can) override { [native() setVerticalMotionCanBeginDrag:can]; }
     void registerForDraggedTypes(const std::vector<std::string> &types) override;

@@ -38,6 +38,7 @@ std::shared_ptr<Cell> Cells::makeConfiguratorCell(std::string_view title) {
 
 void TableColumn::setDataCell(std::shared_ptr<Cell> cell) {
     if (auto *native = dynamic_cast<NativeCell *>(cell.get())) [_column.get() setDataCell:native->nativeCell()];
+    [[_column.get() tableView] setNeedsDisplay:YES];  // rows are drawn when they change, not when their cell does
 }
 
 void Pasteboard::declareTypesOwner(const std::vector<std::string> &types, const Object *) {
@@ -60,12 +61,20 @@ TableView::~TableView() {
 void TableView::setDoubleAction(std::function<void()> action) {
     [_doubleAction release];
     NSTableView *table = native();
-    // Two quick clicks on a header are a double action too, but on no row.
+    // Two quick clicks on a header are a double action too, but on no row; on a check box they are two clicks.
     _doubleAction = [[VXActionTarget alloc] initWithAction:[table, action = std::move(action)] {
-        if ([table clickedRow] >= 0) action();
+        const NSInteger column = [table clickedColumn];
+        if ([table clickedRow] < 0 || column < 0) return;
+        id cell = [[[table tableColumns] objectAtIndex:static_cast<NSUInteger>(column)] dataCell];
+        if (![cell isKindOfClass:[NSButtonCell class]]) action();
     }];
     [native() setTarget:_doubleAction];
     [native() setDoubleAction:@selector(perform:)];
+}
+
+void TableView::setRowHeight(double points) {
+    [native() setRowHeight:points];
+    [[native() enclosingScrollView] setVerticalLineScroll:points];  // what a wheel's notch goes
 }
 
 void TableView::registerForDraggedTypes(const std::vector<std::string> &types) {

@@ -1,12 +1,14 @@
 #import "appkit/VXConfigurator.h"
 
 #import "appkit/Interface.h"
+#import "appkit/VXConfiguratorCell.h"
 #import "appkit/VXTimeControl.h"
 
 #include "appkit/CalendarDates.h"
 #include "appkit/Sender.h"
 #include "appkit/Table.h"
 #include "appkit/Values.h"
+#include "model/Dictionary.h"
 #include "model/Schedule.h"
 
 namespace appkit = quorel::appkit;
@@ -56,7 +58,6 @@ namespace appkit = quorel::appkit;
 #ifdef GNUSTEP
     [self replaceTimeControl];
     [self fitColumns];
-    VXDrawSheetBorder(editSheet);
 #endif
     [editSheet setInitialFirstResponder:timeControl];
 }
@@ -101,25 +102,13 @@ namespace appkit = quorel::appkit;
 
 #endif
 
-/* What is below `view` and takes the keyboard, in the order of the subviews. */
-static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
-    for (NSView *subview in [view subviews]) {
-        const bool editable = ![subview isKindOfClass:[NSTextField class]] || [(NSTextField *)subview isEditable];
-        if (([subview isKindOfClass:[NSControl class]] && editable) || [subview isKindOfClass:[NSTextView class]]) {
-            [keyViews addObject:subview];
-        } else {
-            collectKeyViews(subview, keyViews);
-        }
-    }
-}
-
 /* Tab follows the reading order, through the module's options as well. */
 - (void)optionsDidChange {
     NSMutableArray *keyViews = [NSMutableArray arrayWithObject:timeControl];
     [keyViews addObjectsFromArray:[self dayBoxes]];
     [keyViews addObject:selectAllButton];
     [keyViews addObject:popUpType];
-    collectKeyViews(editCustomView, keyViews);
+    [keyViews addObjectsFromArray:VXKeyViewsIn(editCustomView)];
     [keyViews addObjectsFromArray:[NSArray arrayWithObjects:startupEdit, wakeUpEdit, cancelButton, saveButton, nil]];
     VXLinkKeyViews(keyViews);
 }
@@ -150,7 +139,12 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
 
 - (IBAction)addSchedule:(id)sender {
     VXLetGoOfButton(sender);
+    const NSInteger before = [tableView numberOfRows];
     _configurator->addSchedule(appkit::senderFrom(sender).get());
+    const NSInteger last = [tableView numberOfRows] - 1;
+    if (last < before) return;
+    [tableView selectRowIndexes:[NSIndexSet indexSetWithIndex:static_cast<NSUInteger>(last)] byExtendingSelection:NO];
+    [tableView scrollRowToVisible:last];
 }
 
 - (IBAction)editSchedule:(id)sender {
@@ -175,6 +169,9 @@ static void collectKeyViews(NSView *view, NSMutableArray *keyViews) {
 }
 
 - (IBAction)saveSchedule:(id)sender {
+#ifdef GNUSTEP
+    if (![(VXTimeControl *)timeControl commitEditing]) return;
+#endif
     _configurator->saveSchedule(appkit::senderFrom(sender).get());
 }
 
@@ -261,7 +258,31 @@ static quorel::DropOperation dropOperationFrom(NSTableViewDropOperation operatio
 
 - (BOOL)tableView:(NSTableView *)table shouldSelectTableColumn:(NSTableColumn *)column {
     const appkit::TableColumn wrapper(column);
-    return _configurator->tableViewShouldSelectTableColumn(*_configurator->outlets.tableView, wrapper);
+    const bool selects = _configurator->tableViewShouldSelectTableColumn(*_configurator->outlets.tableView, wrapper);
+    const quorel::Array &rows = _configurator->scheduleArray();
+    const quorel::Value context = quorel::Dictionary{{"Colomn identifier", wrapper.identifier()}, {"Order", false}};
+    const bool descending = !rows.empty() && quorel::sortColomnFunction(rows.front(), rows.back(), context) ==
+                                                 quorel::ComparisonResult::Descending;
+    [(VXScheduleHeaderView *)[table headerView] showSortedBy:[table columnWithIdentifier:[column identifier]]
+                                                   ascending:!descending];
+    return selects;
+}
+
+/* A Schedule that is turned off looks like it. */
+- (void)tableView:(NSTableView *)table
+    willDisplayCell:(id)cell
+     forTableColumn:(NSTableColumn *)column
+                row:(NSInteger)row {
+    if (![cell isKindOfClass:[VXConfiguratorCell class]]) return;
+    NSTableColumn *flags = [table tableColumnWithIdentifier:appkit::nsString(quorel::schedule_keys::kIsEnabled)];
+    [cell setDimmed:[[self tableView:table objectValueForTableColumn:flags row:row] intValue] == 0];
+}
+
+- (NSString *)descriptionOfRow:(NSInteger)row {
+    NSTableColumn *infos = [tableView tableColumnWithIdentifier:appkit::nsString(quorel::schedule_keys::kInfos)];
+    VXConfiguratorCell *cell = [[[infos dataCell] copy] autorelease];
+    [cell setObjectValue:[self tableView:tableView objectValueForTableColumn:infos row:row]];
+    return [cell stringValue];
 }
 
 #ifdef GNUSTEP

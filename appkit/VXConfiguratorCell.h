@@ -8,7 +8,11 @@
  * the width does not do. The images come from the bundle that holds this class. */
 @interface VXConfiguratorCell : NSActionCell {
     NSDictionary *_summary;
+    BOOL _dimmed;
 }
+
+/* Draws like a disabled cell what is turned off, and can be used all the same. */
+- (void)setDimmed:(BOOL)dimmed;
 
 /* The summary as one sentence, the needs in words: what assistive tools read. Empty for an empty cell. */
 - (NSString *)stringValue;

@@ -90,8 +90,16 @@ NSDictionary *attributesOf(NSFont *font, NSColor *colour) {
     }));
 }
 
+- (void)setDimmed:(BOOL)dimmed {
+    _dimmed = dimmed;
+}
+
+- (bool)isFaint {
+    return _dimmed || ![self isEnabled];
+}
+
 - (NSColor *)colourOtherwise:(NSColor *)usual {
-    if (![self isEnabled]) return [NSColor disabledControlTextColor];
+    if ([self isFaint]) return [NSColor disabledControlTextColor];
     if ([self backgroundStyle] == NSBackgroundStyleDark) return [NSColor alternateSelectedControlTextColor];
     return [self isHighlighted] ? [NSColor selectedControlTextColor] : usual;
 }
@@ -131,7 +139,7 @@ NSDictionary *attributesOf(NSFont *font, NSColor *colour) {
         [dot drawInRect:place
                   fromRect:NSZeroRect
                  operation:NSCompositeSourceOver
-                  fraction:[self isEnabled] ? 1.0 : 0.4
+                  fraction:[self isFaint] ? 0.4 : 1.0
             respectFlipped:YES
                      hints:nil];
         right -= kGap;

@@ -14,7 +14,8 @@ namespace appkit = quorel::appkit;
 struct VXPaneState {
     std::shared_ptr<quorel::VXPrefPaneController> controller;
     appkit::WeakWindow hostWindow;
-    bool selected = false;
+    bool selected = false;  // ever
+    bool shown = false;     // selected, and not left yet
 };
 
 @implementation VXPrefPaneController
@@ -29,10 +30,17 @@ struct VXPaneState {
         [self release];
         return nil;
     }
+    [self observe:NSApplicationWillTerminateNotification by:@selector(hostQuits:)];
+    [self observe:VXProcessEndsNotification by:@selector(processEnds:)];
     return self;
 }
 
+- (void)observe:(NSString *)name by:(SEL)operation {
+    [[NSNotificationCenter defaultCenter] addObserver:self selector:operation name:name object:nil];
+}
+
 - (void)dealloc {
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
     delete _state;
     [super dealloc];
 }
@@ -68,9 +76,6 @@ struct VXPaneState {
     [theIcon setImage:VXImageNamed(@"Quorel", bundle)];
     NSString *copyright = [bundle objectForInfoDictionaryKey:@"NSHumanReadableCopyright"];
     [theCopyright setStringValue:copyright ? copyright : @""];
-#ifdef GNUSTEP
-    VXDrawSheetBorder(aboutSheet);
-#endif
 }
 
 // The host's calls
@@ -82,12 +87,42 @@ struct VXPaneState {
         _state->selected = true;
         [self retain];
     }
+    _state->shown = true;
     _state->controller->didSelect();
+    [self takeKeyboard];
+}
+
+/* A host that quits takes no leave of the pane that it shows. */
+- (void)hostQuits:(NSNotification *)notification {
+    if (_state->shown) [self willUnselect];
+}
+
+- (void)processEnds:(NSNotification *)notification {
+    if (_state->shown) _state->controller->willEnd();
+    _state->shown = false;
 }
 
 - (void)willUnselect {
+    _state->shown = false;
     _state->controller->willUnselect();
+    [self linkKeyViewsWithout:[self mainView]];
     [super willUnselect];
+}
+
+/* Tab goes through the pane and what the host has around it. At first the keyboard is where there is something to do:
+ * at the list, or at the padlock. */
+- (void)takeKeyboard {
+    [self linkKeyViewsWithout:nil];
+    NSView *list = [VXKeyViewsIn(configView) objectAtIndex:0];
+    [[list window] makeFirstResponder:[authButton state] == NSOnState ? list : authButton];
+}
+
+- (void)linkKeyViewsWithout:(NSView *)gone {
+    NSMutableArray *keyViews = [NSMutableArray array];
+    for (NSView *view in VXKeyViewsIn([[[self mainView] window] contentView])) {
+        if (![view isDescendantOf:gone]) [keyViews addObject:view];
+    }
+    VXLinkKeyViews(keyViews);
 }
 
 - (void)setShouldUnselect:(NSPreferencePaneUnselectReply)answer {

@@ -240,13 +240,11 @@ NSArray *halvesOfTheDay() {
     return [_lastUsed currentEditor] ? _lastUsed : nil;
 }
 
-/* Return presses the default button without ending what is typed: it waits for a value that can be saved. */
-- (BOOL)performKeyEquivalent:(NSEvent *)event {
+- (BOOL)commitEditing {
     VXTimeField *field = [self fieldBeingEdited];
-    if (!field || ![[event characters] isEqual:@"\r"] || [self takeOver:field])
-        return [super performKeyEquivalent:event];
+    if (!field || [self takeOver:field]) return YES;
     [self refuse:field];
-    return YES;
+    return NO;
 }
 
 - (void)setNextKeyView:(NSView *)view {
@@ -281,8 +279,7 @@ NSArray *halvesOfTheDay() {
 }
 
 - (NSDate *)dateValue {
-    VXTimeField *field = [self fieldBeingEdited];
-    if (field && ![self takeOver:field]) [self refuse:field];
+    [self commitEditing];
     NSDateComponents *components = [self componentsOfDate];
     if ([components hour] == _hour && [components minute] == _minute) return [[_date retain] autorelease];
     [components setHour:_hour];
@@ -325,9 +322,10 @@ NSArray *halvesOfTheDay() {
         if (half == kNone) return NO;
         _hour = _hour % 12 + 12 * half;
     } else {
-        const int hour = _halves ? numberIn(text, 1, 12) : numberIn(text, 0, kHours - 1);
+        const int hour = numberIn(text, 0, kHours - 1);
         if (hour == kNone) return NO;
-        _hour = _halves ? hour % 12 + (_hour < 12 ? 0 : 12) : hour;
+        const bool ofHalf = _halves && hour >= 1 && hour <= 12;
+        _hour = ofHalf ? hour % 12 + (_hour < 12 ? 0 : 12) : hour;
     }
     return YES;
 }
@@ -338,11 +336,8 @@ NSArray *halvesOfTheDay() {
 
 /* What is being typed is taken over first; where it cannot be, that is all that happens. */
 - (void)step:(int)by {
+    if (![self commitEditing]) return;
     VXTimeField *field = [self fieldBeingEdited];
-    if (field && ![self takeOver:field]) {
-        [self refuse:field];
-        return;
-    }
     if (_lastUsed == _minuteField) {
         _minute = wrapped(_minute + by, kMinutes);
     } else {

@@ -242,8 +242,8 @@ class Screen:
         self.wait(toolTip=pop_up["toolTip"], title=title)
         self.settle()
 
-    def drag_row(self, row, below):
-        """From a row to the gap below another; row -1 stands for the gap at the top."""
+    def drag_row(self, row, below, sideways=32):
+        """From a row to the gap below another; row -1 stands for the gap at the top. First some points sideways."""
         rows = self.table()["rows"]
         x, y, width, height = rows[row]["cells"]["Infos"]["frame"]
         x, y = int(x + width / 2), int(y + height / 2)
@@ -251,10 +251,10 @@ class Screen:
         step = height + 2
         target = int(top + (below + 1) * step) + (3 if below < 0 else 0)  # the header is no place to drop at
         moves = ["mousemove", x, y, "sleep", 0.1, "mousedown", 1, "sleep", 0.1]
-        for distance in range(1, 13):
+        for distance in range(1, sideways + 1):
             moves += ["mousemove", x + distance, y, "sleep", 0.01]
         for part in range(1, 11):
-            moves += ["mousemove", x + 12, round(y + (target - y) * part / 10), "sleep", 0.02]
+            moves += ["mousemove", x + sideways, round(y + (target - y) * part / 10), "sleep", 0.02]
         self.xdotool(*moves, "sleep", 0.1, "mouseup", 1)
 
     def key(self, *names):

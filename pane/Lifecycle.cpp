@@ -70,6 +70,11 @@ void VXPrefPaneController::willUnselect() {
     savePrefs();
 }
 
+void VXPrefPaneController::willEnd() {
+    assertMainThread();
+    if (isAuthorized()) savePrefs();
+}
+
 void VXPrefPaneController::setNeedsSave(const Notification*) {
     // Every pane of the process hears of an edit, also one whose interface file is not loaded yet.
     for (const auto& button : {outlets.applyButton, outlets.revertButton}) {

@@ -40,6 +40,8 @@ public:
     void setShouldUnselect(unsigned) override {}  ///< the pane never refuses
     std::shared_ptr<View> mainView() const override { return PreferencePane::mainView(); }
     void setMainView(const std::shared_ptr<View>& view) override { PreferencePane::setMainView(view); }
+    /// The process is being ended: saves edits, if nobody need be asked for that.
+    void willEnd();
     void initNotifications();
     void setNeedsSave(const Notification* notification);
     void applyNow(const Object* sender);

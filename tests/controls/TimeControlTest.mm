@@ -25,6 +25,7 @@ static void countBeep(id, SEL) {
 
 @implementation Presses
 - (void)save:(id)sender {
+    if (![control commitEditing]) return;
     ++saved;
     [savedDate release];
     savedDate = [[control dateValue] retain];
@@ -273,8 +274,9 @@ TEST_F(TwelveHours, ShowsAndTakesHalvesOfTheDay) {
     EXPECT_EQ(shown(), "12:30AM");
     tryAll(23, 58,
            {{"7\t", "07:[58]PM", "19:58", 0},
-            {"13\t", "[11]:58PM", "23:58", 1},
-            {"0\t", "[11]:58PM", "23:58", 1},
+            {"13\t", "01:[58]PM", "13:58", 0},
+            {"0\t", "12:[58]AM", "00:58", 0},
+            {"24\t", "[11]:58PM", "23:58", 1},
             {kUp, "[12]:58AM", "00:58", 0},
             {"\t\ta\t", "11:58AM", "11:58", 0},
             {"\t\tpM\t", "11:58PM", "23:58", 0},

@@ -56,7 +56,7 @@ class AdministratorTest(LockCase):
         screen.click_cell(1, "Is Enabled")
         screen.click_cell(2, "Active On Monday")
         screen.drag_row(0, 2)
-        screen.key("Delete")
+        screen.key("Down", "End", "Home", "Next", "Prior", "shift+Up", "alt+a", "Delete", "Return")
         # The header is not locked; what it does comes after all of the above.
         screen.click_header("Infos")
         self.wait_times("6:15", "1:00", "10:30")
@@ -65,8 +65,10 @@ class AdministratorTest(LockCase):
         self.assertTrue(all(row["Is Enabled"] and row["Active On Monday"] for row in screen.rows()))
         self.assert_locked()
 
+        locked = self.display.picture(screen.table())
         self.toggle()
         self.assert_unlocked()
+        wait_for(lambda: self.display.picture(screen.table()) != locked, "the rows are not drawn anew")
         screen.click(self.button(OPTIONS[0]))
         screen.wait(toolTip="How often to check", enabled=False)
         self.toggle()

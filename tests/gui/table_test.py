@@ -68,27 +68,52 @@ class TableTest(PaneCase):
 
     def test_the_first_row_dropped_on_itself_leaves_a_pane_that_works(self):
         screen = self.open_pane()
+        screen.drag_row(0, -1, sideways=12)  # a slip
         screen.drag_row(0, -1)
         self.wait_times("6:15", "1:00", "9:05")
         screen.click_header("Infos")
         self.wait_times("6:15", "9:05", "1:00")
 
     def test_without_a_mouse(self):
+        """From a locked pane to a stored Schedule."""
         self.start_daemon()
-        screen = self.open_pane()
-        screen.click_cell(1, "Infos")
-        screen.wait(toolTip="Edit the selected schedule", enabled=True)
-        screen.key("Down")
+        screen = self.open_pane(unlocked=False)
         screen.key("space")
-        screen.wait_rows(lambda rows: rows[2]["Is Enabled"] == 1)
-        screen.key("Return")
+        screen.wait(value="Settings unlocked")
+        self.tab_to(toolTip="Add a schedule")
+        screen.key("space")
         self.wait_sheet()
-        screen.key("Escape")
-        self.wait_no_sheet()
-        screen.key("Delete")
-        self.wait_times("10:30", "6:15", "9:05")
-        self.apply()
-        self.wait_stored(lambda now: hours(now) == ["22", 6, 9])
+        screen.type("15")
+        screen.key("Return")
+        self.wait_times("10:30", "6:15", "1:00", "9:05", "3:00")
+        screen.wait(rows=lambda rows: rows[4]["selected"])
+        screen.key("shift+Tab", "Up", "Up", "space")
+        screen.wait_rows(lambda rows: rows[2]["Is Enabled"] == 1)
+        screen.xdotool("keydown", "Delete", "sleep", 1.5, "keyup", "Delete")
+        self.wait_times("10:30", "6:15", "9:05", "3:00")
+        self.tab_to(title="Apply")
+        screen.key("space")
+        self.wait_stored(lambda now: hours(now) == ["22", 6, 9, 15])
+
+    def tab_to(self, **facts):
+        for _ in range(12):
+            if self.screen.find(focused=True, **facts):
+                return
+            self.screen.key("Tab")
+            self.screen.settle()
+        self.fail(f"Tab does not lead to {facts}")
+
+    def test_edits_outlive_the_application(self):
+        self.start_daemon()
+        for end in (lambda: self.screen.key("alt+q"), lambda: self.application.process.terminate(),
+                    lambda: self.display.close()):
+            screen = self.open_pane()
+            before = screen.rows()[0]["Is Enabled"]
+            screen.click_cell(0, "Is Enabled")
+            screen.wait_rows(lambda rows: rows[0]["Is Enabled"] != before)
+            end()
+            self.wait_stored(lambda now: now["Schedule Array"][0]["Is Enabled"] != before)
+            self.application.process.wait(20)
 
     def test_the_first_save_makes_the_file(self):
         os.remove(self.file)

@@ -22,6 +22,15 @@
 - (NSString *)pluginName {
     return nil;
 }
+- (NSView *)setupView {
+    return (NSView *)@"no view";
+}
+- (void)fillSetupInterfaceFromParameters {
+    @throw @"no exception";
+}
+- (void)fillParametersFromSetupInterface {
+    throw 7;
+}
 @end
 
 namespace quorel::appkit {
@@ -85,6 +94,9 @@ TEST_F(HostTest, ModulesAreAskedWithCare) {
     ASSERT_TRUE(module);
     EXPECT_FALSE(module->pluginName());
     EXPECT_EQ(module->actionString(), "");
+    EXPECT_FALSE(module->setupView());
+    module->fillSetupInterfaceFromParameters();
+    module->fillParametersFromSetupInterface();
 }
 
 // The pane says nothing of modules that are none, and looks for them in one folder alone.
