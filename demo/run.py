@@ -121,7 +121,7 @@ def show(build, user, place, path, ends):
     info = {"QuorelRoot": root, "QuorelUpdateFeed": feed_address}
     if has_display():
         application = SettingsApplication(build, home, environment, info=info, languages=None, inspect=False,
-                                          bundles=[f"{build}/demo/Opener.bundle"], **as_user)
+                                          bundles=[f"{build}/QuorelOpener.bundle"], **as_user)
         ends.callback(application.close)
         print(f"Preferences: {path}\nPress Ctrl-C or close the window to end.", flush=True)
         show_plan(build, environment)

@@ -1,6 +1,6 @@
 """The package on a machine that never saw it: what its installation, use, upgrade, removal and purge do there.
 
-machine_test.py IMAGE PAYLOAD: the payload holds the package, two higher versions of it below upgrade/, and the opener.
+machine_test.py IMAGE PAYLOAD: the payload holds the package and two higher versions of it below upgrade/.
 Each case goes on where the one before it left the machine, and puts right what it needs itself.
 """
 import base64
@@ -234,8 +234,8 @@ class PackageTest(unittest.TestCase):
 
     def test_07_settings_application_loads_pane_and_modules(self):
         guest.run("mkdir -p /home/anna/GNUstep && chown anna: /home/anna/GNUstep")
-        opener = """-GSAppKitUserBundles '("/payload/Opener.bundle")'"""
-        guest.run(anna(f"SystemPreferences {opener} > /dev/null 2>&1 &"))
+        command = guest.run("sed -n s/^Exec=//p /usr/share/applications/quorel.desktop").strip()
+        guest.run(anna(f"{command} > /dev/null 2>&1 &"))
         for loaded in ("Quorel.prefPane/Quorel", "Sleep.vxplugin/Sleep", "WakeUp.vxplugin/WakeUp"):
             guest.wait(f"grep -q {loaded}$ /proc/$(pgrep -f ^SystemPreferences)/maps")
 

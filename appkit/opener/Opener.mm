@@ -1,7 +1,12 @@
-// Loaded into the settings application by ./run: opens the pane that a newcomer came to see, as a click on its icon
-// would.
+// Loaded into the settings application that the desktop's menu starts: shows it as large as the desktop shows things,
+// and opens the pane, as a click on its icon would.
 
 #import <AppKit/AppKit.h>
+#include <X11/Xlib.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
 
 /* What this takes for granted of the settings application; where it does not hold, the icon is there to be clicked. */
 @interface NSObject (QuorelSettingsApplication)
@@ -23,9 +28,23 @@ static id findPane(NSView *view) {
     return nil;
 }
 
+/* How large the desktop shows things, in quarters, by the dots per inch that desktops tell X programs. */
+static double desktopScale() {
+    constexpr double kUsual = 96;
+    Display *display = XOpenDisplay(nullptr);
+    if (!display) return 1;
+    const char *text = XGetDefault(display, "Xft", "dpi");
+    const double scale = text ? std::round(std::atof(text) / kUsual * 4) / 4 : 1;
+    XCloseDisplay(display);
+    return std::clamp(scale, 1.0, 4.0);
+}
+
 @implementation QuorelOpener
 
 + (void)load {
+    // The framework knows nothing of the desktop's scale. What the user has told it comes first.
+    NSString *scale = [NSString stringWithFormat:@"%.2f", desktopScale()];
+    [[NSUserDefaults standardUserDefaults] registerDefaults:@{@"GSScaleFactor" : scale}];
     [[NSNotificationCenter defaultCenter] addObserver:self
                                              selector:@selector(launched:)
                                                  name:NSApplicationDidFinishLaunchingNotification
