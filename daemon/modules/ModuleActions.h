@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "daemon/acting/Agents.h"
-#include "daemon/modules/ModuleRegistry.h"
 #include "linux/EventLoop.h"
 #include "linux/login/LoginSessions.h"
 #include "linux/login/Logind.h"
 #include "linux/time/Clocks.h"
+#include "linux/units/ModuleRegistry.h"
 #include "linux/units/TransientUnit.h"
 #include "scheduler/Occurrence.h"
 #include "scheduler/World.h"

@@ -1,4 +1,4 @@
-#include "daemon/modules/ModuleRegistry.h"
+#include "linux/units/ModuleRegistry.h"
 
 #include <sys/stat.h>
 
