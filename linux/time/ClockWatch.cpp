@@ -6,7 +6,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 #include "kit/MOLLog.h"
@@ -14,23 +16,50 @@
 namespace quorel {
 
 ClockWatch::ClockWatch(EventLoop& loop, const Clocks& clocks, Events events, const char* settings)
-    : _clocks(clocks), _events(std::move(events)), _timer(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
+    : _loop(loop),
+      _clocks(clocks),
+      _events(std::move(events)),
+      _settings(settings),
+      _timer(timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)) {
     if (!_timer) MOLLog("There is no timer: %s.", std::strerror(errno));
     _timerSource = whenReadable(loop, _timer.get(), [this] { read(); });
     waitFor(std::nullopt);
-
-    // "localtime" is replaced, so its folder is what can be watched.
-    const auto changed = [](sd_event_source*, const inotify_event* event, void* watch) {
-        const bool lost = event->mask & IN_Q_OVERFLOW;
-        if (lost || (event->len && std::strcmp(event->name, "localtime") == 0))
-            static_cast<ClockWatch*>(watch)->_events.zoneChanged();
+    _settingsSource = watch(_settings, [](sd_event_source*, const inotify_event* event, void* self) {
+        auto& watch = *static_cast<ClockWatch*>(self);
+        if (!concerns(*event, "localtime")) return 0;
+        watch.watchZone();
+        watch._events.zoneChanged();
         return 0;
-    };
+    });
+    watchZone();
+}
+
+void ClockWatch::watchZone() {
+    _zoneSource.reset();
+    std::error_code error;
+    const auto file = std::filesystem::canonical(_settings + "/localtime", error);
+    if (error || file.parent_path() == _settings) return;
+    _zone = file.filename();
+    _zoneSource = watch(file.parent_path(), [](sd_event_source*, const inotify_event* event, void* self) {
+        const auto& watch = *static_cast<ClockWatch*>(self);
+        if (concerns(*event, watch._zone)) watch._events.zoneChanged();
+        return 0;
+    });
+}
+
+// Files are replaced, or written in place, so their folder is what can be watched. Before it is closed, what is written
+// may be half of it.
+EventSource ClockWatch::watch(const std::string& folder, sd_event_inotify_handler_t changed) {
     sd_event_source* source = nullptr;
-    const int result = sd_event_add_inotify(loop.get(), &source, settings,
-                                            IN_CREATE | IN_MOVED_TO | IN_DELETE | IN_ONLYDIR, changed, this);
+    const int result =
+        sd_event_add_inotify(_loop.get(), &source, folder.c_str(),
+                             IN_CREATE | IN_CLOSE_WRITE | IN_MOVED_TO | IN_DELETE | IN_ONLYDIR, changed, this);
     if (result < 0) MOLLog("Changes of the time zone go unnoticed: %s.", std::strerror(-result));
-    _zoneSource.reset(source);
+    return EventSource(source);
+}
+
+bool ClockWatch::concerns(const inotify_event& event, const std::string& name) {
+    return (event.mask & IN_Q_OVERFLOW) || (event.len && name == event.name);
 }
 
 void ClockWatch::waitFor(std::optional<Instant> instant) {

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <filesystem>
+#include <fstream>
 
 namespace quorel {
 namespace {
@@ -38,6 +39,26 @@ TEST(ClockWatchTest, CallsAtTheInstantAndWhenTheZoneIsReplaced) {
         EXPECT_EQ(zones, 0);
         std::filesystem::rename(folder + "/new", folder + "/localtime");
         EXPECT_GE(runUntil(zones, 1), 1);
+
+        // The zones' package is upgraded; then the zone is a file of its own, which counts once it is written.
+        const std::string zone = folder + "/zone";
+        std::filesystem::create_directory(zone);
+        std::ofstream(zone + "/Paris") << "old";
+        std::filesystem::create_symlink(zone + "/Paris", folder + "/new");
+        std::filesystem::rename(folder + "/new", folder + "/localtime");
+        while (sd_event_run(loop.get(), 200'000) > 0) continue;
+        zones = 0;
+        std::ofstream(zone + "/Paris.new") << "new";
+        std::filesystem::rename(zone + "/Paris.new", zone + "/Paris");
+        EXPECT_EQ(runUntil(zones, 1), 1);
+        std::filesystem::remove(folder + "/localtime");
+        {
+            std::ofstream file(folder + "/localtime");
+            while (sd_event_run(loop.get(), 200'000) > 0) continue;
+            zones = 0;
+            file << "all of it";
+        }
+        EXPECT_EQ(runUntil(zones, 1), 1);
         EXPECT_EQ(ticks, 2);
     }
     std::filesystem::remove_all(folder);
