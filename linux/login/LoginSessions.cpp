@@ -41,7 +41,8 @@ std::optional<LoginSession> LoginSession::from(sd_bus_message* properties, Insta
     });
     if (!complete) return {};
 
-    found.counts = userClass == "user" && state != "closing";
+    const bool isUsers = userClass == "user" || userClass.starts_with("user-");
+    found.counts = isUsers && !userClass.ends_with("-incomplete") && state != "closing";
     const std::string place = !host.empty() ? host : !terminal.empty() ? terminal : seat;
     found.session.name = place.empty() ? user : user + " (" + place + ")";
     found.session.isGraphical = type == "x11" || type == "wayland" || type == "mir";

@@ -15,7 +15,7 @@ namespace quorel {
 struct LoginSession {
     Session session;
     unsigned userId = 0;
-    bool counts = false;  ///< of class "user" and not closing
+    bool counts = false;  ///< of class "user" or one of its kin, such as root's "user-early", and not closing
     bool isActive = false;
 
     /// From the answer of GetAll; nothing where it is none.

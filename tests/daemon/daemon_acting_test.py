@@ -29,7 +29,8 @@ class ActingTest(ActingCase):
         self.hear("Sleep of Mon 2027-03-01 23:15: slept until Mon 2027-03-01 23:16")
 
     def test_waits_for_what_speaks_against_it(self):
-        in_use = [{"Name": "bob\n", "TTY": "tty3", "Type": "tty"}]
+        in_use = [{"Name": "bob\n", "TTY": "tty3", "Type": "tty", "Class": "user-early"},
+                  {"Name": "carol", "Class": "user-incomplete"}]
         idle = [{"Type": "tty", "IdleSinceHint": (instant("23:15") - 3600) * 1_000_000}]
         for changes, cure, patience, words, parameters in (
                 ({"inhibitors": ALICES_LOCK}, {"inhibitors": []}, "23:45", "Upgrades: installing\ufffd[31m", {}),
