@@ -14,30 +14,29 @@ constexpr std::chrono::days kOneDay{1};
 
 }  // namespace
 
+/// Of equal Schedules the first stands for all, on the days of all.
 Agenda::Agenda(const Calendar& calendar, Schedules schedules) : _calendar(calendar) {
-    std::unordered_map<std::uint64_t, std::array<unsigned, 7>> counts;
-    _entries.reserve(schedules.size());
+    std::unordered_map<std::uint64_t, std::size_t> places;
     for (auto& schedule : schedules) {
-        std::array<unsigned, 7>& count = counts[schedule->digest];
-        const std::array<unsigned, 7> numbers = count;
-        for (std::size_t day = 0; day < count.size(); ++day) count[day] += schedule->days[day] ? 1 : 0;
-        _entries.push_back({std::move(schedule), numbers});
+        const auto [known, isNew] = places.emplace(schedule->digest, _schedules.size());
+        if (isNew) {
+            _schedules.push_back(std::move(schedule));
+        } else if (auto& first = _schedules[known->second]; first->days != schedule->days) {
+            ScheduleReading joined = *first;
+            for (std::size_t day = 0; day < joined.days.size(); ++day) joined.days[day] |= schedule->days[day];
+            first = std::make_shared<const ScheduleReading>(std::move(joined));
+        }
     }
 }
 
 void Agenda::collectDay(LocalDate date, const Wanted& wanted, std::vector<Hit>& into) const {
     const unsigned weekday = std::chrono::weekday(date).iso_encoding() - 1;
-    for (std::size_t index = 0; index < _entries.size(); ++index) {
-        const ScheduleReading& schedule = *_entries[index].schedule;
+    for (std::size_t place = 0; place < _schedules.size(); ++place) {
+        const ScheduleReading& schedule = *_schedules[place];
         if (!schedule.days[weekday] || (wanted && !wanted(schedule))) continue;
         const std::optional<Instant> due = _calendar.instantOf(date, schedule.hour, schedule.minute);
-        if (due) into.push_back({*due, index, weekday});
+        if (due) into.push_back({*due, place, weekday});
     }
-}
-
-Occurrence Agenda::occurrence(const Hit& hit) const {
-    const Entry& entry = _entries[hit.entry];
-    return {hit.due, entry.schedule, hit.weekday, entry.numbers[hit.weekday]};
 }
 
 // A leap of the clock at midnight moves a time into the next day. So the day before is looked at too, and one more
@@ -60,7 +59,7 @@ std::vector<Occurrence> Agenda::after(Instant instant, std::size_t most, const W
 
     const auto order = [&](const Hit& a, const Hit& b) {
         const auto key = [&](const Hit& hit) {
-            return std::tuple(hit.due, _entries[hit.entry].schedule->kind, hit.entry, hit.weekday);
+            return std::tuple(hit.due, _schedules[hit.schedule]->kind, hit.schedule, hit.weekday);
         };
         return key(a) < key(b);
     };
@@ -81,9 +80,10 @@ std::vector<Occurrence> Agenda::after(Instant instant, std::size_t most, const W
     return result;
 }
 
+// Where the clock goes back over midnight, what it has shown of the next day lies before the end, too.
 void Agenda::visit(Instant from, Instant upTo, const std::function<void(const Occurrence&)>& visitor) const {
     std::vector<Hit> hits;
-    const LocalDate end = _calendar.dateOf(upTo);
+    const LocalDate end = _calendar.dateOf(upTo) + kOneDay;
     for (LocalDate date = _calendar.dateOf(from) - kOneDay; date <= end; date += kOneDay) {
         hits.clear();
         collectDay(date, nullptr, hits);
@@ -93,12 +93,9 @@ void Agenda::visit(Instant from, Instant upTo, const std::function<void(const Oc
     }
 }
 
-std::shared_ptr<const ScheduleReading> Agenda::scheduleOf(std::uint64_t digest, unsigned weekday,
-                                                          unsigned number) const {
-    for (const Entry& entry : _entries) {
-        const bool same = entry.schedule->digest == digest && entry.schedule->days[weekday];
-        if (same && entry.numbers[weekday] == number) return entry.schedule;
-    }
+std::shared_ptr<const ScheduleReading> Agenda::scheduleOf(std::uint64_t digest, unsigned weekday) const {
+    for (const auto& schedule : _schedules)
+        if (schedule->digest == digest && schedule->days[weekday]) return schedule;
     return nullptr;
 }
 

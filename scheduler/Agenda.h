@@ -1,6 +1,6 @@
 #pragma once
 
-#include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -26,23 +26,19 @@ public:
     /// All with `from` < due <= `upTo`, in no order.
     void visit(Instant from, Instant upTo, const std::function<void(const Occurrence&)>& visitor) const;
     /// The Schedule of an occurrence that another list brought forth, or null when this list has none like it.
-    std::shared_ptr<const ScheduleReading> scheduleOf(std::uint64_t digest, unsigned weekday, unsigned number) const;
+    std::shared_ptr<const ScheduleReading> scheduleOf(std::uint64_t digest, unsigned weekday) const;
 
 private:
-    struct Entry {
-        std::shared_ptr<const ScheduleReading> schedule;
-        std::array<unsigned, 7> numbers;  ///< its number among equals, by weekday
-    };
     struct Hit {
         Instant due;
-        std::size_t entry;
+        std::size_t schedule;  ///< its place
         unsigned weekday;
     };
     void collectDay(LocalDate date, const Wanted& wanted, std::vector<Hit>& into) const;
-    Occurrence occurrence(const Hit& hit) const;
+    Occurrence occurrence(const Hit& hit) const { return {hit.due, _schedules[hit.schedule], hit.weekday}; }
 
     const Calendar& _calendar;
-    std::vector<Entry> _entries;
+    Schedules _schedules;  ///< each once
 };
 
 }  // namespace quorel

@@ -16,9 +16,10 @@ inline constexpr Seconds kDay = 24 * kHour;
 /// The system's clocks, read together, in milliseconds. What happened between two readings is told by how they moved
 /// against each other: `wall` against `boot` when the clock was set, `boot` against `awake` when the computer slept.
 struct Now {
-    std::int64_t wall = 0;   ///< CLOCK_REALTIME
-    std::int64_t boot = 0;   ///< CLOCK_BOOTTIME: goes on while the computer sleeps
-    std::int64_t awake = 0;  ///< CLOCK_MONOTONIC: stands still while it sleeps
+    std::int64_t wall = 0;     ///< CLOCK_REALTIME
+    std::int64_t boot = 0;     ///< CLOCK_BOOTTIME: goes on while the computer sleeps
+    std::int64_t awake = 0;    ///< CLOCK_MONOTONIC: stands still while it sleeps
+    bool synchronised = true;  ///< the wall clock, as the kernel says
 
     /// Time spent asleep since boot, in milliseconds.
     std::int64_t asleep() const { return boot - awake; }

@@ -9,18 +9,17 @@
 
 namespace quorel {
 
-/// A Schedule at an instant. Schedules have no identifier: an occurrence is known by its instant, what its Schedule
-/// says, and its number among Schedules that say the same on that day.
+/// A Schedule at an instant. Schedules have no identifier: an occurrence is known by its instant and what its Schedule
+/// says. Equal Schedules are one.
 struct Occurrence {
     Instant due = 0;
     std::shared_ptr<const ScheduleReading> schedule;  ///< never null
     unsigned weekday = 0;                             ///< of the wall clock's date, 0 is Monday
-    unsigned number = 0;
 
     /// The name that it goes by outside: lower-case letters, digits and hyphens. Also good as part of a unit's name.
     std::string token() const;
     bool isSameAs(const Occurrence& other) const {
-        return due == other.due && number == other.number && schedule->digest == other.schedule->digest;
+        return due == other.due && schedule->digest == other.schedule->digest;
     }
 };
 

@@ -67,10 +67,13 @@ inline constexpr std::string_view kSleep = "sleep";  ///< the computer went to s
 inline constexpr std::string_view kDown = "down";    ///< it went down by itself
 inline constexpr std::string_view kNext = "next";    ///< the next sleep, shut-down or wake-up came
 inline constexpr std::string_view kOther = "other";  ///< one was under way
+inline constexpr std::string_view kFirst =
+    "first";  ///< another was waiting, that comes whether or not anybody is there
 
 // Values of Reason in "refused", and of Why in "gave-up" for kHoldUnknown, where the system gave none.
 inline constexpr std::string_view kNoAnswer = "no-answer";
 inline constexpr std::string_view kStayedAwake = "stayed-awake";  ///< it said yes and did not sleep
+inline constexpr std::string_view kUnwritten = "unwritten";  ///< that it begins could not be stored; of actions, too
 
 // Values of Reason in "failed" and "not-started", where it is no text of the system's.
 inline constexpr std::string_view kNobody = "nobody";         ///< no user at the computer

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "model/PlainText.h"
-#include "scheduler/Outcome.h"
 #include "scheduler/Rules.h"
 
 namespace quorel {
@@ -52,12 +51,8 @@ bool wasUsed(const Conditions& conditions, Seconds recently) {
 }
 
 PowerCourse::Move PowerCourse::begin(Instant now) {
+    _refusals = 0;
     return look(now, _quiet ? Step::kChecking : Step::kLooking);
-}
-
-PowerCourse::Move PowerCourse::goOn(Instant now, Instant waitingSince) {
-    _waitingSince = _heldSince = waitingSince;
-    return look(now, Step::kWaiting);
 }
 
 PowerCourse::Move PowerCourse::look(Instant now, Step step) {
@@ -68,9 +63,11 @@ PowerCourse::Move PowerCourse::look(Instant now, Step step) {
 }
 
 PowerCourse::Move PowerCourse::reached(Instant now) {
+    if (_unwrittenSince != 0 && now - _unwrittenSince > rules::kGrace)
+        return {Do::kEnd, outcome::kRefused, {{"Reason", outcome::kUnwritten}}};
     if (_step == Step::kActing) return failed(now, std::string(outcome::kNoAnswer));
     if (_asked) return looked(now, {outcome::kHoldUnknown, {}, std::string(outcome::kNoAnswer)});
-    return look(now, _step == Step::kWarned ? Step::kChecking : Step::kWaiting);
+    return look(now, _step == Step::kWaiting ? Step::kWaiting : Step::kChecking);
 }
 
 PowerCourse::Move PowerCourse::looked(Instant now, const Hold& hold) {
@@ -88,19 +85,21 @@ PowerCourse::Move PowerCourse::looked(Instant now, const Hold& hold) {
     return {};
 }
 
+bool PowerCourse::hasPatience(Instant now) const {
+    if (now - _waited.since >= rules::kPatienceWithUse) return false;
+    return _waited.byUse || now - _waited.heldSince < rules::kPatience;
+}
+
 PowerCourse::Move PowerCourse::wait(Instant now, const Hold& hold) {
-    const auto isUse = [](const Hold& one) { return one.kind == outcome::kHoldUse; };
     const Instant counted = std::max(now, _at);
+    const bool byUse = hold.kind == outcome::kHoldUse;
     if (_quiet) return {Do::kEnd};
-    if (_waitingSince == 0) _waitingSince = _heldSince = counted;
-    if (isUse(hold) != _heldByUse) _heldSince = counted;
-    _heldByUse = isUse(hold);
+    if (_waited.since == 0) _waited = {counted, counted, byUse};
+    if (byUse != _waited.byUse) _waited = {_waited.since, counted, byUse};
     _hold = hold;
-    const bool patient = _heldByUse
-                             ? now - _waitingSince < rules::kPatienceWithUse
-                             : now - _heldSince < rules::kPatience && now - _waitingSince < rules::kPatienceWithUse;
-    if (!patient) return giveUp(now);
+    if (!hasPatience(now)) return giveUp(now);
     _refusals = 0;
+    _unwrittenSince = 0;
     _step = Step::kWaiting;
     _next = now + rules::kBetweenLooks;
     return {};
@@ -108,7 +107,7 @@ PowerCourse::Move PowerCourse::wait(Instant now, const Hold& hold) {
 
 PowerCourse::Move PowerCourse::giveUp(Instant now) const {
     if (!_hold) return {Do::kEnd, outcome::kOvertaken, {{"By", outcome::kNext}}};
-    const Seconds waited = std::max<Seconds>(now - _waitingSince, 0);
+    const Seconds waited = std::max<Seconds>(now - _waited.since, 0);
     return {Do::kEnd,
             outcome::kGaveUp,
             {{"Hold", _hold.kind}, {"Who", _hold.who}, {"Why", _hold.why}, {"Minutes", waited / kMinute}}};
@@ -122,10 +121,14 @@ PowerCourse::Move PowerCourse::replied(Instant now, PowerReply reply, const std:
     return {};
 }
 
-PowerCourse::Move PowerCourse::awake(Instant now, bool slept) {
-    if (_step != Step::kActing) return {};
-    if (slept) return {Do::kEnd, outcome::kSlept, {{"Until", now}}};
+PowerCourse::Move PowerCourse::stayedAwake(Instant now) {
     return failed(now, std::string(outcome::kStayedAwake));
+}
+
+void PowerCourse::unwritten(Instant now) {
+    if (_unwrittenSince == 0) _unwrittenSince = now;
+    _step = Step::kChecking;
+    _next = now + rules::kBetweenAttempts;
 }
 
 PowerCourse::Move PowerCourse::failed(Instant now, const std::string& reason) {
@@ -143,8 +146,8 @@ PowerCourse::Move PowerCourse::used(Instant now, const std::string& who) {
 void PowerCourse::clockMoved(Instant before, Seconds by) {
     if (_at <= before) _at += by;  // it has been reached, and is not to come again
     _next = _step == Step::kWarned ? std::max(_at, _next + by) : _next + by;
-    if (_waitingSince != 0) _waitingSince += by;
-    _heldSince += by;
+    for (Instant* const since : {&_waited.since, &_waited.heldSince, &_unwrittenSince})
+        if (*since != 0) *since += by;
 }
 
 }  // namespace quorel

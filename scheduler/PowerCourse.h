@@ -6,26 +6,11 @@
 
 #include "model/Dictionary.h"
 #include "scheduler/Instant.h"
+#include "scheduler/Outcome.h"
+#include "scheduler/Step.h"
 #include "scheduler/World.h"
 
 namespace quorel {
-
-/// Where an occurrence stands.
-enum class Step {
-    kPlanned,  ///< nothing has happened yet
-    kSkipped,  ///< "not this time", its minute yet to come
-    kDone,     ///< ended before its minute, which is yet to come; its outcome is told
-    kPostponed,
-    kMakeUp,   ///< missed, and to run soon
-    kAwaited,  ///< found nobody to run for, and may run until `at`
-    kRunning,  ///< a module's action
-    // Sleep and shut-down:
-    kLooking,   ///< may it be? Asked, not yet answered
-    kWaiting,   ///< something holds it up
-    kWarned,    ///< people see it coming
-    kChecking,  ///< the last look before the call
-    kActing,    ///< the system was asked for it
-};
 
 /// What holds a sleep or shut-down up; the kinds stand with the outcomes.
 struct Hold {
@@ -53,35 +38,50 @@ public:
         Dictionary arguments = {};
     };
 
+    /// What it has waited by now; instants, or 0.
+    struct Waited {
+        Instant since = 0;
+        Instant heldSince = 0;  ///< by use, or by all else
+        bool byUse = false;
+        friend bool operator==(const Waited&, const Waited&) = default;
+    };
+
     /// `at` is its time, `idle` as holdOf has it. A quiet one warns nobody and does not wait: it is to happen at once
     /// or not at all.
     PowerCourse(Instant at, Seconds idle, bool quiet = false) : _at(at), _idle(idle), _quiet(quiet) {}
+    /// As an earlier run of the program left it. To be told to begin or to go on.
+    PowerCourse(Instant at, Seconds idle, Step step, Instant next, const Waited& waited)
+        : _at(at), _idle(idle), _quiet(false), _step(step), _next(next), _waited(waited) {}
 
     Step step() const { return _step; }
+    Instant time() const { return _at; }
     /// When it will happen, as far as is known.
     Instant at() const { return _step == Step::kWarned ? _next : _at; }
     Instant next() const { return _next; }
     const Hold& hold() const { return _hold; }
-    /// As it is stored: what a course that goes on after a restart has to know.
-    Instant waitingSince() const { return _waitingSince; }
+    const Waited& waited() const { return _waited; }
+    /// Whether it may wait on.
+    bool hasPatience(Instant now) const;
 
+    /// With a full warning. What it has waited before counts.
     Move begin(Instant now);
-    /// Takes up waiting where an earlier run of the program left it.
-    Move goOn(Instant now, Instant waitingSince);
+    /// Goes on to wait.
+    Move goOn(Instant now) { return look(now, Step::kWaiting); }
     Move reached(Instant now);
     /// What it has been waiting for has ended.
     Move freed(Instant now) { return _asked ? Move{} : look(now, Step::kWaiting); }
     Move looked(Instant now, const Hold& hold);
+    /// That it acts could not be stored, and so it did not.
+    void unwritten(Instant now);
     Move replied(Instant now, PowerReply reply, const std::string& reason);
-    /// The computer is awake again, or was not seen to go.
-    Move awake(Instant now, bool slept);
+    /// The computer sleeps and is back, or stayed awake.
+    Move slept(Instant now) const { return {Do::kEnd, outcome::kSlept, {{"Until", now}}}; }
+    Move stayedAwake(Instant now);
     Move used(Instant now, const std::string& who);
     /// Something else takes its place.
     Move giveUp(Instant now) const;
     /// The clock was set by so much when it showed `before`.
     void clockMoved(Instant before, Seconds by);
-    /// Whether its time, on the clock as it goes now, is yet to come.
-    bool isAhead(Instant now) const { return now < _at; }
 
 private:
     Move look(Instant now, Step step);
@@ -93,12 +93,11 @@ private:
     bool _quiet;
     Step _step = Step::kPlanned;
     Instant _next = 0;
-    bool _asked = false;        ///< a look is under way
-    Instant _waitingSince = 0;  ///< 0: has not waited
-    Instant _heldSince = 0;     ///< by use, or by all else
-    bool _heldByUse = false;
+    bool _asked = false;  ///< a look is under way
+    Waited _waited;
     Hold _hold;
     int _refusals = 0;
+    Instant _unwrittenSince = 0;
 };
 
 }  // namespace quorel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "scheduler/Instant.h"
 
 /// The figures of the rules by which Schedules run.
@@ -12,7 +14,12 @@ inline constexpr Seconds kBeforeMakeUp = 2 * kMinute;
 /// One that needs a user runs that long after somebody has come.
 inline constexpr Seconds kAfterArrival = 10;
 /// Further back nobody wants to know what was missed.
-inline constexpr Seconds kLongestAbsence = 366 * kDay;
+inline constexpr Seconds kLongestAbsence = 31 * kDay;
+
+/// What cannot be written as begun, and what finds too many running, is tried again after as long.
+inline constexpr Seconds kBetweenAttempts = 10;
+/// So many actions run at once.
+inline constexpr std::ptrdiff_t kMostRunning = 24;
 
 /// Sleep and shut-down are looked at, and people warned, that long before.
 inline constexpr Seconds kWarning = kMinute;
@@ -35,8 +42,14 @@ inline constexpr Seconds kFurthest = 366 * kDay;
 
 /// A clock set by as much is corrected; by less it is taken for a change of summer time or the like.
 inline constexpr Seconds kCorrection = 3 * kHour;
-/// How long a clock that is behind is waited for.
-inline constexpr Seconds kLongestDormancy = 10 * kMinute;
+/// How long a clock that is behind is waited for, how long after a boot for one that nobody has set, and how often the
+/// kernel is asked about it meanwhile.
+inline constexpr Seconds kLongestBehind = 10 * kMinute;
+inline constexpr Seconds kLongestUnsynchronised = kMinute;
+inline constexpr Seconds kBetweenQuestions = 5;
+/// Set back by more, as soon after the boot, the clock was ahead.
+inline constexpr Seconds kLeastAhead = 2 * kMinute;
+inline constexpr Seconds kYoung = 10 * kMinute;
 /// Clocks that move against each other by less have not been set, or the computer has not slept; in milliseconds.
 inline constexpr std::int64_t kLeastSet = 500;
 inline constexpr std::int64_t kLeastSleep = 1000;
@@ -55,6 +68,13 @@ inline constexpr Seconds kWakeEarly = 30;
 inline constexpr Seconds kStartEarly = 2 * kMinute;
 /// A computer that was started that long before a wake-up was started for it.
 inline constexpr Seconds kStartedFor = 10 * kMinute;
+/// Woken for something, the computer stays awake that long for it to begin.
+inline constexpr Seconds kAwakeToBegin = kMinute;
+/// A closed lid is kept from sending it back for as long.
+inline constexpr Seconds kLidHeld = 30 * kMinute;
+/// No sleep is begun so soon before a wake-up, and none from before one is left so long after it.
+inline constexpr Seconds kSoonAwake = kMinute;
+inline constexpr Seconds kClearOfSleep = 10 * kMinute;
 /// An alarm nearer than this could go off before the computer sleeps, and keep it from sleeping.
 inline constexpr Seconds kNearestAlarm = 5;
 /// What every RTC's alarm reaches.

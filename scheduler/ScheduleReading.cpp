@@ -134,7 +134,7 @@ ListReading readScheduleList(const Value& list, const Actions& actions) {
 std::string Occurrence::token() const {
     std::string digits;
     for (int shift = 60; shift >= 0; shift -= 4) digits += "0123456789abcdef"[schedule->digest >> shift & 15];
-    return std::to_string(due) + "-" + digits + "-" + std::to_string(number);
+    return std::to_string(due) + "-" + digits;
 }
 
 }  // namespace quorel

@@ -1,16 +1,21 @@
-// The events, the clocks, and sleep. What is planned is in SchedulerPlan.cpp, what is open in SchedulerOpen.cpp, what
-// is stored in SchedulerState.cpp.
+// The events, from their coming in to the effects that go out. What an event does to what is open is in
+// SchedulerEvents.cpp, what is planned in SchedulerPlan.cpp, what is open in SchedulerOpen.cpp, what is stored in
+// SchedulerState.cpp.
 #include "scheduler/Scheduler.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "model/PlainText.h"
 #include "scheduler/Rules.h"
 
 namespace quorel {
 
-Scheduler::Scheduler(const World& world) : _world(world) {}
+Scheduler::Scheduler(const World& world)
+    : _world(world),
+      _wakefulness(world.power, world.alarms,
+                   {[this](std::function<void()> effect) { act(std::move(effect)); },
+                    [this](std::string_view code) { tell(code, nullptr); }, [this] { return ++_lastTicket; },
+                    [this] { return isWakeUpNear(); }}) {}
 
 void Scheduler::take(Now now, std::function<void()> event) {
     _inbox.emplace_back(now, std::move(event));
@@ -19,7 +24,7 @@ void Scheduler::take(Now now, std::function<void()> event) {
     while (!_inbox.empty()) {
         const auto [moment, taken] = std::move(_inbox.front());
         _inbox.pop_front();
-        observeClocks(moment);
+        observe(moment);
         taken();
         settle();
         commit();
@@ -27,210 +32,185 @@ void Scheduler::take(Now now, std::function<void()> event) {
     _working = false;
 }
 
-void Scheduler::commit() {
-    if (_changed || _rewrite) arm();
-    if (_changed) {
-        _world.store.save(state().value());
-        act([this] { _world.reports.changed(); });
-    }
-    _changed = _rewrite = false;
-    for (const auto& effect : std::exchange(_effects, {})) effect();
+void Scheduler::observe(Now now) {
+    const std::optional<WallClock::Change> change = _clock.observe(now);
+    _wakefulness.observe(now);
+    if (!change) return;
+    _changed = true;
+    _lateness = outcome::kCauseClock;
+    _wakefulness.clockSet(change->by);
+    happen({.event = change->event, .by = change->by});
+    if (change->event != Event::kClockWasAhead && change->event != Event::kClockCorrected) return;
+    tell(outcome::kCorrection, nullptr, {{"By", change->by}});
+    _watermark = this->now();
+    planAnew();
 }
 
 void Scheduler::settle() {
-    if (_dormant && _now.boot < *_dormant) return;
-    if (_dormant) correct(0);
     // Nothing is acted upon between two minds: what was due meanwhile is looked at when the computer is back.
-    if (_goingToSleep && _now.awake - *_goingToSleep < rules::kLongestSilence * 1000) return;
-    if (_goingToSleep) afterSleep(_lidClosed);
-    if (_now.asleep() - _sleptSeen >= rules::kLeastSleep) afterSleep(false);
-
+    if (!_clock.isTrusted() || _wakefulness.isBetween()) return;
+    if (!_hasBegun) begin();
+    if (_wakefulness.isAnnounced()) {
+        afterSleep({});
+    } else if (_wakefulness.hasSlept()) {  // without a word before
+        happen({Event::kGoesToSleep});
+        afterSleep({});
+    }
     takeUp();
     reachAll();
-    if (_backAt != 0 && now() >= _backAt) {
-        _backAt = 0;
-        _back.emplace(now(), 0, true);
-        moveBack(_back->begin(now()));
-    } else if (_back && _back->next() <= now()) {
-        moveBack(_back->reached(now()));
+    if (_saved || _zoneChanged) {
+        takeOverSaved();
+        takeUp();
     }
-    if (_wakeIsStone && _wakeAlarm && now() >= *_wakeAlarm) _rewrite = true;
-    if (_awakeUntil <= now()) _awakeUntil = 0;
-    if (const bool keep = _awakeUntil != 0; keep != _keepsAwake) {
-        _keepsAwake = keep;
-        act([this, keep] { _world.power.keepAwake(keep); });
+    _wakefulness.settle(std::ranges::any_of(_open, [](const OpenOccurrence& open) {
+        return open.step == Step::kRunning && open.occurrence.schedule->wakes;
+    }));
+    _clock.settled();
+    _lateness = outcome::kCauseLate;
+}
+
+/// With what was stored, once the clock is to be trusted.
+void Scheduler::begin() {
+    _hasBegun = _changed = true;
+    _lateness = outcome::kCauseDaemon;
+    _wakefulness.rewriteAlarms();
+    if (!_former) {
+        _watermark = now();
+    } else if (_clock.isBehind()) {
+        happen({Event::kClockCorrected});
+        tell(outcome::kCorrection, nullptr, {{"By", 0}});
+        _watermark = now();
+    } else {
+        _wakefulness.restore(_former->awakeUntil);
     }
-    _setBy = 0;
-    _slept = _starting = false;
+    withdraw();
+    happen({Event::kServiceStarts});
+    _former.reset();
+    planAnew();
+}
+
+void Scheduler::commit() {
+    // Where the clock is behind the alarms that stand are left.
+    if ((_changed || _wakefulness.mustRewrite()) && !isClockBehind()) arm();
+    const bool written = !_changed || _world.store.save(state().value());
+    if (_changed) act([this] { _world.reports.changed(); });
+    _changed = !written;
+    for (OpenOccurrence& open : _open)
+        if (std::exchange(open.begins, false) && !written) unwritten(open);
+    for (const Effect& effect : std::exchange(_effects, {}))
+        if (written || !effect.mustBeWritten) effect.run();
+}
+
+/// It begins with this effect.
+void Scheduler::actAsWritten(OpenOccurrence& open, std::function<void()> effect) {
+    open.begins = _changed = true;
+    _effects.push_back({std::move(effect), true});
+}
+
+/// What cannot be written as begun is not begun, and tried again.
+void Scheduler::unwritten(OpenOccurrence& open) {
+    if (open.course) {
+        open.course->unwritten(now());
+        open.step = open.course->step();
+        return;
+    }
+    if (open.unwrittenSince == 0) open.unwrittenSince = now();
+    queue(open);
 }
 
 void Scheduler::start(Now now, const Value& list, const Value& stored, const std::string& bootId) {
-    _now = now;
-    _offset = now.wall - now.boot;
-    _sleptSeen = now.asleep();
+    _former = StoredState::from(stored);
+    _clock.start(now, _former ? _former->watermark : now.instant());
+    _wakefulness.start(now);
     _bootId = bootId;
-    _starting = true;
-    take(now, [this, list, stored] {
+    take(now, [this, list, isLost = !_former && stored.isPresent()] {
         takeList(list);
-        const std::optional<StoredState> state = StoredState::from(stored);
-        _watermark = state ? state->watermark : this->now();
-        _changed = _rewrite = true;
-        if (!state && stored.isPresent()) tell(outcome::kStateLost, nullptr);
-        if (state) {
-            if (_watermark - this->now() >= rules::kCorrection) {
-                _dormant = _now.boot + rules::kLongestDormancy * 1000;
-                tell(outcome::kClockBehind, nullptr, {{"By", _watermark - this->now()}});
-            }
-            restore(*state);
-        }
+        _watermark = this->now();
+        if (_former) restore(*_former);
+        if (isLost) tell(outcome::kStateLost, nullptr);
+        if (!_clock.isTrusted() && _clock.isBehind()) tell(outcome::kClockBehind, nullptr, {{"By", _clock.behindBy()}});
         planAnew();
     });
 }
 
 void Scheduler::listSaved(Now now, const Value& list) {
-    take(now, [this, list] {
-        settle();
-        takeList(list);
-        withdraw();
-        _watermark = std::max(_watermark, this->now());
-        planAnew();
-    });
+    take(now, [this, list] { _saved = list; });
 }
 
 void Scheduler::zoneChanged(Now now) {
-    take(now, [this] {
-        settle();
-        _world.calendar.refresh();
-        _watermark = std::max(_watermark, this->now());
-        planAnew();
-    });
+    take(now, [this] { _zoneChanged = true; });
+}
+
+/// What the old plan had due by now has been seen to.
+void Scheduler::takeOverSaved() {
+    if (std::exchange(_zoneChanged, false)) _world.calendar.refresh();
+    if (_saved) {
+        takeList(*std::exchange(_saved, std::nullopt));
+        withdraw();
+    }
+    _watermark = std::max(_watermark, now());
+    planAnew();
 }
 
 void Scheduler::tick(Now now) {
     take(now, [] {});
 }
 
-void Scheduler::observeClocks(Now now) {
-    _slept = _slept || now.asleep() - _now.asleep() >= rules::kLeastSleep;
-    _now = now;
-    const std::int64_t moved = now.wall - now.boot - _offset;
-    if (std::abs(moved) < rules::kLeastSet) return;
-    _offset += moved;
-    clockSet((moved + (moved < 0 ? -rules::kLeastSet : rules::kLeastSet)) / 1000);
-}
-
-void Scheduler::clockSet(Seconds by) {
-    _rewrite = _changed = true;
-    _setBy = by;
-    if (_dormant || std::abs(by) >= rules::kCorrection) return correct(by);
-    if (_awakeUntil != 0) _awakeUntil += by;
-    if (_backAt != 0) _backAt += by;
-    if (_back) _back->clockMoved(now() - by, by);
-    _wokenAt += by;
-    moveOpen(by);
-}
-
-void Scheduler::correct(Seconds by) {
-    _dormant.reset();
-    endOpen(by);
-    if (_awakeUntil != 0) _awakeUntil += by;
-    if (_back) _back->clockMoved(now() - by, by);
-    _backAt = 0;
-    _wokenAt += by;
-    tell(outcome::kCorrection, nullptr, {{"By", by}});
-    _watermark = now();
-    planAnew();
-}
-
-void Scheduler::goingToSleep(Now now, bool lidClosed) {
-    take(now, [this, lidClosed] {
-        _goingToSleep = _now.awake;
-        _lidClosed = lidClosed;
-        _rewrite = true;
-        _backAt = 0;
-        if (_back && _back->step() != Step::kActing) _back.reset();
-        endCourses(outcome::kSleep);
+void Scheduler::goingToSleep(Now now, Lid lid) {
+    take(now, [this, lid] {
+        _wakefulness.announced(lid);
+        happen({Event::kGoesToSleep});
     });
 }
 
-void Scheduler::resumed(Now now, bool lidClosed) {
-    take(now, [this, lidClosed] { afterSleep(lidClosed); });
+void Scheduler::resumed(Now now, Lid lid) {
+    take(now, [this, lid] { afterSleep(lid); });
+}
+
+void Scheduler::afterSleep(std::optional<Lid> lid) {
+    const bool slept = _wakefulness.hasSlept();
+    if (slept) _lateness = outcome::kCauseAsleep;
+    _changed = true;
+    if (_wakefulness.over(lid)) openWokenFor(), happen({Event::kWokenInBag});
+    happen({slept ? Event::kAwakeAgain : Event::kStayedAwake});
+}
+
+void Scheduler::lidSeen(Now now, Lid lid) {
+    take(now, [this, lid] { _wakefulness.lidSeen(lid); });
 }
 
 void Scheduler::goingDown(Now now) {
     take(now, [this] {
-        _rewrite = true;
-        endCourses(outcome::kDown);
+        _wakefulness.rewriteAlarms();
+        happen({Event::kGoesDown});
     });
-}
-
-void Scheduler::afterSleep(bool lidClosed) {
-    const bool slept = _now.asleep() - _sleptSeen >= rules::kLeastSleep;
-    const bool byAlarm =
-        slept && _wakeAlarm && now() >= *_wakeAlarm - rules::kAlarmEarly && now() <= *_wakeAlarm + rules::kAlarmLate;
-    _sleptSeen = _now.asleep();
-    _goingToSleep.reset();
-    _rewrite = _changed = true;
-    awakeCourses(slept);
-    if (_back) moveBack(_back->awake(now(), slept));
-    if (!byAlarm) return;
-    if (lidClosed) reportLid();
-    if (lidClosed || _wakeIsStone) {
-        _backAt = now() + rules::kBeforeBack;
-    } else {
-        _wokenAt = now();
-    }
-}
-
-void Scheduler::moveBack(const PowerCourse::Move& move) {
-    using Do = PowerCourse::Do;
-    if (move.what == Do::kLook || move.what == Do::kAct) _backTicket = ++_lastTicket;
-    const Ticket ticket = _backTicket;
-    if (move.what == Do::kLook) act([this, ticket] { _world.power.look(ticket, true); });
-    if (move.what == Do::kAct) {
-        tell(outcome::kBackToSleep, nullptr);
-        act([this, ticket] { _world.power.suspend(ticket); });
-    }
-    if (move.what == Do::kEnd) _back.reset();
 }
 
 void Scheduler::used(Now now, const std::string& who) {
     take(now, [this, who] {
-        _backAt = 0;
-        if (_back && _back->step() != Step::kActing) _back.reset();
-        for (auto each = _open.begin(); each != _open.end();) {
-            OpenOccurrence& open = *each++;
-            if (open.course) move(open, open.course->used(this->now(), who));
-        }
-        arrived();
+        _wakefulness.used();
+        happen({.event = Event::kInput, .who = who});
     });
 }
 
 void Scheduler::agentCame(Now now) {
-    take(now, [this] { arrived(); });
+    take(now, [this] { happen({Event::kAgentComes}); });
 }
 
 void Scheduler::looked(Now now, Ticket ticket, const Conditions& conditions) {
     take(now, [this, ticket, conditions] {
         const std::string running = runningAction();
-        if (OpenOccurrence* open = asking(ticket)) {
-            const Hold hold = holdOf(conditions, open->occurrence.schedule->idle, running);
-            move(*open, open->course->looked(this->now(), hold));
-        } else if (_back && ticket == _backTicket) {
-            if (wasUsed(conditions, rules::kUsedSince)) return _back.reset();
-            moveBack(_back->looked(this->now(), holdOf(conditions, 0, running)));
-        }
+        if (_wakefulness.looked(ticket, conditions, running)) return;
+        OpenOccurrence* const open = asking(ticket);
+        if (!open) return;
+        move(*open, open->course->looked(this->now(), holdOf(conditions, open->occurrence.schedule->idle, running)));
     });
 }
 
 void Scheduler::powerReplied(Now now, Ticket ticket, PowerReply reply, const std::string& reason) {
     take(now, [this, ticket, reply, reason] {
-        if (OpenOccurrence* open = asking(ticket)) {
-            move(*open, open->course->replied(this->now(), reply, reason));
-        } else if (_back && ticket == _backTicket) {
-            const PowerCourse::Move move = _back->replied(this->now(), reply, reason);
-            if (move.what == PowerCourse::Do::kEnd) _back.reset();
-        }
+        _wakefulness.powerReplied(ticket, reply, reason);
+        if (OpenOccurrence* open = asking(ticket)) move(*open, open->course->replied(this->now(), reply, reason));
     });
 }
 
@@ -243,6 +223,22 @@ void Scheduler::tell(std::string_view code, const Occurrence* occurrence, Dictio
     keepOutcome(_outcomes, outcome.value());
     _changed = true;
     act([this, outcome = std::move(outcome)] { _world.reports.ended(outcome); });
+}
+
+std::optional<Instant> Scheduler::nextCall() const {
+    if (!_clock.isTrusted()) return _clock.nextQuestion();
+    std::optional<Instant> earliest = _wakefulness.nextCall();
+    const auto consider = [&](std::optional<Instant> at) {
+        if (at) earliest = std::min(earliest.value_or(*at), *at);
+    };
+    if (!_wakefulness.isBetween()) {
+        if (!_next.empty()) consider(_next.front().due);
+        const Occurrence* power = nextPower();
+        if (power && !find(*power)) consider(power->due - rules::kWarning);
+        for (const OpenOccurrence& open : _open) consider(nextOf(open));
+    }
+    if (earliest) earliest = std::max(*earliest, now() + 1);
+    return earliest;
 }
 
 }  // namespace quorel

@@ -12,9 +12,12 @@
 
 #include "scheduler/Agenda.h"
 #include "scheduler/Calendar.h"
+#include "scheduler/EventTable.h"
 #include "scheduler/Occurrence.h"
 #include "scheduler/Outcome.h"
 #include "scheduler/State.h"
+#include "scheduler/Wakefulness.h"
+#include "scheduler/WallClock.h"
 #include "scheduler/World.h"
 
 namespace quorel {
@@ -30,8 +33,9 @@ struct Upcoming {
     Hold hold;       ///< what a waiting one waits for
 };
 
-/// Carries a list of Schedules out. It is told what happens, together with the clocks, and calls the world; it owns no
-/// clock, no thread and no bus. After each event `nextCall` says when it wants to hear from the clock again.
+/// Carries a list of Schedules out. What an event does to what is open, EventTable.h decides. It is told what happens,
+/// together with the clocks, and calls the world; it owns no clock, no thread and no bus. After each event `nextCall`
+/// says when it wants to hear from the clock again.
 ///
 /// One thread. Events may come from inside its calls of the world; they are then taken after the present one. Any event
 /// may come at any time and any number of times. Bring `now` up to date for each.
@@ -56,10 +60,12 @@ public:
     /// Time of `nextCall` reached, the clock set, or nothing in particular.
     void tick(Now now);
     void zoneChanged(Now now);
-    /// `lidClosed`: closed, and without external power. All alarms are as they must be when this returns.
-    void goingToSleep(Now now, bool lidClosed);
+    /// All alarms are as they must be when this returns.
+    void goingToSleep(Now now, Lid lid);
     /// Whether it has slept, the clocks tell.
-    void resumed(Now now, bool lidClosed);
+    void resumed(Now now, Lid lid);
+    /// While Power::holdLid holds it.
+    void lidSeen(Now now, Lid lid);
     /// The system goes down. The start-up alarm is as it must be when this returns.
     void goingDown(Now now);
     /// Somebody uses the computer: input after a while, or a session became active. `who` for a person to read.
@@ -90,50 +96,63 @@ public:
     /// Schedules of the list that never run.
     const std::vector<ScheduleFault>& faults() const { return _faults; }
     /// Nothing runs until it is set, or for ten minutes.
-    bool isClockBehind() const { return _dormant.has_value(); }
+    bool isClockBehind() const { return !_clock.isTrusted() && _clock.isBehind(); }
     /// The alarms as they were set last.
-    std::optional<Instant> armedWake() const { return _wakeAlarm; }
-    std::optional<Instant> armedStartup() const { return _startupAlarm; }
+    std::optional<Instant> armedWake() const { return _wakefulness.wakeAlarm(); }
+    std::optional<Instant> armedStartup() const { return _wakefulness.startupAlarm(); }
 
 private:
+    /// An event, with what its fates have to know of it.
+    struct Happening {
+        Event event;
+        Instant at = 0;                            ///< a wake-up's time
+        Seconds by = 0;                            ///< so much the clock was set
+        const OpenOccurrence* newcomer = nullptr;  ///< the sleep or shut-down that comes into course
+        std::string who = {};                      ///< has used the computer, or decided
+    };
+
     // An event is taken to its end: first what it changes, then what has become due, then the state is stored, and only
     // then the world hears of it.
     void take(Now now, std::function<void()> event);
-    void observeClocks(Now now);
+    void observe(Now now);
     void settle();
+    void begin();
     void commit();
-    void act(std::function<void()> effect) { _effects.push_back(std::move(effect)); }
+    void afterSleep(std::optional<Lid> lid);
+    void takeOverSaved();
+    void act(std::function<void()> effect) { _effects.push_back({std::move(effect), false}); }
+    void actAsWritten(OpenOccurrence& open, std::function<void()> effect);
+    void unwritten(OpenOccurrence& open);
     void tell(std::string_view code, const Occurrence* occurrence, Dictionary arguments = {});
+    Instant now() const { return _clock.now(); }
 
-    Instant now() const { return _now.instant(); }
-    Instant bootInstant() const { return (_now.wall - _now.boot) / 1000; }
-    bool isLate(Instant due) const;
-
-    // The clocks and sleep.
-    void clockSet(Seconds by);
-    void correct(Seconds by);
-    void afterSleep(bool lidClosed);
-    void moveBack(const PowerCourse::Move& move);
+    // The table.
+    bool happen(const Happening& what);
+    bool befall(OpenOccurrence& open, const Happening& what);
+    void befallInTime(OpenOccurrence& open, Fate fate);
+    void befallInCourse(OpenOccurrence& open, Fate fate, const Happening& what);
+    void befallByClock(OpenOccurrence& open, Fate fate, Seconds by);
+    void setAside(OpenOccurrence& open, Step step, const std::string& by);
+    bool decide(Now now, const std::string& token, Event event, const std::string& by);
 
     // What is planned.
     void takeList(const Value& list);
     void planAnew();
+    const Occurrence* firstOf(ActionKind kind) const;
+    const Occurrence* nextPower() const;
     void takeUp();
     void takeUpMinute();
     void takeUpMissed();
-    void makeUp(OpenOccurrence& open);
     void reportMissed(const Occurrence& last, std::int64_t count);
     std::string_view causeOf(Instant due) const;
-    void arm();
+    bool isWakeUpNear() const;
     std::optional<Instant> earliest(bool ScheduleReading::*flag,
                                     const std::function<Instant(const ScheduleReading&, Instant)>& alarm) const;
-    std::optional<Instant> wakeWanted() const;
-    std::optional<Instant> startupWanted() const;
+    void arm();
 
     // What is open.
     OpenOccurrence& open(const Occurrence& occurrence, Instant at);
-    OpenOccurrence* find(const Occurrence& occurrence);
-    bool isOpen(const Occurrence& occurrence) const;
+    const OpenOccurrence* find(const Occurrence& occurrence) const;
     OpenOccurrence* asking(Ticket ticket);
     const OpenOccurrence* openOne(std::string_view token) const;
     std::optional<Occurrence> plannedOne(std::string_view token) const;
@@ -142,27 +161,24 @@ private:
     void finish(OpenOccurrence& open, std::string_view code, Dictionary arguments = {});
     std::optional<Instant> nextOf(const OpenOccurrence& open) const;
     void reachAll();
-    void reach(OpenOccurrence& open);
     void missed(OpenOccurrence& open);
+    void makeUp(OpenOccurrence& open, Seconds after);
     void run(OpenOccurrence& open);
-    void wakeUp(const Occurrence& one);
+    void runAction(OpenOccurrence& open);
+    void queue(OpenOccurrence& open);
+    void wakeUp(OpenOccurrence& open);
     void beginCourse(OpenOccurrence& open);
-    void giveUpFor(const OpenOccurrence* newcomer);
+    void goOn(OpenOccurrence& open);
+    void anewOrMissed(OpenOccurrence& open);
     void move(OpenOccurrence& open, const PowerCourse::Move& move);
-    void endCourses(std::string_view cause);
-    void awakeCourses(bool slept);
-    void reportLid();
-    void arrived();
     void notStarted(OpenOccurrence& open, const std::string& reason);
     std::string runningAction() const;
+    void openWokenFor();
     void withdraw();
-    void moveOpen(Seconds by);
-    void endOpen(Seconds by);
 
     // What outlives the program.
     StoredState state() const;
     void restore(const StoredState& state);
-    void goOn(OpenOccurrence& open, Instant waitingSince, bool undisturbed);
 
     World _world;
     std::optional<Agenda> _agenda;
@@ -173,30 +189,22 @@ private:
     Array _outcomes;
     std::string _bootId;
 
-    Now _now;
-    std::int64_t _offset = 0;  ///< wall clock ahead of boot clock, in milliseconds
-    Seconds _setBy = 0;        ///< the clock, since things were last settled
-    bool _slept = false;       ///< the computer, since then
-    bool _starting = false;
-    std::int64_t _sleptSeen = 0;                ///< time asleep that afterSleep has dealt with, in milliseconds
-    std::optional<std::int64_t> _dormant;       ///< clock behind: nothing runs up to here on the boot clock
-    std::optional<std::int64_t> _goingToSleep;  ///< since then on the awake clock
-    bool _lidClosed = false;
-    Instant _wokenAt = 0;     ///< by our alarm, last
-    Instant _awakeUntil = 0;  ///< the ten minutes after a wake-up
-    bool _keepsAwake = false;
-    std::optional<PowerCourse> _back;  ///< to sleep, where it was woken for nothing
-    Instant _backAt = 0;
-    Ticket _backTicket = 0;
-
-    std::optional<Instant> _wakeAlarm;
-    std::optional<Instant> _startupAlarm;
-    bool _wakeIsStone = false;  ///< a stepping stone: nothing is due then
-    bool _rewrite = false;      ///< alarms are to be written again
+    WallClock _clock;
+    Wakefulness _wakefulness;
+    /// What was stored, until the clock is to be trusted and all goes on from there.
+    std::optional<StoredState> _former;
+    bool _hasBegun = false;       ///< with it
+    std::optional<Value> _saved;  ///< a list, to be taken over when a sleep is over or the clock to be trusted
+    bool _zoneChanged = false;    ///< and to be taken over then
+    std::string_view _lateness;   ///< why what is late now is late
 
     Ticket _lastTicket = 0;
     bool _changed = false;
-    std::vector<std::function<void()>> _effects;
+    struct Effect {
+        std::function<void()> run;
+        bool mustBeWritten;  ///< beforehand
+    };
+    std::vector<Effect> _effects;
     std::deque<std::pair<Now, std::function<void()>>> _inbox;
     bool _working = false;
 };

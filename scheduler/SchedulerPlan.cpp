@@ -8,22 +8,6 @@
 
 namespace quorel {
 
-namespace {
-
-/// The one shut-down, or else the one sleep, of a minute; no sleep in the minute of a wake-up.
-const Occurrence* powerOf(const std::vector<Occurrence>& minute) {
-    const auto first = [&](ActionKind kind) -> const Occurrence* {
-        for (const Occurrence& one : minute) {
-            if (one.schedule->kind == kind) return &one;
-        }
-        return nullptr;
-    };
-    if (const Occurrence* shutDown = first(ActionKind::kShutDown)) return shutDown;
-    return first(ActionKind::kWakeUp) ? nullptr : first(ActionKind::kSleep);
-}
-
-}  // namespace
-
 void Scheduler::takeList(const Value& list) {
     ListReading reading = readScheduleList(list, _world.actions);
     for (const ScheduleFault& fault : reading.faults) {
@@ -42,34 +26,48 @@ void Scheduler::planAnew() {
     _changed = true;
 }
 
+/// Of the next minute, the first that was not skipped: that displaces nothing.
+const Occurrence* Scheduler::firstOf(ActionKind kind) const {
+    for (const Occurrence& one : _next) {
+        const OpenOccurrence* known = one.schedule->kind == kind ? find(one) : nullptr;
+        if (one.schedule->kind == kind && !(known && known->step == Step::kSkipped)) return &one;
+    }
+    return nullptr;
+}
+
+/// The one shut-down, or else the one sleep, of the next minute; no sleep in the minute of a wake-up.
+const Occurrence* Scheduler::nextPower() const {
+    if (const Occurrence* shutDown = firstOf(ActionKind::kShutDown)) return shutDown;
+    return firstOf(ActionKind::kWakeUp) ? nullptr : firstOf(ActionKind::kSleep);
+}
+
 void Scheduler::takeUp() {
     while (!_next.empty() && _next.front().due <= now()) {
-        if (now() - _next.front().due > rules::kGrace) {
+        if (_clock.isLate(_next.front().due)) {
             takeUpMissed();
         } else {
             takeUpMinute();
         }
         planAnew();
     }
-    const Occurrence* power = powerOf(_next);
+    const Occurrence* power = nextPower();
     if (power && power->due - rules::kWarning <= now() && !find(*power)) beginCourse(open(*power, power->due));
 }
 
 /// Wake-ups, then actions in list order, then one shut-down or else one sleep.
 void Scheduler::takeUpMinute() {
     _watermark = _next.front().due;
-    const Occurrence* power = powerOf(_next);
-    const bool wakes = _next.front().schedule->kind == ActionKind::kWakeUp;
+    const Occurrence* power = nextPower();
+    const bool wakes = firstOf(ActionKind::kWakeUp) != nullptr;
     for (const Occurrence& one : _next) {
-        if (OpenOccurrence* known = find(one)) {
-            // Ended before its minute, or well on its way.
-            if (known->step == Step::kSkipped || known->step == Step::kDone) reach(*known);
+        if (find(one)) continue;  // well on its way, or ended before its minute
+        if (one.schedule->isPower() && one.due < _clock.bootInstant()) {
+            reportMissed(one, 1);
         } else if (!one.schedule->isPower() || &one == power) {
             run(open(one, one.due));
-        } else if (wakes && one.schedule->kind == ActionKind::kSleep) {
-            tell(outcome::kWakesThen, &one);
         } else {
-            tell(outcome::kSameMinute, &one);
+            const bool sleeps = one.schedule->kind == ActionKind::kSleep;
+            finish(open(one, one.due), wakes && sleeps ? outcome::kWakesThen : outcome::kSameMinute);
         }
     }
 }
@@ -83,12 +81,9 @@ void Scheduler::takeUpMissed() {
     };
     std::map<const ScheduleReading*, Missed> all;
     const Instant from = std::max(_watermark, now() - rules::kLongestAbsence);
-    _watermark = now() - rules::kGrace - 1;
+    _watermark = _clock.lateUpTo();
     _agenda->visit(from, _watermark, [&](const Occurrence& one) {
-        if (OpenOccurrence* known = find(one)) {
-            if (known->step == Step::kSkipped || known->step == Step::kDone) reach(*known);
-            return;
-        }
+        if (find(one)) return;
         Missed& missed = all[one.schedule.get()];
         const bool later = missed.count == 0 || one.due > missed.last.due;
         const Occurrence& earlier = later ? missed.last : one;
@@ -104,22 +99,14 @@ void Scheduler::takeUpMissed() {
     });
     for (Missed& missed : sorted) {
         if (now() - missed.last.due <= missed.last.schedule->makeUp) {
-            makeUp(open(missed.last, missed.last.due));
+            makeUp(open(missed.last, missed.last.due), rules::kBeforeMakeUp);
             missed.last.due = missed.beforeLast.value_or(0);
             --missed.count;
         }
         if (missed.count > 0) reportMissed(missed.last, missed.count);
+        const bool wakes = missed.last.schedule->kind == ActionKind::kWakeUp;
+        if (wakes) happen({.event = Event::kWakeUpComes, .at = missed.last.due});
     }
-}
-
-void Scheduler::makeUp(OpenOccurrence& open) {
-    open.step = Step::kMakeUp;
-    open.at = now() + rules::kBeforeMakeUp;
-    open.madeUp = true;
-}
-
-bool Scheduler::isLate(Instant due) const {
-    return now() - due > rules::kGrace;
 }
 
 void Scheduler::reportMissed(const Occurrence& last, std::int64_t count) {
@@ -127,27 +114,32 @@ void Scheduler::reportMissed(const Occurrence& last, std::int64_t count) {
 }
 
 std::string_view Scheduler::causeOf(Instant due) const {
-    if (_starting) return due < bootInstant() ? outcome::kCauseOff : outcome::kCauseDaemon;
-    if (_setBy > 0) return outcome::kCauseClock;
-    return _slept ? outcome::kCauseAsleep : outcome::kCauseLate;
+    return due < _clock.bootInstant() ? outcome::kCauseOff : _lateness;
 }
 
-/// Of a computer that sleeps or is off nobody's alarm but ours is known: both are reckoned from the plan alone.
-void Scheduler::arm() {
-    const bool asleep = _goingToSleep.has_value();
-    const std::optional<Instant> wanted = _dormant || (asleep && _lidClosed) ? std::nullopt : wakeWanted();
-    const Instant reach = now() + rules::kAlarmReach;
-    const bool stone = wanted && *wanted > reach && !_world.alarms.reachFar();
-    // A stepping stone stays where it lies until it is reached, or the computer goes to sleep.
-    const bool keep = stone && _wakeIsStone && _wakeAlarm && *_wakeAlarm > now() && !_rewrite;
-    const std::optional<Instant> wake = keep ? _wakeAlarm : stone ? std::optional(reach) : wanted;
-    _wakeIsStone = stone;
-    if (wake != _wakeAlarm || _rewrite) act([this, wake] { _world.alarms.armWake(wake); });
-    _wakeAlarm = wake;
+/// So near that a sleep before it would be none.
+bool Scheduler::isWakeUpNear() const {
+    const Instant end = now() + rules::kSoonAwake - 1;
+    bool isNear = std::ranges::any_of(_open, [&](const OpenOccurrence& open) {
+        const bool wakes = open.occurrence.schedule->kind == ActionKind::kWakeUp;
+        return wakes && open.step == Step::kPostponed && open.at <= end;
+    });
+    _agenda->visit(std::max(_watermark, now()), end, [&](const Occurrence& one) {
+        isNear = isNear || (one.schedule->kind == ActionKind::kWakeUp && !find(one));
+    });
+    return isNear;
+}
 
-    const std::optional<Instant> startup = _dormant || asleep ? std::nullopt : startupWanted();
-    if (startup != _startupAlarm || _rewrite) act([this, startup] { _world.alarms.armStartup(startup); });
-    _startupAlarm = startup;
+void Scheduler::arm() {
+    const std::optional<Instant> wake =
+        earliest(&ScheduleReading::wakes, [&](const ScheduleReading& schedule, Instant at) {
+            const Seconds early = schedule.kind == ActionKind::kModule ? rules::kWakeEarly : 0;
+            return std::max(at - early, now() + rules::kNearestAlarm);
+        });
+    const std::optional<Instant> startup = earliest(&ScheduleReading::starts, [&](const ScheduleReading&, Instant at) {
+        return at - rules::kStartEarly > now() ? at - rules::kStartEarly : at;
+    });
+    _wakefulness.arm(wake, startup);
 }
 
 std::optional<Instant> Scheduler::earliest(bool ScheduleReading::*flag,
@@ -159,52 +151,18 @@ std::optional<Instant> Scheduler::earliest(bool ScheduleReading::*flag,
         best = std::min(best.value_or(wanted), wanted);
     };
     for (const OpenOccurrence& open : _open) {
-        const bool comes = open.step == Step::kPostponed || open.step == Step::kMakeUp;
-        if (comes && (*open.occurrence.schedule).*flag) consider(*open.occurrence.schedule, open.at);
+        if (rowOf(open.step).armsAlarms && (*open.occurrence.schedule).*flag)
+            consider(*open.occurrence.schedule, open.at);
     }
     const auto wanted = [&](const ScheduleReading& schedule) { return schedule.*flag; };
     std::optional<Instant> minute;
     for (const Occurrence& one : _agenda->after(std::max(_watermark, now()), 1 + _open.size(), wanted, true)) {
-        if (isOpen(one)) continue;
+        if (find(one)) continue;
         if (minute && one.due > *minute) break;
         minute = one.due;
         consider(*one.schedule, one.due);
     }
     return best;
-}
-
-std::optional<Instant> Scheduler::wakeWanted() const {
-    return earliest(&ScheduleReading::wakes, [&](const ScheduleReading& schedule, Instant at) {
-        const Seconds early = schedule.kind == ActionKind::kModule ? rules::kWakeEarly : 0;
-        return std::max(at - early, now() + rules::kNearestAlarm);
-    });
-}
-
-std::optional<Instant> Scheduler::startupWanted() const {
-    return earliest(&ScheduleReading::starts, [&](const ScheduleReading&, Instant at) {
-        return at - rules::kStartEarly > now() ? at - rules::kStartEarly : at;
-    });
-}
-
-std::optional<Instant> Scheduler::nextCall() const {
-    if (_dormant) return now() + (*_dormant - _now.boot + 999) / 1000;
-    if (_goingToSleep)
-        return now() + std::max<Seconds>(rules::kLongestSilence - (_now.awake - *_goingToSleep) / 1000, 1);
-    std::optional<Instant> earliest;
-    const auto consider = [&](std::optional<Instant> at) {
-        if (at) earliest = std::min(earliest.value_or(*at), *at);
-    };
-    if (!_next.empty()) {
-        const Occurrence* power = powerOf(_next);
-        consider(_next.front().due - (power && !isOpen(*power) ? rules::kWarning : 0));
-    }
-    for (const OpenOccurrence& open : _open) consider(nextOf(open));
-    if (_keepsAwake) consider(_awakeUntil);
-    if (_backAt != 0) consider(_backAt);
-    if (_back) consider(_back->next());
-    if (_wakeIsStone) consider(_wakeAlarm);
-    if (earliest) earliest = std::max(*earliest, now() + 1);
-    return earliest;
 }
 
 std::vector<Upcoming> Scheduler::upcoming(std::size_t most) const {
@@ -217,7 +175,7 @@ std::vector<Upcoming> Scheduler::upcoming(std::size_t most) const {
         result.push_back({open.token(), one.due, at, one.schedule, open.step, open.by, hold});
     }
     for (const Occurrence& one : _agenda->after(std::max(_watermark, now()), most + _open.size())) {
-        if (!isOpen(one)) result.push_back({one.token(), one.due, one.due, one.schedule, Step::kPlanned, {}, {}});
+        if (!find(one)) result.push_back({one.token(), one.due, one.due, one.schedule, Step::kPlanned, {}, {}});
     }
     std::stable_sort(result.begin(), result.end(), [](const Upcoming& a, const Upcoming& b) { return a.at < b.at; });
     if (result.size() > most) result.resize(most);

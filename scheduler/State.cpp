@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
 
 #include "model/Dictionary.h"
+#include "model/Schedule.h"
 
 namespace quorel {
 
@@ -13,11 +15,6 @@ namespace {
 constexpr int kVersion = 1;
 constexpr std::size_t kMostOutcomes = 500;
 constexpr Instant kLatest = 100'000'000'000;  // some three thousand years ahead; sums stay sums
-
-/// In the order of Step.
-constexpr std::array<std::string_view, 12> kSteps = {"planned", "skipped", "done",     "postponed",
-                                                     "make-up", "awaited", "running",  "looking",
-                                                     "waiting", "warned",  "checking", "acting"};
 
 /// Reads entries of one dictionary; after the first that is not what it must be, all is lost.
 struct Reader {
@@ -29,6 +26,8 @@ struct Reader {
         good = good && value.isInteger() && value.integer() >= least && value.integer() <= most;
         return good ? value.integer() : 0;
     }
+    /// One that version 1.0 did not write.
+    std::int64_t laterNumber(std::string_view key) { return dictionary[key].isPresent() ? number(key) : 0; }
     std::string text(std::string_view key) {
         good = good && dictionary[key].isText();
         return dictionary[key].text();
@@ -39,22 +38,35 @@ struct Reader {
     }
 };
 
+/// What only a sleep or shut-down, only another action, and what anything can be in.
+bool canBeIn(const std::string& action, Step step) {
+    const bool isPower = action == schedule_keys::kSleepType || action == schedule_keys::kShutDownType;
+    const Column column = rowOf(step).column;
+    if (column == Column::kInCourse) return isPower;
+    return !isPower || (column != Column::kRunning && column != Column::kMakeUp && column != Column::kAwaited);
+}
+
+Step stepOf(const std::string& action, const std::string& name) {
+    const auto row = std::ranges::find(kSteps, name, &StepRow::name);
+    return row != std::end(kSteps) && canBeIn(action, row->step) ? row->step : Step::kActing;
+}
+
 StoredState::Open openFrom(Reader& reader) {
     StoredState::Open open;
     open.action = reader.text("Action");
     open.due = reader.number("Due");
     open.at = reader.number("At");
     open.weekday = static_cast<unsigned>(reader.number("Weekday", 0, 6));
-    open.number = static_cast<unsigned>(reader.number("Number", 0, 1'000'000));
     open.by = reader.text("By");
     open.madeUp = reader.flag("Made Up");
-    open.waitingSince = reader.number("Waiting Since");
-    const auto step = std::find(kSteps.begin(), kSteps.end(), reader.text("Step"));
-    if (step != kSteps.end()) open.step = static_cast<Step>(step - kSteps.begin());
+    open.next = reader.laterNumber("Next");
+    open.waited.since = reader.number("Waiting Since");
+    open.waited.heldSince = std::max(open.waited.since, reader.laterNumber("Held Since"));
+    open.waited.byUse = reader.dictionary["By Use"].intValue() != 0;
+    open.step = stepOf(open.action, reader.text("Step"));
     const std::string digest = reader.text("Digest");
     const auto read = std::from_chars(digest.data(), digest.data() + digest.size(), open.digest, 16);
-    reader.good = reader.good && step != kSteps.end() && open.step != Step::kPlanned && read.ec == std::errc() &&
-                  *read.ptr == '\0';
+    reader.good = reader.good && open.step != Step::kPlanned && read.ec == std::errc() && *read.ptr == '\0';
     return open;
 }
 
@@ -66,10 +78,6 @@ std::string hexadecimal(std::uint64_t number) {
 
 }  // namespace
 
-std::string_view nameOf(Step step) {
-    return kSteps[static_cast<std::size_t>(step)];
-}
-
 Value StoredState::value() const {
     Array opens;
     for (const Open& one : open) {
@@ -78,11 +86,13 @@ Value StoredState::value() const {
                                    {"Due", one.due},
                                    {"At", one.at},
                                    {"Weekday", static_cast<int>(one.weekday)},
-                                   {"Number", static_cast<int>(one.number)},
                                    {"Step", nameOf(one.step)},
                                    {"By", one.by},
                                    {"Made Up", one.madeUp},
-                                   {"Waiting Since", one.waitingSince}});
+                                   {"Next", one.next},
+                                   {"Waiting Since", one.waited.since},
+                                   {"Held Since", one.waited.heldSince},
+                                   {"By Use", one.waited.byUse}});
     }
     return Dictionary{{"Version", kVersion}, {"Watermark", watermark},   {"Awake Until", awakeUntil}, {"Boot", bootId},
                       {"Slept", slept},      {"Open", std::move(opens)}, {"Outcomes", outcomes}};

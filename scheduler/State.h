@@ -18,9 +18,12 @@ struct OpenOccurrence {
     std::string by = {};  ///< who skipped or postponed it
     bool madeUp = false;
     std::optional<PowerCourse> course = {};  ///< of a sleep or shut-down whose time has come
-    Ticket ticket = 0;                       ///< of the course's last question
-    std::int64_t asleepBefore = 0;           ///< time spent asleep, in milliseconds, when the system was asked
+    PowerCourse::Waited waited = {};         ///< by the course, as it is stored
+    Ticket ticket = 0;                       ///< of its last question
+    bool begins = false;                     ///< as soon as the state is stored
+    Instant unwrittenSince = 0;              ///< in kQueued: that it begins could not be stored
 
+    bool isSleep() const { return occurrence.schedule->kind == ActionKind::kSleep; }
     /// What it goes by outside: its time is part of it once it has been moved.
     std::string token() const;
 };
@@ -33,11 +36,11 @@ struct StoredState {
         Instant due = 0;
         Instant at = 0;
         unsigned weekday = 0;
-        unsigned number = 0;
-        Step step = Step::kPlanned;
+        Step step = Step::kPlanned;  ///< kActing for one that this version does not know: it may have happened
         std::string by;
         bool madeUp = false;
-        Instant waitingSince = 0;
+        Instant next = 0;  ///< of its course
+        PowerCourse::Waited waited;
     };
     Instant watermark = 0;   ///< everything up to here has been taken up
     Instant awakeUntil = 0;  ///< the end of the ten minutes after a wake-up
@@ -47,13 +50,10 @@ struct StoredState {
     Array outcomes;  ///< as Outcome::value has them
 
     Value value() const;
-    /// Nothing where the value is no state that this version understands.
+    /// Also what version 1.0 has written. Nothing where the value is no state that this version understands.
     static std::optional<StoredState> from(const Value& value);
 };
 
-/// As it is stored and sent: "planned", "skipped", "done", "postponed", "make-up", "awaited", "running", "looking",
-/// "waiting", "warned", "checking", "acting".
-std::string_view nameOf(Step step);
 /// Adds one to the last 500.
 void keepOutcome(Array& outcomes, Value outcome);
 

@@ -21,7 +21,7 @@ struct Occurrence;
 /// Names one question. Its answer brings it along.
 using Ticket = std::uint64_t;
 
-/// A login session that counts: of class "user" and not closing.
+/// A login session that counts: a user's, and not closing.
 struct Session {
     std::string name;  ///< for a person: the user, and where
     bool isGraphical = false;
@@ -45,6 +45,14 @@ struct Conditions {
 
 enum class PowerReply { kAccepted, kRefused, kUnderWay };
 
+/// A laptop's. Others have one that is open.
+struct Lid {
+    bool isClosed = false;
+    bool isPowered = false;  ///< from outside
+    /// It may be in a bag.
+    bool isInBag() const { return isClosed && !isPowered; }
+};
+
 class Power {
 public:
     virtual ~Power() = default;
@@ -54,6 +62,9 @@ public:
     virtual void shutDown(Ticket ticket, bool restart) = 0;  ///< answer: `powerReplied`
     /// Holds or drops the idle inhibitor that keeps a desktop from falling asleep.
     virtual void keepAwake(bool keep) = 0;
+    /// Keeps a closed lid from sending the computer to sleep, or lets it. Answer: `lidSeen` every few seconds while it
+    /// is kept.
+    virtual void holdLid(bool hold) = 0;
 };
 
 class Alarms {
@@ -89,8 +100,8 @@ public:
 class Store {
 public:
     virtual ~Store() = default;
-    /// Keeps a property list in place of the last. Durable when it returns; where that fails life goes on.
-    virtual void save(const Value& state) = 0;
+    /// Keeps a property list in place of the last. Durable when it returns true.
+    virtual bool save(const Value& state) = 0;
 };
 
 class Reports {

@@ -41,11 +41,13 @@ constexpr Text kOvertakers[] = {
     {kDown, marked("the computer went down before")},
     {kNext, marked("the next sleep, shut-down or wake-up came")},
     {kOther, marked("the system was doing so already")},
+    {kFirst, marked("another sleep or shut-down was waiting already")},
 };
 
 constexpr Text kReasons[] = {
     {kNoAnswer, marked("the system did not answer")},
     {kStayedAwake, marked("the system agreed, and the computer stayed awake")},
+    {kUnwritten, marked("that it begins could not be stored")},
     {kNobody, marked("nobody is at the computer")},
     {kNoAgent, marked("the agent of the user at the computer is not running")},
     {kTooMany, marked("too many actions of the user are running")},
@@ -219,6 +221,7 @@ std::string stepText(const Value& upcoming) {
         return filled(translated("postponed by {1}, planned for {2}"), {by, timeText(upcoming["Due"].integer())});
     if (step == "make-up") return translated("missed, and to be made up for");
     if (step == "awaited") return translated("waits for somebody to log in, until then");
+    if (step == "queued") return translated("about to begin");
     if (step == "running") return translated("running");
     if (step == "looking" || step == "checking") return translated("looking whether anything speaks against it");
     if (step == "waiting") return filled(translated("held up: {1}"), {holdText(upcoming)});

@@ -71,13 +71,14 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, sd_bus* computer, const std::string
       _sessions(computer, clocks,
                 [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
       _power(
-          computer, clocks, _sessions,
+          loop, computer, clocks, _sessions,
           {[this](Ticket ticket, const Conditions& conditions) {
                tell([&](Now now) { _scheduler.looked(now, ticket, conditions); });
            },
            [this](Ticket ticket, PowerReply reply, const std::string& reason) {
                tell([&](Now now) { _scheduler.powerReplied(now, ticket, reply, reason); });
            },
+           [this](Lid lid) { tell([&](Now now) { _scheduler.lidSeen(now, lid); }); },
            [this](Conditions conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done) {
                findIdle(std::move(conditions), userIds, std::move(done));
            }}),
@@ -86,10 +87,10 @@ Acting::Acting(EventLoop& loop, sd_bus* bus, sd_bus* computer, const std::string
                   {[this] { tell([&](Now now) { _scheduler.tick(now); }); },
                    [this] { tell([&](Now now) { _scheduler.zoneChanged(now); }); }}),
       _sleepWatch(loop, computer,
-                  {[this](bool lidClosed) { tell([&](Now now) { _scheduler.goingToSleep(now, lidClosed); }); },
-                   [this](bool lidClosed) {
+                  {[this](Lid lid) { tell([&](Now now) { _scheduler.goingToSleep(now, lid); }); },
+                   [this](Lid lid) {
                        _sessions.restart();
-                       tell([&](Now now) { _scheduler.resumed(now, lidClosed); });
+                       tell([&](Now now) { _scheduler.resumed(now, lid); });
                    },
                    [this] { tell([&](Now now) { _scheduler.goingDown(now); }); }}) {
     _agents.cameCallback = [this] { tell([&](Now now) { _scheduler.agentCame(now); }); };

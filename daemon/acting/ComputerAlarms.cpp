@@ -42,7 +42,6 @@ ComputerAlarms::ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options op
         MOLLog("Nothing can wake this computer: no clock has an alarm.");
     else if (_ability == WakeAlarm::Ability::kForbidden)
         MOLLog("The system does not let the daemon set wake alarms.");
-    _startup.set(std::nullopt, clocks.now().instant());
     _reachFar = _startup.reachesFar();
 }
 

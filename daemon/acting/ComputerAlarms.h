@@ -19,7 +19,7 @@ public:
         std::string clock;  ///< the kernel's folder of the hardware clock
         std::string note;   ///< a file that says which start-up alarm is ours
     };
-    /// An alarm of an earlier run is taken away. `clocks` and the loop must outlive it.
+    /// The start-up alarm of an earlier run stays until another is armed. `clocks` and the loop must outlive it.
     ComputerAlarms(EventLoop& loop, const Clocks& clocks, Options options);
 
     bool reachFar() const override { return _reachFar; }

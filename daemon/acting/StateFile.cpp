@@ -21,7 +21,7 @@ Value StateFile::read() const {
     return state;
 }
 
-void StateFile::save(const Value& state) {
+bool StateFile::save(const Value& state) {
     const auto bytes = encodePropertyList(state);
     // What is begun must not be begun again after a loss of power. Otherwise the loop is held up by one sync less.
     const bool begins = state["Open"] != std::exchange(_open, state["Open"]);
@@ -29,6 +29,7 @@ void StateFile::save(const Value& state) {
     _fault = bytes ? replaceFile(_path, *bytes, begins ? Lasts::kByNow : Lasts::kSoon)
                    : "It cannot be written as a property list";
     if (!_fault.empty() && !failed) MOLLog("The state of the Schedules is not kept: %s.", _fault.c_str());
+    return _fault.empty();
 }
 
 }  // namespace quorel

@@ -14,7 +14,7 @@ public:
 
     /// Absent when there is no file, and a text when there is one that cannot be read.
     Value read() const;
-    void save(const Value& state) override;
+    bool save(const Value& state) override;
     /// Why the last one could not be saved; empty where it could.
     const std::string& fault() const { return _fault; }
 

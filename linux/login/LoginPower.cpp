@@ -16,8 +16,13 @@ constexpr std::uint64_t kRootChecksInhibitors = 1;
 
 }  // namespace
 
-LoginPower::LoginPower(sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers)
-    : _bus(bus), _clocks(clocks), _sessions(sessions), _answers(std::move(answers)), _idleLock(bus, "idle", "block") {}
+LoginPower::LoginPower(EventLoop& loop, sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers)
+    : _bus(bus),
+      _clocks(clocks),
+      _sessions(sessions),
+      _answers(std::move(answers)),
+      _idleLock(bus, "idle", "block"),
+      _lidHold(loop, bus, _answers.lidSeen) {}
 
 void LoginPower::look(Ticket ticket, bool idle) {
     const auto answered = [this, ticket, idle](Conditions conditions, const std::vector<unsigned>& userIds) {

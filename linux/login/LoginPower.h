@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "linux/login/LidHold.h"
 #include "linux/login/LoginConditions.h"
 #include "linux/login/LoginSessions.h"
 #include "linux/login/Logind.h"
@@ -14,23 +15,25 @@
 namespace quorel {
 
 /// Sleep and shut-down by logind, and what speaks against them. Where logind is absent, silent or refuses, the answer
-/// says so. One thread; `clocks` and the bus must outlive it.
+/// says so. One thread; `clocks`, loop and bus must outlive it.
 class LoginPower : public Power {
 public:
     struct Answers {
         std::function<void(Ticket, const Conditions&)> looked;
         std::function<void(Ticket, PowerReply, const std::string& reason)> powerReplied;
+        std::function<void(Lid)> lidSeen;  ///< while it is held
         /// Adds what others than logind know of how long the sessions, whose users these are, have not been used, and
         /// calls `done` now or later.
         std::function<void(Conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done)>
             findIdle;
     };
-    LoginPower(sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers);
+    LoginPower(EventLoop& loop, sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers);
 
     void look(Ticket ticket, bool idle) override;
     void suspend(Ticket ticket) override;
     void shutDown(Ticket ticket, bool restart) override;
     void keepAwake(bool keep) override;
+    void holdLid(bool hold) override { _lidHold.hold(hold); }
 
 private:
     void request(Ticket ticket, const char* member);
@@ -42,6 +45,7 @@ private:
     std::map<Ticket, std::unique_ptr<LoginConditions>> _looks;
     BusSlot _request;
     InhibitorLock _idleLock;
+    LidHold _lidHold;
 };
 
 }  // namespace quorel

@@ -8,8 +8,6 @@ namespace quorel {
 
 namespace {
 
-/// logind waits five seconds for its delay locks.
-constexpr std::chrono::seconds kLidPatience{2};
 constexpr std::chrono::seconds kBetweenAttempts{5};
 constexpr int kMostAttempts = 12;
 
@@ -49,8 +47,8 @@ void SleepWatch::letGo() {
 
 void SleepWatch::sleepAnnounced(bool begins) {
     if (!begins) return ended();
-    askLid([this](bool lidClosed) {
-        _events.goingToSleep(lidClosed);
+    askLid([this](Lid lid) {
+        _events.goingToSleep(lid);
         letGo();
     });
 }
@@ -67,20 +65,11 @@ void SleepWatch::ended() {
     askLid(_events.resumed);
 }
 
-void SleepWatch::askLid(std::function<void(bool lidClosed)> then) {
-    const auto answered = [this, then = std::move(then)](sd_bus_message* reply) {
+void SleepWatch::askLid(std::function<void(Lid)> then) {
+    _lidCall = readLid(_bus, [this, then = std::move(then)](Lid lid) {
         const auto call = std::move(_lidCall);
-        bool closed = false;
-        bool powered = false;
-        if (!errorOf(reply))
-            logind::readProperties(reply, [&](const std::string& name, const std::string&) {
-                if (name == "LidClosed") closed = logind::readFlag(reply);
-                if (name == "OnExternalPower") powered = logind::readFlag(reply);
-            });
-        then(closed && !powered);
-    };
-    _lidCall = logind::call(_bus, kLidPatience, logind::kManagerProperties, "GetAll", answered, "s",
-                            logind::kManager.interface);
+        then(lid);
+    });
 }
 
 }  // namespace quorel

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "linux/bus/Bus.h"
+#include "linux/login/LidHold.h"
 #include "linux/login/Logind.h"
 
 namespace quorel {
@@ -12,11 +13,11 @@ namespace quorel {
 class SleepWatch {
 public:
     struct Events {
-        /// The computer sleeps after this has returned. `lidClosed`: closed, and without external power.
-        std::function<void(bool lidClosed)> goingToSleep;
+        /// The computer sleeps after this has returned.
+        std::function<void(Lid)> goingToSleep;
         /// Awake again, or not gone to sleep or down after all; whether it slept, the clocks tell. logind has been
         /// known not to say so.
-        std::function<void(bool lidClosed)> resumed;
+        std::function<void(Lid)> resumed;
         /// It goes down after this has returned.
         std::function<void()> goingDown;
     };
@@ -28,7 +29,7 @@ private:
     void sleepAnnounced(bool begins);
     void shutdownAnnounced(bool begins);
     void ended();
-    void askLid(std::function<void(bool lidClosed)> then);
+    void askLid(std::function<void(Lid)> then);
 
     sd_bus* _bus;
     const Events _events;

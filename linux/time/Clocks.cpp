@@ -1,5 +1,7 @@
 #include "linux/time/Clocks.h"
 
+#include <sys/timex.h>
+
 namespace quorel {
 
 namespace {
@@ -13,8 +15,10 @@ std::int64_t millisecondsOf(clockid_t clock) {
 }  // namespace
 
 Now Clocks::now() const {
+    timex state{};  // asks, and sets nothing
+    const int answer = adjtimex(&state);
     const std::int64_t awake = millisecondsOf(CLOCK_MONOTONIC);  // first: it is never to be ahead of the other
-    return {millisecondsOf(CLOCK_REALTIME), millisecondsOf(CLOCK_BOOTTIME), awake};
+    return {millisecondsOf(CLOCK_REALTIME), millisecondsOf(CLOCK_BOOTTIME), awake, answer >= 0 && answer != TIME_ERROR};
 }
 
 }  // namespace quorel

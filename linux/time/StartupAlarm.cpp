@@ -92,9 +92,12 @@ std::optional<Instant> StartupAlarm::comes(Instant now) const {
 
 bool StartupAlarm::reachesFar() {
     const auto shown = read("since_epoch");
-    if (!shown || read("wakealarm")) return false;
+    const auto present = read("wakealarm");
+    if (!shown || (present && present != noted())) return false;
+    if (present) write(0);
     const bool accepted = write(*shown + 2 * kDay) == 0;
     if (accepted) write(0);
+    if (present) write(*present);
     return accepted;
 }
 

@@ -39,7 +39,7 @@ public:
     std::optional<Instant> comes(Instant now) const;
 
     /// Whether it can be set further ahead than a day, which tells that of wake alarms too. Tries it where the alarm is
-    /// free; where it is not, the answer is no.
+    /// free or ours, which stands again afterwards; where it is somebody else's, the answer is no.
     bool reachesFar();
 
 private:

@@ -47,7 +47,8 @@ public:
     bool lies = false;                ///< says yes and does not sleep
     bool silent = false;              ///< never says that it is back
     bool answers = true;              ///< looks are answered
-    bool lidClosed = false;
+    Lid lid;
+    bool full = false;  ///< nothing can be stored
     bool farAlarms = true;
     bool loses = false;   ///< a restarted daemon does not find the action that it had begun
     Instant wakenAt = 0;  ///< by hand, if not by an alarm before
@@ -115,24 +116,27 @@ public:
     }
     void setClock(Seconds by) {
         now.wall += by * 1000;
-        scheduler->tick(now);
+        if (scheduler) scheduler->tick(now);
     }
     /// Sleeps by whatever cause, until the alarm or `wakenAt`.
     void sleep() {
-        scheduler->goingToSleep(now, lidClosed);
+        scheduler->goingToSleep(now, lid);
         Instant end = wakenAt > now.instant() ? wakenAt : now.instant() + 365 * kDay;
         if (wakeAlarm) end = std::min(end, *wakeAlarm);
         if (lies) end = now.instant();
         pass(end - now.instant(), false);
         if (!lies) note("awake");
-        if (!silent) scheduler->resumed(now, lidClosed);
+        scheduler->tick(now);  // the clocks tell, before the system does
+        if (!silent) scheduler->resumed(now, lid);
     }
-    /// Off, without a word before where it is `sudden`.
-    void off(Seconds seconds, bool sudden) {
+    /// Off, without a word before where it is `sudden`. When it is on again its clock is so much ahead.
+    void off(Seconds seconds, bool sudden, Seconds ahead = 0) {
         if (!sudden) scheduler->goingDown(now);
         kill();
         pass(seconds, true);
+        now.wall += ahead * 1000;
         now.boot = now.awake = 20'000;
+        _running.clear();
         bootId += "'";
         boot();
     }
@@ -193,6 +197,7 @@ private:
         return reply;
     }
     void keepAwake(bool keep) override { note(keep ? "keep awake" : "let sleep"); }
+    void holdLid(bool hold) override { note(hold ? "hold lid" : "let lid"); }
     bool reachFar() const override { return farAlarms; }
     void armWake(std::optional<Instant> when) override { wakeAlarm = when; }
     void armStartup(std::optional<Instant> when) override { startupAlarm = when; }
@@ -212,7 +217,10 @@ private:
         note("find " + shortName(one.schedule->action));
         if (loses) scheduler->actionEnded(now, one.token(), ActionEnd::kUnknown, 0, "");
     }
-    void save(const Value& state) override { stored = state; }
+    bool save(const Value& state) override {
+        if (!full) stored = state;
+        return !full;
+    }
     void ended(const Outcome& outcome) override {
         std::string line = outcome.code;
         if (!outcome.action.empty()) line += " " + shortName(outcome.action);

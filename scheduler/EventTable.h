@@ -1,0 +1,160 @@
+#pragma once
+
+#include <algorithm>
+
+#include "scheduler/Step.h"
+
+namespace quorel {
+
+/// What can happen to an occurrence that is open, beyond the answers to what it has asked for itself.
+enum class Event {
+    kTimeComes,  ///< when its step says
+    kWakeUpComes,
+    kPowerComes,  ///< a sleep or shut-down comes into course
+    kGoesToSleep,
+    kAwakeAgain,   ///< and has slept
+    kStayedAwake,  ///< it was going to sleep or down, and did not
+    kGoesDown,
+    kServiceStarts,
+    kClockSetOn,
+    kClockSetBack,
+    kClockWasAhead,  ///< set back soon after the boot
+    kClockCorrected,
+    kScheduleGone,
+    kInput,
+    kAgentComes,  ///< actions can run for a user for whom they could not before
+    kLastActionEnds,
+    kSkip,
+    kPostpone,
+    kWokenInBag,  ///< by our alarm, lid closed, no external power
+};
+
+/// What becomes of it.
+enum class Fate {
+    kStays,
+    kAsItsTimeComes,    ///< if its time has passed
+    kForgotten,         ///< it was told already
+    kSkippedForGood,    ///< ends, skipped
+    kRuns,              ///< up to two minutes late; later missed, or made up
+    kRunsWhileItMay,    ///< while the seconds of its module last; later missed
+    kNobodyCame,        ///< ends, not started
+    kNextMove,          ///< of its course
+    kGivenUpIfSoon,     ///< a sleep within ten minutes gives way to the wake-up
+    kGivenUpForWakeUp,  ///< a sleep or shut-down gives way, unless its minute is the wake-up's or later
+    kGivenUpForNext,    ///< gives way to the next sleep or shut-down; a firm one makes an "only when idle" one end
+    kNewcomerEnds,
+    kSleepOvertaken,  ///< a sleep ends: the computer sleeps without it
+    kOvertakenByDown,
+    kShutDownOrOvertaken,  ///< a shut-down has done it; a sleep is overtaken
+    kShutDownAnew,         ///< a shut-down begins anew with a full warning up to two minutes late, later it is missed
+    kSleptOrAnew,          ///< a sleep has done it; a shut-down as in kShutDownAnew
+    kSleepRefused,         ///< a sleep tries again, or ends
+    kSoonWhileItMay,       ///< two minutes from now, while the seconds of its module last
+    kMissedIfBeforeBoot,   ///< a sleep or shut-down of before the boot is missed; else as its time comes
+    kGoesOnOrAnew,         ///< see Scheduler::goOn
+    kUnknown,              ///< ends: it may have happened, and is not repeated
+    kAskedFor,             ///< whoever runs it is asked
+    kSecondsGoOn,          ///< what is measured goes on as it was
+    kPlannedAgain,         ///< more than a minute ahead: planned or postponed, as before its course; else seconds go on
+    kEndsUnlessAhead,
+    kCorrected,    ///< ends
+    kWithdrawn,    ///< ends
+    kMakeUpSoon,   ///< in ten seconds
+    kWaitsIfIdle,  ///< a warned "only when idle" one waits
+    kLooksAtOnce,  ///< what waits for an action does
+    kSkipped,      ///< until its minute
+    kPostponed,    ///< fifteen minutes from its time or from now
+    kRefused,      ///< not allowed, or too late
+    kLidClosed,    ///< what the computer was woken for within the minute ends
+};
+
+struct EventRow {
+    Event event;
+    Fate planned, skipped, postponed, makeUp, awaited, inCourse, acting, running;
+};
+
+namespace event_table {
+
+using enum Fate;
+
+/// Events by steps: the one place that says what becomes of what is open. docs/schedules.md has it in words. An
+/// occurrence that is done, told of before its minute, is remembered until then and changed by nothing.
+inline constexpr EventRow kRows[] = {
+    // clang-format off
+    //                        planned, skipped, postponed, make-up or queued, awaited,
+    //                        in course, acting, running
+    {Event::kTimeComes,       kStays, kSkippedForGood, kRuns, kRunsWhileItMay, kNobodyCame,
+                              kNextMove, kNextMove, kStays},
+    {Event::kWakeUpComes,     kStays, kStays, kGivenUpIfSoon, kStays, kStays,
+                              kGivenUpForWakeUp, kStays, kStays},
+    {Event::kPowerComes,      kStays, kStays, kStays, kStays, kStays,
+                              kGivenUpForNext, kNewcomerEnds, kStays},
+    {Event::kGoesToSleep,     kStays, kStays, kStays, kStays, kStays,
+                              kSleepOvertaken, kStays, kStays},
+    {Event::kAwakeAgain,      kStays, kAsItsTimeComes, kAsItsTimeComes, kSoonWhileItMay, kStays,
+                              kShutDownAnew, kSleptOrAnew, kStays},
+    {Event::kStayedAwake,     kStays, kStays, kStays, kStays, kStays,
+                              kStays, kSleepRefused, kStays},
+    {Event::kGoesDown,        kStays, kStays, kStays, kStays, kStays,
+                              kOvertakenByDown, kShutDownOrOvertaken, kStays},
+    {Event::kServiceStarts,   kStays, kAsItsTimeComes, kMissedIfBeforeBoot, kStays, kStays,
+                              kGoesOnOrAnew, kUnknown, kAskedFor},
+    {Event::kClockSetOn,      kStays, kAsItsTimeComes, kAsItsTimeComes, kSecondsGoOn, kStays,
+                              kSecondsGoOn, kSecondsGoOn, kSecondsGoOn},
+    {Event::kClockSetBack,    kStays, kStays, kStays, kSecondsGoOn, kStays,
+                              kPlannedAgain, kSecondsGoOn, kSecondsGoOn},
+    {Event::kClockWasAhead,   kStays, kEndsUnlessAhead, kEndsUnlessAhead, kCorrected, kCorrected,
+                              kCorrected, kSecondsGoOn, kSecondsGoOn},
+    {Event::kClockCorrected,  kStays, kEndsUnlessAhead, kEndsUnlessAhead, kCorrected, kCorrected,
+                              kCorrected, kSecondsGoOn, kSecondsGoOn},
+    {Event::kScheduleGone,    kStays, kWithdrawn, kWithdrawn, kWithdrawn, kWithdrawn,
+                              kWithdrawn, kStays, kStays},
+    {Event::kInput,           kStays, kStays, kStays, kStays, kMakeUpSoon,
+                              kWaitsIfIdle, kStays, kStays},
+    {Event::kAgentComes,      kStays, kStays, kStays, kStays, kMakeUpSoon,
+                              kStays, kStays, kStays},
+    {Event::kLastActionEnds,  kStays, kStays, kStays, kStays, kStays,
+                              kLooksAtOnce, kStays, kStays},
+    {Event::kSkip,            kSkipped, kStays, kSkipped, kSkipped, kSkipped,
+                              kSkipped, kRefused, kRefused},
+    {Event::kPostpone,        kPostponed, kRefused, kPostponed, kPostponed, kRefused,
+                              kPostponed, kRefused, kRefused},
+    {Event::kWokenInBag,      kLidClosed, kStays, kLidClosed, kLidClosed, kLidClosed,
+                              kLidClosed, kStays, kStays},
+    // clang-format on
+};
+
+}  // namespace event_table
+
+constexpr const EventRow& rowOf(Event event) {
+    return event_table::kRows[static_cast<std::size_t>(event)];
+}
+static_assert(std::ranges::all_of(event_table::kRows, [](const EventRow& row) { return &row == &rowOf(row.event); }));
+
+constexpr Fate fateOf(Event event, Step step) {
+    const EventRow& row = rowOf(event);
+    switch (rowOf(step).column) {
+        case Column::kPlanned:
+            return row.planned;
+        case Column::kSkipped:
+            return row.skipped;
+        case Column::kPostponed:
+            return row.postponed;
+        case Column::kMakeUp:
+            return row.makeUp;
+        case Column::kAwaited:
+            return row.awaited;
+        case Column::kInCourse:
+            return row.inCourse;
+        case Column::kActing:
+            return row.acting;
+        case Column::kRunning:
+            return row.running;
+        case Column::kDone:
+            break;
+    }
+    if (event == Event::kTimeComes) return Fate::kForgotten;
+    return event == Event::kSkip || event == Event::kPostpone ? Fate::kRefused : Fate::kStays;
+}
+
+}  // namespace quorel

@@ -1,0 +1,196 @@
+// What becomes of what is open: the fates of EventTable.h.
+#include <algorithm>
+
+#include "model/PlainText.h"
+#include "scheduler/Rules.h"
+#include "scheduler/Scheduler.h"
+
+namespace quorel {
+
+/// False where the newcomer to a course ends.
+bool Scheduler::happen(const Happening& what) {
+    bool all = true;
+    if (!_hasBegun) return all;
+    for (auto each = _open.begin(); each != _open.end();) {
+        OpenOccurrence& open = *each++;
+        if (&open != what.newcomer) all = befall(open, what) && all;
+    }
+    return all;
+}
+
+/// False where the fate is a refusal.
+bool Scheduler::befall(OpenOccurrence& open, const Happening& what) {
+    const Fate fate = fateOf(what.event, open.step);
+    const Occurrence& one = open.occurrence;
+    switch (fate) {
+        case Fate::kStays:
+        case Fate::kAsItsTimeComes:  // which is looked at next
+            break;
+        case Fate::kRefused:
+        case Fate::kNewcomerEnds:
+            return false;
+        case Fate::kSkipped:
+        case Fate::kPostponed:
+            setAside(open, fate == Fate::kSkipped ? Step::kSkipped : Step::kPostponed, what.who);
+            break;
+        case Fate::kGivenUpForNext:
+            if (one.schedule->idle == 0 && what.newcomer->occurrence.schedule->idle > 0) return false;
+            move(open, open.course->giveUp(now()));
+            break;
+        case Fate::kWithdrawn:
+            tell(outcome::kWithdrawn, &one);
+            remove(open);
+            break;
+        case Fate::kUnknown:
+            finish(open, outcome::kUnknown);
+            break;
+        case Fate::kAskedFor:
+            act([this, one] { _world.actions.find(one); });
+            break;
+        case Fate::kLidClosed:
+            if (one.schedule->wakes && open.at <= now() + kMinute) finish(open, outcome::kLidClosed);
+            break;
+        default:
+            befallInTime(open, fate);
+            befallInCourse(open, fate, what);
+            befallByClock(open, fate, what.by);
+    }
+    return true;
+}
+
+void Scheduler::befallInTime(OpenOccurrence& open, Fate fate) {
+    const Occurrence one = open.occurrence;
+    const bool mayMakeUp = now() - one.due <= one.schedule->makeUp;
+    switch (fate) {
+        case Fate::kForgotten:
+            return remove(open);
+        case Fate::kSkippedForGood:
+            return finish(open, outcome::kSkipped, {{"By", open.by}});
+        case Fate::kRuns:
+            return _clock.isLate(open.at) ? missed(open) : run(open);
+        case Fate::kRunsWhileItMay:
+            if (open.madeUp && now() - one.due > one.schedule->makeUp + rules::kBeforeMakeUp) return missed(open);
+            return run(open);
+        case Fate::kSoonWhileItMay:
+            if (mayMakeUp) return makeUp(open, rules::kBeforeMakeUp);
+            return open.madeUp || _clock.isLate(one.due) ? missed(open) : queue(open);
+        case Fate::kNobodyCame:
+            return finish(open, outcome::kNotStarted, {{"Reason", outcome::kNobody}});
+        case Fate::kMakeUpSoon:
+            return makeUp(open, rules::kAfterArrival);
+        case Fate::kMissedIfBeforeBoot:
+            if (one.schedule->isPower() && open.at < _clock.bootInstant()) missed(open);
+            return;
+        default:
+            return;
+    }
+}
+
+void Scheduler::befallInCourse(OpenOccurrence& open, Fate fate, const Happening& what) {
+    const Occurrence one = open.occurrence;
+    const bool sleeps = open.isSleep();
+    switch (fate) {
+        case Fate::kNextMove:
+            return move(open, open.course->reached(now()));
+        case Fate::kGivenUpIfSoon:
+            if (!sleeps || open.at > what.at + rules::kClearOfSleep) return;
+            return finish(open, outcome::kOvertaken, {{"By", outcome::kNext}});
+        case Fate::kGivenUpForWakeUp: {
+            const Instant minute = what.at - what.at % kMinute;
+            if (sleeps ? one.due <= what.at : one.due < minute) move(open, open.course->giveUp(now()));
+            return;
+        }
+        case Fate::kSleepOvertaken:
+            if (sleeps) finish(open, outcome::kOvertaken, {{"By", outcome::kSleep}});
+            return;
+        case Fate::kShutDownOrOvertaken:
+            if (!sleeps) return finish(open, outcome::kShutDown, {{"Restart", one.schedule->restarts}});
+            [[fallthrough]];
+        case Fate::kOvertakenByDown:
+            return finish(open, outcome::kOvertaken, {{"By", outcome::kDown}});
+        case Fate::kSleptOrAnew:
+            if (sleeps) return move(open, open.course->slept(now()));
+            [[fallthrough]];
+        case Fate::kShutDownAnew:
+            return anewOrMissed(open);
+        case Fate::kSleepRefused:
+            if (sleeps) move(open, open.course->stayedAwake(now()));
+            return;
+        case Fate::kGoesOnOrAnew:
+            return goOn(open);
+        case Fate::kWaitsIfIdle:
+            return move(open, open.course->used(now(), what.who));
+        case Fate::kLooksAtOnce:
+            if (open.step != Step::kWaiting || open.course->hold().kind != outcome::kHoldAction) return;
+            return move(open, open.course->freed(now()));
+        default:
+            return;
+    }
+}
+
+void Scheduler::befallByClock(OpenOccurrence& open, Fate fate, Seconds by) {
+    const auto secondsGoOn = [&] {
+        if (open.course) open.course->clockMoved(now() - by, by);
+        open.at = open.course ? open.course->time() : open.at + by;
+        if (open.unwrittenSince != 0) open.unwrittenSince += by;
+    };
+    switch (fate) {
+        case Fate::kSecondsGoOn:
+            return secondsGoOn();
+        case Fate::kPlannedAgain: {
+            const bool wasAhead = open.at > now() - by;
+            secondsGoOn();
+            if (!wasAhead || open.at - now() <= rules::kWarning) return;
+            if (open.at == open.occurrence.due && open.at > _watermark) return remove(open);
+            open.step = Step::kPostponed;
+            return open.course.reset();
+        }
+        case Fate::kEndsUnlessAhead:
+            if (open.at > now()) return;
+            if (open.step == Step::kSkipped) return finish(open, outcome::kSkipped, {{"By", open.by}});
+            [[fallthrough]];
+        case Fate::kCorrected:
+            tell(outcome::kClockCorrected, &open.occurrence);
+            return remove(open);
+        default:
+            return;
+    }
+}
+
+/// "Not this time", or later.
+void Scheduler::setAside(OpenOccurrence& open, Step step, const std::string& by) {
+    const bool skips = step == Step::kSkipped;
+    open.at = skips ? open.occurrence.due : std::max(open.at, now()) + rules::kPostponement;
+    open.course.reset();
+    open.step = step;
+    open.by = plainText(by);
+    _changed = true;
+}
+
+bool Scheduler::decide(Now now, const std::string& token, Event event, const std::string& by) {
+    bool done = false;
+    if (_working) return done;
+    take(now, [&] {
+        OpenOccurrence* const open = named(token);
+        done = open && fateOf(event, open->step) != Fate::kRefused;
+        // A token from before a postponement asks for that one again.
+        if (!done || (event == Event::kPostpone && token != open->token())) return;
+        befall(*open, {.event = event, .who = by});
+    });
+    return done;
+}
+
+bool Scheduler::skip(Now now, const std::string& token, const std::string& by) {
+    return decide(now, token, Event::kSkip, by);
+}
+
+bool Scheduler::postpone(Now now, const std::string& token, const std::string& by) {
+    return decide(now, token, Event::kPostpone, by);
+}
+
+bool Scheduler::knows(const std::string& token) const {
+    const OpenOccurrence* open = openOne(token);
+    return open ? fateOf(Event::kSkip, open->step) != Fate::kRefused : plannedOne(token).has_value();
+}
+
+}  // namespace quorel

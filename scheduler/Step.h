@@ -1,0 +1,73 @@
+#pragma once
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+namespace quorel {
+
+/// Where an occurrence stands.
+enum class Step {
+    kPlanned,  ///< nothing has happened yet
+    kSkipped,  ///< "not this time", its minute yet to come
+    kDone,     ///< ended before its minute, which is yet to come; its outcome is told
+    kPostponed,
+    kMakeUp,   ///< missed, and to run soon
+    kAwaited,  ///< found nobody to run for, and may run until `at`
+    kQueued,   ///< its time has come; begins when others have ended, or when that can be written down
+    kRunning,  ///< a module's action
+    // In course, sleep and shut-down:
+    kLooking,   ///< may it be? Asked, not yet answered
+    kWaiting,   ///< something holds it up
+    kWarned,    ///< people see it coming
+    kChecking,  ///< the last look before the call
+    kActing,    ///< the system was asked for it
+};
+
+/// The columns of the table of events.
+enum class Column { kPlanned, kSkipped, kDone, kPostponed, kMakeUp, kAwaited, kInCourse, kActing, kRunning };
+
+/// When a step is looked at again without anything else happening.
+enum class NextLook {
+    kNever,
+    kAtItsMinute,  ///< that of its Schedule
+    kAtItsTime,
+    kInTime,    ///< its time; for a sleep or shut-down as much earlier as people are warned
+    kInCourse,  ///< its course says
+};
+
+struct StepRow {
+    Step step;
+    std::string_view name;  ///< as it is stored and sent
+    Column column;
+    NextLook next;
+    bool armsAlarms;  ///< the computer is woken and started for it
+};
+
+inline constexpr StepRow kSteps[] = {
+    // clang-format off
+    {Step::kPlanned,   "planned",   Column::kPlanned,   NextLook::kNever,       true},
+    {Step::kSkipped,   "skipped",   Column::kSkipped,   NextLook::kAtItsMinute, false},
+    {Step::kDone,      "done",      Column::kDone,      NextLook::kAtItsMinute, false},
+    {Step::kPostponed, "postponed", Column::kPostponed, NextLook::kInTime,      true},
+    {Step::kMakeUp,    "make-up",   Column::kMakeUp,    NextLook::kAtItsTime,   true},
+    {Step::kAwaited,   "awaited",   Column::kAwaited,   NextLook::kAtItsTime,   false},
+    {Step::kQueued,    "queued",    Column::kMakeUp,    NextLook::kAtItsTime,   false},
+    {Step::kRunning,   "running",   Column::kRunning,   NextLook::kNever,       false},
+    {Step::kLooking,   "looking",   Column::kInCourse,  NextLook::kInCourse,    false},
+    {Step::kWaiting,   "waiting",   Column::kInCourse,  NextLook::kInCourse,    false},
+    {Step::kWarned,    "warned",    Column::kInCourse,  NextLook::kInCourse,    false},
+    {Step::kChecking,  "checking",  Column::kInCourse,  NextLook::kInCourse,    false},
+    {Step::kActing,    "acting",    Column::kActing,    NextLook::kInCourse,    false},
+    // clang-format on
+};
+
+constexpr const StepRow& rowOf(Step step) {
+    return kSteps[static_cast<std::size_t>(step)];
+}
+constexpr std::string_view nameOf(Step step) {
+    return rowOf(step).name;
+}
+static_assert(std::ranges::all_of(kSteps, [](const StepRow& row) { return &row == &rowOf(row.step); }));
+
+}  // namespace quorel

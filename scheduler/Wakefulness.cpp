@@ -1,0 +1,171 @@
+#include "scheduler/Wakefulness.h"
+
+#include <algorithm>
+
+#include "scheduler/Outcome.h"
+#include "scheduler/Rules.h"
+
+namespace quorel {
+
+void Wakefulness::start(const Now& now) {
+    _now = now;
+    _sleptSeen = now.asleep();
+    _rewrite = true;
+}
+
+void Wakefulness::observe(const Now& now) {
+    _now = now;
+    if (_woken || !hasSlept()) return;
+    // A word of the waking may be late; it was not before the computer had been awake for longer than since it was
+    // announced that it would sleep.
+    const Seconds awake = _announced ? (now.awake - *_announced) / 1000 : 0;
+    const bool byAlarm = _wakeAlarm && this->now() >= *_wakeAlarm - rules::kAlarmEarly &&
+                         this->now() - awake <= *_wakeAlarm + rules::kAlarmLate;
+    _woken = !byAlarm ? Woken::kOtherwise : _isStone ? Woken::kByStone : Woken::kByAlarm;
+}
+
+void Wakefulness::clockSet(Seconds by) {
+    _rewrite = true;
+    if (_back) _back->clockMoved(now() - by, by);
+}
+
+void Wakefulness::announced(Lid lid) {
+    _announced = _now.awake;
+    _lid = lid;
+    _rewrite = true;
+    used();  // whoever sends it to sleep
+    holdLid(false);
+}
+
+bool Wakefulness::isBetween() const {
+    return _announced && _now.awake - *_announced < rules::kLongestSilence * 1000;
+}
+
+bool Wakefulness::hasSlept() const {
+    return _now.asleep() - _sleptSeen >= rules::kLeastSleep;
+}
+
+bool Wakefulness::over(std::optional<Lid> lid) {
+    const bool slept = hasSlept();
+    const Woken woken = _woken.value_or(Woken::kOtherwise);
+    const Lid now = lid.value_or(_announced ? _lid : Lid{});
+    _sleptSeen = _now.asleep();
+    _woken.reset();
+    _announced.reset();
+    _rewrite = true;
+    if (_back && slept) _back.reset();
+    if (_back && _back->step() == Step::kActing) move(_back->stayedAwake(this->now()));
+    if (woken == Woken::kOtherwise) return false;
+    if (now.isInBag() || woken == Woken::kByStone) {
+        _backAt = _now.boot + rules::kBeforeBack * 1000;
+        return now.isInBag();
+    }
+    _wokenAt = _now.boot;
+    _wokenFor = true;
+    _awakeUntil = std::max(_awakeUntil, _now.boot + rules::kAwakeToBegin * 1000);
+    if (now.isClosed) holdLid(true);
+    return false;
+}
+
+void Wakefulness::holdLid(bool hold) {
+    if (hold == std::exchange(_holdsLid, hold)) return;
+    _hands.act([this, hold] { _power.holdLid(hold); });
+}
+
+/// Nothing keeps a closed bag warm.
+void Wakefulness::lidSeen(Lid lid) {
+    if (!lid.isClosed || !lid.isPowered) holdLid(false);
+}
+
+bool Wakefulness::wasWoken() const {
+    return _wokenAt != 0 && _now.boot - _wokenAt <= rules::kGrace * 1000;
+}
+
+void Wakefulness::keepAwake() {
+    _awakeUntil = _now.boot + rules::kKeptAwake * 1000;
+}
+
+Instant Wakefulness::awakeUntil() const {
+    return _awakeUntil > _now.boot ? wallOf(_awakeUntil) : 0;
+}
+
+void Wakefulness::restore(Instant awakeUntil) {
+    const Seconds left = std::min(awakeUntil - now(), rules::kKeptAwake);
+    if (left > 0) _awakeUntil = _now.boot + left * 1000;
+}
+
+void Wakefulness::used() {
+    _backAt = 0;
+    if (_back && _back->step() != Step::kActing) _back.reset();
+}
+
+bool Wakefulness::looked(Ticket ticket, const Conditions& conditions, const std::string& running) {
+    if (!_back || ticket != _backTicket) return false;
+    if (wasUsed(conditions, rules::kUsedSince) || _hands.wakeUpIsNear())
+        _back.reset();
+    else
+        move(_back->looked(now(), holdOf(conditions, 0, running)));
+    return true;
+}
+
+void Wakefulness::powerReplied(Ticket ticket, PowerReply reply, const std::string& reason) {
+    if (_back && ticket == _backTicket) move(_back->replied(now(), reply, reason));
+}
+
+void Wakefulness::move(const PowerCourse::Move& move) {
+    using Do = PowerCourse::Do;
+    if (move.what == Do::kNothing) return;
+    if (move.what == Do::kEnd) return _back.reset();
+    const Ticket ticket = _backTicket = _hands.ticket();
+    if (move.what == Do::kLook) return _hands.act([this, ticket] { _power.look(ticket, true); });
+    _hands.tell(outcome::kBackToSleep);
+    _hands.act([this, ticket] { _power.suspend(ticket); });
+}
+
+void Wakefulness::settle(bool isRunning) {
+    if (_backAt != 0 && _now.boot >= _backAt) {
+        _backAt = 0;
+        _back.emplace(now(), 0, true);
+        move(_back->begin(now()));
+    } else if (_back && _back->next() <= now()) {
+        move(_back->reached(now()));
+    }
+    if (_isStone && _wakeAlarm && now() >= *_wakeAlarm) _rewrite = true;
+    const bool keeps = _awakeUntil > _now.boot || (_wokenFor && isRunning);
+    if (!keeps) _awakeUntil = 0;
+    _wokenFor = _wokenFor && keeps;
+    if (!keeps || _now.boot - _wokenAt >= rules::kLidHeld * 1000) holdLid(false);
+    if (keeps == std::exchange(_keepsAwake, keeps)) return;
+    _hands.act([this, keeps] { _power.keepAwake(keeps); });
+}
+
+std::optional<Instant> Wakefulness::nextCall() const {
+    if (_announced) return now() + rules::kLongestSilence - (_now.awake - *_announced) / 1000;
+    std::optional<Instant> earliest;
+    const auto consider = [&](Instant at) { earliest = std::min(earliest.value_or(at), at); };
+    if (_awakeUntil != 0) consider(wallOf(_awakeUntil));
+    if (_holdsLid) consider(wallOf(_wokenAt + rules::kLidHeld * 1000));
+    if (_backAt != 0) consider(wallOf(_backAt));
+    if (_back) consider(_back->next());
+    if (_isStone && _wakeAlarm) consider(*_wakeAlarm);
+    return earliest;
+}
+
+void Wakefulness::arm(std::optional<Instant> wanted, std::optional<Instant> startup) {
+    const bool asleep = _announced.has_value();
+    if (asleep && _lid.isInBag()) wanted.reset();
+    if (asleep) startup.reset();
+    const Instant reach = now() + rules::kAlarmReach;
+    const bool stone = wanted && *wanted > reach && !_alarms.reachFar();
+    // A stepping stone stays where it lies until it is reached, or the computer goes to sleep.
+    const bool keep = stone && _isStone && _wakeAlarm && *_wakeAlarm > now() && !_rewrite;
+    const std::optional<Instant> wake = keep ? _wakeAlarm : stone ? std::optional(reach) : wanted;
+    _isStone = stone;
+    if (wake != _wakeAlarm || _rewrite) _hands.act([this, wake] { _alarms.armWake(wake); });
+    if (startup != _startupAlarm || _rewrite) _hands.act([this, startup] { _alarms.armStartup(startup); });
+    _wakeAlarm = wake;
+    _startupAlarm = startup;
+    _rewrite = false;
+}
+
+}  // namespace quorel
