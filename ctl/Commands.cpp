@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "ctl/CheckModule.h"
 #include "ctl/DaemonClient.h"
 #include "ctl/Json.h"
 #include "ctl/ModuleText.h"
@@ -178,12 +179,14 @@ ExitStatus runCommand(const CommandLine& line) {
     const bool changes = command == "skip" || command == "postpone";
     if (!lists && !changes && command != "status" && command != "modules")
         return misused(filled(translated("There is no command \"{1}\"."), {command}));
+    if (line.check && command != "modules") return misused(translated("Only \"modules\" checks."));
     if (arguments.size() > (lists || changes ? 1 : 0)) return misused(translated("Too many arguments."));
     if (changes) {
         if (arguments.empty() || arguments[0].empty())
             return misused(translated("Which one? Give its token, as \"quorelctl next\" shows it."));
         return change(command == "skip" ? wire::scheduler::kSkip : wire::scheduler::kPostpone, arguments[0]);
     }
+    if (line.check) return checkModule(page, *line.check, line.json);
     if (command == "modules") return showModules(page, line.json);
     if (!lists) return showStatus(page, line.json);
     const bool next = command == "next";

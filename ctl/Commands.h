@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@ struct CommandLine {
     std::string command;
     std::vector<std::string> arguments;
     bool json = false;
+    std::optional<std::string> check;  ///< the folder of a module
 };
 
 ExitStatus runCommand(const CommandLine& line);

@@ -24,6 +24,18 @@ std::string wordFaultText(const std::string& fault, const std::string& where) {
     return fault;
 }
 
+std::string abilityText(const Value& module) {
+    const std::string& fault = module["Fault"].text();
+    if (!fault.empty()) return filled(translated("cannot act: {1}"), {faultText(fault, module["FaultKey"].text())});
+    if (module["Program"].isAbsent()) return translated("carried out by the daemon itself");
+    const std::string limit = durationText(module["TimeLimit"].integer());
+    if (module["RunsAs"].text() == description_keys::kUser)
+        return filled(translated("as the user at the computer, {1} at most"), {limit});
+    return filled(translated("in a sandbox, {1} at most"), {limit});
+}
+
+}  // namespace
+
 std::string faultText(const std::string& fault, const std::string& where) {
     if (fault == "untrusted") return translated("others than root could have changed it");
     if (fault == "unreadable") return translated("its information dictionary cannot be read");
@@ -36,18 +48,6 @@ std::string faultText(const std::string& fault, const std::string& where) {
     if (fault == "taken") return translated("another module is this action already");
     return wordFaultText(fault, where);
 }
-
-std::string abilityText(const Value& module) {
-    const std::string& fault = module["Fault"].text();
-    if (!fault.empty()) return filled(translated("cannot act: {1}"), {faultText(fault, module["FaultKey"].text())});
-    if (module["Program"].isAbsent()) return translated("carried out by the daemon itself");
-    const std::string limit = durationText(module["TimeLimit"].integer());
-    if (module["RunsAs"].text() == description_keys::kUser)
-        return filled(translated("as the user at the computer, {1} at most"), {limit});
-    return filled(translated("in a sandbox, {1} at most"), {limit});
-}
-
-}  // namespace
 
 std::vector<std::vector<std::string>> moduleRows(const Value& module) {
     const std::string& action = module["Action"].text();

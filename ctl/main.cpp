@@ -32,6 +32,7 @@ int help() {
                           "  modules          the actions that there are, and what they may do\n"
                           "\n"
                           "Options:\n"
+                          "  --check FOLDER   of \"modules\": what is wrong with one that is not installed yet\n"
                           "  --json           answer in JSON\n"
                           "  --help           show this\n"
                           "  --version        show the version\n"),
@@ -41,6 +42,7 @@ int help() {
 
 int run(int count, char** arguments) {
     const option known[] = {{"json", no_argument, nullptr, 'j'},
+                            {"check", required_argument, nullptr, 'c'},
                             {"help", no_argument, nullptr, 'h'},
                             {"version", no_argument, nullptr, 'v'},
                             {}};
@@ -52,7 +54,8 @@ int run(int count, char** arguments) {
             return status(ExitStatus::kDone);
         }
         if (found == '?') return status(ExitStatus::kUsage);  // getopt has said why
-        line.json = true;
+        if (found == 'c') line.check = optarg;
+        if (found == 'j') line.json = true;
     }
     line.command = optind < count ? arguments[optind++] : "status";
     line.arguments.assign(arguments + optind, arguments + count);
