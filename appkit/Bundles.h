@@ -2,6 +2,9 @@
 
 #import <Foundation/Foundation.h>
 
+#include <string>
+#include <utility>
+
 #include "appkit/Views.h"
 #include "platform/Bundle.h"
 
@@ -10,7 +13,9 @@ namespace quorel::appkit {
 /// Bundles on disk. Main thread.
 class Bundle : public quorel::Bundle {
 public:
-    explicit Bundle(NSBundle *bundle) : _bundle(bundle) {}
+    /// Where its plug-ins lie, when that is not inside it.
+    explicit Bundle(NSBundle *bundle, std::string plugInsPath = {})
+        : _bundle(bundle), _plugInsPath(std::move(plugInsPath)) {}
     std::string bundlePath() const override;
     std::string builtInPlugInsPath() const override;
     Value infoDictionary() const override;
@@ -22,6 +27,7 @@ public:
 
 private:
     Retained<NSBundle> _bundle;
+    const std::string _plugInsPath;
 };
 
 class Bundles : public quorel::Bundles {

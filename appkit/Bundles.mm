@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "actions/DescriptionKeys.h"
 #include "appkit/Controls.h"
 #include "appkit/ModuleClass.h"
+#include "appkit/OptionsForms.h"
 #include "appkit/Resources.h"
 #include "appkit/Strings.h"
 #include "appkit/Values.h"
@@ -18,7 +20,7 @@ std::string Bundle::bundlePath() const {
 }
 
 std::string Bundle::builtInPlugInsPath() const {
-    return stdString([_bundle.get() builtInPlugInsPath]);
+    return _plugInsPath.empty() ? stdString([_bundle.get() builtInPlugInsPath]) : _plugInsPath;
 }
 
 Value Bundle::infoDictionary() const {
@@ -47,6 +49,9 @@ bool Bundle::load() {
 #endif
 
 std::shared_ptr<Object> Bundle::classNamed(std::string_view name) {
+    static Bundles bundles;
+    static OptionsForms forms;
+    if (name == description_keys::kDescribedPlugIn) return std::make_shared<VXDescribedPlugInClass>(bundles, forms);
     // Asked for a class, a bundle whose code did not load tries again, and complains in the log.
     if (![_bundle.get() isLoaded]) return nullptr;
     return moduleClass([_bundle.get() classNamed:nsString(name)], _bundle.get());

@@ -1,5 +1,6 @@
 #import "appkit/Composition.h"
 
+#include "ProductVersion.h"
 #include "appkit/Application.h"
 #include "appkit/MainQueue.h"
 #include "appkit/Services.h"
@@ -41,7 +42,8 @@ struct Services {
                     .timeFormat = timeFormat},
                    startSystemServices(settingsOf(bundle), mainQueue)},
           configuratorNib(bundle),
-          composition{std::make_shared<Bundle>(bundle), configuratorNib, platform} {
+          composition{std::make_shared<Bundle>(bundle, info(bundle, @"QuorelRoot") + product::kPlugInsFolder),
+                      configuratorNib, platform} {
         beforeTheEnd(mainQueue, [] {
             @autoreleasepool {
                 [[NSNotificationCenter defaultCenter] postNotificationName:VXProcessEndsNotification object:nil];

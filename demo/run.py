@@ -16,7 +16,7 @@ import sys
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../harness"))
 
-from desktop import DesktopServers, SettingsApplication, VirtualDisplay
+from desktop import DesktopServers, SettingsApplication, VirtualDisplay, install_modules
 from feed_server import FeedServer, record
 from private_system import PrivateSystem, polkit_rule, wait_until
 
@@ -91,16 +91,6 @@ def main():
             return show(build, user, place, path, ends)
         except KeyboardInterrupt:
             return 0
-
-
-def install_modules(build, root):
-    """Where the daemon looks for them, as it trusts them: nobody else's, and writable by nobody else."""
-    with open(f"{build}/CMakeCache.txt") as file:
-        (prefix,) = (line.partition("=")[2].strip() for line in file if line.startswith("CMAKE_INSTALL_PREFIX:"))
-    shutil.rmtree(f"{root}/{prefix.split('/')[1]}", ignore_errors=True)
-    plug_ins = f"{root}{prefix}/lib/GNUstep/Bundles/Quorel.prefPane/PlugIns"
-    shutil.copytree(f"{build}/Quorel.prefPane/PlugIns", plug_ins)
-    subprocess.run(["chmod", "-R", "go-w", plug_ins], check=True)
 
 
 def show(build, user, place, path, ends):

@@ -81,24 +81,35 @@ class DesktopServers:
             end(process)
 
 
+def install_modules(build, root, extra=()):
+    """Where daemon and pane look for modules below a root of their own, as the daemon trusts them: nobody else's, and
+    writable by nobody else. Others' are added."""
+    with open(f"{build}/CMakeCache.txt") as file:
+        (prefix,) = (line.partition("=")[2].strip() for line in file if line.startswith("CMAKE_INSTALL_PREFIX:"))
+    shutil.rmtree(f"{root}/{prefix.split('/')[1]}", ignore_errors=True)
+    modules = f"{root}{prefix}/lib/quorel/modules"
+    shutil.copytree(f"{build}/lib/quorel/modules", modules)
+    for module in extra:
+        shutil.copytree(module, f"{modules}/{os.path.basename(module)}")
+    subprocess.run(["chmod", "-R", "go-w", modules], check=True)
+
+
 class SettingsApplication:
     """SystemPreferences with the pane in a settings home of its own.
 
     `home` is the folder that takes the place of the user's ~/GNUstep; what lies in it stays. `info` adds keys to the
-    pane's information dictionary, `extra_modules` bundles to its plug-ins, `bundles` what the application loads beside it.
+    pane's information dictionary, `bundles` what the application loads beside it.
     `languages` is None for those of the environment. `as_user` goes to the process (user, group, ...).
     """
 
-    def __init__(self, build, home, environment, info=(), languages=("English",), inspect=True, extra_modules=(),
-                 bundles=(), **as_user):
+    def __init__(self, build, home, environment, info=(), languages=("English",), inspect=True, bundles=(),
+                 **as_user):
         self.home = home
         self.socket = f"{home}/inspector"
         pane = f"{home}/Library/Bundles/Quorel.prefPane"
         os.makedirs(f"{home}/Defaults", exist_ok=True)
         shutil.rmtree(pane, ignore_errors=True)
         shutil.copytree(f"{build}/Quorel.prefPane", pane)
-        for module in extra_modules:
-            shutil.copytree(module, f"{pane}/PlugIns/{os.path.basename(module)}")
         self._add_keys(f"{pane}/Resources/Info-gnustep.plist", dict(info))
         self._write_config(f"{home}/GNUstep.conf")
         environment = dict(environment, GNUSTEP_CONFIG_FILE=f"{home}/GNUstep.conf")

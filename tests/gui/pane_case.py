@@ -8,7 +8,7 @@ import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = f"{HERE}/../../harness", f"{HERE}/../support"
-from desktop import DesktopServers, SettingsApplication, VirtualDisplay, wait_for  # noqa: E402
+from desktop import DesktopServers, SettingsApplication, VirtualDisplay, install_modules, wait_for  # noqa: E402
 from private_system import PrivateSystem  # noqa: E402
 from talk import main_as_root  # noqa: E402
 
@@ -39,6 +39,7 @@ class PaneCase(unittest.TestCase):
         self.root = f"{self.place}/root"
         self.file = f"{self.root}/Library/Preferences/com.quorel.plist"
         os.makedirs(os.path.dirname(self.file))
+        install_modules(BUILD, self.root)
         self.system = PrivateSystem()
         self.addCleanup(self.system.close)
         self.system.start_session_bus()

@@ -1,16 +1,20 @@
 #!/usr/bin/env python3
 """The edit sheet, used with mouse and keyboard: sheet_test.py BUILD"""
+import os
 import subprocess
 
-from pane_case import BUILD, DAYS, PaneCase, main, preferences, schedule
+from pane_case import BUILD, DAYS, PaneCase, install_modules, main, preferences, schedule
 
 TIME = ("Hours", "Minutes", "Morning or afternoon")
 DAY_TITLES = tuple(day[:3] for day in DAYS)
 SEPARATOR = "-----------"
-SLEEP_PARAMETERS = {"Needs Startup": False, "Needs Wake Up": False, "Only When Idle": False, "Idle Minutes": 15}
+SLEEP_PARAMETERS = {"Needs Startup": False, "Needs Wake Up": False, "Kind": "suspend", "Only When Idle": False,
+                    "Idle Minutes": 15}
 IDLE = "Only if idle for"
 IDLE_MINUTES = "Idle time, from 1 to 999 minutes"
-MESSAGE_TITLE, MESSAGE = "Title of the message", "Text of the message"
+KIND = "How"
+MESSAGE_TITLE, MESSAGE = "Title", "Text"
+SAMPLE = f"{os.path.dirname(os.path.abspath(__file__))}/../../modules/sample/SayMessage.vxplugin"
 FLAGS = ("Turn the computer on", "Wake the computer up")
 MAY_BE_CUT = ("Show All", ":")  # the host's; narrower than the margins that cells leave
 
@@ -128,7 +132,7 @@ class SheetTest(PaneCase):
         heights = []
         self.store(preferences(*self.schedules, schedule("Message", 5, 0, days=("Monday",))))
         screen = self.open_pane()
-        for row, options, flags in ((1, (), FLAGS[:1]), (0, (IDLE, IDLE_MINUTES), ()), (1, (), FLAGS[:1]),
+        for row, options, flags in ((1, (), FLAGS[:1]), (0, (KIND, IDLE, IDLE_MINUTES), ()), (1, (), FLAGS[:1]),
                                     (2, (MESSAGE_TITLE, MESSAGE), FLAGS)):
             sheet = self.open_row(row)
             if row == 0:
@@ -151,7 +155,7 @@ class SheetTest(PaneCase):
         for title in ("Sleep", "Wake Up", "Sleep"):
             self.choose(title)
             self.assertEqual(screen.modal()["frame"][1], top)
-        self.assertEqual([heights[0] - height for height in heights[:3]], [0, 22, 22])
+        self.assertEqual(heights[0] - heights[2], 22)
 
     def assert_inside_options(self):
         views = self.screen.modal()["views"]
@@ -191,18 +195,19 @@ class SheetTest(PaneCase):
             self.cancel()
 
     def test_modules_of_others(self):
-        self.start_daemon()
         say = schedule("Sleep", 9, 0, **{"Action Type": "org.example.SayMessage",
                                          "Action Parameters": {"Message": "Tea", "Times": 2, "Own": "kept?"}})
         gone = schedule("Sleep", 9, 1, **{"Action Type": "org.example.Gone"})
         self.store(preferences(gone, self.schedules[0], say))
-        screen = self.open_pane(extra_modules=[f"{BUILD}/modules/sample/SayMessage.vxplugin"])
+        install_modules(BUILD, self.root, [f"{BUILD}/modules/sample/class/SayMessage.vxplugin"])
+        self.start_daemon()
+        screen = self.open_pane()
         self.wait_times("10:30", "9:00")
         self.assertEqual(screen.rows()[1]["Infos"]["Action"], 'Says "Tea", times: 2')
 
         self.open_row(1)
         self.assertEqual(self.by_tip("Type of action")["items"],
-                         ["Shut Down", "Sleep", "Wake Up", SEPARATOR, "Message", "Open", "Say a message"])
+                         ["Shut Down", "Sleep", "Stay Awake", "Wake Up", SEPARATOR, "Message", "Open", "Run", "Say a message"])
         screen.wait(toolTip="What is said", value="Tea")
         screen.wait(toolTip="How many times it is said", title="2")
         screen.wait(title="Wake the computer up", enabled=False, state=1)
@@ -224,16 +229,60 @@ class SheetTest(PaneCase):
         said = {"Message": "Tea time", "Times": 5, "Needs Startup": True, "Needs Wake Up": True}
         self.wait_only_stored(self.schedules[0], dict(say, **{"Action Parameters": said}))
 
+    def test_options_of_every_action(self):
+        install_modules(BUILD, self.root, [SAMPLE])
+        self.start_daemon()
+        kinds = ("Sleep", "ShutDown", "StayAwake", "Open", "Run")
+        self.store(preferences(*(schedule(kind, 9, 0) for kind in kinds),
+                               schedule("Sleep", 9, 0, **{"Action Type": "org.example.SayMessage"})))
+        screen = self.open_pane()
+        self.open_row(0)
+        screen.choose(self.by_tip(KIND), "Hibernate")
+        self.save()
+        self.open_row(1)
+        screen.click(self.button("Restart"))
+        screen.wait(title="Restart", state=1)
+        self.save()
+        self.open_row(2)
+        first = [view for view in screen.modal()["views"] if view.get("toolTip") == "Hours"][-1]
+        screen.click(first, times=2)
+        self.type_over("Hours", "8")
+        self.save()
+        for row, texts in ((3, (("Open", "https://example.org"),)),
+                           (4, (("Program", "/usr/bin/rsync"), ("Arguments", "a b\n/c"))), (5, (("Message", " Tea"),))):
+            self.open_row(row)
+            for tip, text in texts:
+                screen.click(self.by_tip(tip))
+                screen.wait(toolTip=tip, focused=True)
+                screen.key("End")
+                for number, part in enumerate(text.split("\n")):
+                    if number:
+                        screen.key("Return")
+                    screen.type(part)
+                screen.wait(toolTip=tip, value=lambda shown, text=text: shown.endswith(text))
+            screen.click(self.button("Save"))
+            self.wait_no_sheet()
+        said = [row["Infos"]["Action"] for row in screen.rows()]
+        self.assertEqual(said, ["Hibernate", "Restarts", "Stays awake until 20:00", "https://example.org", "Runs rsync",
+                                'Says "Hello Tea"'])
+        self.apply()
+        stored = self.wait_stored(lambda now: "Kind" in now["Schedule Array"][0].get("Action Parameters", {}))
+        parameters = [{key: value for key, value in one["Action Parameters"].items() if not key.startswith("Needs")}
+                      for one in stored["Schedule Array"]]
+        self.assertEqual(parameters, [dict(Kind="hibernate", **{"Only When Idle": False, "Idle Minutes": 15}),
+                                      {"Restart": True, "Only When Idle": False, "Idle Minutes": 15}, {"Until": "20:00"},
+                                      {"Target": "https://example.org"},
+                                      {"Program": "/usr/bin/rsync", "Arguments": "a b\n/c"},
+                                      {"Message": "Hello Tea", "Times": 1}])
+
     def test_texts_in_both_languages(self):
         texts = {"English": ("Apply", "Check for updates", "About…", "Time:", "Save"),
                  "French": ("Appliquer", "Vérifier les mises à jour", "À propos…", "Heure :", "Enregistrer")}
-        own = [schedule(kind, 9, 0) for kind in ("ShutDown", "Open", "Message")]
-        say = schedule("Sleep", 9, 0, **{"Action Type": "org.example.SayMessage"})
-        self.store(preferences(*self.schedules, *own, say))
+        own = [schedule(kind, 9, 0) for kind in ("ShutDown", "StayAwake", "Open", "Message", "Run")]
+        self.store(preferences(self.schedules[0], *own))
         for language, (apply, check, about, time, save) in texts.items():
             with self.subTest(language=language):
-                screen = self.open_pane(languages=(language,),
-                                        extra_modules=[f"{BUILD}/modules/sample/SayMessage.vxplugin"])
+                screen = self.open_pane(languages=(language,))
                 self.button(apply)
                 self.button(check)
                 self.assert_nothing_cut()

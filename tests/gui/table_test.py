@@ -122,7 +122,8 @@ class TableTest(PaneCase):
         screen.click(self.button("Show in the menu bar"))
         self.apply()
         every_day = {f"Active On {day}": True for day in DAYS}
-        sleep = {"Needs Startup": False, "Needs Wake Up": False, "Only When Idle": False, "Idle Minutes": 15}
+        sleep = {"Needs Startup": False, "Needs Wake Up": False, "Kind": "suspend", "Only When Idle": False,
+                 "Idle Minutes": 15}
         wake_up = {"Needs Startup": False, "Needs Wake Up": True}
         self.wait_only_stored(
             schedule("Sleep", "23", "00", **{"Action Parameters": sleep}) | every_day,

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The programs of the modules "Open" and "Message": programs_test.py OPEN MESSAGE"""
+"""The programs of the actions "Open", "Message" and "Run": programs_test.py OPEN MESSAGE RUN"""
 import os
 import plistlib
 import subprocess
@@ -10,7 +10,7 @@ from fake_browser import FakeBrowser
 from notifications import NotificationServer, eventually
 from private_system import PrivateSystem
 
-OPEN, MESSAGE = map(os.path.abspath, sys.argv[1:3])
+OPEN, MESSAGE, RUN = map(os.path.abspath, sys.argv[1:4])
 
 
 class ProgramsTest(unittest.TestCase):
@@ -72,6 +72,23 @@ class ProgramsTest(unittest.TestCase):
                 self.assertIn(said, line)
                 self.assertEqual(line.count("\n"), 1)
         self.assertEqual(self.browser.pages(), [])
+
+    def test_runs_with_arguments_as_they_are(self):
+        program = self.make("own program", f"""#!/bin/sh
+printf '%s|' "$@" > {self.place}/arguments; readlink /proc/self/fd/0 >> {self.place}/arguments; echo said >&2; exit 7
+""", 0o755)
+        for arguments, given in ((None, "|"), ("", "|"), ("--all\n$(reboot) *\n\n'é'\n", "--all|$(reboot) *||'é'|")):
+            with self.subTest(arguments):
+                self.assertEqual(self.run_with(RUN, {"Program": program, "Arguments": arguments or ""}), (7, "said\n"))
+                with open(f"{self.place}/arguments") as file:
+                    self.assertEqual(file.read(), f"{given}/dev/null\n")
+        plain = self.make("plain")
+        for program, said in (("", "no program is named"), ("own program", "not a whole path: own program"),
+                              ("/no/where", "/no/where: No such"), (plain, "Permission denied"), (3, "no program")):
+            with self.subTest(program):
+                status, line = self.run_with(RUN, {"Program": program})
+                self.assertEqual((status, line.count("\n")), (1, 1))
+                self.assertIn(said, line)
 
     def test_message(self):
         self.system.start_session_bus()

@@ -20,10 +20,7 @@ ENTRY = re.compile(r'^"((?:[^"\\]|\\.)*)" = "((?:[^"\\]|\\.)*)";$')
 
 BUNDLES = {
     "pane": (["pane/*.cpp", "configurator/*.cpp", "kit/*.cpp", "appkit/*.mm"], ["resources/interface/*.xib"], "resources/texts"),
-    **{name: (["modules/VXPlugIn.mm", f"modules/{name}/*.mm"], [], f"modules/{name}")
-       for name in ("Sleep", "WakeUp", "ShutDown", "Open", "Message")},
-    "Idle": (["modules/Idle/*.mm"], [], "modules/Idle"),
-    "sample": (["modules/sample/*.m", "modules/sample/*.mm"], [], "modules/sample"),
+    "sample": (["modules/sample/class/*.m"], [], "modules/sample/class"),
 }
 
 

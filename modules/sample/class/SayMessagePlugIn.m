@@ -1,6 +1,6 @@
 /*
- * A module for Quorel: says a message so many times. It shows every part of the contract and uses nothing of the
- * product but its public header. What it says goes to the journal; the program "say" does that.
+ * The class of a module that shows its options in a view of its own: says a message so many times. It shows every part
+ * of the contract and uses nothing of the product but its public header. The program is that of the folder beside it.
  */
 #import <Quorel/VXPrefPanePlugInProtocol.h>
 
