@@ -68,4 +68,8 @@ std::optional<std::string> faultInPreferences(const Value& preferences) {
            std::to_string(wrong - schedules.begin() + 1) + " is no dictionary.";
 }
 
+bool areSamePreferences(const Value& a, const Value& b) {
+    return a.with(preferences::kPrefsVersion, 0) == b.with(preferences::kPrefsVersion, 0);
+}
+
 }  // namespace quorel

@@ -14,5 +14,7 @@ namespace quorel {
 std::optional<std::string> faultInPreferences(const Value& preferences);
 /// The same of one value under a key of the file.
 std::optional<std::string> faultInPreference(std::string_view key, const Value& value);
+/// Whether both are the same but for "Prefs Version", which is stored with the rest and read by nobody.
+bool areSamePreferences(const Value& a, const Value& b);
 
 }  // namespace quorel

@@ -33,7 +33,7 @@ Outcome outcomeOf(std::string_view bytes, const std::function<Value()>& inPlace)
     const Value preferences = decodePropertyList(bytes, wire::kMaximumUserInfoBytes);
     if (preferences.isAbsent()) return {Kind::Invalid, false, "It is no property list of at most 2 MiB and 64 levels."};
     if (const auto fault = faultInPreferences(preferences)) return {Kind::Invalid, false, *fault};
-    if (inPlace() == preferences) return {Kind::InPlace, false, {}};
+    if (areSamePreferences(inPlace(), preferences)) return {Kind::InPlace, false, {}};
     auto file = encodePropertyList(preferences, wire::kMaximumUserInfoBytes);
     if (!file) return {Kind::Invalid, false, "The file would be larger than 2 MiB."};
     return {Kind::Fresh, false, std::move(*file)};
