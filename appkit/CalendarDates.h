@@ -11,7 +11,7 @@ namespace quorel::appkit {
 NSTimeZone *wallClockZone();
 NSDate *dateFromCalendarDate(const CalendarDate &date);
 CalendarDate calendarDateFromDate(NSDate *date);
-/// Writes the time of such an NSDate in the user's short style. Autoreleased.
+/// Writes the time of such an NSDate in the user's short style. Main thread.
 NSDateFormatter *timeFormatter();
 
 }  // namespace quorel::appkit

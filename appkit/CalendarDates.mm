@@ -27,11 +27,15 @@ CalendarDate calendarDateFromDate(NSDate *date) {
 }
 
 NSDateFormatter *timeFormatter() {
-    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
-    [formatter setTimeZone:wallClockZone()];
-    [formatter setDateStyle:NSDateFormatterNoStyle];
-    [formatter setTimeStyle:NSDateFormatterShortStyle];
+    // Kept: making one takes far longer than writing a time, and every row of the table shows one.
+    static NSDateFormatter *const formatter = [] {
+        NSDateFormatter *made = [[NSDateFormatter alloc] init];
+        [made setFormatterBehavior:NSDateFormatterBehavior10_4];
+        [made setTimeZone:wallClockZone()];
+        [made setDateStyle:NSDateFormatterNoStyle];
+        [made setTimeStyle:NSDateFormatterShortStyle];
+        return made;
+    }();
     return formatter;
 }
 

@@ -12,7 +12,6 @@ template <class Interface, class Class>
 class BasicControl : public BasicView<Interface> {
 public:
     explicit BasicControl(Class *control) : BasicView<Interface>(control) {}
-    bool isEnabled() const override { return [native() isEnabled]; }
     void setEnabled(bool enabled) override { [native() setEnabled:enabled]; }
 
 protected:
@@ -51,14 +50,12 @@ public:
 class TextField : public BasicControl<quorel::TextField, NSTextField> {
 public:
     using BasicControl::BasicControl;
-    std::string stringValue() const override { return stdString([native() stringValue]); }
     void setStringValue(std::string_view text) override { [native() setStringValue:nsString(text)]; }
 };
 
 class ImageView : public BasicControl<quorel::ImageView, NSImageView> {
 public:
     using BasicControl::BasicControl;
-    std::shared_ptr<quorel::Image> image() const override { return wrapped<Image>([native() image]); }
     void setImage(std::shared_ptr<quorel::Image> image) override {
         const auto *own = dynamic_cast<const Image *>(image.get());
         [native() setImage:own ? own->nativeImage() : nil];

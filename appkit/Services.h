@@ -24,12 +24,7 @@ public:
 
 class TimeFormat : public quorel::TimeFormat {
 public:
-    TimeFormat();
     std::string shortTimeString(const CalendarDate &date) const override;
-    int style() const override { return _style; }
-
-private:
-    int _style = 0;
 };
 
 }  // namespace quorel::appkit

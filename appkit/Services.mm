@@ -72,12 +72,6 @@ void NotificationCenter::postNotification(const Notification &notification) {
                     userInfo:objectFromValue(notification.userInfo)];
 }
 
-TimeFormat::TimeFormat() {
-    // GNUstep takes the locale from the environment, once and for all; where it can change, the framework tells.
-    NotificationCenter().addObserver(stdString(NSCurrentLocaleDidChangeNotification),
-                                     [this](const Notification &) { ++_style; });
-}
-
 std::string TimeFormat::shortTimeString(const CalendarDate &date) const {
     return stdString([timeFormatter() stringFromDate:dateFromCalendarDate(date)]);
 }

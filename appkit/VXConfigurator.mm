@@ -192,13 +192,12 @@ namespace appkit = quorel::appkit;
 // Data source
 
 - (NSInteger)numberOfRowsInTableView:(NSTableView *)table {
-    return _configurator->numberOfRowsInTableView(*_configurator->outlets.tableView);
+    return _configurator->numberOfRowsInTableView();
 }
 
 - (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)column row:(NSInteger)row {
     const appkit::TableColumn wrapper(column);
-    const quorel::Value value = _configurator->tableViewObjectValueForTableColumnRow(*_configurator->outlets.tableView,
-                                                                                     wrapper, static_cast<int>(row));
+    const quorel::Value value = _configurator->tableViewObjectValueForTableColumnRow(wrapper, static_cast<int>(row));
     if (value.isAbsent() || value.isDictionary()) return appkit::objectFromValue(value);
     // Whatever a file holds under a flag: a check box understands numbers.
     return [NSNumber numberWithInt:value.intValue()];
@@ -209,15 +208,15 @@ namespace appkit = quorel::appkit;
     forTableColumn:(NSTableColumn *)column
                row:(NSInteger)row {
     const appkit::TableColumn wrapper(column);
-    _configurator->tableViewSetObjectValueForTableColumnRow(
-        *_configurator->outlets.tableView, appkit::valueFromObject(object), wrapper, static_cast<int>(row));
+    _configurator->tableViewSetObjectValueForTableColumnRow(appkit::valueFromObject(object), wrapper,
+                                                            static_cast<int>(row));
 }
 
 - (BOOL)tableView:(NSTableView *)table writeRows:(NSArray *)rows toPasteboard:(NSPasteboard *)pasteboard {
     std::vector<int> indexes;
     for (NSNumber *row in rows) indexes.push_back([row intValue]);
     appkit::Pasteboard wrapper(pasteboard);
-    return _configurator->tableViewWriteRowsToPasteboard(*_configurator->outlets.tableView, indexes, wrapper);
+    return _configurator->tableViewWriteRowsToPasteboard(indexes, wrapper);
 }
 
 static quorel::DropOperation dropOperationFrom(NSTableViewDropOperation operation) {
@@ -228,24 +227,22 @@ static quorel::DropOperation dropOperationFrom(NSTableViewDropOperation operatio
                 validateDrop:(id<NSDraggingInfo>)info
                  proposedRow:(NSInteger)row
        proposedDropOperation:(NSTableViewDropOperation)operation {
-    return _configurator->tableViewValidateDropProposedRowProposedDropOperation(
-        *_configurator->outlets.tableView, static_cast<int>(row), dropOperationFrom(operation));
+    return _configurator->tableViewValidateDropProposedRowProposedDropOperation(static_cast<int>(row),
+                                                                                dropOperationFrom(operation));
 }
 
 - (BOOL)tableView:(NSTableView *)table
        acceptDrop:(id<NSDraggingInfo>)info
               row:(NSInteger)row
     dropOperation:(NSTableViewDropOperation)operation {
-    return _configurator->tableViewAcceptDropRowDropOperation(*_configurator->outlets.tableView, static_cast<int>(row),
-                                                              dropOperationFrom(operation));
+    return _configurator->tableViewAcceptDropRowDropOperation(static_cast<int>(row), dropOperationFrom(operation));
 }
 
 // Delegate
 
 - (BOOL)tableView:(NSTableView *)table shouldEditTableColumn:(NSTableColumn *)column row:(NSInteger)row {
     const appkit::TableColumn wrapper(column);
-    return _configurator->tableViewShouldEditTableColumnRow(*_configurator->outlets.tableView, wrapper,
-                                                            static_cast<int>(row));
+    return _configurator->tableViewShouldEditTableColumnRow(wrapper, static_cast<int>(row));
 }
 
 - (void)tableViewSelectionDidChange:(NSNotification *)notification {
@@ -253,12 +250,12 @@ static quorel::DropOperation dropOperationFrom(NSTableViewDropOperation operatio
 }
 
 - (BOOL)selectionShouldChangeInTableView:(NSTableView *)table {
-    return _configurator->selectionShouldChangeInTableView(*_configurator->outlets.tableView);
+    return _configurator->selectionShouldChangeInTableView();
 }
 
 - (BOOL)tableView:(NSTableView *)table shouldSelectTableColumn:(NSTableColumn *)column {
     const appkit::TableColumn wrapper(column);
-    const bool selects = _configurator->tableViewShouldSelectTableColumn(*_configurator->outlets.tableView, wrapper);
+    const bool selects = _configurator->tableViewShouldSelectTableColumn(wrapper);
     const quorel::Array &rows = _configurator->scheduleArray();
     const quorel::Value context = quorel::Dictionary{{"Colomn identifier", wrapper.identifier()}, {"Order", false}};
     const bool descending = !rows.empty() && quorel::sortColomnFunction(rows.front(), rows.back(), context) ==

@@ -6,7 +6,7 @@
 #include "appkit/Resources.h"
 #include "appkit/Strings.h"
 #include "appkit/Values.h"
-#include "kit/VXConfiguratorCell.h"
+#include "kit/ActionSummary.h"
 
 using namespace quorel;
 using namespace quorel::appkit;

@@ -18,15 +18,20 @@
 - (void)setShouldUnselect:(NSPreferencePaneUnselectReply)answer;
 @end
 
+#ifdef __cplusplus
 namespace quorel {
 class VXCommunicationCenter;
 }
+typedef quorel::VXCommunicationCenter VXCommunicationCenterReference;
+#else
+typedef struct VXCommunicationCenter VXCommunicationCenterReference;  // opaque
+#endif
 
 /* The pane's face to the communication center. */
 @protocol VXCommunicationProtocol <NSObject>
 /* "I am alive"; any thread. */
 - (BOOL)pong;
-- (quorel::VXCommunicationCenter *)communicationCenter;
+- (VXCommunicationCenterReference *)communicationCenter;
 @end
 
 /* The pane's principal class: the owner of its interface file, which passes on to the controller what the host and the

@@ -54,7 +54,6 @@ public:
     Rect frame() const override { return rectFrom([nativeView() frame]); }
     void setFrame(const Rect &frame) override { [nativeView() setFrame:nsRect(frame)]; }
     Rect bounds() const override { return rectFrom([nativeView() bounds]); }
-    bool isHidden() const override { return [nativeView() isHidden]; }
     void setHidden(bool hidden) override { [nativeView() setHidden:hidden]; }
     std::vector<std::shared_ptr<quorel::View>> subviews() const override { return nativeSubviews(nativeView()); }
     void addSubview(std::shared_ptr<quorel::View> subview) override { addNativeSubview(nativeView(), *subview); }

@@ -28,7 +28,6 @@ public:
     std::string shortTimeString(const CalendarDate& date) const override {
         return shortTimeByFormatter(date.hour, date.minute);
     }
-    int style() const override { return 0; }
 };
 
 class Module : public test::FakeModule {
@@ -119,8 +118,7 @@ void OurSchedules::toggle(std::size_t first, std::size_t rows, const char* colum
     const auto tableColumn = _parts->ui.table->tableColumnWithIdentifier(column);
     const std::size_t all = configurator.scheduleArray().size();
     for (std::size_t i = 0; i < rows; ++i) {
-        configurator.tableViewSetObjectValueForTableColumnRow(*_parts->ui.table, {}, *tableColumn,
-                                                              static_cast<int>((first + i) % all));
+        configurator.tableViewSetObjectValueForTableColumnRow({}, *tableColumn, static_cast<int>((first + i) % all));
     }
 }
 
@@ -134,8 +132,8 @@ std::string OurSchedules::summaries(std::size_t first, std::size_t rows) {
     const std::size_t all = configurator.scheduleArray().size();
     std::string times;
     for (std::size_t i = 0; i < rows; ++i) {
-        const Value summary = configurator.tableViewObjectValueForTableColumnRow(*_parts->ui.table, *column,
-                                                                                 static_cast<int>((first + i) % all));
+        const Value summary =
+            configurator.tableViewObjectValueForTableColumnRow(*column, static_cast<int>((first + i) % all));
         times += summary["Time"].text();
     }
     return times;

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "configurator/NoModule.h"
 #include "configurator/VXConfigurator.h"
 
 namespace quorel {
@@ -9,6 +10,11 @@ namespace {
 constexpr std::string_view kModuleExtension = "vxplugin";
 constexpr std::string_view kClassKey = "VXEditClass";
 constexpr std::string_view kSharedModulesFolder = "/Library/Application Support/Quorel";
+
+NoModule& noModule() {
+    static NoModule none;
+    return none;
+}
 
 /// The module class of an open bundle, or null.
 std::shared_ptr<VXPrefPanePlugInClass> moduleClassOf(Bundle& bundle) {
@@ -65,22 +71,20 @@ void VXConfigurator::unloadModules() {
     }
 }
 
-VXPrefPanePlugInProtocol* VXConfigurator::moduleOfType(std::string_view identifier) const {
-    if (!_plugins) return nullptr;
+bool VXConfigurator::isRegistered(const Value& identifier) const {
+    return &moduleOfType(identifier) != &noModule();
+}
+
+VXPrefPanePlugInProtocol& VXConfigurator::moduleOfType(const Value& identifier) const {
+    if (!_plugins || !identifier.isText()) return noModule();
     // One after another: there are a handful, which begin alike and differ in length.
-    const auto found = std::ranges::find(*_plugins, identifier, &Plugins::value_type::first);
-    return found == _plugins->end() ? nullptr : found->second.get();
+    const auto found = std::ranges::find(*_plugins, identifier.text(), &Plugins::value_type::first);
+    return found == _plugins->end() ? noModule() : *found->second;
 }
 
-VXPrefPanePlugInProtocol* VXConfigurator::moduleOfType(const Value& identifier) const {
-    return identifier.isText() ? moduleOfType(std::string_view(identifier.text())) : nullptr;
-}
-
-VXPrefPanePlugInProtocol* VXConfigurator::chosenModule() const {
-    const auto title = outlets.popUpType->titleOfSelectedItem();
-    if (!title) return nullptr;
-    const auto found = _pluginNames.find(*title);
-    return found == _pluginNames.end() ? nullptr : moduleOfType(std::string_view(found->second));
+VXPrefPanePlugInProtocol& VXConfigurator::chosenModule() const {
+    const auto found = _pluginNames.find(outlets.popUpType->titleOfSelectedItem().value_or(""));
+    return moduleOfType(found == _pluginNames.end() ? Value() : Value(found->second));
 }
 
 }  // namespace quorel

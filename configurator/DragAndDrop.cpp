@@ -5,7 +5,7 @@ namespace quorel {
 
 // The dragged row travels beside the pasteboard, so that only the table it came from can take it.
 
-bool VXConfigurator::tableViewWriteRowsToPasteboard(TableView&, const std::vector<int>& rows, Pasteboard& pasteboard) {
+bool VXConfigurator::tableViewWriteRowsToPasteboard(const std::vector<int>& rows, Pasteboard& pasteboard) {
     if (_locked || rows.empty()) return false;
     _draggedRow = rows.front();
     pasteboard.declareTypesOwner({kSchedulePasteboard}, this);
@@ -13,11 +13,11 @@ bool VXConfigurator::tableViewWriteRowsToPasteboard(TableView&, const std::vecto
     return rows.size() == 1;
 }
 
-DragOperation VXConfigurator::tableViewValidateDropProposedRowProposedDropOperation(TableView&, int, DropOperation) {
+DragOperation VXConfigurator::tableViewValidateDropProposedRowProposedDropOperation(int, DropOperation) {
     return kDragOperationGeneric;
 }
 
-bool VXConfigurator::tableViewAcceptDropRowDropOperation(TableView&, int row, DropOperation) {
+bool VXConfigurator::tableViewAcceptDropRowDropOperation(int row, DropOperation) {
     const int rows = static_cast<int>(_scheduleArray.size());
     if (!hasRow(_draggedRow) || row < 0 || row > rows) return false;
     const Value dragged = scheduleAt(_draggedRow);

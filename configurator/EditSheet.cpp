@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "configurator/VXConfigurator.h"
+#include "kit/ActionSummary.h"
 #include "kit/Additions.h"
 #include "model/Dictionary.h"
 #include "model/Schedule.h"
@@ -17,15 +18,6 @@ bool isTicked(const Button& checkBox) {
     return checkBox.state() != kStateOff;
 }
 
-int stateOf(bool ticked) {
-    return ticked ? kStateOn : kStateOff;
-}
-
-std::string_view dotImageName(bool startup, bool wakeUp) {
-    if (startup) return wakeUp ? "MixedDot.png" : "StartupDot.png";
-    return wakeUp ? "WakeUpDot.png" : "NoneDot.png";
-}
-
 }  // namespace
 
 void VXConfigurator::openEditSheetFor(const Value& scheduleToEdit) {
@@ -34,20 +26,18 @@ void VXConfigurator::openEditSheetFor(const Value& scheduleToEdit) {
     if (_plugins) {
         for (const auto& [identifier, module] : *_plugins) module->setParameters(module->defaultParameters());
     }
-    auto* module = moduleOfType(schedule[schedule_keys::kActionType]);
-    if (module) {
-        if (const auto name = module->pluginName()) outlets.popUpType->selectItemWithTitle(*name);
-        if (!_isAdding) module->setParameters(schedule[schedule_keys::kActionParameters]);
-        module->fillSetupInterfaceFromParameters();
-    }
+    auto& module = moduleOfType(schedule[schedule_keys::kActionType]);
+    if (const auto name = module.pluginName()) outlets.popUpType->selectItemWithTitle(*name);
+    if (!_isAdding) module.setParameters(schedule[schedule_keys::kActionParameters]);
+    module.fillSetupInterfaceFromParameters();
     outlets.timeControl->setDateValue(dateFromHourMinsFromDate(schedule[schedule_keys::kActionHour].intValue(),
                                                                schedule[schedule_keys::kActionMinute].intValue(),
                                                                _platform.clock.currentDate()));
     for (std::size_t day = 0; day < schedule_keys::kActiveOnDays.size(); ++day) {
         outlets.activeOn[day]->setState(schedule[schedule_keys::kActiveOnDays[day]].intValue());
     }
-    outlets.wakeUpEdit->setState(stateOf(module && module->needsWakeUp()));
-    outlets.startupEdit->setState(stateOf(module && module->needsStartup()));
+    outlets.wakeUpEdit->setState(stateOf(module.needsWakeUp()));
+    outlets.startupEdit->setState(stateOf(module.needsStartup()));
     selectActionType(nullptr);
     checkboxAction(nullptr);
     outlets.progressMain->stopAnimation();
@@ -63,38 +53,25 @@ void VXConfigurator::openEditSheetFor(const Value& scheduleToEdit) {
 
 void VXConfigurator::selectActionType(const Object* sender) {
     outlets.progressEdit->startAnimation();
-    auto* module = chosenModule();
-    std::shared_ptr<View> options;
-    bool wakeUp = false;
-    bool startup = false;
-    bool wakeUpChanges = false;
-    bool startupChanges = false;
-    if (module) {
-        module->fillSetupInterfaceFromParameters();
-        if (sender) {
-            module->setNeedsWakeUp(module->needsWakeUpByDefault());
-            module->setNeedsStartup(module->needsStartupByDefault());
-        }
-        wakeUp = module->needsWakeUp();
-        startup = module->needsStartup();
+    auto& module = chosenModule();
+    module.fillSetupInterfaceFromParameters();
+    if (sender) {
+        module.setNeedsWakeUp(module.needsWakeUpByDefault());
+        module.setNeedsStartup(module.needsStartupByDefault());
     }
+    const bool wakeUp = module.needsWakeUp();
+    const bool startup = module.needsStartup();
     outlets.wakeUpEdit->setState(stateOf(wakeUp));
     outlets.startupEdit->setState(stateOf(startup));
-    if (module) {
-        // A module says that a flag is fixed by ignoring its setter.
-        module->setNeedsWakeUp(!wakeUp);
-        module->setNeedsStartup(!startup);
-        wakeUpChanges = module->needsWakeUp() != wakeUp;
-        startupChanges = module->needsStartup() != startup;
-    }
-    outlets.wakeUpEdit->setEnabled(wakeUpChanges);
-    outlets.startupEdit->setEnabled(startupChanges);
-    if (module) {
-        module->setNeedsWakeUp(wakeUp);
-        module->setNeedsStartup(startup);
-    }
+    // A module says that a flag is fixed by ignoring its setter.
+    module.setNeedsWakeUp(!wakeUp);
+    module.setNeedsStartup(!startup);
+    outlets.wakeUpEdit->setEnabled(module.needsWakeUp() != wakeUp);
+    outlets.startupEdit->setEnabled(module.needsStartup() != startup);
+    module.setNeedsWakeUp(wakeUp);
+    module.setNeedsStartup(startup);
     if (outlets.editCustomView) clear(*outlets.editCustomView);
-    if (module) options = module->setupView();
+    std::shared_ptr<View> options = module.setupView();
     if (!options) options = outlets.blankOptionsView;
     resizeEditSheetUsingHeight(options ? options->frame().height : 0);
     if (options && outlets.editCustomView) outlets.editCustomView->addSubview(options);
@@ -126,25 +103,19 @@ void VXConfigurator::checkboxAction(const Object*) {
     outlets.selectAllButton->setEnabled(!allTicked);
     if (outlets.popUpType->indexOfSelectedItem() < 0) return;
 
-    bool startup = false;
-    bool wakeUp = false;
-    if (auto* module = chosenModule()) {
-        module->setNeedsStartup(isTicked(*outlets.startupEdit));
-        module->setNeedsWakeUp(isTicked(*outlets.wakeUpEdit));
-        if (module->respondsToCheckboxAction()) module->checkboxAction(nullptr);
-        startup = module->needsStartup();
-        wakeUp = module->needsWakeUp();
-    }
-    outlets.actionStateEdit->setImage(imageNamedInBundleOfInstance(dotImageName(startup, wakeUp), *this));
+    auto& module = chosenModule();
+    module.setNeedsStartup(isTicked(*outlets.startupEdit));
+    module.setNeedsWakeUp(isTicked(*outlets.wakeUpEdit));
+    if (module.respondsToCheckboxAction()) module.checkboxAction(nullptr);
+    const char* dot = summary::dotImageName(module.needsStartup(), module.needsWakeUp());
+    outlets.actionStateEdit->setImage(imageNamedInBundleOfInstance(dot, *this));
 }
 
 void VXConfigurator::saveSchedule(const Object*) {
-    auto* module = chosenModule();
-    if (module) {
-        module->fillParametersFromSetupInterface();
-        module->setNeedsWakeUp(isTicked(*outlets.wakeUpEdit));
-        module->setNeedsStartup(isTicked(*outlets.startupEdit));
-    }
+    auto& module = chosenModule();
+    module.fillParametersFromSetupInterface();
+    module.setNeedsWakeUp(isTicked(*outlets.wakeUpEdit));
+    module.setNeedsStartup(isTicked(*outlets.startupEdit));
 
     const int row = outlets.tableView->selectedRow();
     Dictionary saved;
@@ -153,12 +124,10 @@ void VXConfigurator::saveSchedule(const Object*) {
     } else if (_isAdding) {
         saved = newEmptySchedule().dictionary();
     }
-    if (module) {
-        saved.set(schedule_keys::kActionType, module->pluginIdentifier());
-        if (Value parameters = module->parameters(); parameters.isPresent()) {
-            saved.set(schedule_keys::kActionParameters, std::move(parameters));
-        }
-    }
+    if (std::string type = module.pluginIdentifier(); !type.empty())
+        saved.set(schedule_keys::kActionType, std::move(type));
+    if (Value parameters = module.parameters(); parameters.isPresent())
+        saved.set(schedule_keys::kActionParameters, std::move(parameters));
     const CalendarDate time = outlets.timeControl->dateValue();
     saved.set(schedule_keys::kIsEnabled, 1);
     saved.set(schedule_keys::kActionHour, hour(time));

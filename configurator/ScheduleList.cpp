@@ -9,7 +9,6 @@
 namespace quorel {
 
 void VXConfigurator::setScheduleArray(const Value& list) {
-    _timeTexts.clear();
     const Array* schedules = &list.array();
     Array seed;
     if (schedules->empty()) {
@@ -22,9 +21,8 @@ void VXConfigurator::setScheduleArray(const Value& list) {
     }
     Array kept;
     kept.reserve(schedules->size());
-    std::copy_if(schedules->begin(), schedules->end(), std::back_inserter(kept), [this](const Value& schedule) {
-        return moduleOfType(schedule[schedule_keys::kActionType]) != nullptr;
-    });
+    std::copy_if(schedules->begin(), schedules->end(), std::back_inserter(kept),
+                 [this](const Value& schedule) { return isRegistered(schedule[schedule_keys::kActionType]); });
     _scheduleArray = std::move(kept);
     outlets.tableView->reloadData();
 }
@@ -45,7 +43,7 @@ Value VXConfigurator::newEmptySchedule() const {
                      {schedule_keys::kActionHour, wakesUp ? "7" : "23"},
                      {schedule_keys::kActionMinute, "00"}};
     for (const auto day : schedule_keys::kActiveOnDays) fresh.set(day, true);
-    if (auto* module = moduleOfType(type)) fresh.set(schedule_keys::kActionParameters, module->defaultParameters());
+    fresh.set(schedule_keys::kActionParameters, moduleOfType(type).defaultParameters());
     return Value(std::move(fresh));
 }
 

@@ -51,7 +51,7 @@ ComparisonResult sortColomnFunction(const Value& a, const Value& b, const Value&
     return order.compare(order.keyOf(a), order.keyOf(b));
 }
 
-bool VXConfigurator::tableViewShouldSelectTableColumn(TableView&, const TableColumn& column) {
+bool VXConfigurator::tableViewShouldSelectTableColumn(const TableColumn& column) {
     const bool reversed = std::exchange(sortReversed, !sortReversed);
     const Order order(Dictionary{{kColomnIdentifier, column.identifier()}, {kOrder, reversed}});
     std::vector<std::pair<Order::Key, const Value*>> entries;  // a Schedule is asked once what it is ordered by

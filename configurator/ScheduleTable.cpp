@@ -1,6 +1,6 @@
 #include "configurator/VXConfigurator.h"
+#include "kit/ActionSummary.h"
 #include "kit/Additions.h"
-#include "kit/VXConfiguratorCell.h"
 #include "model/Dictionary.h"
 #include "model/Schedule.h"
 
@@ -79,11 +79,11 @@ void VXConfigurator::clearSelection() {
     for (int selected = table.numberOfSelectedRows(); selected > 0; --selected) table.deselectRow(table.selectedRow());
 }
 
-int VXConfigurator::numberOfRowsInTableView(TableView&) {
+int VXConfigurator::numberOfRowsInTableView() {
     return static_cast<int>(_scheduleArray.size());
 }
 
-Value VXConfigurator::tableViewObjectValueForTableColumnRow(TableView&, const TableColumn& column, int row) {
+Value VXConfigurator::tableViewObjectValueForTableColumnRow(const TableColumn& column, int row) {
     if (!hasRow(row)) return {};
     const std::string identifier = column.identifier();
     // By value: a module is asked about a Schedule that stays whole, whatever happens to the list meanwhile.
@@ -92,31 +92,24 @@ Value VXConfigurator::tableViewObjectValueForTableColumnRow(TableView&, const Ta
 }
 
 Value VXConfigurator::actionSummaryOf(const Value& schedule) {
-    auto* module = moduleOfType(schedule[schedule_keys::kActionType]);
-    if (!module) return {};
-    module->setParameters(schedule[schedule_keys::kActionParameters]);
-    return Dictionary{{summary::kName, module->pluginName().value_or(std::string())},
-                      {summary::kAction, module->actionString()},
+    const Value& type = schedule[schedule_keys::kActionType];
+    if (!isRegistered(type)) return {};
+    auto& module = moduleOfType(type);
+    module.setParameters(schedule[schedule_keys::kActionParameters]);
+    return Dictionary{{summary::kName, module.pluginName().value_or(std::string())},
+                      {summary::kAction, module.actionString()},
                       {summary::kTime, timeTextOf(schedule)},
-                      {summary::kStartup, module->needsStartup()},
-                      {summary::kWakeUp, module->needsWakeUp()}};
+                      {summary::kStartup, module.needsStartup()},
+                      {summary::kWakeUp, module.needsWakeUp()}};
 }
 
-Value VXConfigurator::timeTextOf(const Value& schedule) {
-    const int hour = schedule[schedule_keys::kActionHour].intValue();
-    const int minute = schedule[schedule_keys::kActionMinute].intValue();
-    if (_timeStyle != _platform.timeFormat.style()) _timeTexts.clear();
-    _timeStyle = _platform.timeFormat.style();
-    Value& text = _timeTexts[(std::int64_t{hour} << 32) | static_cast<std::uint32_t>(minute)];
-    if (text.isAbsent()) {
-        text =
-            _platform.timeFormat.shortTimeString(dateFromHourMinsFromDate(hour, minute, _platform.clock.currentDate()));
-    }
-    return text;
+std::string VXConfigurator::timeTextOf(const Value& schedule) const {
+    return _platform.timeFormat.shortTimeString(
+        dateFromHourMinsFromDate(schedule[schedule_keys::kActionHour].intValue(),
+                                 schedule[schedule_keys::kActionMinute].intValue(), _platform.clock.currentDate()));
 }
 
-void VXConfigurator::tableViewSetObjectValueForTableColumnRow(TableView&, const Value&, const TableColumn& column,
-                                                              int row) {
+void VXConfigurator::tableViewSetObjectValueForTableColumnRow(const Value&, const TableColumn& column, int row) {
     toggle(column.identifier(), row);
 }
 
@@ -134,7 +127,7 @@ void VXConfigurator::toggle(std::string_view identifier, int row) {
     postEdited();
 }
 
-bool VXConfigurator::tableViewShouldEditTableColumnRow(TableView&, const TableColumn&, int) {
+bool VXConfigurator::tableViewShouldEditTableColumnRow(const TableColumn&, int) {
     return false;
 }
 
@@ -144,7 +137,7 @@ void VXConfigurator::tableViewSelectionDidChange() {
     outlets.editButton->setEnabled(selected);
 }
 
-bool VXConfigurator::selectionShouldChangeInTableView(TableView&) {
+bool VXConfigurator::selectionShouldChangeInTableView() {
     if (!_locked) return true;
     clearSelection();
     return false;

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "configurator/ConfiguratorOutlets.h"
 #include "configurator/VXPrefPanePlugInProtocol.h"
@@ -60,25 +58,22 @@ public:
     bool isLocked() const { return _locked; }
     void makeColomnCheckBox(std::string_view identifier);
     void makeColomnActionCell(std::string_view identifier);
-    int numberOfRowsInTableView(TableView& table) override;
-    Value tableViewObjectValueForTableColumnRow(TableView& table, const TableColumn& column, int row) override;
-    void tableViewSetObjectValueForTableColumnRow(TableView& table, const Value& value, const TableColumn& column,
-                                                  int row) override;
+    int numberOfRowsInTableView() override;
+    Value tableViewObjectValueForTableColumnRow(const TableColumn& column, int row) override;
+    void tableViewSetObjectValueForTableColumnRow(const Value& value, const TableColumn& column, int row) override;
     void toggleEnabled(const Object* sender);  ///< of the selected row, by the keyboard: not while locked
-    bool tableViewShouldEditTableColumnRow(TableView& table, const TableColumn& column, int row) override;
+    bool tableViewShouldEditTableColumnRow(const TableColumn& column, int row) override;
     void tableViewSelectionDidChange() override;
-    bool selectionShouldChangeInTableView(TableView& table) override;
+    bool selectionShouldChangeInTableView() override;
 
     // Sort (ScheduleSort.cpp)
     /// A click on a header: sorts, each time in the other direction, and is never answered with a selection.
-    bool tableViewShouldSelectTableColumn(TableView& table, const TableColumn& column) override;
+    bool tableViewShouldSelectTableColumn(const TableColumn& column) override;
 
     // Drag and drop (DragAndDrop.cpp)
-    bool tableViewWriteRowsToPasteboard(TableView& table, const std::vector<int>& rows,
-                                        Pasteboard& pasteboard) override;
-    DragOperation tableViewValidateDropProposedRowProposedDropOperation(TableView& table, int row,
-                                                                        DropOperation operation) override;
-    bool tableViewAcceptDropRowDropOperation(TableView& table, int row, DropOperation operation) override;
+    bool tableViewWriteRowsToPasteboard(const std::vector<int>& rows, Pasteboard& pasteboard) override;
+    DragOperation tableViewValidateDropProposedRowProposedDropOperation(int row, DropOperation operation) override;
+    bool tableViewAcceptDropRowDropOperation(int row, DropOperation operation) override;
 
     // Action modules (ActionModules.cpp)
     void loadModules();
@@ -105,13 +100,13 @@ public:
 private:
     VXConfigurator(std::shared_ptr<Bundle> bundle, Platform& platform);
 
-    VXPrefPanePlugInProtocol* moduleOfType(std::string_view identifier) const;  ///< null when none is registered
-    VXPrefPanePlugInProtocol* moduleOfType(const Value& identifier) const;      ///< null for whatever is no text, too
-    VXPrefPanePlugInProtocol* chosenModule() const;  ///< of the pop-up's selected title; null when there is none
-    bool hasRow(int row) const;                      ///< the table may ask for rows that are gone
-    const Value& scheduleAt(int row) const;          ///< of a row that exists
+    bool isRegistered(const Value& identifier) const;                       ///< false for whatever is no text
+    VXPrefPanePlugInProtocol& moduleOfType(const Value& identifier) const;  ///< a NoModule when none is
+    VXPrefPanePlugInProtocol& chosenModule() const;                         ///< of the pop-up's selected title
+    bool hasRow(int row) const;              ///< the table may ask for rows that are gone
+    const Value& scheduleAt(int row) const;  ///< of a row that exists
     Value actionSummaryOf(const Value& schedule);
-    Value timeTextOf(const Value& schedule);
+    std::string timeTextOf(const Value& schedule) const;
     void toggle(std::string_view identifier, int row);
     void clearSelection();
     void postEdited();
@@ -125,10 +120,6 @@ private:
     bool _isEditing = false;
     bool _isAdding = false;
     int _draggedRow = -1;
-    /// Texts of the times on show, in the style that the user had when they were written: writing one anew for each
-    /// cell is what a long table would spend its time on.
-    std::unordered_map<std::int64_t, Value> _timeTexts;
-    int _timeStyle = 0;
     Size _editSheetMinSize;
 };
 

@@ -29,7 +29,7 @@ public:
     Rect frame() const override { return _frame; }
     void setFrame(const Rect& frame) override { _frame = frame; }
     Rect bounds() const override { return {0, 0, _frame.width, _frame.height}; }
-    bool isHidden() const override { return _hidden; }
+    bool isHidden() const { return _hidden; }
     void setHidden(bool hidden) override { _hidden = hidden; }
 
     Subviews subviews() const override { return *_subviews; }
@@ -69,7 +69,7 @@ using View = BasicView<quorel::View>;
 template <class Interface>
 class BasicControl : public BasicView<Interface> {
 public:
-    bool isEnabled() const override { return _enabled; }
+    bool isEnabled() const { return _enabled; }
     void setEnabled(bool enabled) override { _enabled = enabled; }
 
     std::function<void()> action;  ///< what the interface file connected
@@ -141,7 +141,7 @@ private:
 
 class TextField : public BasicControl<quorel::TextField> {
 public:
-    std::string stringValue() const override { return _text; }
+    std::string stringValue() const { return _text; }
     void setStringValue(std::string_view text) override { _text = text; }
 
 private:
@@ -156,7 +156,7 @@ public:
 
 class ImageView : public BasicControl<quorel::ImageView> {
 public:
-    std::shared_ptr<quorel::Image> image() const override { return _image; }
+    std::shared_ptr<quorel::Image> image() const { return _image; }
     void setImage(std::shared_ptr<quorel::Image> image) override { _image = std::move(image); }
 
     /// Empty when nothing is shown.

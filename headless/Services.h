@@ -60,14 +60,11 @@ public:
 class TimeFormat : public quorel::TimeFormat {
 public:
     std::string shortTimeString(const CalendarDate& date) const override {
-        ++formats;
         const auto twoDigits = [](int number) { return std::string(number < 10 ? "0" : "") + std::to_string(number); };
         return twoDigits(date.hour) + separator + twoDigits(date.minute);
     }
-    int style() const override { return separator; }
 
     char separator = ':';
-    mutable int formats = 0;  ///< times written so far
 };
 
 class PropertyListFiles : public quorel::PropertyListFiles {

@@ -29,7 +29,7 @@ void TableView::deselectRow(int row) {
 void TableView::reloadData() {
     ++reloads;
     if (onReload) onReload();
-    const int rows = dataSource ? dataSource->numberOfRowsInTableView(*this) : 0;
+    const int rows = dataSource ? dataSource->numberOfRowsInTableView() : 0;
     const auto beyond = _selection.lower_bound(rows);
     if (beyond == _selection.end()) return;
     _selection.erase(beyond, _selection.end());
@@ -37,7 +37,7 @@ void TableView::reloadData() {
 }
 
 Value TableView::valueAt(int row, std::string_view identifier) {
-    return dataSource->tableViewObjectValueForTableColumnRow(*this, column(identifier), row);
+    return dataSource->tableViewObjectValueForTableColumnRow(column(identifier), row);
 }
 
 bool TableView::clickCell(int row, std::string_view identifier) {
@@ -45,18 +45,17 @@ bool TableView::clickCell(int row, std::string_view identifier) {
     const auto* cell = dynamic_cast<const ButtonCell*>(clicked.cell.get());
     if (!cell || !cell->enabled) return false;
     const bool on = valueAt(row, identifier).intValue() != 0;
-    dataSource->tableViewSetObjectValueForTableColumnRow(*this, Value(on ? 0 : 1), clicked, row);
+    dataSource->tableViewSetObjectValueForTableColumnRow(Value(on ? 0 : 1), clicked, row);
     return true;
 }
 
 bool TableView::clickHeader(std::string_view identifier) {
     if (!allowsColumnSelection || !delegate) return false;
-    delegate->tableViewShouldSelectTableColumn(*this, column(identifier));
-    return true;
+    return !delegate->tableViewShouldSelectTableColumn(column(identifier));
 }
 
 bool TableView::selectRows(std::set<int> rows) {
-    if (delegate && !delegate->selectionShouldChangeInTableView(*this)) return false;
+    if (delegate && !delegate->selectionShouldChangeInTableView()) return false;
     _selection = std::move(rows);
     selectionChanged();
     return true;
@@ -69,9 +68,9 @@ bool TableView::doubleClickRow(int row) {
 }
 
 bool TableView::drag(const std::vector<int>& rows, int toRow, DropOperation operation) {
-    return dataSource->tableViewWriteRowsToPasteboard(*this, rows, pasteboard) &&
-           dataSource->tableViewValidateDropProposedRowProposedDropOperation(*this, toRow, operation) != 0 &&
-           dataSource->tableViewAcceptDropRowDropOperation(*this, toRow, operation);
+    return dataSource->tableViewWriteRowsToPasteboard(rows, pasteboard) &&
+           dataSource->tableViewValidateDropProposedRowProposedDropOperation(toRow, operation) != 0 &&
+           dataSource->tableViewAcceptDropRowDropOperation(toRow, operation);
 }
 
 }  // namespace quorel::headless

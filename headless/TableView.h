@@ -93,7 +93,7 @@ public:
 
     // What a person does. Each answers whether the table took it.
     bool clickCell(int row, std::string_view identifier);  ///< on a check box
-    bool clickHeader(std::string_view identifier);
+    bool clickHeader(std::string_view identifier);         ///< false also where the column was selected by it
     bool selectRows(std::set<int> rows);
     bool doubleClickRow(int row);
     bool drag(const std::vector<int>& rows, int toRow, DropOperation operation = DropOperation::Above);

@@ -7,8 +7,29 @@ namespace quorel {
 
 namespace {
 
-std::atomic<VXCommunicationCenter*> communicationCenter{nullptr};
-std::atomic<VXUpdateChecker*> updateChecker{nullptr};
+/// A channel on which nobody answers.
+class NoCommunicationCenter : public VXCommunicationCenter {
+    void setObserver(std::weak_ptr<VXCommunicationProtocol>) override {}
+    void createServerConnection() override {}
+    bool pingDaemon() override { return false; }
+    bool pingAgentOfUser(unsigned) override { return false; }
+    bool postNotificationToDaemon(const Notification&) override { return false; }
+    bool postNotificationToAgentOfUser(const Notification&, unsigned) override { return false; }
+};
+
+/// Knows no version, and no service.
+class NoUpdateChecker : public VXUpdateChecker {
+    std::optional<std::string> versionString() const override { return {}; }
+    std::optional<std::string> fullVersionString() const override { return {}; }
+    bool updateLatestVersionDictionary() override { return false; }
+    std::optional<std::string> latestVersion() const override { return {}; }
+    std::string latestVersionURL() const override { return {}; }
+};
+
+NoCommunicationCenter noCommunicationCenter;
+NoUpdateChecker noUpdateChecker;
+std::atomic<VXCommunicationCenter*> communicationCenter{&noCommunicationCenter};
+std::atomic<VXUpdateChecker*> updateChecker{&noUpdateChecker};
 
 }  // namespace
 
@@ -17,7 +38,7 @@ VXCommunicationCenter* VXCommunicationCenter::sharedInstance() {
 }
 
 void VXCommunicationCenter::setSharedInstance(VXCommunicationCenter* instance) {
-    communicationCenter = instance;
+    communicationCenter = instance ? instance : &noCommunicationCenter;
 }
 
 VXUpdateChecker* VXUpdateChecker::sharedInstance() {
@@ -25,7 +46,7 @@ VXUpdateChecker* VXUpdateChecker::sharedInstance() {
 }
 
 void VXUpdateChecker::setSharedInstance(VXUpdateChecker* instance) {
-    updateChecker = instance;
+    updateChecker = instance ? instance : &noUpdateChecker;
 }
 
 }  // namespace quorel

@@ -16,9 +16,9 @@ class VXCommunicationCenter {
 public:
     virtual ~VXCommunicationCenter() = default;
 
-    /// The instance that the composition root installed, or null.
+    /// The instance that the composition root installed, else one that reaches nobody; never null.
     static VXCommunicationCenter* sharedInstance();
-    /// Not owned. Install before the first pane is created, and for good.
+    /// Not owned; null for none. Install before the first pane is created, and for good.
     static void setSharedInstance(VXCommunicationCenter* instance);
 
     /// The observer's `pong` answers the pings of other programs. Not owned.

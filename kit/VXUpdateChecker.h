@@ -10,9 +10,9 @@ class VXUpdateChecker {
 public:
     virtual ~VXUpdateChecker() = default;
 
-    /// The instance that the composition root installed, or null.
+    /// The instance that the composition root installed, else one that finds nothing out; never null.
     static VXUpdateChecker* sharedInstance();
-    /// Not owned. Install before the first pane is created, and for good.
+    /// Not owned; null for none. Install before the first pane is created, and for good.
     static void setSharedInstance(VXUpdateChecker* instance);
 
     virtual std::optional<std::string> versionString() const = 0;      ///< installed: "1.2"

@@ -10,11 +10,10 @@ std::shared_ptr<VXPrefPaneController> VXPrefPaneController::initWithBundle(std::
                                                                            ConfiguratorNib& nib, Platform& platform) {
     std::shared_ptr<VXPrefPaneController> controller(new VXPrefPaneController(platform));
     if (!controller->PreferencePane::initWithBundle(std::move(bundle))) return nullptr;
-    if (auto* center = VXCommunicationCenter::sharedInstance()) {
-        center->setObserver(controller);
-        center->createServerConnection();
-    }
+    VXCommunicationCenter::sharedInstance()->setObserver(controller);
+    VXCommunicationCenter::sharedInstance()->createServerConnection();
     controller->_configurator = VXConfigurator::init(controller->bundle(), nib, platform);
+    if (!controller->_configurator) return nullptr;
     controller->initNotifications();
     return controller;
 }
@@ -31,10 +30,10 @@ void VXPrefPaneController::initNotifications() {
 void VXPrefPaneController::awakeFromNib() {
     assertMainThread();
     const auto& container = outlets.configView;
-    const auto view = _configurator ? _configurator->configurationView() : nullptr;
+    const auto& view = _configurator->configurationView();
     if (container) clear(*container);
-    if (view) view->setFrame(container ? container->bounds() : Rect{});
-    if (container && view) {
+    view->setFrame(container ? container->bounds() : Rect{});
+    if (container) {
         container->addSubview(view);
         for (const Anchor anchor : {Anchor::Leading, Anchor::Trailing, Anchor::Top, Anchor::Bottom}) {
             container->constrainAnchorEqualTo(anchor, *view);
@@ -42,10 +41,12 @@ void VXPrefPaneController::awakeFromNib() {
     }
     showDaemonAlive(false);
     showUserAgentAlive(false);
+    _isAwake = true;
 }
 
 void VXPrefPaneController::didSelect() {
     assertMainThread();
+    if (!_isAwake) return;
     _allowProcessLaunch = false;
     _preferences = Value();
     outlets.popUpUpdate->removeAllItems();
@@ -63,6 +64,7 @@ void VXPrefPaneController::didSelect() {
 
 void VXPrefPaneController::willUnselect() {
     assertMainThread();
+    if (!_isAwake) return;
     if (_timerToChekProcesses) {
         _timerToChekProcesses->invalidate();
         _timerToChekProcesses = nullptr;
@@ -76,10 +78,9 @@ void VXPrefPaneController::willEnd() {
 }
 
 void VXPrefPaneController::setNeedsSave(const Notification*) {
-    // Every pane of the process hears of an edit, also one whose interface file is not loaded yet.
-    for (const auto& button : {outlets.applyButton, outlets.revertButton}) {
-        if (button) button->setEnabled(true);
-    }
+    if (!_isAwake) return;  // every pane of the process hears of an edit
+    outlets.applyButton->setEnabled(true);
+    outlets.revertButton->setEnabled(true);
 }
 
 void VXPrefPaneController::applyNow(const Object*) {

@@ -34,7 +34,7 @@ void VXPrefPaneController::lockPrefs() {
 void VXPrefPaneController::prefsUnlocked() {
     outlets.authButton->setState(kStateOn);
     outlets.lockDescLabel->setStringValue(localized("Cadenas ouvert"));
-    if (_configurator) _configurator->setLocked(false);
+    _configurator->setLocked(false);
     outlets.menuCheck->setEnabled(true);
     outlets.checkUpdateAtStartup->setEnabled(true);
     outlets.popUpUpdate->setEnabled(true);
@@ -49,7 +49,7 @@ void VXPrefPaneController::prefsLocked() {
     outlets.lockDescLabel->setStringValue(localized("Cadenas ferme"));
     outlets.applyButton->setEnabled(false);
     outlets.revertButton->setEnabled(false);
-    if (_configurator) _configurator->setLocked(true);
+    _configurator->setLocked(true);
     outlets.menuCheck->setEnabled(false);
     outlets.checkUpdateAtStartup->setEnabled(false);
     outlets.popUpUpdate->setEnabled(false);

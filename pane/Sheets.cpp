@@ -10,11 +10,10 @@ void VXPrefPaneController::about() {
 
 void VXPrefPaneController::about(const Object*) {
     assertMainThread();
-    if (!outlets.aboutSheet) return;  // the interface file is not loaded yet
-    const auto* checker = VXUpdateChecker::sharedInstance();
+    if (!_isAwake) return;
     // The one text that is the same in every language.
     outlets.theVersion->setStringValue(
-        textWithPlaceholder("version %@", checker ? checker->fullVersionString() : std::nullopt));
+        textWithPlaceholder("version %@", VXUpdateChecker::sharedInstance()->fullVersionString()));
     openSheetOver(outlets.aboutSheet, vxPrefPaneWindow());
 }
 

@@ -25,14 +25,12 @@ void VXPrefPaneController::checkProcesses() {
 }
 
 void VXPrefPaneController::checkDaemon() {
-    auto* center = VXCommunicationCenter::sharedInstance();
-    const bool alive = center && center->pingDaemon();
+    const bool alive = VXCommunicationCenter::sharedInstance()->pingDaemon();
     _platform.dispatch.mainQueue().async([self = shared_from_this(), alive] { self->showDaemonAlive(alive); });
 }
 
 void VXPrefPaneController::checkUserAgent() {
-    auto* center = VXCommunicationCenter::sharedInstance();
-    const bool alive = center && center->pingAgentOfUser(_platform.effectiveUserId);
+    const bool alive = VXCommunicationCenter::sharedInstance()->pingAgentOfUser(_platform.effectiveUserId);
     _platform.dispatch.mainQueue().async([self = shared_from_this(), alive] { self->showUserAgentAlive(alive); });
 }
 

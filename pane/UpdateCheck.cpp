@@ -12,7 +12,7 @@ void VXPrefPaneController::checkUpdates(std::shared_ptr<const Object> sender) {
 
 void VXPrefPaneController::runUpdateCheck(const Object* sender) {
     auto* center = VXCommunicationCenter::sharedInstance();
-    if (center && center->pingAgentOfUser(_platform.effectiveUserId)) {
+    if (center->pingAgentOfUser(_platform.effectiveUserId)) {
         // The agent has a voice of its own; two programs must not report the same check.
         center->postNotificationToAgentOfUser(
             {std::string(kUserAgentMustCheckUpdates), std::string(kUserAgentName), Value()}, _platform.effectiveUserId);
@@ -20,7 +20,7 @@ void VXPrefPaneController::runUpdateCheck(const Object* sender) {
     }
     const auto self = shared_from_this();
     auto* checker = VXUpdateChecker::sharedInstance();
-    if (!checker || !checker->updateLatestVersionDictionary()) {
+    if (!checker->updateLatestVersionDictionary()) {
         if (!sender) return;
         _platform.dispatch.mainQueue().async([self] {
             self->_platform.application.runAlertPanel(self->localized("Verification impossible"),
@@ -41,8 +41,7 @@ void VXPrefPaneController::runUpdateCheck(const Object* sender) {
 }
 
 void VXPrefPaneController::offerNewerVersion(const std::optional<std::string>& version) {
-    const auto* checker = VXUpdateChecker::sharedInstance();
-    const std::string url = checker ? checker->latestVersionURL() : std::string();
+    const std::string url = VXUpdateChecker::sharedInstance()->latestVersionURL();
     const std::string message = textWithPlaceholder(localized("Telecharger la version %@ ?"), version);
     const std::string cancel = localized("Annuler");
     const int answer = _platform.application.runAlertPanel(localized("Nouvelle version dispo"), message, "OK",

@@ -26,7 +26,7 @@ class VXPrefPaneController : public PreferencePane,
                              public VXCommunicationProtocol,
                              public std::enable_shared_from_this<VXPrefPaneController> {
 public:
-    /// Null for a bundle that makes no pane. Nib and platform outlive the result.
+    /// Null for a bundle that makes no pane, or whose configurator does not load. Nib and platform outlive the result.
     static std::shared_ptr<VXPrefPaneController> initWithBundle(std::shared_ptr<Bundle> bundle, ConfiguratorNib& nib,
                                                                 Platform& platform);
 
@@ -98,6 +98,7 @@ private:
     const std::thread::id _mainThread = std::this_thread::get_id();
     std::shared_ptr<VXConfigurator> _configurator;
     std::weak_ptr<Window> _vxPrefPaneWindow;
+    bool _isAwake = false;                         ///< only then is it selected and left: before, there are no controls
     Value _preferences;                            ///< as last read or built; absent when dropped
     std::shared_ptr<Timer> _timerToChekProcesses;  ///< never filled: polling outlives the selection
     AuthorizationRef authRef = nullptr;            ///< made when first needed, kept for good

@@ -52,8 +52,6 @@ public:
     virtual ~TimeFormat() = default;
     /// Time of day in the short style: "23:00" or "11:00 PM".
     virtual std::string shortTimeString(const CalendarDate& date) const = 0;
-    /// Another number whenever the user may have chosen another style.
-    virtual int style() const = 0;
 };
 
 }  // namespace quorel

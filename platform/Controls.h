@@ -14,12 +14,14 @@ namespace quorel {
 
 class Control : public View {
 public:
-    virtual bool isEnabled() const = 0;
     virtual void setEnabled(bool enabled) = 0;
 };
 
 inline constexpr int kStateOff = 0;
 inline constexpr int kStateOn = 1;
+inline constexpr int stateOf(bool on) {
+    return on ? kStateOn : kStateOff;
+}
 
 /// Push button or check box.
 class Button : public Control {
@@ -45,13 +47,11 @@ public:
 
 class TextField : public Control {
 public:
-    virtual std::string stringValue() const = 0;
     virtual void setStringValue(std::string_view text) = 0;
 };
 
 class ImageView : public Control {
 public:
-    virtual std::shared_ptr<Image> image() const = 0;
     virtual void setImage(std::shared_ptr<Image> image) = 0;  ///< null shows nothing
 };
 

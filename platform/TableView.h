@@ -46,30 +46,26 @@ public:
     virtual void setDataForType(std::string_view data, std::string_view type) = 0;
 };
 
-class TableView;
-
+/// What a table asks of who owns its rows. There is one table to an owner.
 class TableViewDataSource {
 public:
     virtual ~TableViewDataSource() = default;
-    virtual int numberOfRowsInTableView(TableView& table) = 0;
+    virtual int numberOfRowsInTableView() = 0;
     /// Absent for a row or column that does not exist.
-    virtual Value tableViewObjectValueForTableColumnRow(TableView& table, const TableColumn& column, int row) = 0;
-    virtual void tableViewSetObjectValueForTableColumnRow(TableView& table, const Value& value,
-                                                          const TableColumn& column, int row) = 0;
-    virtual bool tableViewWriteRowsToPasteboard(TableView& table, const std::vector<int>& rows,
-                                                Pasteboard& pasteboard) = 0;
-    virtual DragOperation tableViewValidateDropProposedRowProposedDropOperation(TableView& table, int row,
-                                                                                DropOperation operation) = 0;
-    virtual bool tableViewAcceptDropRowDropOperation(TableView& table, int row, DropOperation operation) = 0;
+    virtual Value tableViewObjectValueForTableColumnRow(const TableColumn& column, int row) = 0;
+    virtual void tableViewSetObjectValueForTableColumnRow(const Value& value, const TableColumn& column, int row) = 0;
+    virtual bool tableViewWriteRowsToPasteboard(const std::vector<int>& rows, Pasteboard& pasteboard) = 0;
+    virtual DragOperation tableViewValidateDropProposedRowProposedDropOperation(int row, DropOperation operation) = 0;
+    virtual bool tableViewAcceptDropRowDropOperation(int row, DropOperation operation) = 0;
 };
 
 class TableViewDelegate {
 public:
     virtual ~TableViewDelegate() = default;
-    virtual bool tableViewShouldEditTableColumnRow(TableView& table, const TableColumn& column, int row) = 0;
+    virtual bool tableViewShouldEditTableColumnRow(const TableColumn& column, int row) = 0;
     virtual void tableViewSelectionDidChange() = 0;
-    virtual bool selectionShouldChangeInTableView(TableView& table) = 0;
-    virtual bool tableViewShouldSelectTableColumn(TableView& table, const TableColumn& column) = 0;
+    virtual bool selectionShouldChangeInTableView() = 0;
+    virtual bool tableViewShouldSelectTableColumn(const TableColumn& column) = 0;
 };
 
 class TableView : public Control {

@@ -41,7 +41,6 @@ public:
     virtual Rect frame() const = 0;  ///< in the superview's coordinates
     virtual void setFrame(const Rect& frame) = 0;
     virtual Rect bounds() const = 0;  ///< in its own coordinates
-    virtual bool isHidden() const = 0;
     virtual void setHidden(bool hidden) = 0;
 
     virtual std::vector<std::shared_ptr<View>> subviews() const = 0;

@@ -22,8 +22,10 @@ TEST_F(DragAndDropTest, DropsByTheRule) {
     for (const auto operation : {DropOperation::Above, DropOperation::On}) {
         for (const auto& [list, dragged, row, left, accepted] : cases) {
             configurator->setScheduleArray(listOf(list));
+            const int reloads = ui.table->reloads;
             EXPECT_EQ(ui.table->drag({dragged}, row, operation), accepted) << list << dragged << row;
             EXPECT_EQ(tags(), left) << list << dragged << row;
+            EXPECT_EQ(ui.table->reloads - reloads, accepted || tags() != list) << list << dragged << row;
         }
     }
     EXPECT_EQ(posted(), 0u);
@@ -38,7 +40,7 @@ TEST_F(DragAndDropTest, CarriesAnEmptyTypedPasteboardAndRefusesSeveralRows) {
     EXPECT_EQ(ui.table->pasteboard.data.at("SchedulePasteboard"), "");
     EXPECT_FALSE(ui.table->drag({}, 0));
     EXPECT_EQ(tags(), "012");
-    EXPECT_EQ(configurator->tableViewValidateDropProposedRowProposedDropOperation(*ui.table, 3, DropOperation::On), 4u);
+    EXPECT_EQ(configurator->tableViewValidateDropProposedRowProposedDropOperation(3, DropOperation::On), 4u);
 }
 
 }  // namespace

@@ -190,6 +190,13 @@ TEST_F(EditSheetTest, CancelChangesNothing) {
     EXPECT_TRUE(configurator->isAdding() && !configurator->isEditing());
     EXPECT_EQ(Value(configurator->scheduleArray()), list);
     EXPECT_EQ(posted(), 0u);
+    // What was cancelled says nothing about the next sheet.
+    edit(1, [&] {
+        EXPECT_TRUE(configurator->isEditing() && !configurator->isAdding());
+        save();
+    });
+    EXPECT_EQ(configurator->scheduleArray().size(), 2u);
+    EXPECT_EQ(entry(0), list.array()[0]);
 }
 
 TEST_F(EditSheetTest, SelectAllFollowsTheDays) {

@@ -72,8 +72,10 @@ TEST_F(ScheduleSortTest, DirectionAlternatesOverColumnsAndTables) {
                                                           {"Active On Monday", "adbc"},
                                                           {"Infos", "cdba"}};
     for (const auto& [column, order] : clicks) {
+        const int reloads = ui.table->reloads;
         EXPECT_TRUE(ui.table->clickHeader(column));
         EXPECT_EQ(tags(), order);
+        EXPECT_EQ(ui.table->reloads, reloads + 1);
     }
 
     ConfiguratorInterface otherUi;

@@ -6,6 +6,11 @@ namespace {
 using LifecycleTest = PaneTest;
 
 TEST_F(LifecycleTest, NothingIsMadeOfABundleThatIsNoPane) {
+    configuratorUi.loadable = false;
+    EXPECT_FALSE(VXPrefPaneController::initWithBundle(bundle, configuratorUi, host.platform));
+    EXPECT_TRUE(center.observer.expired());
+    configuratorUi.loadable = true;
+    center.serverConnections = 0;
     for (const auto& other : {std::shared_ptr<headless::Bundle>(), std::make_shared<headless::Bundle>("/other")}) {
         EXPECT_FALSE(VXPrefPaneController::initWithBundle(other, configuratorUi, host.platform));
         EXPECT_EQ(center.serverConnections, 0);
@@ -37,19 +42,24 @@ TEST_F(LifecycleTest, ConstructionAnnouncesThePaneAndReadsNothing) {
     EXPECT_EQ(host.authorization.created, 0);
 }
 
-// An edit in one pane of the process is heard by all.
-TEST_F(LifecycleTest, AnEditBeforeTheInterfaceFileChangesNothing) {
+// An edit in one pane of the process is heard by all, also by one whose interface file is not loaded, or does not load.
+TEST_F(LifecycleTest, NothingComesOfAPaneThatHasNotAwoken) {
     create();
+    center.daemonAlive = true;
     const auto second = VXPrefPaneController::initWithBundle(bundle, configuratorUi, host.platform);
     setCanApply(false);
     host.defaultCenter.postNotification({std::string(kMOLConfiguratorHasBeenEditedNotification), {}, {}});
     EXPECT_TRUE(canApply());
     second->about(nullptr);
+    second->didSelect();
+    second->willUnselect();
     EXPECT_TRUE(host.application.begun.empty());
+    EXPECT_EQ(host.files.reads, 0);
+    EXPECT_EQ(center.daemonPings, 0);
 }
 
 TEST_F(LifecycleTest, EmbedsTheConfigurator) {
-    ui.configView->addSubview(std::make_shared<headless::View>());
+    for (int view = 0; view < 3; ++view) ui.configView->addSubview(std::make_shared<headless::View>());
     create();
     pane->awakeFromNib();  // whatever was there goes, our own view too
     ASSERT_EQ(ui.configView->subviews().size(), 1u);
@@ -145,25 +155,7 @@ TEST_F(LifecycleTest, GoesWhenItWasNeverSelected) {
     host.defaultCenter.postNotification({std::string(kMOLConfiguratorHasBeenEditedNotification), {}, {}});
 }
 
-TEST_F(LifecycleTest, WithoutAConfiguratorTheListGoesBackAsItWasRead) {
-    configuratorUi.loadable = false;
-    const Value list(Array{schedule("a"), schedule("of nobody", "gone")});
-    store(Value(storedDefaults()).with("Schedule Array", list));
-    open();
-    for (const bool alive : {false, true}) {  // what could not be sent is not lost either
-        center.daemonAlive = alive;
-        pane->willUnselect();
-    }
-    store({});
-    pane->didSelect();
-    pane->willUnselect();
-    ASSERT_EQ(center.toDaemon.size(), 2u);
-    EXPECT_EQ(center.toDaemon[0].userInfo["Schedule Array"], list);
-    EXPECT_TRUE(center.toDaemon[1].userInfo["Schedule Array"].isAbsent());
-}
-
-TEST_F(LifecycleTest, DoesWithoutConfiguratorAndKit) {
-    configuratorUi.loadable = false;
+TEST_F(LifecycleTest, DoesWithoutKit) {
     VXCommunicationCenter::setSharedInstance(nullptr);
     VXUpdateChecker::setSharedInstance(nullptr);
     store(storedDefaults());

@@ -1,3 +1,8 @@
+#include <fstream>
+#include <iterator>
+
+#include "model/PropertyList.h"
+#include "planning/PreferencesCheck.h"
 #include "tests/pane/PaneTest.h"
 
 namespace quorel::test {
@@ -48,7 +53,6 @@ TEST_F(PreferencesTest, WithoutAFileShowsDefaults) {
     ui.networkAdminCheck->setState(kStateOff);
     ui.popUpUpdate->selectItemAtIndex(2);
     pane->configurator()->setScheduleArray(Value(Array{schedule("a")}));
-    const auto files = host.files.files;
     logged().clear();
     pane->getPrefs();
     EXPECT_EQ(ui.checkUpdateAtStartup->state(), kStateOn);
@@ -60,7 +64,6 @@ TEST_F(PreferencesTest, WithoutAFileShowsDefaults) {
     EXPECT_EQ(list[0]["Action Type"].text(), schedule_keys::kSleepType);
     EXPECT_EQ(list[1]["Action Type"].text(), schedule_keys::kWakeUpType);
     EXPECT_EQ(logged(), std::vector<std::string>{"No preferences. Creating defaults..."});
-    EXPECT_EQ(host.files.files, files);
     EXPECT_TRUE(host.application.alerts.empty());
 
     // What a file that was there has hidden, the defaults do not bring back.
@@ -79,7 +82,6 @@ TEST_F(PreferencesTest, SendsExactlyWhatIsOnScreen) {
         int check, frequency, menu;
         std::string_view list;
     } const cases[] = {{1, 0, 1, "ab"}, {0, 2, 0, "b"}, {1, -1, 0, ""}, {0, 1, 1, "cba"}};
-    Value identity;
     for (const auto& [check, frequency, menu, list] : cases) {
         Array schedules;
         for (const char tag : list) schedules.push_back(schedule(std::string(1, tag)));
@@ -101,17 +103,26 @@ TEST_F(PreferencesTest, SendsExactlyWhatIsOnScreen) {
         const Notification& sent = center.toDaemon.back();
         EXPECT_EQ(sent.name, "DaemonMustReloadPrefs");
         EXPECT_EQ(sent.object, "com.quorel.Daemon");
-        EXPECT_TRUE(identity.isAbsent() || sent.userInfo["Prefs Version"] == identity);
-        identity = sent.userInfo["Prefs Version"];
-        EXPECT_TRUE(identity.isInteger());
         EXPECT_EQ(sent.userInfo, Value(Dictionary{{"Check Updates", check},
                                                   {"Check Updates Frequency", frequency},
                                                   {"Show In Menu Bar", menu},
                                                   {"Enable Network Administration", 0},
-                                                  {"Prefs Version", identity},
+                                                  {"Prefs Version", 1},
                                                   {"Schedule Array", schedules}}));
     }
     EXPECT_TRUE(center.toAgent.empty());
+}
+
+TEST_F(PreferencesTest, WhatVersion1HasStoredIsSentAsItIsButForTheVersion) {
+    std::ifstream file(TEST_FILES "/preferences-1.0.plist");
+    const Value stored = decodePropertyList(std::string(std::istreambuf_iterator<char>(file), {}));
+    store(stored);
+    open();
+    center.daemonAlive = true;
+    pane->willUnselect();
+    EXPECT_NE(center.toDaemon.at(0).userInfo, stored);
+    EXPECT_TRUE(areSamePreferences(center.toDaemon.at(0).userInfo, stored));
+    EXPECT_FALSE(areSamePreferences(stored.with("Check Updates", 0), stored));
 }
 
 TEST_F(PreferencesTest, ReadsBackAtOnceWhetherTheDaemonHasStoredOrNot) {

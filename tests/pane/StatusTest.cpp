@@ -41,6 +41,13 @@ TEST_F(StatusTest, ThePauseIsCountedFromTheEndOfACycle) {
     }
 }
 
+TEST_F(StatusTest, LaterCyclesDoNotWaitForTheMainThread) {
+    open();
+    host.dispatch.elapse(10s);
+    host.dispatch.runBackground();
+    EXPECT_EQ(cycles(), 2);
+}
+
 TEST_F(StatusTest, DaemonFirstAndOnQueuesOfTheirOwn) {
     std::vector<std::size_t> ahead;
     center.onPing = [&] { ahead.push_back(static_cast<std::size_t>(center.daemonPings) - center.agentPings.size()); };

@@ -25,16 +25,13 @@ public:
     std::shared_ptr<headless::View> view;
     bool reactsToCheckboxes = false;
     std::function<void(FakeModule&)> onCheckbox;
-    std::function<void()> whenAsked;
+    std::function<void()> whenGivenParameters;
     std::vector<std::string> calls;  ///< what changed the module or its view, in order
 
     bool isBaseModule() override { return base; }
     void loadNib() override { calls.push_back("loadNib"); }
     std::shared_ptr<View> setupView() override { return view; }
-    bool needsWakeUp() override {
-        if (whenAsked) whenAsked();
-        return flag("wake");
-    }
+    bool needsWakeUp() override { return flag("wake"); }
     void setNeedsWakeUp(bool needs) override { setFlag("wake", needs, wakeUpChangeable); }
     bool needsWakeUpByDefault() override { return wakeUpByDefault; }
     bool needsStartup() override { return flag("startup"); }
@@ -50,6 +47,7 @@ public:
     void setParameters(const Value& parameters) override {
         calls.push_back(parameters.isAbsent() ? "setParameters none" : "setParameters");
         current = parameters;
+        if (whenGivenParameters) whenGivenParameters();
     }
     bool respondsToCheckboxAction() override { return reactsToCheckboxes; }
     void checkboxAction(const Object* sender) override {

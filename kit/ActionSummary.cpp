@@ -1,4 +1,4 @@
-#include "kit/VXConfiguratorCell.h"
+#include "kit/ActionSummary.h"
 
 namespace quorel::summary {
 
@@ -11,11 +11,15 @@ bool flagUnder(const char* key, const Value& actionSummary) {
 
 }  // namespace
 
+const char* dotImageName(bool startup, bool wakeUp) {
+    if (startup) return wakeUp ? "MixedDot.png" : "StartupDot.png";
+    return wakeUp ? "WakeUpDot.png" : "NoneDot.png";
+}
+
 const char* dotNameOf(const Value& actionSummary) {
     const bool startup = flagUnder(kStartup, actionSummary);
     const bool wakeUp = flagUnder(kWakeUp, actionSummary);
-    if (!startup && !wakeUp) return nullptr;
-    return !wakeUp ? "StartupDot" : startup ? "MixedDot" : "WakeUpDot";
+    return startup || wakeUp ? dotImageName(startup, wakeUp) : nullptr;
 }
 
 std::string sentenceOf(const Value& actionSummary, const std::function<std::string(const char* key)>& localized) {

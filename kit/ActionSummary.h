@@ -15,7 +15,9 @@ inline constexpr const char* kTime = "Time";        ///< text: when, in the user
 inline constexpr const char* kStartup = "Startup";  ///< boolean: the computer is started up for it
 inline constexpr const char* kWakeUp = "Wake Up";   ///< boolean: the computer is woken up for it
 
-/// The image that shows what is needed of the computer; null for nothing.
+/// The image that shows what is needed of the computer.
+const char* dotImageName(bool startup, bool wakeUp);
+/// That of a summary; null where nothing is needed.
 const char* dotNameOf(const Value& actionSummary);
 /// The summary as one sentence, the needs in words: what assistive tools read. Whatever is missing or of another kind
 /// is left out. `localized` looks a text of the product up.
