@@ -64,7 +64,7 @@ void VXPrefPaneController::didSelect() {
 
 void VXPrefPaneController::willUnselect() {
     assertMainThread();
-    if (!_isAwake) return;
+    if (_base.isAbsent()) return;  // never selected
     if (_timerToChekProcesses) {
         _timerToChekProcesses->invalidate();
         _timerToChekProcesses = nullptr;

@@ -21,6 +21,7 @@ void VXPrefPaneController::getPrefs() {
     _preferences = _platform.files.dictionaryWithContentsOfFile(preferences::kFile);
     if (!_preferences.isDictionary()) {
         takeDefaults();
+        _base = preferencesToSend().with(wire::kNothingStored, 1);
         return;
     }
     // Any number but 0 means "check"; the menu-bar option is on for 1 alone.
@@ -33,6 +34,7 @@ void VXPrefPaneController::getPrefs() {
     _configurator->setScheduleArray(_preferences[preferences::kScheduleArray]);
     outlets.applyButton->setEnabled(false);
     outlets.revertButton->setEnabled(false);
+    _base = preferencesToSend();
 }
 
 void VXPrefPaneController::takeDefaults() {
@@ -47,19 +49,26 @@ void VXPrefPaneController::takeDefaults() {
 
 void VXPrefPaneController::savePrefs() {
     assertMainThread();
-    _preferences = Value(Dictionary{
+    _preferences = preferencesToSend();
+    auto* center = VXCommunicationCenter::sharedInstance();
+    if (!center->pingDaemon()) return;
+    center->postNotificationToDaemon({std::string(kDaemonMustReloadPrefs), std::string(kDaemonName), _preferences});
+    getPrefs();
+}
+
+Value VXPrefPaneController::preferencesToSend() const {
+    return Dictionary{
         {preferences::kCheckUpdates, outlets.checkUpdateAtStartup->state()},
         {preferences::kCheckUpdatesFrequency, outlets.popUpUpdate->indexOfSelectedItem()},
         {preferences::kShowInMenuBar, outlets.menuCheck->state()},
         {preferences::kEnableNetworkAdministration, 0},
         {preferences::kPrefsVersion, kPrefsVersion},
         {preferences::kScheduleArray, _configurator->scheduleArray()},
-    });
+    };
+}
 
-    auto* center = VXCommunicationCenter::sharedInstance();
-    if (!center->pingDaemon()) return;
-    center->postNotificationToDaemon({std::string(kDaemonMustReloadPrefs), std::string(kDaemonName), _preferences});
-    getPrefs();
+bool VXPrefPaneController::hasEdits() const {
+    return _base.isPresent() && preferencesToSend() != _base.with(wire::kNothingStored, Value());
 }
 
 }  // namespace quorel

@@ -54,6 +54,9 @@ public:
     // Preferences (Preferences.cpp)
     void getPrefs();
     void savePrefs();
+    /// Whether a save would send anything else than right after the last read, had nobody touched anything: a drag and
+    /// a sort count, which post nothing, and what has been put back does not.
+    bool hasEdits() const;
 
     // Lock (Lock.cpp)
     bool prefsAreUnlocked() const;
@@ -88,6 +91,7 @@ private:
     std::string localized(std::string_view key) const;
     void assertMainThread() const;  ///< in debug builds
     void takeDefaults();
+    Value preferencesToSend() const;
     void showDaemonAlive(bool alive);
     void showUserAgentAlive(bool alive);
     void showLight(ImageView& light, bool alive);
@@ -98,8 +102,11 @@ private:
     const std::thread::id _mainThread = std::this_thread::get_id();
     std::shared_ptr<VXConfigurator> _configurator;
     std::weak_ptr<Window> _vxPrefPaneWindow;
-    bool _isAwake = false;                         ///< only then is it selected and left: before, there are no controls
-    Value _preferences;                            ///< as last read or built; absent when dropped
+    bool _isAwake = false;  ///< only then is it selected and left: before, there are no controls
+    Value _preferences;     ///< as last read or built; absent when dropped
+    /// What a save would have sent right after the last read; absent before that. With wire::kNothingStored where
+    /// there was no file. What the daemon tells an edit by.
+    Value _base;
     std::shared_ptr<Timer> _timerToChekProcesses;  ///< never filled: polling outlives the selection
     AuthorizationRef authRef = nullptr;            ///< made when first needed, kept for good
     /// False while a polling cycle pings. Written by the polling, read by the update check.

@@ -125,6 +125,62 @@ TEST_F(PreferencesTest, WhatVersion1HasStoredIsSentAsItIsButForTheVersion) {
     EXPECT_FALSE(areSamePreferences(stored.with("Check Updates", 0), stored));
 }
 
+// Whatever a face drops, adds or shows otherwise is in the base and in what is sent, and so no edit.
+TEST_F(PreferencesTest, UntouchedIsNoEdit) {
+    unlockBeforehand();
+    open();
+    center.daemonAlive = true;
+    const Value odd = Value(storedDefaults()).with("Check Updates Frequency", 7).with("Show In Menu Bar", 5);
+    const Value lists[] = {Array{schedule("a"), schedule("of nobody", "gone")}, Array{}, "no list"};
+    for (const Value& file : {Value(), odd, odd.with("Schedule Array", lists[0]), odd.with("Schedule Array", lists[1]),
+                              odd.with("Schedule Array", lists[2]).with("Extra", 1)}) {
+        store(file);
+        pane->didSelect();
+        EXPECT_FALSE(pane->hasEdits());
+    }
+}
+
+TEST_F(PreferencesTest, AnEditIsWhatDiffersFromTheBase) {
+    unlockBeforehand();
+    store(storedDefaults());
+    create();
+    EXPECT_FALSE(pane->hasEdits()) << "nothing was read yet";
+    pane->didSelect();
+    const std::function<void()> edits[] = {
+        [&] { ui.menuCheck->click(); }, [&] { ui.popUpUpdate->pick("[Mensuel]"); },
+        [&] { configuratorUi.table->clickCell(0, "Is Enabled"); },
+        [&] { configuratorUi.table->drag({1}, 0); },  // which posts nothing
+    };
+    for (const auto& edit : edits) {
+        edit();
+        EXPECT_TRUE(pane->hasEdits());
+        pane->revert(nullptr);
+        EXPECT_FALSE(pane->hasEdits());
+    }
+    ui.menuCheck->click();
+    pane->applyNow(nullptr);
+    EXPECT_TRUE(pane->hasEdits()) << "nobody has taken it";
+    ui.menuCheck->click();
+    EXPECT_FALSE(pane->hasEdits()) << "put back";
+
+    // Another pane of the process has read later, and another file.
+    center.daemonAlive = true;
+    center.onDaemon = [this](const Notification& sent) { store(sent.userInfo); };
+    const auto first = pane;
+    const Value base = Value(storedDefaults()).with("Enable Network Administration", 0).with("Prefs Version", 1);
+    store(base.with("Show In Menu Bar", 0));
+    PaneInterface otherUi;
+    ConfiguratorInterface otherConfiguratorUi;
+    const auto second = VXPrefPaneController::initWithBundle(bundle, otherConfiguratorUi, host.platform);
+    otherUi.load(*second);
+    second->didSelect();
+    otherUi.menuCheck->click();
+    EXPECT_FALSE(first->hasEdits());
+    second->applyNow(nullptr);
+    EXPECT_FALSE(second->hasEdits());
+    first->willUnselect();
+}
+
 TEST_F(PreferencesTest, ReadsBackAtOnceWhetherTheDaemonHasStoredOrNot) {
     struct {
         const char* what;
