@@ -23,7 +23,7 @@ private:
     std::unique_ptr<Parts> _parts;
 };
 
-/// A time in the user's short style, by a formatter made for it.
-std::string shortTimeByFormatter(int hour, int minute);
+/// A time in the user's short style, by one formatter for all, as the pane writes it.
+std::string shortTimeByKeptFormatter(int hour, int minute);
 
 }  // namespace quorel::bench

@@ -103,6 +103,14 @@ NSComparisonResult compareFlags(id a, id b, void *context) {
     return ordered(flagOfA, sortContext);
 }
 
+NSDateFormatter *newShortTimeFormatter() {
+    NSDateFormatter *formatter = [[NSDateFormatter alloc] init];
+    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
+    [formatter setDateStyle:NSDateFormatterNoStyle];
+    [formatter setTimeStyle:NSDateFormatterShortStyle];
+    return formatter;
+}
+
 NSString *shortTime(int hour, int minute) {
     NSCalendarDate *now = [NSCalendarDate calendarDate];
     NSCalendarDate *date = [NSCalendarDate dateWithYear:[now yearOfCommonEra]
@@ -112,18 +120,20 @@ NSString *shortTime(int hour, int minute) {
                                                  minute:static_cast<NSUInteger>(minute)
                                                  second:0
                                                timeZone:[now timeZone]];
-    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    [formatter setFormatterBehavior:NSDateFormatterBehavior10_4];
-    [formatter setDateStyle:NSDateFormatterNoStyle];
-    [formatter setTimeStyle:NSDateFormatterShortStyle];
-    return [formatter stringFromDate:date];
+    return [[newShortTimeFormatter() autorelease] stringFromDate:date];
 }
 
 }  // namespace
 
-std::string shortTimeByFormatter(int hour, int minute) {
+std::string shortTimeByKeptFormatter(int hour, int minute) {
     @autoreleasepool {
-        return [shortTime(hour, minute) UTF8String];
+        static NSDateFormatter *const formatter = [] {
+            NSDateFormatter *made = newShortTimeFormatter();
+            [made setTimeZone:[NSTimeZone timeZoneForSecondsFromGMT:0]];
+            return made;
+        }();
+        return [[formatter stringFromDate:[NSDate dateWithTimeIntervalSince1970:hour * 3600.0 + minute * 60.0]]
+            UTF8String];
     }
 }
 

@@ -26,7 +26,7 @@ public:
 class Formatter : public TimeFormat {
 public:
     std::string shortTimeString(const CalendarDate& date) const override {
-        return shortTimeByFormatter(date.hour, date.minute);
+        return shortTimeByKeptFormatter(date.hour, date.minute);
     }
 };
 

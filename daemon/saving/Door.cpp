@@ -109,7 +109,7 @@ void Door::decide(Save& save, const ListReader::Outcome& outcome) {
 }
 
 void Door::ask(Save& save) {
-    save.caller.ask(kModifyPreferencesAction, true, [this, &save](Verdict verdict) {
+    save.caller.ask(kModifyPreferencesAction, save.mayAsk, [this, &save](Verdict verdict) {
         if (verdict != Verdict::Allowed) return refuse(save, wire::kNotAuthorized, textOf(verdict));
         save.allowed = true;
         readLater(save);  // anew: lists that are kept while people look for passwords would add up

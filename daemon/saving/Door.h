@@ -34,9 +34,11 @@ private:
         Save(sd_bus* bus, const BusNotification& notification, BusAnswer itsAnswer, std::function<void()> gone)
             : answer(std::move(itsAnswer)),
               userInfo(notification.userInfo),
+              mayAsk(notification.mayAsk),
               caller(bus, std::string(notification.sender), std::move(gone)) {}
         const BusAnswer answer;
         const std::string_view userInfo;  // lasts as long as the answer
+        const bool mayAsk;
         BusCaller caller;
         std::optional<unsigned> user;  // once known
         bool allowed = false;

@@ -34,9 +34,9 @@ bool isAddressCharacter(char c) {
 
 std::optional<WebAddress> parse(std::string_view text) {
     if (text.size() > kMaximumAddressBytes || !std::all_of(text.begin(), text.end(), isAddressCharacter)) return {};
-    // The parser is lenient with slashes ("https:/host"), browsers differ: ask for the full form.
-    const std::size_t colon = text.find("://");
-    if (colon == std::string_view::npos || text.substr(colon + 3).starts_with('/')) return {};
+    // The parser is lenient with slashes ("https:/host"), browsers differ: ask for the full form, at the first colon.
+    const std::string_view rest = text.substr(std::min(text.find(':'), text.size()));
+    if (!rest.starts_with("://") || rest.starts_with(":///")) return {};
     const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), curl_url_cleanup);
     if (!url || curl_url_set(url.get(), CURLUPART_URL, std::string(text).c_str(), CURLU_DISALLOW_USER) != CURLUE_OK)
         return {};

@@ -67,7 +67,8 @@ int BusEndpoint::post(sd_bus_message* message, void* self, sd_bus_error* error) 
     if (result >= 0) result = sd_bus_message_read_array(message, 'y', &bytes, &size);
     if (result < 0) return result;
     const char* sender = sd_bus_message_get_sender(message);
-    handler({name, object, {static_cast<const char*>(bytes), size}, sender ? sender : ""},
+    const bool mayAsk = sd_bus_message_get_allow_interactive_authorization(message) > 0;
+    handler({name, object, {static_cast<const char*>(bytes), size}, sender ? sender : "", mayAsk},
             BusAnswer(std::make_shared<BusAnswer::State>(message)));
     return 1;
 } catch (const std::exception& exception) {  // memory has run out

@@ -15,6 +15,7 @@ struct BusNotification {
     std::string_view object;
     std::string_view userInfo;  ///< bytes of a property list; empty for none
     std::string_view sender;    ///< the sender's unique name, as the bus vouches for it
+    bool mayAsk = false;        ///< the sender will wait until somebody has been asked
 };
 
 /// The answer to one notification. Copies answer the same one, and the first answer counts. When the last copy goes

@@ -43,7 +43,8 @@ BusPeer::Outcome BusPeer::post(const std::string& name, const std::string& objec
     if (_owner.empty()) return Outcome::Silent;
     const auto message = callToOwner(wire::kPostNotification);
     Call call;
-    if (!message || sd_bus_message_append(message.get(), "ss", name.c_str(), object.c_str()) < 0 ||
+    if (!message || sd_bus_message_set_allow_interactive_authorization(message.get(), true) < 0 ||
+        sd_bus_message_append(message.get(), "ss", name.c_str(), object.c_str()) < 0 ||
         sd_bus_message_append_array(message.get(), 'y', userInfo.data(), userInfo.size()) < 0 ||
         !begin(call, message.get()))
         return Outcome::Silent;

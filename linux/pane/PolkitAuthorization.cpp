@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "kit/MOLLog.h"
 #include "linux/bus/PolkitQuestion.h"
 #include "model/Names.h"
 
@@ -54,6 +55,12 @@ BusConnection reachPolkit() {
     return bus;
 }
 
+/// The lock itself says nothing: whoever wonders why it stays closed finds it in the journal.
+AuthorizationStatus unreachable(const std::exception& reason) {
+    MOLLog("The padlock cannot ask for a password: %s.", reason.what());
+    return kInternal;
+}
+
 AuthorizationStatus statusOf(const PolkitQuestion::Answer& answer) {
     if (answer.authorized) return kAuthorizationSuccess;
     if (answer.dismissed) return kCanceled;
@@ -66,8 +73,8 @@ AuthorizationStatus PolkitAuthorization::AuthorizationCreate(AuthorizationFlags,
     reachPolkit();
     authorization = new OpaqueAuthorization;
     return kAuthorizationSuccess;
-} catch (const std::exception&) {
-    return kInternal;
+} catch (const std::exception& exception) {
+    return unreachable(exception);
 }
 
 AuthorizationStatus PolkitAuthorization::AuthorizationCopyRights(AuthorizationRef authorization,
@@ -81,17 +88,20 @@ AuthorizationStatus PolkitAuthorization::AuthorizationCopyRights(AuthorizationRe
     const char* ownName = nullptr;
     std::optional<std::optional<PolkitQuestion::Answer>> outcome;
     if (sd_bus_get_unique_name(bus.get(), &ownName) < 0) return kInternal;
-    const PolkitQuestion question(bus.get(), ownName, kModifyPreferencesAction,
-                                  (flags & kAuthorizationFlagInteractionAllowed) != 0,
+    const bool mayAsk = (flags & kAuthorizationFlagInteractionAllowed) != 0;
+    const PolkitQuestion question(bus.get(), ownName, kModifyPreferencesAction, mayAsk,
                                   [&](auto answer) { outcome = std::move(answer); });
     serveUntil(bus.get(), BusDeadline::max(), [&] { return outcome.has_value(); });
     if (!outcome || !*outcome) return kInternal;
     const auto& answer = **outcome;
     if (answer.authorized && !answer.temporaryGrant.empty())
         authorization->temporaryGrants.insert(answer.temporaryGrant);
-    return statusOf(answer);
-} catch (const std::exception&) {
-    return kInternal;
+    const AuthorizationStatus status = statusOf(answer);
+    if (mayAsk && status == kInteractionNotAllowed)
+        MOLLog("The padlock has nobody to ask for a password: no polkit agent answers for this session.");
+    return status;
+} catch (const std::exception& exception) {
+    return unreachable(exception);
 }
 
 AuthorizationStatus PolkitAuthorization::AuthorizationFree(AuthorizationRef authorization,

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Calls the daemon as its input says, without waiting for answers: "NAME RECEIVER PAYLOAD [SENDER]", the payload in
-hexadecimal digits, or "-"; a sender is claimed in the message. "call PATH INTERFACE METHOD SIGNATURE ARGUMENTS" is
+hexadecimal digits, or "-"; a sender is claimed in the message, and "-" in its place forbids asking anybody. "call PATH INTERFACE METHOD SIGNATURE ARGUMENTS" is
 any call, its arguments as JSON in such digits, "signal TIMES RECEIVER PATH INTERFACE SIGNAL SIGNATURE ARGUMENTS" sends one
 straight to its receiver, and "leave" leaves the bus.
 
@@ -47,7 +47,8 @@ def obey(*_):
     call = dbus.lowlevel.MethodCallMessage("com.quorel.Daemon", "/com/quorel/Communication",
                                            "com.quorel.Communication1", "PostNotification")
     call.append(name, receiver, dbus.ByteArray(bytes.fromhex(payload.replace("-", ""))), signature="ssay")
-    if sender:
+    call.set_allow_interactive_authorization(sender != ["-"])
+    if sender not in ([], ["-"]):
         call.set_sender(sender[0])
     bus.send_message_with_reply(call, answered, 120)
     return True

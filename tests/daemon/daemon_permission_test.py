@@ -64,12 +64,13 @@ class PermissionTest(DaemonCase):
         self.assertEqual(other.save(xml(CHANGED))[0], NOT_AUTHORIZED)
         self.assertEqual(self.stored(), PREFERENCES)
 
-    def test_invalid_preferences_ask_nobody(self):
+    def test_nobody_is_asked_in_vain_or_against_the_senders_will(self):
         self.start()
         nobody = self.caller(NOBODY)
         agent = answer_with(self.system, nobody.process, "answer")
         nobody.save(xml(preferences(Extra=1)))
         nobody.save(xml(PREFERENCES))
+        self.assertEqual(nobody.save(xml(CHANGED), sender="-")[0], NOT_AUTHORIZED)
         self.system.end(nobody.process)
         agent.send_signal(signal.SIGTERM)
         self.assertNotIn(ASKED, agent.stdout.read())

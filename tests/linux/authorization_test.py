@@ -28,7 +28,7 @@ class AuthorizationTest(unittest.TestCase):
         return self.start_lock()
 
     def start_lock(self):
-        return Lock(self.system, PROGRAM, "1000", "1000", user=NOBODY)
+        return Lock(self.system, PROGRAM, "1000", "1000", user=NOBODY, log="lock.log")
 
     def test_answered_dialog_counts_for_a_while(self):
         lock = self.start()
@@ -42,6 +42,8 @@ class AuthorizationTest(unittest.TestCase):
         other = self.start_lock()
         other("create")
         self.assertEqual(other("copy 0"), NOT_WITHOUT_ASKING)
+        self.assertEqual(other(f"copy {INTERACTION}"), NOT_WITHOUT_ASKING)
+        self.assertIn("nobody to ask for a password", self.system.log("lock.log"))
 
     def test_denied_by_rule(self):
         lock = self.start(polkit_rule("no"))

@@ -22,7 +22,7 @@ int main(int, char** arguments) try {
     });
     const auto bus = connectTo(arguments[1] == std::string("system") ? Bus::System : Bus::Session, loop);
     const BusEndpoint endpoint(bus.get(), [&](const BusNotification& notification, const BusAnswer& answer) {
-        const auto& [name, object, userInfo, sender] = notification;
+        const auto& [name, object, userInfo, sender, mayAsk] = notification;
         if (name == "Accept") answer.accept();
         if (name == "Refuse")
             answer.refuse("com.quorel.Error.Test",
