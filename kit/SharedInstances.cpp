@@ -14,6 +14,7 @@ class NoCommunicationCenter : public VXCommunicationCenter {
     bool pingDaemon() override { return false; }
     bool pingAgentOfUser(unsigned) override { return false; }
     bool postNotificationToDaemon(const Notification&) override { return false; }
+    bool postNotificationToDaemon(const Notification&, const Value&) override { return false; }
     bool postNotificationToAgentOfUser(const Notification&, unsigned) override { return false; }
 };
 

@@ -34,6 +34,9 @@ public:
     /// Returns when the receiver has handled the notification, has refused it, or has fallen silent.
     /// True only in the first case.
     virtual bool postNotificationToDaemon(const Notification& notification) = 0;
+    /// The same of edited preferences, with what the user information would have been had nobody edited it: the daemon
+    /// joins the edits with those of others. A daemon of a version that does not know how is sent nothing.
+    virtual bool postNotificationToDaemon(const Notification& notification, const Value& base) = 0;
     virtual bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) = 0;
 };
 

@@ -52,7 +52,8 @@ void VXPrefPaneController::savePrefs() {
     _preferences = preferencesToSend();
     auto* center = VXCommunicationCenter::sharedInstance();
     if (!center->pingDaemon()) return;
-    center->postNotificationToDaemon({std::string(kDaemonMustReloadPrefs), std::string(kDaemonName), _preferences});
+    center->postNotificationToDaemon({std::string(kDaemonMustReloadPrefs), std::string(kDaemonName), _preferences},
+                                     _base);
     getPrefs();
 }
 

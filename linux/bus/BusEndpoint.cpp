@@ -28,6 +28,18 @@ private:
     bool _answered = false;
 };
 
+namespace {
+
+int readBytes(sd_bus_message* message, std::string_view& bytes) {
+    const void* first = nullptr;
+    std::size_t size = 0;
+    const int result = sd_bus_message_read_array(message, 'y', &first, &size);
+    bytes = {static_cast<const char*>(first), size};
+    return result;
+}
+
+}  // namespace
+
 void BusAnswer::accept() const {
     _state->accept();
 }
@@ -44,6 +56,8 @@ BusEndpoint::BusEndpoint(sd_bus* bus, Handler handler, Pong pong)
                                 SD_BUS_VTABLE_UNPRIVILEGED),
         SD_BUS_METHOD_WITH_ARGS(wire::kPostNotification, SD_BUS_ARGS("s", name, "s", object, "ay", userInfo),
                                 SD_BUS_NO_RESULT, &BusEndpoint::post, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_METHOD_WITH_ARGS(wire::kPostEdits, SD_BUS_ARGS("s", name, "s", object, "ay", userInfo, "ay", base),
+                                SD_BUS_NO_RESULT, &BusEndpoint::post, SD_BUS_VTABLE_UNPRIVILEGED),
         SD_BUS_VTABLE_END};
     sd_bus_slot* slot = nullptr;
     const int result = sd_bus_add_object_vtable(bus, &slot, wire::kPath, wire::kInterface, kMethods, this);
@@ -59,17 +73,19 @@ int BusEndpoint::ping(sd_bus_message* message, void* self, sd_bus_error*) {
 int BusEndpoint::post(sd_bus_message* message, void* self, sd_bus_error* error) try {
     const auto& handler = static_cast<BusEndpoint*>(self)->_handler;
     if (!handler) return sd_bus_error_set(error, wire::kUnknownNotification, "This program takes no notifications.");
+    BusNotification notification;
     const char* name = nullptr;
     const char* object = nullptr;
-    const void* bytes = nullptr;
-    std::size_t size = 0;
     int result = sd_bus_message_read(message, "ss", &name, &object);
-    if (result >= 0) result = sd_bus_message_read_array(message, 'y', &bytes, &size);
+    if (result >= 0) result = readBytes(message, notification.userInfo);
+    if (result >= 0 && sd_bus_message_is_method_call(message, nullptr, wire::kPostEdits) > 0)
+        result = readBytes(message, notification.base.emplace());
     if (result < 0) return result;
-    const char* sender = sd_bus_message_get_sender(message);
-    const bool mayAsk = sd_bus_message_get_allow_interactive_authorization(message) > 0;
-    handler({name, object, {static_cast<const char*>(bytes), size}, sender ? sender : "", mayAsk},
-            BusAnswer(std::make_shared<BusAnswer::State>(message)));
+    notification.name = name;
+    notification.object = object;
+    if (const char* sender = sd_bus_message_get_sender(message)) notification.sender = sender;
+    notification.mayAsk = sd_bus_message_get_allow_interactive_authorization(message) > 0;
+    handler(notification, BusAnswer(std::make_shared<BusAnswer::State>(message)));
     return 1;
 } catch (const std::exception& exception) {  // memory has run out
     MOLLog("A notification is lost: %s", exception.what());

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "linux/bus/Bus.h"
@@ -13,9 +14,10 @@ namespace quorel {
 struct BusNotification {
     std::string_view name;
     std::string_view object;
-    std::string_view userInfo;  ///< bytes of a property list; empty for none
-    std::string_view sender;    ///< the sender's unique name, as the bus vouches for it
-    bool mayAsk = false;        ///< the sender will wait until somebody has been asked
+    std::string_view userInfo;             ///< bytes of a property list; empty for none
+    std::optional<std::string_view> base;  ///< likewise, of edits: what they were made of
+    std::string_view sender;               ///< the sender's unique name, as the bus vouches for it
+    bool mayAsk = false;                   ///< the sender will wait until somebody has been asked
 };
 
 /// The answer to one notification. Copies answer the same one, and the first answer counts. When the last copy goes

@@ -38,14 +38,15 @@ bool BusPeer::ping(Clock::time_point deadline) {
     return reply && sd_bus_message_read(reply, "b", &alive) >= 0 && alive;
 }
 
-BusPeer::Outcome BusPeer::post(const std::string& name, const std::string& object, const std::string& userInfo,
-                               std::chrono::milliseconds silence, Clock::time_point deadline, std::string& text) {
+BusPeer::Outcome BusPeer::post(const Post& post, std::chrono::milliseconds silence, Clock::time_point deadline,
+                               std::string& text) {
     if (_owner.empty()) return Outcome::Silent;
-    const auto message = callToOwner(wire::kPostNotification);
+    const auto message = callToOwner(post.base ? wire::kPostEdits : wire::kPostNotification);
     Call call;
     if (!message || sd_bus_message_set_allow_interactive_authorization(message.get(), true) < 0 ||
-        sd_bus_message_append(message.get(), "ss", name.c_str(), object.c_str()) < 0 ||
-        sd_bus_message_append_array(message.get(), 'y', userInfo.data(), userInfo.size()) < 0 ||
+        sd_bus_message_append(message.get(), "ss", post.name.c_str(), post.object.c_str()) < 0 ||
+        sd_bus_message_append_array(message.get(), 'y', post.userInfo.data(), post.userInfo.size()) < 0 ||
+        (post.base && sd_bus_message_append_array(message.get(), 'y', post.base->data(), post.base->size()) < 0) ||
         !begin(call, message.get()))
         return Outcome::Silent;
     while (!wait(call, std::min(deadline, Clock::now() + silence))) {
@@ -56,6 +57,7 @@ BusPeer::Outcome BusPeer::post(const std::string& name, const std::string& objec
     if (!error) return Outcome::Handled;
     if (sd_bus_error_has_name(error, SD_BUS_ERROR_NO_REPLY)) return Outcome::Silent;  // it has ended meanwhile
     text = error->message ? error->message : error->name;
+    if (sd_bus_error_has_name(error, SD_BUS_ERROR_UNKNOWN_METHOD)) text = "the program is of an earlier version";
     return Outcome::Refused;
 }
 

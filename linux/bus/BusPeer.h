@@ -21,11 +21,16 @@ public:
     std::optional<unsigned> userId(Clock::time_point deadline);
     bool ping(Clock::time_point deadline);
 
+    struct Post {
+        std::string name;
+        std::string object;
+        std::string userInfo;             ///< bytes of a property list, or none
+        std::optional<std::string> base;  ///< likewise, where the call for edits is to be made
+    };
     enum class Outcome { Handled, Refused, Silent };
     /// Waits as long as the peer answers a ping within `silence`, and until `deadline` at most. `text` tells why
     /// it was refused.
-    Outcome post(const std::string& name, const std::string& object, const std::string& userInfo,
-                 std::chrono::milliseconds silence, Clock::time_point deadline, std::string& text);
+    Outcome post(const Post& post, std::chrono::milliseconds silence, Clock::time_point deadline, std::string& text);
 
 private:
     struct Call;

@@ -3,6 +3,8 @@
 #include <pthread.h>
 
 #include <csignal>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -22,24 +24,29 @@ using Clock = BusPeer::Clock;
 
 constexpr std::chrono::seconds kPatience{1};  // somebody waits for the pane to open
 
-bool post(BusPeer& peer, const Notification& notification, const BusCommunicationCenter::Limits& limits) {
-    std::string userInfo;
-    if (notification.userInfo.isPresent()) {
-        auto encoded = encodePropertyList(notification.userInfo, wire::kMaximumUserInfoBytes);
-        if (!encoded) {
-            const bool large = encodePropertyList(notification.userInfo).has_value();
-            MOLLog("%s was not sent: the user information %s.", notification.name.c_str(),
-                   large ? "takes more than 2 MiB" : "is no property list, or far too large a one");
-            return false;
-        }
-        userInfo = std::move(*encoded);
-    }
+/// The bytes that a dictionary travels as; none for none. Throws std::invalid_argument, which says why it cannot.
+std::string encoded(const Value& dictionary) {
+    if (dictionary.isAbsent()) return {};
+    if (auto bytes = encodePropertyList(dictionary, wire::kMaximumUserInfoBytes)) return std::move(*bytes);
+    throw std::invalid_argument(encodePropertyList(dictionary) ? "takes more than 2 MiB"
+                                                               : "is no property list, or far too large a one");
+}
+
+/// `base`: what preferences were edited from, if they were.
+bool post(BusPeer& peer, const Notification& notification, const BusCommunicationCenter::Limits& limits,
+          const Value& base = Value()) try {
+    std::optional<std::string> baseBytes;
+    if (base.isPresent()) baseBytes = encoded(base);
     std::string text;
-    const auto outcome = peer.post(notification.name, notification.object.value_or(""), userInfo, limits.silence,
-                                   Clock::now() + limits.handling, text);
+    const auto outcome = peer.post(
+        {notification.name, notification.object.value_or(""), encoded(notification.userInfo), std::move(baseBytes)},
+        limits.silence, Clock::now() + limits.handling, text);
     if (outcome == BusPeer::Outcome::Silent) MOLLog("%s was not handled: no answer.", notification.name.c_str());
     if (outcome == BusPeer::Outcome::Refused) MOLLog("%s was refused: %s", notification.name.c_str(), text.c_str());
     return outcome == BusPeer::Outcome::Handled;
+} catch (const std::invalid_argument& reason) {
+    MOLLog("%s was not sent: the user information %s.", notification.name.c_str(), reason.what());
+    return false;
 }
 
 bool belongsTo(unsigned userId, BusPeer& peer, Clock::time_point deadline) {
@@ -120,6 +127,13 @@ bool BusCommunicationCenter::pingAgentOfUser(unsigned userId) try {
 bool BusCommunicationCenter::postNotificationToDaemon(const Notification& notification) try {
     BusPeer peer(Bus::System, kDaemonName.data(), Clock::now() + _limits.silence);
     return post(peer, notification, _limits);
+} catch (const std::exception&) {
+    return false;
+}
+
+bool BusCommunicationCenter::postNotificationToDaemon(const Notification& notification, const Value& base) try {
+    BusPeer peer(Bus::System, kDaemonName.data(), Clock::now() + _limits.silence);
+    return post(peer, notification, _limits, base);
 } catch (const std::exception&) {
     return false;
 }

@@ -22,11 +22,12 @@ int main(int, char** arguments) try {
     });
     const auto bus = connectTo(arguments[1] == std::string("system") ? Bus::System : Bus::Session, loop);
     const BusEndpoint endpoint(bus.get(), [&](const BusNotification& notification, const BusAnswer& answer) {
-        const auto& [name, object, userInfo, sender, mayAsk] = notification;
+        const auto& [name, object, userInfo, base, sender, mayAsk] = notification;
         if (name == "Accept") answer.accept();
         if (name == "Refuse")
-            answer.refuse("com.quorel.Error.Test",
-                          std::string(object) + ' ' + std::to_string(userInfo.size()) + ' ' + std::string(sender));
+            answer.refuse("com.quorel.Error.Test", std::string(object) + ' ' + std::to_string(userInfo.size()) +
+                                                       (base ? "+" + std::to_string(base->size()) : "") + ' ' +
+                                                       std::string(sender));
         if (name == "Hold") held.push_back(answer);
         if (name == "Late") {
             late.push_back(answer);

@@ -116,14 +116,15 @@ class BusTest(unittest.TestCase):
         self.start_receiver("system", DAEMON)
         caller = Caller(self.system, silence=1000, handling=3000)
         for name, expected, least, most, logged in (
-                ("Accept", 1, 0, 1, ""),
-                ("Refuse", 0, 0, 1, f"Refuse was refused: {DAEMON} 0 :1."),
-                ("Drop", 0, 0, 1, "Drop was refused: The notification was not handled."),
-                ("Late", 1, 1.4, 3, ""),     # kept alive by pings
-                ("Hold", 0, 2.9, 4.5, "Hold was not handled: no answer.")):
+                ("daemon Accept", 1, 0, 1, ""),
+                ("daemon Refuse", 0, 0, 1, f"Refuse was refused: {DAEMON} 0 :1."),
+                ("edits Refuse", 0, 0, 1, f"Refuse was refused: {DAEMON} 0+"),
+                ("daemon Drop", 0, 0, 1, "Drop was refused: The notification was not handled."),
+                ("daemon Late", 1, 1.4, 3, ""),     # kept alive by pings
+                ("daemon Hold", 0, 2.9, 4.5, "Hold was not handled: no answer.")):
             with self.subTest(name):
                 before = len(self.system.log("caller.log"))
-                result, milliseconds = caller(f"post-daemon {name}")
+                result, milliseconds = caller(f"post-{name}")
                 self.assertEqual(result, expected)
                 self.assertGreaterEqual(milliseconds, least * 1000)
                 self.assertLess(milliseconds, most * 1000)

@@ -126,7 +126,7 @@ TEST_F(PreferencesTest, WhatVersion1HasStoredIsSentAsItIsButForTheVersion) {
 }
 
 // Whatever a face drops, adds or shows otherwise is in the base and in what is sent, and so no edit.
-TEST_F(PreferencesTest, UntouchedIsNoEdit) {
+TEST_F(PreferencesTest, UntouchedIsSentAsItsOwnBase) {
     unlockBeforehand();
     open();
     center.daemonAlive = true;
@@ -137,6 +137,10 @@ TEST_F(PreferencesTest, UntouchedIsNoEdit) {
         store(file);
         pane->didSelect();
         EXPECT_FALSE(pane->hasEdits());
+        pane->willUnselect();
+        const Value& base = center.bases.back();
+        EXPECT_EQ(base["Nothing Stored"], file.isAbsent() ? Value(1) : Value());
+        EXPECT_EQ(center.toDaemon.back().userInfo, base.with("Nothing Stored", Value()));
     }
 }
 
@@ -179,6 +183,7 @@ TEST_F(PreferencesTest, AnEditIsWhatDiffersFromTheBase) {
     second->applyNow(nullptr);
     EXPECT_FALSE(second->hasEdits());
     first->willUnselect();
+    EXPECT_EQ(center.bases, (std::vector<Value>{base.with("Show In Menu Bar", 0), base}));
 }
 
 TEST_F(PreferencesTest, ReadsBackAtOnceWhetherTheDaemonHasStoredOrNot) {

@@ -30,6 +30,10 @@ public:
         return agentAlive;
     }
     bool postNotificationToDaemon(const Notification& notification) override {
+        return postNotificationToDaemon(notification, Value());
+    }
+    bool postNotificationToDaemon(const Notification& notification, const Value& base) override {
+        bases.push_back(base);
         toDaemon.push_back(notification);
         if (onDaemon) onDaemon(notification);
         return false;
@@ -48,6 +52,7 @@ public:
     int daemonPings = 0;
     std::vector<unsigned> agentPings;  ///< the user ids asked for
     std::vector<Notification> toDaemon;
+    std::vector<Value> bases;  ///< of each of these; absent for one without
     std::vector<std::pair<Notification, unsigned>> toAgent;
 };
 

@@ -1,6 +1,6 @@
 // Stands for the pane: calls the kit over the buses and asks polkit, one command a line; answers each with its result
 // and the milliseconds that it took. Arguments: how long silence and handling may last, in milliseconds.
-//   ping-daemon | ping-agent USER | post-daemon NAME [BYTES] | post-agent USER NAME
+//   ping-daemon | ping-agent USER | post-daemon NAME [BYTES] | post-agent USER NAME | post-edits NAME
 //   open true|false|none: the own end, and its observer's pong
 //   together THREADS TIMES: each thread pings and posts
 //   create | copy FLAGS | free FLAGS: the administrator's right, with the status as result
@@ -81,6 +81,8 @@ int main(int, char** arguments) {
             words >> bytes;
             result = center.postNotificationToDaemon(notification(name, kDaemonName, bytes));
         }
+        if (command == "post-edits" && words >> name)
+            result = center.postNotificationToDaemon(notification(name, kDaemonName), Value(Dictionary()));
         if (command == "post-agent" && words >> number >> name)
             result = center.postNotificationToAgentOfUser(notification(name, kUserAgentName), number);
         if (command == "open" && words >> name) {
