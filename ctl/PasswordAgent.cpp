@@ -38,7 +38,8 @@ PasswordAgent::PasswordAgent() {
         dup2(STDERR_FILENO, STDOUT_FILENO);  // what is asked is no part of the output
         // It serves the process that has started it. A session's own agent comes first; outside of sessions polkit
         // would not even find one that stands back.
-        const char* fallback = sd_pid_get_session(0, nullptr) < 0 ? nullptr : "--fallback";
+        char* session = nullptr;
+        const char* fallback = sd_pid_get_session(0, &session) < 0 ? nullptr : "--fallback";
         execlp(kProgram, kProgram, "--notify-fd", file.c_str(), fallback, nullptr);
         _exit(1);
     }

@@ -202,6 +202,15 @@ class PackageTest(unittest.TestCase):
         print(guest.run("quorelctl status; quorelctl next; quorelctl log; journalctl -q -u quorel-daemon | tail -20"))
         guest.run(save(**{"Show In Menu Bar": 0}))
 
+    def test_05d_asks_for_a_password_on_the_terminal(self):
+        self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}) + "; systemctl stop ask")
+        guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 23, 0)]}))
+        token = json.loads(guest.run("quorelctl next --json"))[0]["Token"]
+        words = " ".join(f"-p Standard{name}=tty" for name in ("Input", "Output", "Error"))
+        guest.run(f"systemd-run -q --unit=ask -p User=anna -p PAMName=login -p TTYPath=/dev/tty5 {words} "
+                  f"quorelctl skip {token}")
+        guest.wait("grep -a 'AUTHENTICATING FOR com.quorel.skip.*Password' /dev/vcs5")
+
     def test_06_session_starts_the_agent(self):
         guest.run("systemctl start desk")
         self.assertEqual(guest.wait(PING_AGENT), "b true")
@@ -222,15 +231,6 @@ class PackageTest(unittest.TestCase):
         guest.wait(f"{active} | grep yes")
         guest.run(in_session)
         self.assertIn("skipped by anna", guest.run("quorelctl next"))
-
-    def test_06b_asks_for_a_password_on_the_terminal(self):
-        self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}) + "; systemctl stop ask")
-        guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 23, 0)]}))
-        token = json.loads(guest.run("quorelctl next --json"))[0]["Token"]
-        words = " ".join(f"-p Standard{name}=tty" for name in ("Input", "Output", "Error"))
-        guest.run(f"systemd-run -q --unit=ask -p User=anna -p PAMName=login -p TTYPath=/dev/tty5 {words} "
-                  f"quorelctl skip {token}")
-        guest.wait("grep -a 'AUTHENTICATING FOR com.quorel.skip.*Password' /dev/vcs5")
 
     def test_07_settings_application_loads_the_pane(self):
         guest.run("mkdir -p /home/anna/GNUstep && chown anna: /home/anna/GNUstep")
