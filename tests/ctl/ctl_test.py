@@ -8,6 +8,7 @@ import json
 import os
 import plistlib
 import pty
+import shutil
 import signal
 import subprocess
 import sys
@@ -24,6 +25,7 @@ from schedules import SHUT_DOWN, SLEEP, WAKE_UP, schedule
 
 STEPPING_DAEMON, QUORELCTL = (os.path.abspath(path) for path in sys.argv[1:3])
 NOBODY = 65534
+SAMPLE = f"{os.path.dirname(os.path.abspath(__file__))}/../../modules/sample/SayMessage.vxplugin"
 NAME, PATH, INTERFACE = "com.quorel.Daemon", "/com/quorel/Scheduler", "com.quorel.Scheduler1"
 FORGERY = "a\x1b[31m\nroot\u202e"
 SHOWN = "a\ufffd[31m\ufffdroot\ufffd"
@@ -275,6 +277,33 @@ class CtlTest(unittest.TestCase):
                          f"{'C':{len(gap)}}  {'org.x.C':{len(SLEEP)}}  cannot act: others than root could have changed it\n")
         self.assertIn("\nSauvegarder\ufffd", self.told("modules", language="fr"))
         self.assertEqual(json.loads(self.told("modules", "--json"))[1]["Names"]["en"], "Back up")
+
+    def test_checks_a_module_before_it_is_installed(self):
+        self.assertEqual(self.told("modules", "--check", SAMPLE + "/"),
+                         "Say a message  org.example.SayMessage  in a sandbox, 60 seconds at most\n"
+                         "               when missed, made up for within 60 minutes\n")
+        self.refused(2, "Only", "next", "--check", SAMPLE)
+        for what, by, faults in (
+                ("Kind = number", "Kind = count", ["QuorelActionOptions 2 Kind means nothing there"]),
+                ("Default = 1", "Default = 1h", ["QuorelActionOptions 2 Default is of the wrong kind"]),
+                ("TimeLimit = 60", "TimeLimitt = 0; QuorelActionRunsAs = me",
+                 ["QuorelActionTimeLimitt means nothing there", "QuorelActionRunsAs makes no sense"]),
+                ("QuorelActionProgram = say", "QuorelActionProgram = other", ["its program is missing"]),
+                ("{", "", ["its information dictionary cannot be read"])):
+            with self.subTest(by):
+                folder = f"{self.system.place}/Say.vxplugin"
+                shutil.rmtree(folder, ignore_errors=True)
+                shutil.copytree(SAMPLE, folder)
+                with open(f"{folder}/Resources/Info-gnustep.plist", "r+") as file:
+                    words = file.read().replace(what, by, 1)
+                    file.seek(0)
+                    file.truncate()
+                    file.write(words)
+                status, output, said = self.run_ctl("modules", "--check", folder)
+                self.assertEqual((status, output, said.count("\n")), (1, "", len(faults)), said)
+                for fault in faults:
+                    self.assertIn(f"quorelctl: {fault}", said)
+        self.refused(1, 'ends in ".vxplugin"', "modules", "--check", self.system.place)
 
     def test_answers_of_another_kind(self):
         stand_in = StandIn(self.system)

@@ -6,6 +6,7 @@ A stand-in plays the service manager, and runs the programs without a sandbox.
 import json
 import os
 import plistlib
+import shutil
 import signal
 import subprocess
 import sys
@@ -117,6 +118,17 @@ class ModulesTest(ActingCase):
                 self.move_to("23:15")
                 self.last(code, **arguments)
                 self.wait_for(lambda: self.own_locks() == ["sleep:shutdown"], "sleep is let go")
+
+    def test_the_sample_runs_from_a_copied_folder(self):
+        shutil.copytree(f"{SUPPORT}/../../modules/sample/SayMessage.vxplugin",
+                        f"{self.root}{PLUG_INS}/SayMessage.vxplugin")
+        self.start_systemd()
+        self.begin(schedule("org.example.SayMessage", "23:15", Message="Tea", Times=2),
+                   schedule("org.example.SayMessage", "23:16", Message=3))
+        self.move_to("23:15")
+        self.last("ran")
+        self.move_to("23:16")
+        self.last("failed", Status=1, Reason="")
 
     def test_lets_through_64_kib(self):
         program = f"{self.place}/program"

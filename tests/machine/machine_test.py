@@ -17,6 +17,7 @@ from machine import Machine
 
 IMAGE, PAYLOAD = sys.argv[1:3]
 README = f"{os.path.dirname(os.path.abspath(__file__))}/../../README.md"
+DOCS = f"{os.path.dirname(README)}/docs"
 FILE = "/Library/Preferences/com.quorel.plist"
 
 # A log-in by PAM, of a session that starts what desktops start by itself.
@@ -29,6 +30,8 @@ ExecStart=/usr/bin/xinit /usr/bin/openbox-session -- /usr/bin/Xvfb :7 -nolisten 
 """
 
 
+# Where modules of other people lay in older versions.
+BEFORE = "/usr/lib/GNUstep/Bundles/Quorel.prefPane/PlugIns"
 PROBE = "/usr/lib/quorel/modules/Probe.vxplugin"
 PROBE_INFO = """{ QuorelActionType = "com.quorel.plugin.Probe"; QuorelActionNames = { en = Probe; };
     QuorelActionProgram = probe; QuorelActionRunsAs = system; }
@@ -265,6 +268,23 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(guest.run("cat /home/anna/opened"), "anna")
         self.assertIn("Probe", guest.run("quorelctl modules"))
 
+    def test_08a_your_script_at_its_time_in_five_minutes(self):
+        """The commands of the document, as they stand there."""
+        with open(f"{DOCS}/writing-a-module.md", encoding="utf-8") as file:
+            begins = file.read().partition("## The description")[0]
+        commands = [line for block in re.findall(r"```sh\n(.*?)```", begins, re.DOTALL) for line in block.splitlines()]
+        words, = re.findall(r"```\n(\{.*?\})\n```", begins, re.DOTALL)
+        self.addCleanup(guest.run, "rm -rf /usr/lib/quorel/modules/Backup.vxplugin ~/Backup.vxplugin")
+        guest.run(f"cd ~; {commands[0]}")
+        guest.run(f"cat > ~/Backup.vxplugin/Resources/Info-gnustep.plist << 'END'\n{words}\nEND\n"
+                  "printf '#!/bin/sh\\necho backed up\\n' > ~/Backup.vxplugin/Resources/say")
+        for command in commands[1:3]:
+            guest.run(f"cd ~; {command.removeprefix('sudo ')}")
+        guest.run("date -s '2027-03-01 17:59:40'")
+        guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("x", 18, 0) | {"Action Type": "org.example.Backup"}]}))
+        guest.wait("quorelctl log | grep 'Backup.*done in'")
+        self.assertIn("backed up", guest.run("journalctl -q -t say"))
+
     def test_08b_the_warning_has_a_button_for_not_this_time(self):
         self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}))
         guest.run("printf '[global]\\ndmenu = /bin/grep Not\\n' > /run/dunstrc")
@@ -282,7 +302,9 @@ class PackageTest(unittest.TestCase):
 
     def test_09_upgrade_renews_the_daemon_and_leaves_the_rest(self):
         daemon, agent = guest.run(DAEMON), guest.run(AGENT)
+        guest.run(f"mkdir -p '{BEFORE}/My Own.vxplugin'")
         guest.run("dpkg --install /payload/upgrade/1.deb")
+        guest.run(f"test ! -e {BEFORE} && rmdir '/usr/lib/quorel/modules/My Own.vxplugin'")
         guest.wait(f"{DAEMON} | grep -vx -e 0 -e {daemon}")
         self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
         self.assertEqual((guest.run(AGENT), guest.run(PING_AGENT)), (agent, "b true"))
