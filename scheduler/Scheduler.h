@@ -129,7 +129,7 @@ private:
     // The table.
     bool happen(const Happening& what);
     bool befall(OpenOccurrence& open, const Happening& what);
-    void befallInTime(OpenOccurrence& open, Fate fate);
+    void befallInTime(OpenOccurrence& open, Fate fate, const Happening& what);
     void befallInCourse(OpenOccurrence& open, Fate fate, const Happening& what);
     void befallByClock(OpenOccurrence& open, Fate fate, Seconds by);
     void setAside(OpenOccurrence& open, Step step, const std::string& by);

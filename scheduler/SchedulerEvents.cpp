@@ -50,15 +50,19 @@ bool Scheduler::befall(OpenOccurrence& open, const Happening& what) {
         case Fate::kLidClosed:
             if (one.schedule->wakes && open.at <= now() + kMinute) finish(open, outcome::kLidClosed);
             break;
-        default:
-            befallInTime(open, fate);
-            befallInCourse(open, fate, what);
+        case Fate::kSecondsGoOn:
+        case Fate::kPlannedAgain:
+        case Fate::kEndsUnlessAhead:
+        case Fate::kCorrected:
             befallByClock(open, fate, what.by);
+            break;
+        default:
+            open.course ? befallInCourse(open, fate, what) : befallInTime(open, fate, what);
     }
     return true;
 }
 
-void Scheduler::befallInTime(OpenOccurrence& open, Fate fate) {
+void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& what) {
     const Occurrence one = open.occurrence;
     const bool mayMakeUp = now() - one.due <= one.schedule->makeUp;
     switch (fate) {
@@ -78,6 +82,9 @@ void Scheduler::befallInTime(OpenOccurrence& open, Fate fate) {
             return finish(open, outcome::kNotStarted, {{"Reason", outcome::kNobody}});
         case Fate::kMakeUpSoon:
             return makeUp(open, rules::kAfterArrival);
+        case Fate::kGivenUpIfSoon:
+            if (!open.isSleep() || open.at > what.at + rules::kClearOfSleep) return;
+            return finish(open, outcome::kOvertaken, {{"By", outcome::kNext}});
         case Fate::kMissedIfBeforeBoot:
             if (one.schedule->isPower() && open.at < _clock.bootInstant()) missed(open);
             return;
@@ -92,9 +99,6 @@ void Scheduler::befallInCourse(OpenOccurrence& open, Fate fate, const Happening&
     switch (fate) {
         case Fate::kNextMove:
             return move(open, open.course->reached(now()));
-        case Fate::kGivenUpIfSoon:
-            if (!sleeps || open.at > what.at + rules::kClearOfSleep) return;
-            return finish(open, outcome::kOvertaken, {{"By", outcome::kNext}});
         case Fate::kGivenUpForWakeUp: {
             const Instant minute = what.at - what.at % kMinute;
             if (sleeps ? one.due <= what.at : one.due < minute) move(open, open.course->giveUp(now()));
