@@ -114,6 +114,7 @@ struct VXPaneState {
 - (void)takeKeyboard {
     [self linkKeyViewsWithout:nil];
     NSView *list = [VXKeyViewsIn(configView) objectAtIndex:0];
+    [list scrollPoint:NSZeroPoint];  // scaled, it begins a little below its first row
     [[list window] makeFirstResponder:[authButton state] == NSOnState ? list : authButton];
 }
 

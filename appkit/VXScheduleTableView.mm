@@ -10,7 +10,6 @@ namespace {
 
 // The framework does not tell a repeated press from a new one. Of a key that is held down nothing is heard in between,
 // or that it went up and down again all but at once.
-constexpr NSTimeInterval kNoKeyRepeatsLater = 1;
 constexpr NSTimeInterval kNoHandIsFaster = 0.03;
 
 }  // namespace
@@ -58,8 +57,8 @@ constexpr NSTimeInterval kNoHandIsFaster = 0.03;
 - (bool)isRepeated:(NSEvent *)press {
     const NSTimeInterval now = [press timestamp];
     const NSTimeInterval previous = std::exchange(_deletedAt, now);
-    const bool wentUp = _keyWentUpAt >= previous && now - _keyWentUpAt >= kNoHandIsFaster;
-    return [press isARepeat] || (!wentUp && now - previous < kNoKeyRepeatsLater);
+    const bool wentUp = _keyWentUpAt > previous && now - _keyWentUpAt >= kNoHandIsFaster;
+    return [press isARepeat] || (previous > 0 && !wentUp);
 }
 
 - (void)keyDown:(NSEvent *)event {

@@ -89,7 +89,7 @@ class TableTest(PaneCase):
         screen.wait(rows=lambda rows: rows[4]["selected"])
         screen.key("shift+Tab", "Up", "Up", "space")
         screen.wait_rows(lambda rows: rows[2]["Is Enabled"] == 1)
-        screen.key("Delete")
+        screen.xdotool("keydown", "Delete", "sleep", 1.5, "keyup", "Delete")
         self.wait_times("10:30", "6:15", "9:05", "3:00")
         self.tab_to(title="Apply")
         screen.key("space")
