@@ -113,7 +113,9 @@ struct VXPaneState {
  * at the list, or at the padlock. */
 - (void)takeKeyboard {
     [self linkKeyViewsWithout:nil];
-    NSView *list = [VXKeyViewsIn(configView) objectAtIndex:0];
+    NSArray *keyViews = VXKeyViewsIn(configView);
+    if (![keyViews count]) return;
+    NSView *list = [keyViews objectAtIndex:0];
     [list scrollPoint:NSZeroPoint];  // scaled, it begins a little below its first row
     [[list window] makeFirstResponder:[authButton state] == NSOnState ? list : authButton];
 }

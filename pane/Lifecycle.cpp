@@ -74,7 +74,7 @@ void VXPrefPaneController::willUnselect() {
 
 void VXPrefPaneController::willEnd() {
     assertMainThread();
-    if (isAuthorized()) savePrefs();
+    if (hasEdits() && isAuthorized()) savePrefs();
 }
 
 void VXPrefPaneController::setNeedsSave(const Notification*) {
