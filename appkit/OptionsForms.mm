@@ -69,13 +69,13 @@ public:
     std::shared_ptr<quorel::View> view() override { return wrapped<View>(_view.get()); }
 
     void show(const Value &parameters) override {
-        for (std::size_t i = 0; i < _controls.size(); ++i) _controls[i]->show(parameters[_action.options[i].key]);
+        for (std::size_t i = 0; i < _controls.size(); ++i) _controls[i].show(parameters[_action.options[i].key]);
         enable();
     }
 
     Value shown() override {
         Dictionary values;
-        for (std::size_t i = 0; i < _controls.size(); ++i) values.set(_action.options[i].key, _controls[i]->shown());
+        for (std::size_t i = 0; i < _controls.size(); ++i) values.set(_action.options[i].key, _controls[i].shown());
         return values;
     }
 
@@ -109,7 +109,7 @@ private:
                     labelWidth = std::max(labelWidth, NSWidth([lines.back().label frame]));
                 }
             }
-            lines.back().views.push_back(_controls[i]->view());
+            lines.back().views.push_back(_controls[i].view->get());
             if (option.unit.size() > 0)
                 lines.back().views.push_back(labelOf(nsString(inLanguage(option.unit, language))));
         }
@@ -148,14 +148,14 @@ private:
         for (std::size_t i = 0; i < _controls.size(); ++i) {
             const Option &option = _action.options[i];
             const bool enabled = option.dependsOn.empty() || isOn[option.dependsOn];
-            _controls[i]->setEnabled(enabled);
-            if (option.kind == OptionKind::kFlag) isOn[option.key] = enabled && _controls[i]->shown().intValue() != 0;
+            _controls[i].setEnabled(enabled);
+            if (option.kind == OptionKind::kFlag) isOn[option.key] = enabled && _controls[i].shown().intValue() != 0;
         }
     }
 
     const ActionDescription _action;
     const Retained<NSView> _view{[[[NSView alloc] initWithFrame:NSZeroRect] autorelease]};
-    std::vector<std::unique_ptr<OptionControl>> _controls;
+    std::vector<OptionControl> _controls;
 };
 
 }  // namespace
