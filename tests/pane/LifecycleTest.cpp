@@ -53,6 +53,8 @@ TEST_F(LifecycleTest, NothingComesOfAPaneThatHasNotAwoken) {
     second->about(nullptr);
     second->didSelect();
     second->willUnselect();
+    host.authorization.granted = true;
+    second->willEnd();
     EXPECT_TRUE(host.application.begun.empty());
     EXPECT_EQ(host.files.reads, 0);
     EXPECT_EQ(center.daemonPings, 0);

@@ -164,8 +164,17 @@ TEST_F(PreferencesTest, AnEditIsWhatDiffersFromTheBase) {
     ui.menuCheck->click();
     pane->applyNow(nullptr);
     EXPECT_TRUE(pane->hasEdits()) << "nobody has taken it";
+    for (const bool granted : {false, true}) {
+        host.authorization.granted = granted;
+        const int pings = center.daemonPings;
+        pane->willEnd();
+        EXPECT_EQ(center.daemonPings - pings, granted) << "nobody is asked at the end";
+    }
     ui.menuCheck->click();
     EXPECT_FALSE(pane->hasEdits()) << "put back";
+    host.authorization.asked.clear();
+    pane->willEnd();
+    EXPECT_TRUE(host.authorization.asked.empty());
 
     // Another pane of the process has read later, and another file.
     center.daemonAlive = true;
