@@ -8,11 +8,14 @@
 #include "daemon/saving/PlanInPlace.h"
 #include "linux/EventLoop.h"
 #include "linux/bus/Bus.h"
+#include "linux/bus/Callers.h"
 #include "linux/bus/EmptyBus.h"
+#include "linux/bus/PublicConnection.h"
 
 namespace quorel {
 
-/// What the daemon is made of: one loop, one connection to the system bus, and the parts that share them.
+/// What the daemon is made of: one loop, a connection to the system bus for its own
+/// questions and one on which it is called, and the parts that share them.
 class Daemon {
 public:
     /// What it does to the computer that it runs on.
@@ -28,6 +31,8 @@ public:
 private:
     EventLoop _loop;
     const BusConnection _bus;
+    PublicConnection _public;
+    Callers _callers{_public, _bus.get()};
     const EmptyBus _emptyBus;
     Acting _acting;
     PlanInPlace _plan;

@@ -110,9 +110,7 @@ TrayItem::TrayItem(EventLoop& loop, std::function<void()> activated, std::functi
       _activated(std::move(activated)),
       _menu(_bus.get(), std::move(chosen)),
       _again(loop, [this] { registerAtPanel(); }) {
-    sd_bus_slot* slot = nullptr;
-    check(sd_bus_add_object_vtable(_bus.get(), &slot, kPath, kInterface, TrayItemMethods::kTable, this));
-    _object.reset(slot);
+    _object = addObject(_bus.get(), kPath, kInterface, TrayItemMethods::kTable, this);
     check(sd_bus_attach_event(_bus.get(), loop.get(), SD_EVENT_PRIORITY_NORMAL));
     _watch = watchOwner(_bus.get(), kWatcher, [this](const std::string& owner) {
         if (!owner.empty()) panelCame();

@@ -202,10 +202,7 @@ struct TrayMenuMethods {
 };
 
 TrayMenu::TrayMenu(sd_bus* bus, std::function<void(int)> chosen) : _bus(bus), _chosen(std::move(chosen)) {
-    sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_add_object_vtable(bus, &slot, kPath, kInterface, TrayMenuMethods::kTable, this);
-    if (result < 0) throw std::system_error(-result, std::generic_category(), "no menu in the panel");
-    _slot.reset(slot);
+    _slot = addObject(bus, kPath, kInterface, TrayMenuMethods::kTable, this);
 }
 
 void TrayMenu::setItems(std::vector<MenuItem> items) {

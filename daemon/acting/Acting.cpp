@@ -59,11 +59,11 @@ auto Acting::tell(Event event) {
     }
 }
 
-Acting::Acting(EventLoop& loop, sd_bus* bus, sd_bus* computer, const std::string& root, const Clocks& clocks)
+Acting::Acting(EventLoop& loop, Callers& callers, sd_bus* computer, const std::string& root, const Clocks& clocks)
     : _clocks(clocks),
       _state(stateFolder(root) + "/state.plist"),
       _alarms(loop, clocks, {root.empty(), root + kHardwareClock, stateFolder(root) + "/startup-alarm"}),
-      _agents(loop, bus),
+      _agents(loop, callers),
       _actions(loop, computer, root, clocks, _agents,
                [this](const std::string& token, ActionEnd end, int status, const std::string& reason) {
                    tell([&](Now now) { _scheduler.actionEnded(now, token, end, status, reason); });

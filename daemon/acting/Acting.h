@@ -21,8 +21,8 @@ namespace quorel {
 class Acting : private Reports {
 public:
     /// `root` stands before the absolute paths of what it reads and writes; below one of its own it arms no wake alarm.
-    /// Agents are on `bus`; logind and the service manager on `computer`. `clocks`, loop and buses must outlive it.
-    Acting(EventLoop& loop, sd_bus* bus, sd_bus* computer, const std::string& root, const Clocks& clocks);
+    /// Logind and the service manager are on `computer`. `clocks`, loop, callers and bus must outlive it.
+    Acting(EventLoop& loop, Callers& callers, sd_bus* computer, const std::string& root, const Clocks& clocks);
 
     /// The preferences that are in place. The first call begins.
     void take(const Value& preferences);

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <iterator>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -20,7 +18,7 @@ namespace {
 namespace names = wire::agents;
 using namespace std::chrono_literals;
 
-constexpr std::size_t kMostAgents = 256;
+constexpr std::size_t kMostAgents = 64;
 constexpr std::size_t kMostRuns = 16;  // of a user at a time
 constexpr auto kPatience = 3s;         // with agents, which measure within a second
 constexpr Seconds kJustUsed = 10;      // what agents that watch tell every few seconds
@@ -37,7 +35,8 @@ int refuseStranger(sd_bus_error* error) {
 
 }  // namespace
 
-Agents::Agents(EventLoop& loop, sd_bus* bus) : _loop(loop), _bus(bus), _patience(loop, [this] { answerIdle(); }) {
+Agents::Agents(EventLoop& loop, Callers& callers)
+    : _loop(loop), _callers(callers), _patience(loop, [this] { answerIdle(); }) {
     static constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
     static constexpr sd_bus_vtable kMembers[] = {
         SD_BUS_VTABLE_START(0),
@@ -49,10 +48,7 @@ Agents::Agents(EventLoop& loop, sd_bus* bus) : _loop(loop), _bus(bus), _patience
                                 SD_BUS_NO_RESULT, &Agents::reportAction, kOpen),
         SD_BUS_SIGNAL_WITH_ARGS(names::kChanged, SD_BUS_NO_ARGS, 0),
         SD_BUS_VTABLE_END};
-    sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_add_object_vtable(bus, &slot, names::kPath, names::kInterface, kMembers, this);
-    if (result < 0) throw std::runtime_error(std::strerror(-result));
-    _object.reset(slot);
+    _object = addObject(callers.connection(), names::kPath, names::kInterface, kMembers, this);
 }
 
 bool Agents::isThere(unsigned user) const {
@@ -60,47 +56,44 @@ bool Agents::isThere(unsigned user) const {
 }
 
 void Agents::hint() {
-    sd_bus_emit_signal(_bus, names::kPath, names::kInterface, names::kChanged, "");
+    sd_bus_emit_signal(_callers.connection(), names::kPath, names::kInterface, names::kChanged, "");
 }
 
 // Who they are.
 
-int Agents::registerAgent(sd_bus_message* call, void* self, sd_bus_error* error) {
+int Agents::registerAgent(sd_bus_message* call, void* self, sd_bus_error*) {
     auto& agents = *static_cast<Agents*>(self);
-    const std::string name = sd_bus_message_get_sender(call);
-    if (const auto known = agents._agents.find(name); known != agents._agents.end()) {
-        if (!known->second.user) return refuse(error, wire::kBusy, "The caller is being registered.");
-        return sd_bus_reply_method_return(call, "");
-    }
-    const auto unknown = static_cast<std::size_t>(
-        std::ranges::count_if(agents._agents, [](const auto& one) { return !one.second.user; }));
-    if (agents._agents.size() - unknown >= kMostAgents || unknown >= kMostCallers)
-        return refuse(error, wire::kBusy, "Too many calls are waiting.");
-    Agent& agent = agents._agents[name];
-    agent.call.reset(sd_bus_message_ref(call));
-    agent.caller.emplace(agents._bus, name, [&agents, name] { agents.left(name); });
-    agent.caller->findUser([&agents, name](std::optional<unsigned> user) { agents.userFound(name, user); });
+    const std::string_view name = sd_bus_message_get_sender(call);
+    if (agents._agents.contains(name) && !agents._callers.find(name)) return sd_bus_reply_method_return(call, "");
+    agents._callers.hold(call, [&agents](HeldCall& held) { agents.take(held); });
     return 1;
 }
 
-void Agents::userFound(const std::string& name, std::optional<unsigned> user) {
-    const auto found = _agents.find(name);
-    const BusMessagePointer call = std::move(found->second.call);
-    if (!user || isThere(*user)) {
-        _agents.erase(found);
-        sd_bus_reply_method_errorf(call.get(), wire::kBusy,
-                                   user ? "The user has an agent already." : "The user is not known.");
-        return;
-    }
-    found->second.user = user;
-    sd_bus_reply_method_return(call.get(), "");
+void Agents::take(HeldCall& call) {
+    if (isThere(call.user())) return call.refuse(wire::kBusy, "The user has an agent already.");
+    if (_agents.size() >= kMostAgents) return call.refuse(wire::kBusy, "There are too many agents.");
+    const std::string& name = call.caller();
+    Agent& agent = _agents[name];
+    agent.user = call.user();
+    const auto changed = [this, name](const std::string& owner) {
+        if (owner.empty()) left(name);
+    };
+    agent.leaving = watchOwner(_callers.bus(), name, changed, [this, name](bool done) { taken(name, done); });
+}
+
+/// Answered only now: an agent that could leave unnoticed would keep its user's next one out.
+void Agents::taken(const std::string& name, bool isWatched) {
+    HeldCall* const call = _callers.find(name);
+    if (!isWatched) left(name);
+    if (call && !isWatched) return call->refuse(wire::kBusy, "The bus does not tell who leaves.");
+    if (call) call->accept();
     if (cameCallback) cameCallback();
 }
 
 void Agents::left(const std::string& name) {
     const auto agent = _agents.extract(name);
-    if (agent.empty() || !agent.mapped().user) return;
-    const unsigned user = *agent.mapped().user;
+    if (agent.empty()) return;
+    const unsigned user = agent.mapped().user;
     std::vector<std::string> lost;
     for (const auto& [token, run] : _runs)
         if (run.user == user) lost.push_back(token);
@@ -111,7 +104,7 @@ void Agents::left(const std::string& name) {
 /// Nothing for a caller that has not registered.
 std::optional<unsigned> Agents::userOf(sd_bus_message* call) const {
     const auto agent = _agents.find(std::string_view(sd_bus_message_get_sender(call)));
-    return agent == _agents.end() ? std::nullopt : agent->second.user;
+    return agent == _agents.end() ? std::nullopt : std::optional(agent->second.user);
 }
 
 int Agents::work(sd_bus_message* call, void* self, sd_bus_error* error) {

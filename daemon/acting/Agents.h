@@ -11,7 +11,7 @@
 
 #include "linux/EventLoop.h"
 #include "linux/bus/Bus.h"
-#include "linux/bus/BusCaller.h"
+#include "linux/bus/Callers.h"
 #include "model/Dictionary.h"
 #include "scheduler/World.h"
 
@@ -27,8 +27,8 @@ public:
     using Idle = std::map<unsigned, Seconds>;
     using Ended = std::function<void(ActionEnd end, int status, const std::string& reason)>;
 
-    /// The bus must outlive it. Throws std::runtime_error.
-    Agents(EventLoop& loop, sd_bus* bus);
+    /// Loop and callers must outlive it. Throws std::runtime_error.
+    Agents(EventLoop& loop, Callers& callers);
     Agents(const Agents&) = delete;
 
     bool isThere(unsigned user) const;
@@ -46,9 +46,8 @@ public:
 
 private:
     struct Agent {
-        std::optional<BusCaller> caller;
-        BusMessagePointer call;        // to register; answered when the user is known
-        std::optional<unsigned> user;  // once it is
+        unsigned user = 0;
+        BusSlot leaving;  // a rule of the bus for each: one for all would wake this program whenever anybody leaves
     };
     struct Run {
         unsigned user = 0;
@@ -62,7 +61,8 @@ private:
     static int reportIdle(sd_bus_message* call, void* self, sd_bus_error* error);
     static int reportAction(sd_bus_message* call, void* self, sd_bus_error* error);
 
-    void userFound(const std::string& name, std::optional<unsigned> user);
+    void take(HeldCall& call);
+    void taken(const std::string& name, bool isWatched);
     void left(const std::string& name);
     std::optional<unsigned> userOf(sd_bus_message* call) const;
     void hint();
@@ -70,7 +70,7 @@ private:
     void end(const std::string& token, ActionEnd end, int status, const std::string& reason);
 
     EventLoop& _loop;
-    sd_bus* const _bus;
+    Callers& _callers;
     std::map<std::string, Agent, std::less<>> _agents;  // by bus name
     std::map<std::string, Run, std::less<>> _runs;      // by token
 

@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstring>
-#include <stdexcept>
-#include <utility>
+#include <optional>
 
 #include "ProductVersion.h"
 #include "kit/MOLLog.h"
@@ -19,8 +17,6 @@ namespace quorel {
 namespace {
 
 namespace names = wire::scheduler;
-
-constexpr std::ptrdiff_t kMostRequestsOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
 
 constexpr const char* kGone = "There is no such occurrence any more.";
 
@@ -64,8 +60,8 @@ std::size_t wanted(sd_bus_message* call, unsigned most) {
 
 }  // namespace
 
-SchedulerInterface::SchedulerInterface(sd_bus* bus, Acting& acting, const PlanInPlace& plan)
-    : _bus(bus), _acting(acting), _plan(plan) {
+SchedulerInterface::SchedulerInterface(Callers& callers, Acting& acting, const PlanInPlace& plan)
+    : _callers(callers), _acting(acting), _plan(plan) {
     static constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
     static constexpr sd_bus_vtable kMembers[] = {
         SD_BUS_VTABLE_START(0),
@@ -83,14 +79,11 @@ SchedulerInterface::SchedulerInterface(sd_bus* bus, Acting& acting, const PlanIn
                                 &SchedulerInterface::postpone, kOpen),
         SD_BUS_SIGNAL_WITH_ARGS(names::kChanged, SD_BUS_NO_ARGS, 0),
         SD_BUS_VTABLE_END};
-    sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_add_object_vtable(bus, &slot, names::kPath, names::kInterface, kMembers, this);
-    if (result < 0) throw std::runtime_error(std::strerror(-result));
-    _object.reset(slot);
+    _object = addObject(callers.connection(), names::kPath, names::kInterface, kMembers, this);
 }
 
 void SchedulerInterface::changed() {
-    sd_bus_emit_signal(_bus, names::kPath, names::kInterface, names::kChanged, "");
+    sd_bus_emit_signal(_callers.connection(), names::kPath, names::kInterface, names::kChanged, "");
 }
 
 int SchedulerInterface::upcoming(sd_bus_message* call, void* self, sd_bus_error*) {
@@ -139,62 +132,37 @@ int SchedulerInterface::modules(sd_bus_message* call, void* self, sd_bus_error*)
 }
 
 int SchedulerInterface::skip(sd_bus_message* call, void* self, sd_bus_error* error) {
-    return static_cast<SchedulerInterface*>(self)->begin(call, kSkipAction, &Acting::skip, error);
+    return static_cast<SchedulerInterface*>(self)->begin(call, {kSkipAction, &Acting::skip}, error);
 }
 
 int SchedulerInterface::postpone(sd_bus_message* call, void* self, sd_bus_error* error) {
-    return static_cast<SchedulerInterface*>(self)->begin(call, kPostponeAction, &Acting::postpone, error);
+    return static_cast<SchedulerInterface*>(self)->begin(call, {kPostponeAction, &Acting::postpone}, error);
 }
 
-int SchedulerInterface::begin(sd_bus_message* call, const char* action, Change change, sd_bus_error* error) {
+int SchedulerInterface::begin(sd_bus_message* call, Change change, sd_bus_error* error) {
     const char* token = "";
     sd_bus_message_read(call, "s", &token);
-    const std::string sender = sd_bus_message_get_sender(call);
     if (!_acting.scheduler().knows(token)) return sd_bus_error_set(error, wire::kNoSuchOccurrence, kGone);
-    if (_requests.size() >= kMostCallers || _requests.contains(sender))  // one of a connection at a time
-        return sd_bus_error_set(error, wire::kBusy, "Too many calls are waiting.");
-    const auto gone = [this, sender] { _requests.erase(sender); };
-    Request& request = _requests[sender];
-    request.call.reset(sd_bus_message_ref(call));
-    request.token = token;
-    request.action = action;
-    request.change = change;
-    request.caller.emplace(_bus, sender, gone);
-    request.caller->findUser([this, &request](std::optional<unsigned> user) { userFound(request, user); });
+    const bool interaction = sd_bus_message_get_allow_interactive_authorization(call) > 0;
+    _callers.hold(call, [this, change, token = std::string(token), interaction](HeldCall& held) {
+        ask(held, change, token, interaction);
+    });
     return 1;
 }
 
-void SchedulerInterface::userFound(Request& request, std::optional<unsigned> user) {
-    if (!user) return dismiss(request);  // nobody would hear the answer
-    const auto others =
-        std::ranges::count_if(_requests, [user](const auto& other) { return other.second.user == user; });
-    request.user = user;
-    if (others >= kMostRequestsOfAUser) return refuse(request, wire::kBusy, "Too many calls are waiting.");
-    if (!_limit.admit(*user, std::chrono::steady_clock::now()))
-        return refuse(request, wire::kTooManyChanges, "More than ten changes a minute are not taken.");
-    if (*user == 0) return permitted(request);
-    const bool interaction = sd_bus_message_get_allow_interactive_authorization(request.call.get()) > 0;
-    request.caller->ask(request.action, interaction, [this, &request](Verdict verdict) {
-        if (verdict != Verdict::Allowed) return refuse(request, wire::kNotAuthorized, textOf(verdict));
-        permitted(request);
+void SchedulerInterface::ask(HeldCall& call, Change change, const std::string& token, bool interaction) {
+    if (!_limit.admit(call.user(), std::chrono::steady_clock::now()))
+        return call.refuse(wire::kTooManyChanges, "More than ten changes a minute are not taken.");
+    call.ask(change.action, interaction, [this, &call, change, token](Verdict verdict) {
+        if (verdict != Verdict::Allowed) return call.refuse(wire::kNotAuthorized, textOf(verdict));
+        permitted(call, change, token);
     });
 }
 
-void SchedulerInterface::permitted(Request& request) {
-    if (!(_acting.*request.change)(request.token, nameOfUser(*request.user)))
-        return refuse(request, wire::kNoSuchOccurrence, kGone);
-    MOLLog("Occurrence %s: %s by user %u.", request.token.c_str(), request.action, *request.user);
-    sd_bus_reply_method_return(request.call.get(), "");
-    dismiss(request);
-}
-
-void SchedulerInterface::refuse(Request& request, const char* errorName, const char* text) {
-    sd_bus_reply_method_errorf(request.call.get(), errorName, "%s", text);
-    dismiss(request);
-}
-
-void SchedulerInterface::dismiss(Request& request) {
-    _requests.erase(request.caller->name());
+void SchedulerInterface::permitted(HeldCall& call, Change change, const std::string& token) {
+    if (!(_acting.*change.make)(token, nameOfUser(call.user()))) return call.refuse(wire::kNoSuchOccurrence, kGone);
+    MOLLog("Occurrence %s: %s by user %u.", token.c_str(), change.action, call.user());
+    call.accept();
 }
 
 }  // namespace quorel

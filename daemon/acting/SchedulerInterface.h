@@ -1,14 +1,12 @@
 #pragma once
 
-#include <map>
-#include <optional>
 #include <string>
 
+#include "daemon/UserLimit.h"
 #include "daemon/acting/Acting.h"
-#include "daemon/acting/ChangeLimit.h"
 #include "daemon/saving/PlanInPlace.h"
 #include "linux/bus/Bus.h"
-#include "linux/bus/BusCaller.h"
+#include "linux/bus/Callers.h"
 
 namespace quorel {
 
@@ -17,22 +15,17 @@ namespace quorel {
 class SchedulerInterface {
 public:
     /// What it is given must outlive it. Throws std::runtime_error.
-    SchedulerInterface(sd_bus* bus, Acting& acting, const PlanInPlace& plan);
+    SchedulerInterface(Callers& callers, Acting& acting, const PlanInPlace& plan);
     SchedulerInterface(const SchedulerInterface&) = delete;
 
     /// Tells whoever listens that it is worth asking again.
     void changed();
 
 private:
-    using Change = bool (Acting::*)(const std::string& token, const std::string& by);
-    /// A change that was asked for and waits to be permitted.
-    struct Request {
-        BusMessagePointer call = {};
-        std::string token = {};
-        const char* action = nullptr;  // polkit's
-        Change change = nullptr;
-        std::optional<BusCaller> caller = {};
-        std::optional<unsigned> user = {};  // once known
+    /// A way to say no, and what polkit calls it.
+    struct Change {
+        const char* action;
+        bool (Acting::*make)(const std::string& token, const std::string& by);
     };
 
     static int upcoming(sd_bus_message* call, void* self, sd_bus_error* error);
@@ -42,17 +35,14 @@ private:
     static int skip(sd_bus_message* call, void* self, sd_bus_error* error);
     static int postpone(sd_bus_message* call, void* self, sd_bus_error* error);
 
-    int begin(sd_bus_message* call, const char* action, Change change, sd_bus_error* error);
-    void userFound(Request& request, std::optional<unsigned> user);
-    void permitted(Request& request);
-    void refuse(Request& request, const char* errorName, const char* text);
-    void dismiss(Request& request);
+    int begin(sd_bus_message* call, Change change, sd_bus_error* error);
+    void ask(HeldCall& call, Change change, const std::string& token, bool interaction);
+    void permitted(HeldCall& call, Change change, const std::string& token);
 
-    sd_bus* const _bus;
+    Callers& _callers;
     Acting& _acting;
     const PlanInPlace& _plan;
-    ChangeLimit _limit;
-    std::map<std::string, Request, std::less<>> _requests;  // by the caller's bus name
+    UserLimit _limit{10};
     BusSlot _object;
 };
 

@@ -2,9 +2,7 @@
 
 #include <malloc.h>
 
-#include <algorithm>
 #include <chrono>
-#include <optional>
 #include <utility>
 
 #include "kit/MOLLog.h"
@@ -16,19 +14,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t kMostSaves = 16;
-constexpr std::ptrdiff_t kMostSavesOfAUser = 4;  // so that nobody's open dialogs keep everybody else out
-constexpr std::size_t kMostUsersRemembered = 256;
-
 }  // namespace
 
-Door::Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored)
-    : _bus(bus),
+Door::Door(EventLoop& loop, Callers& callers, const std::string& root, Stored stored)
+    : _callers(callers),
       _store(root),
       _stored(std::move(stored)),
+      _log(loop),
       _reader(loop, _store),
       _tidying(loop, [] { malloc_trim(0); }),
-      _endpoint(bus, [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
+      _endpoint(callers.connection(),
+                [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
     _store.removeLeftovers();
 }
 
@@ -38,35 +34,19 @@ void Door::take(const BusNotification& notification, const BusAnswer& answer) {
         return answer.refuse(wire::kUnknownNotification, "The daemon takes no such notification.");
     if (notification.userInfo.size() > wire::kMaximumUserInfoBytes)
         return answer.refuse(wire::kInvalidPreferences, "The user information is larger than 2 MiB.");
-    std::string sender(notification.sender);
-    const auto known = _users.find(sender);
-    if (_saves.size() >= kMostSaves || _saves.contains(sender) ||  // one of a connection at a time
-        (known != _users.end() && savesOf(known->second) >= kMostSavesOfAUser))
-        return answer.refuse(wire::kBusy, "Too many calls are waiting.");
+    const std::string sender(notification.sender);
+    const auto known = [this, userInfo = notification.userInfo, mayAsk = notification.mayAsk](HeldCall& call) {
+        readLater(_saves.emplace(call.caller(), Save{call, userInfo, mayAsk, call.isRoots()}).first->second);
+    };
     const auto gone = [this, sender] {
-        MOLLog("Preferences of %s are dropped: the sender has gone.", sender.c_str());
+        _log.say(_saves.find(sender)->second.call.user(), "dropped: the sender has gone.");
         _saves.erase(sender);
     };
-    auto& save = _saves.try_emplace(sender, _bus, notification, answer, gone).first->second;
-    save.caller.findUser([this, &save](std::optional<unsigned> user) { userFound(save, user); });
-}
-
-void Door::userFound(Save& save, std::optional<unsigned> user) {
-    if (!user) return dismiss(save);  // nobody would hear the answer
-    if (_users.size() >= kMostUsersRemembered) _users.clear();
-    _users[save.caller.name()] = *user;
-    const bool tooMany = savesOf(*user) >= kMostSavesOfAUser;
-    save.user = user;
-    if (tooMany) return refuse(save, wire::kBusy, "Too many calls are waiting.");
-    readLater(save);
-}
-
-std::ptrdiff_t Door::savesOf(unsigned user) const {
-    return std::ranges::count_if(_saves, [user](const auto& save) { return save.second.user == user; });
+    _callers.hold(sender, answer, known, gone);
 }
 
 void Door::readLater(Save& save) {
-    _unread.push_back(save.caller.name());
+    _unread.push_back(save.call.caller());
     readNext();
 }
 
@@ -76,8 +56,7 @@ void Door::readNext() {
         _unread.pop_front();
         const auto next = _saves.find(name);
         if (next == _saves.end()) continue;  // has gone meanwhile
-        const bool mayStore = next->second.user == 0U || next->second.allowed;
-        _reader.read(next->second.userInfo, mayStore, [this, name](const ListReader::Outcome& outcome) {
+        _reader.read(next->second.userInfo, next->second.allowed, [this, name](const ListReader::Outcome& outcome) {
             const auto found = _saves.find(name);
             if (found != _saves.end())
                 decide(found->second, outcome);
@@ -97,39 +76,36 @@ void Door::decide(Save& save, const ListReader::Outcome& outcome) {
         case ListReader::Outcome::Kind::Invalid:
             return refuse(save, wire::kInvalidPreferences, outcome.text);
         case ListReader::Outcome::Kind::InPlace:
-            return accept(save, "are those in place");
+            _log.say(save.call.user(), "those in place.");
+            return end(save).accept();
         case ListReader::Outcome::Kind::Fresh:
             return ask(save);
         case ListReader::Outcome::Kind::NotStored:
             return refuse(save, wire::kStorageFailed, outcome.text);
         case ListReader::Outcome::Kind::Stored:
-            accept(save, "are stored");
+            MOLLog("Preferences of user %u are stored.", save.call.user());
+            end(save).accept();
             return _stored(outcome.text);
     }
 }
 
 void Door::ask(Save& save) {
-    save.caller.ask(kModifyPreferencesAction, save.mayAsk, [this, &save](Verdict verdict) {
+    save.call.ask(kModifyPreferencesAction, save.mayAsk, [this, &save](Verdict verdict) {
         if (verdict != Verdict::Allowed) return refuse(save, wire::kNotAuthorized, textOf(verdict));
         save.allowed = true;
         readLater(save);  // anew: lists that are kept while people look for passwords would add up
     });
 }
 
-void Door::accept(Save& save, const char* outcome) {
-    MOLLog("Preferences of user %u %s.", *save.user, outcome);
-    save.answer.accept();
-    dismiss(save);
-}
-
 void Door::refuse(Save& save, const char* errorName, const std::string& text) {
-    MOLLog("Preferences of user %u are refused: %s", *save.user, text.c_str());
-    save.answer.refuse(errorName, text);
-    dismiss(save);
+    _log.say(save.call.user(), "refused: " + text);
+    end(save).refuse(errorName, text);
 }
 
-void Door::dismiss(Save& save) {
-    _saves.erase(_saves.find(save.caller.name()));
+HeldCall& Door::end(Save& save) {
+    HeldCall& call = save.call;
+    _saves.erase(call.caller());
+    return call;
 }
 
 }  // namespace quorel

@@ -3,16 +3,15 @@
 #include <deque>
 #include <functional>
 #include <map>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "daemon/saving/ListReader.h"
 #include "daemon/saving/PreferencesStore.h"
+#include "daemon/saving/SaveLog.h"
 #include "linux/EventLoop.h"
-#include "linux/bus/BusCaller.h"
 #include "linux/bus/BusEndpoint.h"
+#include "linux/bus/Callers.h"
 
 namespace quorel {
 
@@ -24,43 +23,33 @@ namespace quorel {
 class Door {
 public:
     using Stored = std::function<void(const std::string& bytes)>;
-    /// The connection is served by the loop. `stored` is called right after a save is answered: what it does may take a
+    /// Loop and callers must outlive it. `stored` is called right after a save is answered: what it does may take a
     /// disk's time, and nothing else is served before. Throws std::exception.
-    Door(EventLoop& loop, sd_bus* bus, const std::string& root, Stored stored);
+    Door(EventLoop& loop, Callers& callers, const std::string& root, Stored stored);
 
 private:
-    /// A save under way.
+    /// A save under way, its user known.
     struct Save {
-        Save(sd_bus* bus, const BusNotification& notification, BusAnswer itsAnswer, std::function<void()> gone)
-            : answer(std::move(itsAnswer)),
-              userInfo(notification.userInfo),
-              mayAsk(notification.mayAsk),
-              caller(bus, std::string(notification.sender), std::move(gone)) {}
-        const BusAnswer answer;
-        const std::string_view userInfo;  // lasts as long as the answer
+        HeldCall& call;
+        const std::string_view userInfo;  // lasts as long as the call is held
         const bool mayAsk;
-        BusCaller caller;
-        std::optional<unsigned> user;  // once known
-        bool allowed = false;
+        bool allowed;
     };
 
     void take(const BusNotification& notification, const BusAnswer& answer);
-    void userFound(Save& save, std::optional<unsigned> user);
-    std::ptrdiff_t savesOf(unsigned user) const;
     void readLater(Save& save);
     void readNext();
     void decide(Save& save, const ListReader::Outcome& outcome);
     void ask(Save& save);
-    void accept(Save& save, const char* outcome);
     void refuse(Save& save, const char* errorName, const std::string& text);
-    void dismiss(Save& save);
+    HeldCall& end(Save& save);
 
-    sd_bus* const _bus;
+    Callers& _callers;
     const PreferencesStore _store;
     const Stored _stored;
-    std::map<std::string, Save, std::less<>> _saves;      // by the caller's bus name
-    std::map<std::string, unsigned, std::less<>> _users;  // of those who have called; a bus name is nobody else's later
-    std::deque<std::string> _unread;                      // whose list is to be read
+    std::map<std::string, Save, std::less<>> _saves;  // by the caller's bus name
+    std::deque<std::string> _unread;                  // whose list is to be read
+    SaveLog _log;
     ListReader _reader;
     LoopTimer _tidying;
     BusEndpoint _endpoint;

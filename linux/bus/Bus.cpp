@@ -13,8 +13,6 @@ namespace quorel {
 
 namespace {
 
-constexpr std::chrono::seconds kLongestReply{60};  // when much that strangers have sent is in front of it
-
 constexpr const char* kBusName = "org.freedesktop.DBus";
 
 using Replied = std::function<void(sd_bus_message*)>;
@@ -28,9 +26,10 @@ int handOver(sd_bus_message* message, void* replied, sd_bus_error*) try {
 }
 
 /// The slot, with the callback as its own. sd-bus keeps it while it is handing over.
-BusSlot owning(int result, sd_bus_slot* slot, std::unique_ptr<Replied> callback) {
+template <class Callback>
+BusSlot owning(int result, sd_bus_slot* slot, std::unique_ptr<Callback> callback) {
     if (result < 0) return {};
-    sd_bus_slot_set_destroy_callback(slot, [](void* owned) { delete static_cast<Replied*>(owned); });
+    sd_bus_slot_set_destroy_callback(slot, [](void* owned) { delete static_cast<Callback*>(owned); });
     static_cast<void>(callback.release());  // the slot deletes it
     return BusSlot(slot);
 }
@@ -40,13 +39,36 @@ bool isFrom(sd_bus_message* message, std::string_view name) {
     return sender && sender == name;
 }
 
-BusSlot addMatch(sd_bus* bus, const std::string& sender, const std::string& rule, Replied heard) {
-    auto callback = std::make_unique<Replied>(std::move(heard));
+/// What a match hands over, and whether the bus has taken it.
+struct Match {
+    Replied heard;
+    Installed installed;
+};
+
+int handOverSignal(sd_bus_message* signal, void* match, sd_bus_error* error) {
+    return handOver(signal, &static_cast<Match*>(match)->heard, error);
+}
+
+/// Without this, sd-bus would close the connection of which the bus takes no further match.
+int matchInstalled(sd_bus_message* reply, void* match, sd_bus_error*) {
+    const BusError error = errorOf(reply);
+    if (const Installed& installed = static_cast<Match*>(match)->installed)
+        installed(!error);
+    else if (error)
+        MOLLog("Signals are not heard: %s", error.message.c_str());
+    return 0;
+}
+
+BusSlot addMatch(sd_bus* bus, const std::string& sender, const std::string& rule, Replied heard,
+                 Installed installed = {}) {
+    std::unique_ptr<Match> match(new Match{std::move(heard), std::move(installed)});
     sd_bus_slot* slot = nullptr;
     const int result = sd_bus_add_match_async(bus, &slot, ("type='signal',sender='" + sender + "'," + rule).c_str(),
-                                              handOver, nullptr, callback.get());
-    return owning(result, slot, std::move(callback));
+                                              handOverSignal, matchInstalled, match.get());
+    return owning(result, slot, std::move(match));
 }
+
+constexpr const char* kOwnerRule = "interface='org.freedesktop.DBus',member='NameOwnerChanged',";
 
 }  // namespace
 
@@ -83,7 +105,6 @@ BusConnection connectTo(Bus bus, EventLoop& loop, std::chrono::seconds limit) {
 bool requestName(sd_bus* bus, const std::string& name, std::chrono::seconds limit) {
     sd_bus_set_method_call_timeout(bus, static_cast<std::uint64_t>(std::chrono::microseconds(limit).count()));
     const int result = sd_bus_request_name(bus, name.c_str(), 0);
-    // Not for what comes later: a match that the bus has not confirmed by then would close the connection.
     sd_bus_set_method_call_timeout(bus, std::chrono::microseconds(kLongestReply).count());
     if (result < 0 && result != -EEXIST)
         throw std::runtime_error("the name is refused: " + std::string(std::strerror(-result)));
@@ -105,19 +126,35 @@ BusSlot callAsync(sd_bus* bus, sd_bus_message* call, std::chrono::microseconds l
     return owning(result, slot, std::move(callback));
 }
 
+BusSlot addObject(sd_bus* bus, const char* path, const char* interface, const sd_bus_vtable* members, void* self) {
+    sd_bus_slot* slot = nullptr;
+    const int result = sd_bus_add_object_vtable(bus, &slot, path, interface, members, self);
+    if (result < 0) throw std::runtime_error(std::strerror(-result));
+    return BusSlot(slot);
+}
+
 BusError errorOf(sd_bus_message* reply) {
     const sd_bus_error* error = sd_bus_message_get_error(reply);
     if (!error || !error->name) return {};
     return {error->name, error->message ? error->message : error->name};
 }
 
-BusSlot watchOwner(sd_bus* bus, const std::string& name, std::function<void(const std::string& owner)> changed) {
-    const std::string rule = "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" + name + "'";
-    return addMatch(bus, kBusName, rule, [changed = std::move(changed)](sd_bus_message* signal) {
+BusSlot watchOwner(sd_bus* bus, const std::string& name, std::function<void(const std::string& owner)> changed,
+                   Installed installed) {
+    const auto heard = [changed = std::move(changed)](sd_bus_message* signal) {
         const char* owner = nullptr;
         if (isFrom(signal, kBusName) && sd_bus_message_read(signal, "sss", nullptr, nullptr, &owner) > 0)
             changed(owner);
-    });
+    };
+    return addMatch(bus, kBusName, kOwnerRule + ("arg0='" + name + "'"), heard, std::move(installed));
+}
+
+BusSlot watchLeaving(sd_bus* bus, std::function<void(const std::string& name)> left, Installed installed) {
+    const auto heard = [left = std::move(left)](sd_bus_message* signal) {
+        const char* name = nullptr;
+        if (isFrom(signal, kBusName) && sd_bus_message_read(signal, "s", &name) > 0) left(name);
+    };
+    return addMatch(bus, kBusName, std::string(kOwnerRule) + "arg2=''", heard, std::move(installed));
 }
 
 BusSlot watchSignals(sd_bus* bus, const std::string& name, const std::string& rule,

@@ -1,8 +1,6 @@
 #include "linux/bus/BusEndpoint.h"
 
-#include <cstring>
 #include <exception>
-#include <stdexcept>
 #include <utility>
 
 #include "kit/MOLLog.h"
@@ -13,7 +11,7 @@ namespace quorel {
 
 struct BusAnswer::State {
     explicit State(sd_bus_message* message) : _message(sd_bus_message_ref(message)) {}
-    ~State() { refuse(wire::kFailed, "The notification was not handled."); }
+    ~State() { refuse(wire::kFailed, "The call was not handled."); }
 
     void accept() {
         if (!std::exchange(_answered, true)) sd_bus_reply_method_return(_message.get(), "");
@@ -40,6 +38,8 @@ int readBytes(sd_bus_message* message, std::string_view& bytes) {
 
 }  // namespace
 
+BusAnswer::BusAnswer(sd_bus_message* call) : _state(std::make_shared<State>(call)) {}
+
 void BusAnswer::accept() const {
     _state->accept();
 }
@@ -59,10 +59,7 @@ BusEndpoint::BusEndpoint(sd_bus* bus, Handler handler, Pong pong)
         SD_BUS_METHOD_WITH_ARGS(wire::kPostEdits, SD_BUS_ARGS("s", name, "s", object, "ay", userInfo, "ay", base),
                                 SD_BUS_NO_RESULT, &BusEndpoint::post, SD_BUS_VTABLE_UNPRIVILEGED),
         SD_BUS_VTABLE_END};
-    sd_bus_slot* slot = nullptr;
-    const int result = sd_bus_add_object_vtable(bus, &slot, wire::kPath, wire::kInterface, kMethods, this);
-    if (result < 0) throw std::runtime_error(std::strerror(-result));
-    _slot.reset(slot);
+    _slot = addObject(bus, wire::kPath, wire::kInterface, kMethods, this);
 }
 
 int BusEndpoint::ping(sd_bus_message* message, void* self, sd_bus_error*) {
@@ -85,7 +82,7 @@ int BusEndpoint::post(sd_bus_message* message, void* self, sd_bus_error* error) 
     notification.object = object;
     if (const char* sender = sd_bus_message_get_sender(message)) notification.sender = sender;
     notification.mayAsk = sd_bus_message_get_allow_interactive_authorization(message) > 0;
-    handler(notification, BusAnswer(std::make_shared<BusAnswer::State>(message)));
+    handler(notification, BusAnswer(message));
     return 1;
 } catch (const std::exception& exception) {  // memory has run out
     MOLLog("A notification is lost: %s", exception.what());

@@ -20,17 +20,16 @@ struct BusNotification {
     bool mayAsk = false;                   ///< the sender will wait until somebody has been asked
 };
 
-/// The answer to one notification. Copies answer the same one, and the first answer counts. When the last copy goes
-/// unanswered, the sender is told that the notification failed. On the connection's thread.
+/// The answer to one call, without content. Copies answer the same one, and the first answer counts. When the last copy
+/// goes unanswered, the caller is told that the call failed. On the connection's thread.
 class BusAnswer {
 public:
+    explicit BusAnswer(sd_bus_message* call);
     void accept() const;
     void refuse(const char* errorName, const std::string& text) const;
 
 private:
-    friend class BusEndpoint;
     struct State;
-    explicit BusAnswer(std::shared_ptr<State> state) : _state(std::move(state)) {}
     std::shared_ptr<State> _state;
 };
 

@@ -73,8 +73,8 @@ class ActingCase(DaemonCase):
         return [lock[0] for lock in self.script()["locks"]]
 
     def start_daemon(self):
-        self.daemon = self.system.start([STEPPING_DAEMON, self.clocks, self.root], name="com.quorel.Daemon",
-                                        log="daemon.log")
+        program = ["prlimit", "--nofile=1024", STEPPING_DAEMON, self.clocks, self.root]  # what a service is given
+        self.daemon = self.system.start(program, name="com.quorel.Daemon", log="daemon.log")
         if self.logind:
             self.wait_for(lambda: "sleep:shutdown" in self.own_locks(), "the daemon holds sleep up for a moment")
 

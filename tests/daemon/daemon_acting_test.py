@@ -2,9 +2,13 @@
 """What the daemon does with Schedules: daemon_acting_test.py DAEMON PROBE STEPPING_DAEMON"""
 import os
 import signal
+import subprocess
+import sys
+import time
 
 from acting_case import ActingCase, instant
-from daemon_case import DAEMON, main
+from daemon_case import DAEMON, HERE, NOBODY, main
+from private_system import read_line
 from schedules import SHUT_DOWN, SLEEP, WAKE_UP, schedule
 
 ALICES_LOCK = [["sleep", "Upgrades", "installing\x1b[31m", "block"]]
@@ -53,6 +57,26 @@ class ActingTest(ActingCase):
                         self.hear("not put to sleep: ")
                         self.hear(f"{words} (waited ")
                     self.assertEqual(self.calls("Suspend"), ["Suspend 1"] if ends else [])
+
+    def test_sleeps_whatever_strangers_send(self):
+        self.system.start_polkit()
+        self.begin(schedule(SLEEP, "23:15"), schedule(SLEEP, "23:45"))
+        bus = self.system.connect()
+        self.addCleanup(bus.close)
+        scheduler = bus.get_object("com.quorel.Daemon", "/com/quorel/Scheduler")
+        token = scheduler.Upcoming(2, dbus_interface="com.quorel.Scheduler1")[1]["Token"]
+        for manner, minute, before, outcomes in (("calls", "23:15", "23:14", 1), ("reads", "23:45", "23:44", 2)):
+            flood = self.system.start([sys.executable, f"{HERE}/flood.py", manner, token], user=NOBODY,
+                                      stdout=subprocess.PIPE)
+            self.assertEqual(read_line(flood), "flooding")
+            self.daemon.send_signal(signal.SIGSTOP)  # as on a computer that is busy with something else
+            time.sleep(1)
+            self.daemon.send_signal(signal.SIGCONT)
+            self.reach(before, "warned")
+            self.move_to(minute)
+            self.wait_for(lambda: self.outcomes() == ["slept"] * outcomes, "it has slept")
+            self.system.end(flood)
+        self.assertIsNone(self.daemon.poll())
 
     def test_takes_no_for_an_answer(self):
         for script, times, outcome, arguments in (

@@ -4,7 +4,7 @@ import os
 import plistlib
 import subprocess
 
-from daemon_case import KIT_CALLER, PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, xml
+from daemon_case import FAILED, KIT_CALLER, PREFERENCES, STORAGE_FAILED, DaemonCase, main, preferences, xml
 from private_system import wait_until
 
 
@@ -49,6 +49,18 @@ class FailuresTest(DaemonCase):
         subprocess.run(["mount", "-o", "remount,rw", self.folder], check=True)
         self.assertEqual(caller.save(small), ("", ""))
         self.assertEqual(self.stored(), plistlib.loads(small))
+
+
+class FullBusTest(DaemonCase):
+    policy = '<limit name="max_match_rules_per_connection">0</limit>'
+
+    def test_a_bus_that_takes_no_more_rules(self):
+        """What it cannot hear of is refused; nothing else is."""
+        self.start_daemon()
+        self.assertEqual(self.caller().save(xml(PREFERENCES))[0], FAILED)
+        self.assertEqual(self.caller().call("/com/quorel/Agents", "com.quorel.Agents1", "Register", "")[0], FAILED)
+        self.assertTrue(self.probe()[0])
+        self.assertIsNone(self.daemon.poll())
 
 
 main()

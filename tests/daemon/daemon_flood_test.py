@@ -30,7 +30,7 @@ class FloodTest(DaemonCase):
         self.system.start_polkit()
         self.start_daemon()
         self.assertEqual(self.caller().save(xml(preferences(Schedule_Array=[]))), ("", ""))
-        flood = self.system.start([sys.executable, f"{os.path.dirname(__file__)}/flood.py", self.file], user=NOBODY,
+        flood = self.system.start([sys.executable, f"{os.path.dirname(__file__)}/flood.py", "lists", self.file], user=NOBODY,
                                   stdout=subprocess.PIPE)
         self.assertEqual(read_line(flood), "flooding")
         administrator = self.caller()

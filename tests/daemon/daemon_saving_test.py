@@ -60,6 +60,11 @@ class SavingTest(DaemonCase):
         self.assertIn("a\ufffd", self.logged())
         self.assertFalse(set(characters) & set(self.logged()))
 
+    def test_journal_is_not_filled(self):
+        for _ in range(20):
+            self.save(b"")
+        self.assertEqual(self.logged().count("are refused"), 5)
+
     def test_takes_its_own_notification_alone(self):
         for how in ({"name": "UserAgentMustCheckUpdates"}, {"receiver": "com.quorel.UserAgent"}):
             self.assertEqual(self.save(xml(PREFERENCES), **how)[0], UNKNOWN)

@@ -1,7 +1,11 @@
 #!/usr/bin/env python3
-"""Fifty clients of one user that call the daemon as fast as the bus takes it, answers unread: flood.py FILE
+"""What one user can send: flood.py MANNER [ARGUMENT]. Says "flooding" once it has sent as many messages
+as there are clients.
 
-The file holds the list that is stored. Says "flooding" once every client has sent something."""
+lists FILE     fifty clients, which send lists as fast as the bus takes them; the file holds the one that is stored
+reads          fifty clients, which ask how things stand as fast as the bus takes it
+calls TOKEN    all the connections that a user may have: half of them register and skip, half send files with each call
+"""
 import os
 import plistlib
 import selectors
@@ -10,6 +14,9 @@ import struct
 import sys
 
 CLIENTS = 50
+MOST_CLIENTS = 254
+DESCRIPTORS = 16
+OUTSTANDING = 128  # calls of a connection that the bus lets wait for their answers
 LIMIT = 2 * 1024 * 1024       # of what the daemon reads
 BUS_LIMIT = 32 * 1024 * 1024  # of a message, its header included
 
@@ -18,13 +25,13 @@ def padded(data, alignment=8):
     return data + bytes(-len(data) % alignment)
 
 
-def call(path, receiver, interface, member, signature="", body=b""):
-    fields = b""
+def call(path, receiver, interface, member, signature="", body=b"", descriptors=0, serial=7):
+    fields = bytes((9, 1)) + b"u\0" + struct.pack("<I", descriptors) if descriptors else b""
     for code, kind, value in ((1, "o", path), (6, "s", receiver), (2, "s", interface), (3, "s", member),
                               (8, "g", signature)):
         length = struct.pack("<B" if kind == "g" else "<I", len(value))
         fields = padded(fields) + bytes((code, 1)) + kind.encode() + b"\0" + length + value.encode() + b"\0"
-    return padded(b"l\1\0\1" + struct.pack("<III", len(body), 7, len(fields)) + fields) + body
+    return padded(b"l\1\0\1" + struct.pack("<III", len(body), serial, len(fields)) + fields) + body
 
 
 def text(value):
@@ -65,37 +72,72 @@ def payloads(stored):
 def connect():
     client = socket.socket(socket.AF_UNIX)
     client.connect(os.environ["DBUS_SYSTEM_BUS_ADDRESS"].partition("=")[2])
-    client.sendall(b"\0AUTH EXTERNAL " + str(os.getuid()).encode().hex().encode() + b"\r\nBEGIN\r\n")
-    client.sendall(call("/org/freedesktop/DBus", "org.freedesktop.DBus", "org.freedesktop.DBus", "Hello"))
+    client.sendall(b"\0AUTH EXTERNAL " + str(os.getuid()).encode().hex().encode() + b"\r\nNEGOTIATE_UNIX_FD\r\n")
+    while b"AGREE_UNIX_FD\r\n" not in client.recv(1 << 16):
+        pass
     client.setblocking(False)
+    client.sendall(b"BEGIN\r\n" + call("/org/freedesktop/DBus", "org.freedesktop.DBus", "org.freedesktop.DBus",
+                                       "Hello"))
     return client
 
 
-def main():
-    with open(sys.argv[1], "rb") as file:
-        messages = [notification(payload) for payload in payloads(plistlib.load(file))]
+def flood(clients, messages, descriptors=0):
+    """Without end; what is answered is read. Every other client sends as many files with each message."""
     ready = selectors.DefaultSelector()
-    for number in range(CLIENTS):
-        message = memoryview(messages[number % len(messages)])
-        ready.register(connect(), selectors.EVENT_READ | selectors.EVENT_WRITE, [message, 0])
-    unheard = CLIENTS
+    sent_whole = 0
+
+    def join(number):
+        files = descriptors if number % 2 else 0
+        rights = [(socket.SOL_SOCKET, socket.SCM_RIGHTS, bytes(4 * files))] if files else []
+        ready.register(connect(), selectors.EVENT_READ | selectors.EVENT_WRITE,
+                       [number, memoryview(messages[number % len(messages)]), 0, rights])
+
+    def serve(client, events, state):
+        """Whether a message has been sent to its end."""
+        _, message, sent, rights = state
+        if events & selectors.EVENT_READ and not client.recv(1 << 16):
+            raise ConnectionError
+        if events & selectors.EVENT_WRITE:
+            sent += client.sendmsg([message[sent:]], [] if sent else rights)
+            state[2] = sent % len(message)
+            return sent == len(message)
+        return False
+
+    for number in range(clients):
+        join(number)
     while True:
         for key, events in ready.select():
-            if events & selectors.EVENT_READ and not key.fileobj.recv(1 << 16):
-                raise RuntimeError("the bus has closed a connection")
-            if events & selectors.EVENT_WRITE:
-                message, sent = key.data
-                try:
-                    sent += key.fileobj.send(message[sent:])
-                except BlockingIOError:
-                    continue
-                if sent == len(message):
-                    unheard -= unheard > 0 and 1
-                    if unheard == 0:
-                        print("flooding", flush=True)
-                        unheard = -1
-                    sent = 0
-                key.data[1] = sent
+            try:
+                sent_whole += serve(key.fileobj, events, key.data)
+            except ConnectionError:  # the bus has had enough of it
+                ready.unregister(key.fileobj)
+                key.fileobj.close()
+                join(key.data[0])
+            except OSError:
+                pass  # later
+            if sent_whole == clients:
+                print("flooding", flush=True)
+                sent_whole += 1
+
+
+def held(token):
+    """Calls that the daemon holds until the bus has named who calls, without and with files."""
+    skipping = ("/com/quorel/Scheduler", "com.quorel.Daemon", "com.quorel.Scheduler1", "Skip", "s", text(token))
+    registering = call("/com/quorel/Agents", "com.quorel.Daemon", "com.quorel.Agents1", "Register")
+    return [registering + call(*skipping), call(*skipping, DESCRIPTORS)]
+
+
+def main():
+    manner = sys.argv[1]
+    if manner == "lists":
+        with open(sys.argv[2], "rb") as file:
+            flood(CLIENTS, [notification(payload) for payload in payloads(plistlib.load(file))])
+    elif manner == "reads":
+        flood(CLIENTS, [b"".join(call("/com/quorel/Scheduler", "com.quorel.Daemon", "com.quorel.Scheduler1", *what,
+                                      serial=1 + serial) for serial in range(OUTSTANDING))
+                        for what in (("Status",), ("Upcoming", "u", struct.pack("<I", 100)))])
+    else:
+        flood(MOST_CLIENTS, held(sys.argv[2]), DESCRIPTORS)
 
 
 main()

@@ -119,7 +119,7 @@ class BusTest(unittest.TestCase):
                 ("daemon Accept", 1, 0, 1, ""),
                 ("daemon Refuse", 0, 0, 1, f"Refuse was refused: {DAEMON} 0 :1."),
                 ("edits Refuse", 0, 0, 1, f"Refuse was refused: {DAEMON} 0+"),
-                ("daemon Drop", 0, 0, 1, "Drop was refused: The notification was not handled."),
+                ("daemon Drop", 0, 0, 1, "Drop was refused: The call was not handled."),
                 ("daemon Late", 1, 1.4, 3, ""),     # kept alive by pings
                 ("daemon Hold", 0, 2.9, 4.5, "Hold was not handled: no answer.")):
             with self.subTest(name):

@@ -8,10 +8,10 @@
 
 namespace quorel {
 
-/// How many changes users may ask for: ten a minute each.
-class ChangeLimit {
+/// How much each user may have within a minute.
+class UserLimit {
 public:
-    static constexpr std::size_t kMost = 10;
+    explicit UserLimit(std::size_t most) : _most(most) {}
 
     /// Counts one more, unless it is one too many.
     bool admit(unsigned user, std::chrono::steady_clock::time_point now) {
@@ -22,12 +22,13 @@ public:
             each = times.empty() ? _asked.erase(each) : std::next(each);
         }
         auto& times = _asked[user];
-        if (times.size() >= kMost) return false;
+        if (times.size() >= _most) return false;
         times.push_back(now);
         return true;
     }
 
 private:
+    const std::size_t _most;
     std::map<unsigned, std::deque<std::chrono::steady_clock::time_point>> _asked;
 };
 
