@@ -60,19 +60,27 @@ std::size_t wanted(sd_bus_message* call, unsigned most) {
 
 }  // namespace
 
+/// Answered only while answers get away: they are long, and others', to saves as well, would wait behind them.
+template <auto kAnswer>
+int SchedulerInterface::read(sd_bus_message* call, void* self, sd_bus_error* error) {
+    const auto& scheduler = *static_cast<SchedulerInterface*>(self);
+    if (scheduler._callers.areBehind()) return sd_bus_error_set(error, wire::kBusy, "Too much is asked at once.");
+    return (scheduler.*kAnswer)(call);
+}
+
 SchedulerInterface::SchedulerInterface(Callers& callers, Acting& acting, const PlanInPlace& plan)
     : _callers(callers), _acting(acting), _plan(plan) {
     static constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
     static constexpr sd_bus_vtable kMembers[] = {
         SD_BUS_VTABLE_START(0),
         SD_BUS_METHOD_WITH_ARGS(names::kUpcoming, SD_BUS_ARGS("u", most), SD_BUS_RESULT("aa{sv}", occurrences),
-                                &SchedulerInterface::upcoming, kOpen),
+                                &SchedulerInterface::read<&SchedulerInterface::upcoming>, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kOutcomes, SD_BUS_ARGS("u", most), SD_BUS_RESULT("aa{sv}", outcomes),
-                                &SchedulerInterface::outcomes, kOpen),
+                                &SchedulerInterface::read<&SchedulerInterface::outcomes>, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kStatus, SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sv}", status),
-                                &SchedulerInterface::status, kOpen),
+                                &SchedulerInterface::read<&SchedulerInterface::status>, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kModules, SD_BUS_NO_ARGS, SD_BUS_RESULT("aa{sv}", modules),
-                                &SchedulerInterface::modules, kOpen),
+                                &SchedulerInterface::read<&SchedulerInterface::modules>, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kSkip, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT, &SchedulerInterface::skip,
                                 kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kPostpone, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT,
@@ -86,48 +94,43 @@ void SchedulerInterface::changed() {
     sd_bus_emit_signal(_callers.connection(), names::kPath, names::kInterface, names::kChanged, "");
 }
 
-int SchedulerInterface::upcoming(sd_bus_message* call, void* self, sd_bus_error*) {
-    const Acting& acting = static_cast<SchedulerInterface*>(self)->_acting;
+int SchedulerInterface::upcoming(sd_bus_message* call) const {
     Array values;
-    for (const Upcoming& one : acting.scheduler().upcoming(wanted(call, names::kMostUpcoming)))
-        values.push_back(acting.named(valueOf(one)));
+    for (const Upcoming& one : _acting.scheduler().upcoming(wanted(call, names::kMostUpcoming)))
+        values.push_back(_acting.named(valueOf(one)));
     return replyDictionaries(call, values);
 }
 
-int SchedulerInterface::outcomes(sd_bus_message* call, void* self, sd_bus_error*) {
-    const Acting& acting = static_cast<SchedulerInterface*>(self)->_acting;
-    const Array& all = acting.scheduler().outcomes();
+int SchedulerInterface::outcomes(sd_bus_message* call) const {
+    const Array& all = _acting.scheduler().outcomes();
     const auto number = std::min(wanted(call, names::kMostOutcomes), all.size());
     Array last;
-    for (std::size_t i = all.size() - number; i < all.size(); ++i) last.push_back(acting.named(all[i]));
+    for (std::size_t i = all.size() - number; i < all.size(); ++i) last.push_back(_acting.named(all[i]));
     return replyDictionaries(call, last);
 }
 
-int SchedulerInterface::status(sd_bus_message* call, void* self, sd_bus_error*) {
-    const auto& own = *static_cast<SchedulerInterface*>(self);
-    const Acting& acting = own._acting;
-    const Scheduler& scheduler = acting.scheduler();
-    const ComputerAlarms::Obstacle waking = acting.alarms().waking();
+int SchedulerInterface::status(sd_bus_message* call) const {
+    const Scheduler& scheduler = _acting.scheduler();
+    const ComputerAlarms::Obstacle waking = _acting.alarms().waking();
     Array faults;
     for (const ScheduleFault& fault : scheduler.faults()) {
         if (faults.size() == names::kMostUpcoming) break;
-        faults.push_back(acting.named(valueOf(fault)));
+        faults.push_back(_acting.named(valueOf(fault)));
     }
     Dictionary status{{"Version", product::kVersion},
                       {"Acts", waking.fault != "off"},
                       {"Wake Alarm", valueOf(scheduler.armedWake(), waking)},
-                      {"Startup Alarm", valueOf(scheduler.armedStartup(), acting.alarms().starting())},
+                      {"Startup Alarm", valueOf(scheduler.armedStartup(), _acting.alarms().starting())},
                       {"Faults", faults}};
-    if (!own._plan.fault().empty()) status.set("Plan Fault", plainText(own._plan.fault()));
-    if (!acting.stateFault().empty()) status.set("State Fault", plainText(acting.stateFault()));
+    if (!_plan.fault().empty()) status.set("Plan Fault", plainText(_plan.fault()));
+    if (!_acting.stateFault().empty()) status.set("State Fault", plainText(_acting.stateFault()));
     if (scheduler.isClockBehind()) status.set("Clock", "behind");
     return replyDictionary(call, status);
 }
 
-int SchedulerInterface::modules(sd_bus_message* call, void* self, sd_bus_error*) {
+int SchedulerInterface::modules(sd_bus_message* call) const {
     Array modules;
-    for (const ActionDescription& one : static_cast<SchedulerInterface*>(self)->_acting.modules().modules())
-        modules.push_back(one.value());
+    for (const ActionDescription& one : _acting.modules().modules()) modules.push_back(one.value());
     return replyDictionaries(call, modules);
 }
 

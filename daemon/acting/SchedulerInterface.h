@@ -28,10 +28,12 @@ private:
         bool (Acting::*make)(const std::string& token, const std::string& by);
     };
 
-    static int upcoming(sd_bus_message* call, void* self, sd_bus_error* error);
-    static int outcomes(sd_bus_message* call, void* self, sd_bus_error* error);
-    static int status(sd_bus_message* call, void* self, sd_bus_error* error);
-    static int modules(sd_bus_message* call, void* self, sd_bus_error* error);
+    template <auto kAnswer>
+    static int read(sd_bus_message* call, void* self, sd_bus_error* error);
+    int upcoming(sd_bus_message* call) const;
+    int outcomes(sd_bus_message* call) const;
+    int status(sd_bus_message* call) const;
+    int modules(sd_bus_message* call) const;
     static int skip(sd_bus_message* call, void* self, sd_bus_error* error);
     static int postpone(sd_bus_message* call, void* self, sd_bus_error* error);
 

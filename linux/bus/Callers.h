@@ -72,6 +72,7 @@ public:
     /// Where objects for them are to be added.
     sd_bus* connection() const { return _calls.get(); }
     sd_bus* bus() const { return _bus; }
+    bool areBehind() const { return _calls.isBehind(); }
 
     using Known = std::function<void(HeldCall&)>;
     /// Holds a call until it is accepted or refused. `known` is called later, once the user is known; `gone` before
