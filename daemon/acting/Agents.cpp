@@ -19,7 +19,7 @@ namespace names = wire::agents;
 using namespace std::chrono_literals;
 
 constexpr std::size_t kMostAgents = 64;
-constexpr std::size_t kMostRuns = 16;  // of a user at a time
+constexpr std::size_t kMostRuns = 32;  // of a user at a time
 constexpr auto kPatience = 3s;         // with agents, which measure within a second
 constexpr Seconds kJustUsed = 10;      // what agents that watch tell every few seconds
 constexpr Seconds kLongestIdle = 366 * kDay;

@@ -1,4 +1,4 @@
-"""What the tests of the real daemon share: daemon_..._test.py DAEMON KIT_CALLER [SANITIZERS]"""
+"""What the tests of the real daemon share: daemon_..._test.py DAEMON KIT_CALLER"""
 import json
 import os
 import plistlib
@@ -12,7 +12,6 @@ from talk import Talk, main_as_root
 HERE = os.path.dirname(os.path.abspath(__file__))
 SUPPORT = os.path.join(HERE, "../support")
 DAEMON, KIT_CALLER = (os.path.abspath(path) for path in sys.argv[1:3])
-SANITIZED = len(sys.argv) > 3
 NOBODY = 65534
 BUSY, FAILED, INVALID, NOT_AUTHORIZED, STORAGE_FAILED, UNKNOWN = (
     f"com.quorel.Error.{name}" for name in ("Busy", "Failed", "InvalidPreferences", "NotAuthorized", "StorageFailed",

@@ -130,6 +130,14 @@ class ModulesTest(ActingCase):
         self.move_to("23:16")
         self.last("failed", Status=1, Reason="")
 
+    def test_many_of_one_minute(self):
+        self.add_module()
+        self.start_systemd()
+        many = 150  # more than the bus lets a program call at a time
+        self.begin(*(schedule(ACTION, "23:15", number=number) for number in range(many)))
+        self.move_to("23:15")
+        self.wait_for(lambda: self.outcomes() == ["ran"] * many, "all have run")
+
     def test_lets_through_64_kib(self):
         program = f"{self.place}/program"
         with open(program, "w") as file:

@@ -2,7 +2,8 @@
 """What one user can send: flood.py MANNER [ARGUMENT]. Says "flooding" once it has sent as many messages
 as there are clients.
 
-lists FILE     fifty clients, which send lists as fast as the bus takes them; the file holds the one that is stored
+lists FILE     fifty clients, which send lists as fast as the bus takes them; the file holds the one that is stored.
+               As many send them to com.quorel.Test
 reads          fifty clients, which ask how things stand as fast as the bus takes it
 calls TOKEN    all the connections that a user may have: half of them register and skip, half send files with each call
 """
@@ -38,11 +39,10 @@ def text(value):
     return struct.pack("<I", len(value)) + value.encode() + b"\0"
 
 
-def notification(payload):
+def notification(payload, receiver="com.quorel.Daemon"):
     body = padded(padded(text("DaemonMustReloadPrefs"), 4) + text("com.quorel.Daemon"), 4)
     body += struct.pack("<I", len(payload)) + payload
-    return call("/com/quorel/Communication", "com.quorel.Daemon", "com.quorel.Communication1", "PostNotification",
-                "ssay", body)
+    return call("/com/quorel/Communication", receiver, "com.quorel.Communication1", "PostNotification", "ssay", body)
 
 
 def payloads(stored):
@@ -131,7 +131,9 @@ def main():
     manner = sys.argv[1]
     if manner == "lists":
         with open(sys.argv[2], "rb") as file:
-            flood(CLIENTS, [notification(payload) for payload in payloads(plistlib.load(file))])
+            lists = payloads(plistlib.load(file))
+        flood(2 * CLIENTS, [notification(payload, receiver) for payload in lists
+                            for receiver in ("com.quorel.Daemon", "com.quorel.Test")])
     elif manner == "reads":
         flood(CLIENTS, [b"".join(call("/com/quorel/Scheduler", "com.quorel.Daemon", "com.quorel.Scheduler1", *what,
                                       serial=1 + serial) for serial in range(OUTSTANDING))
