@@ -92,8 +92,9 @@ class DaemonCase(unittest.TestCase):
         return Caller(self.system, user)
 
     def probe(self, command="ping-daemon"):
-        """What the pane's side of the channel answers, and in how many seconds."""
-        self.kit = self.kit or Talk(self.system, KIT_CALLER, "1000", "120000", stderr=subprocess.DEVNULL)
+        """What the pane's side of the channel answers, and in how many seconds. It takes five of silence for an answer:
+        longer than any machine needs, and shorter than whatever the daemon waits for."""
+        self.kit = self.kit or Talk(self.system, KIT_CALLER, "5000", "120000", stderr=subprocess.DEVNULL)
         answer, milliseconds = self.kit(command).split()
         return answer == "1", float(milliseconds) / 1000
 
