@@ -33,6 +33,8 @@ EmptyBus::EmptyBus(EventLoop& loop) {
     check(sd_id128_randomize(&id));
     check(sd_bus_set_server(_far.get(), true, id));
     for (sd_bus* bus : {_far.get(), _near.get()}) {
+        // What is still to be said here nobody reads once the loop has ended; waiting for that would never end.
+        check(sd_bus_set_close_on_exit(bus, false));
         check(sd_bus_start(bus));
         check(sd_bus_attach_event(bus, loop.get(), SD_EVENT_PRIORITY_NORMAL));
     }
