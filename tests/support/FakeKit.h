@@ -11,7 +11,7 @@
 namespace quorel::test {
 
 /// A channel to programs that are alive or not, as told. Installs itself as the shared instance while it lives.
-/// Whatever is posted counts as not delivered: the pane is not to mind.
+/// Whatever is posted counts as not delivered, unless told otherwise: the pane is not to mind.
 class FakeCommunicationCenter : public VXCommunicationCenter {
 public:
     FakeCommunicationCenter() { setSharedInstance(this); }
@@ -36,7 +36,7 @@ public:
         bases.push_back(base);
         toDaemon.push_back(notification);
         if (onDaemon) onDaemon(notification);
-        return false;
+        return handles;
     }
     bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) override {
         toAgent.emplace_back(notification, userId);
@@ -45,6 +45,7 @@ public:
 
     bool daemonAlive = false;
     bool agentAlive = false;
+    bool handles = false;                               ///< what is posted to the daemon
     std::function<void()> onPing;                       ///< while a ping is under way
     std::function<void(const Notification&)> onDaemon;  ///< what the daemon does
     std::weak_ptr<VXCommunicationProtocol> observer;

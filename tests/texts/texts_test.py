@@ -85,7 +85,7 @@ class TextsTest(unittest.TestCase):
                     [text for name, text in field.items() if name.startswith("msgstr")] for field in fields}
 
         code = entries("xgettext", "--language=C++", "--from-code=UTF-8", "--keyword=translated", "--keyword=marked",
-                       "--keyword=translatedCount:1,2", "-o", "-", *files(["words/*.cpp", "ctl/*.cpp", "agent/*.cpp", "agent/*/*.cpp"]))
+                       "--keyword=translatedCount:1,2", "-o", "-", *files(["words/*.cpp", "qt/*/*.cpp", "ctl/*.cpp", "agent/*.cpp", "agent/*/*.cpp"]))
         french = entries("msgcat", f"{ROOT}/resources/programs/fr.po")
         self.assertGreater(len(code), 50)
         self.assertEqual(sorted(code.keys() - french.keys()), [], "texts without a French one")

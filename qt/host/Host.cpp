@@ -1,0 +1,306 @@
+#include "qt/host/Host.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <ctime>
+
+#include "model/Preferences.h"
+#include "model/Schedule.h"
+#include "qt/toolkit/Text.h"
+#include "words/Language.h"
+
+namespace quorel::qt {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+std::shared_ptr<Button> wrap(QPushButton* button) {
+    return std::make_shared<Button>(button);
+}
+
+}  // namespace
+
+Host::Host(const Parts& parts)
+    : _parts(parts),
+      _interface(*parts.window.sheet, std::make_shared<ScheduleTable>(parts.window.list), wrap(parts.window.add),
+                 wrap(parts.window.remove), wrap(parts.window.edit)),
+      _controller(VXPrefPaneController::initWithBundle(parts.bundle, _interface, parts.platform)) {
+    connectControls();
+    SettingsWindow& window = _parts.window;
+    window.firstPainted = [this] { select(); };
+    window.mayClose = [this] { return mayClose(); };
+    window.list->schedules().noteOf = [this](int row) { return noteOf(row); };
+    window.sheet->changed = [this] { showForecast(); };
+    _parts.application.main = std::make_shared<Window>(&window);
+
+    // The daemon replaces the file: the folder tells that, too.
+    const QString file = qString(_parts.preferencesFile);
+    _files.addPath(QFileInfo(file).path());
+    _files.addPath(file);
+    _settled.setSingleShot(true);
+    _settled.setInterval(200ms);
+    QObject::connect(&_files, &QFileSystemWatcher::directoryChanged, &_settled, qOverload<>(&QTimer::start));
+    QObject::connect(&_files, &QFileSystemWatcher::fileChanged, &_settled, qOverload<>(&QTimer::start));
+    QObject::connect(&_settled, &QTimer::timeout, &_settled, [this] { fileChanged(); });
+    _minutes.setInterval(20s);
+    QObject::connect(&_minutes, &QTimer::timeout, &_minutes, [this] { showPlan(); });
+    _minutes.start();
+}
+
+void Host::connectControls() {
+    SettingsWindow& window = _parts.window;
+    PaneOutlets& outlets = _controller->outlets;
+    outlets.configView = nullptr;  // the list stands in the window already
+    outlets.applyButton = wrap(window.apply);
+    outlets.revertButton = wrap(window.revert);
+    outlets.authButton = wrap(window.lockButton);
+    outlets.lockDescLabel = std::make_shared<TextField>(window.lockText);
+    outlets.statusDaemon = std::make_shared<TextField>(window.daemonText);
+    outlets.statusDaemonImageView = std::make_shared<ImageView>(window.daemonLight);
+    outlets.statusUserAgent = std::make_shared<TextField>(window.agentText);
+    outlets.statusUserAgentImageView = std::make_shared<ImageView>(window.agentLight);
+    window.optionsDialog->connectTo(*_controller);
+    window.about->connectTo(*_controller);
+    _controller->awakeFromNib();
+
+    const auto on = [&](QPushButton* button, auto action) {
+        QObject::connect(button, &QPushButton::clicked, &window, [action] { action(); });
+    };
+    on(window.apply, [this] { save(); });
+    on(window.useThis, [this] { save(); });
+    on(window.makeOwn, [this] { useOwn(); });
+    on(window.revert, [this] { reread(); });
+    on(window.lockButton, [this] {
+        _controller->toggleAuth(_controller->outlets.authButton.get());
+        showLock();
+        caughtUp();
+    });
+    on(window.add, [this] { addSchedule(); });
+    on(window.edit, [this] { editSelected(); });
+    on(window.remove, [this] { removeSelected(); });
+    on(window.undo, [this] { undoRemoval(); });
+    on(window.showAll, [this] { showPlan(); });
+    window.list->doubleAction = [this] { editSelected(); };
+    window.list->deleteAction = [this] { removeSelected(); };
+    QObject::connect(&window.list->schedules(), &QAbstractItemModel::dataChanged, &window, [this] { showEdits(); });
+    _parts.platform.defaultCenter.addObserver(kMOLConfiguratorHasBeenEditedNotification,
+                                              [this](const Notification&) { showEdits(); });
+}
+
+/// Once, after the window has been seen: what comes now asks other programs.
+void Host::select() {
+    _controller->setVxPrefPaneWindow(_parts.application.main);
+    _controller->didSelect();
+    _isSelected = true;
+    unlockIfGranted();
+    showLock();
+    showList();
+    showPlan();
+}
+
+void Host::unlockIfGranted() {
+    if (!_controller->prefsAreUnlocked() && _controller->isAuthorized())
+        _controller->toggleAuth(_controller->outlets.authButton.get());
+}
+
+bool Host::isBusy() const {
+    return _isSaving || _isAsking || _parts.patience.isWaiting() || _parts.application.isModal() ||
+           _parts.window.list->isDragging();
+}
+
+bool Host::mayClose() {
+    if (!_isSelected) return true;
+    if (isBusy()) return false;
+    if (!_controller->hasEdits()) return true;
+    QMessageBox question(&_parts.window);
+    question.setWindowTitle(QStringLiteral("Quorel"));
+    question.setText(qString(translated("You have changes that are not stored yet.")));
+    const auto* const apply = question.addButton(qString(translated("Apply")), QMessageBox::AcceptRole);
+    const auto* const discard =
+        question.addButton(qString(translated("Discard changes")), QMessageBox::DestructiveRole);
+    question.addButton(qString(translated("Cancel")), QMessageBox::RejectRole);
+    _isAsking = true;
+    question.exec();
+    _isAsking = false;
+    caughtUp();
+    if (question.clickedButton() == discard) return true;
+    if (question.clickedButton() != apply) return false;
+    return saveBy(&VXPrefPaneController::willUnselect);
+}
+
+void Host::leave() {
+    if (_isSelected && !_isSaving && _controller->hasEdits()) {
+        _isSaving = true;
+        QTimer::singleShot(2s, qApp, [] { std::quick_exit(0); });
+        _controller->willUnselect();
+    }
+    std::quick_exit(0);
+}
+
+void Host::save() {
+    if (isBusy()) return;
+    if (saveBy(&VXPrefPaneController::savePrefs)) _beforeRemoval.reset();
+    showList();
+    caughtUp();
+}
+
+/// The pane reads the file again, whatever the daemon has answered. What it has refused is put back: nobody's edits go
+/// without a word. False where they are not stored.
+bool Host::saveBy(void (VXPrefPaneController::*how)()) {
+    const PaneOutlets& outlets = _controller->outlets;
+    VXConfigurator& configurator = *_controller->configurator();
+    const Array list = configurator.scheduleArray();
+    const int updates = outlets.checkUpdateAtStartup->state(), frequency = outlets.popUpUpdate->indexOfSelectedItem(),
+              menu = outlets.menuCheck->state();
+    _isSaving = true;
+    (_controller.get()->*how)();
+    _isSaving = false;
+    switch (_parts.center.takeLastSave()) {
+        case PatientCenter::Save::kNoDaemon:
+            _parts.window.notice(
+                qString(translated("The daemon does not answer. Your changes are kept here, and not stored.")));
+            return false;
+        case PatientCenter::Save::kNotHandled:
+            configurator.setScheduleArray(Value(list));
+            outlets.checkUpdateAtStartup->setState(updates);
+            outlets.popUpUpdate->selectItemAtIndex(frequency);
+            outlets.menuCheck->setState(menu);
+            _controller->setNeedsSave(nullptr);
+            _parts.window.notice(
+                qString(translated("The daemon has refused your changes. They are kept here, and not "
+                                   "stored.")));
+            return false;
+        default:
+            _parts.window.notice({});
+            return true;
+    }
+}
+
+void Host::reread() {
+    _isStale = false;
+    _controller->getPrefs();
+    _beforeRemoval.reset();
+    showList();
+}
+
+void Host::fileChanged() {
+    const QString file = qString(_parts.preferencesFile);
+    if (!_files.files().contains(file)) _files.addPath(file);
+    _isStale = true;
+    caughtUp();
+}
+
+/// What others have stored meanwhile is shown, unless it would take away what somebody is doing here.
+void Host::caughtUp() {
+    if (_isStale && _isSelected && !isBusy() && !_controller->hasEdits()) reread();
+}
+
+void Host::addSchedule() {
+    _parts.window.sheet->prepare(true);
+    _controller->configurator()->addSchedule(_controller->outlets.applyButton.get());
+    showList();
+    caughtUp();
+}
+
+void Host::editSelected() {
+    const auto& configurator = *_controller->configurator();
+    if (configurator.isLocked() || configurator.outlets.tableView->selectedRow() < 0) return;
+    _parts.window.sheet->prepare(false);
+    _controller->configurator()->editSchedule(nullptr);
+    showList();
+    caughtUp();
+}
+
+void Host::removeSelected() {
+    auto& configurator = *_controller->configurator();
+    const int row = configurator.outlets.tableView->selectedRow();
+    if (configurator.isLocked() || row < 0) return;
+    const Array before = configurator.scheduleArray();
+    const QModelIndex index = _parts.window.list->schedules().index(row, kActionColumn);
+    const QString what =
+        index.data().toString() + QLatin1Char(' ') + index.siblingAtColumn(kTimeColumn).data().toString();
+    configurator.deleteSchedule(nullptr);
+    if (configurator.scheduleArray().size() == before.size()) {
+        _parts.window.notice(qString(translated("The last Schedule cannot be deleted. It can be switched off.")));
+        return;
+    }
+    _beforeRemoval = before;
+    _parts.window.undo->setText(qString(filled(translated("Undo: deleted “{1}”"), {stdString(what)})));
+    showList();
+}
+
+void Host::undoRemoval() {
+    if (!_beforeRemoval) return;
+    _controller->configurator()->setScheduleArray(Value(*std::exchange(_beforeRemoval, std::nullopt)));
+    _controller->setNeedsSave(nullptr);
+    showList();
+}
+
+/// The suggestion's first, changed as somebody likes it, is all that there is to be.
+void Host::useOwn() {
+    auto& configurator = *_controller->configurator();
+    if (configurator.scheduleArray().empty()) return;
+    const Array before = configurator.scheduleArray();
+    _parts.window.list->setCurrentIndex(_parts.window.list->schedules().index(0, kActionColumn));
+    editSelected();
+    const Array& after = configurator.scheduleArray();
+    if (after.empty() || after == before) return;
+    configurator.setScheduleArray(Value(Array{after.front()}));
+    _controller->setNeedsSave(nullptr);
+    showList();
+}
+
+void Host::showLock() {
+    const bool locked = _controller->configurator()->isLocked();
+    _parts.window.lockBar->setVisible(locked);
+    for (QPushButton* button : {_parts.window.useThis, _parts.window.makeOwn}) button->setEnabled(!locked);
+    if (locked) _parts.window.lockText->setText(qString(translated("Changing the plan takes an administrator.")));
+}
+
+void Host::showEdits() {
+    if (!_isSelected) return;
+    const bool canSave = !_controller->configurator()->isLocked() && _controller->hasEdits();
+    for (QPushButton* button : {_parts.window.apply, _parts.window.revert}) button->setEnabled(canSave);
+}
+
+void Host::showList() {
+    _suggests = !_parts.platform.files.dictionaryWithContentsOfFile(preferences::kFile).isDictionary() &&
+                !_controller->hasEdits();
+    _parts.window.suggest(_suggests);
+    _parts.window.undo->setVisible(_beforeRemoval.has_value());
+    showEdits();
+}
+
+RowNote Host::noteOf(int row) const {
+    const Array& schedules = _controller->configurator()->scheduleArray();
+    if (row < 0 || static_cast<std::size_t>(row) >= schedules.size()) return {};
+    const Forecast::Answer answer = _forecast.of(schedules[static_cast<std::size_t>(row)]);
+    if (answer.isOff) return {qString(translated("off")), {}};
+    if (!answer.at) return {qString(translated("never")), qString(answer.fault)};
+    return {qString(nearText(*answer.at, std::time(nullptr))), {}};
+}
+
+void Host::showForecast() {
+    const Forecast::Answer answer = _forecast.of(_parts.window.sheet->timeAndDays());
+    if (!answer.at) return _parts.window.sheet->showNext(qString(answer.fault), true);
+    _parts.window.sheet->showNext(qString(filled(translated("Next: {1}"), {nearText(*answer.at, std::time(nullptr))})),
+                                  false);
+}
+
+void Host::showPlan() {
+    constexpr std::size_t kAtAGlance = 3, kAll = 500;
+    SettingsWindow& window = _parts.window;
+    window.next->show();
+    const bool all = window.showAll->isChecked();
+    window.happened->show(_parts.plan.outcomes(), all ? kAll : kAtAGlance);
+    const int line = window.happened->sizeHintForRow(0), frame = 2 * window.happened->frameWidth();
+    window.happened->setMinimumHeight(std::max(line, 0) * (all ? 5 : 1) + frame);
+    window.happened->setMaximumHeight(std::max(line, 0) * (all ? 12 : 3) + frame);
+    window.list->schedules().refreshNotes();
+}
+
+}  // namespace quorel::qt

@@ -1,0 +1,104 @@
+#include "qt/host/Plan.h"
+
+#include <exception>
+#include <utility>
+
+#include "kit/MOLLog.h"
+#include "linux/bus/BusValues.h"
+#include "model/Names.h"
+
+namespace quorel::qt {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kPatience = 20s;
+constexpr auto kPersonsPatience = 10min;  // polkit may ask for a password
+constexpr auto kPause = 300ms;
+constexpr unsigned kMostUpcoming = 20;
+
+BusConnection connectIfThere(EventLoop& loop) try {
+    BusConnection bus = connectTo(Bus::System, loop);
+    sd_bus_set_exit_on_disconnect(bus.get(), false);
+    return bus;
+} catch (const std::exception& exception) {
+    MOLLog("Nothing is shown of what is planned, on the system's bus: %s.", exception.what());
+    return {};
+}
+
+}  // namespace
+
+Plan::Plan(EventLoop& loop, std::function<void()> changed)
+    : _changed(std::move(changed)), _bus(connectIfThere(loop)), _pause(loop, [this] {
+          if (std::exchange(_again, false)) fetch();
+      }) {
+    if (!_bus) return;
+    const std::string daemon(kDaemonName);
+    _owner = watchOwner(_bus.get(), daemon, [this](const std::string& owner) {
+        _isThere = !owner.empty();
+        fetch();
+    });
+    _hints = watchSignals(_bus.get(), daemon,
+                          std::string("member='Changed',interface='") + wire::scheduler::kInterface + "'",
+                          [this](sd_bus_message*) { fetch(); });
+    fetch();
+}
+
+void Plan::fetch() {
+    if (!_bus) return;
+    if (_missing > 0 || _pause.isRunning()) {
+        _again = true;
+        return;
+    }
+    _missing = 3;
+    read(wire::scheduler::kUpcoming, kMostUpcoming, _upcoming);
+    read(wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes, _outcomes);
+    read(wire::scheduler::kStatus, 0, _status);
+}
+
+void Plan::read(const char* method, unsigned most, Value& into) {
+    const auto call =
+        newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
+    if (most > 0) sd_bus_message_append(call.get(), "u", most);
+    sd_bus_message_set_auto_start(call.get(), false);
+    send(method, call, [this, &into](sd_bus_message* reply) {
+        const bool answered = !errorOf(reply);
+        into = answered ? readValue(reply).value_or(Value()) : Value();
+        _isThere = answered;
+        fetched();
+    });
+}
+
+void Plan::send(const std::string& key, const BusMessagePointer& call, std::function<void(sd_bus_message*)> replied) {
+    const auto limit =
+        key.size() > 12 ? std::chrono::microseconds(kPersonsPatience) : std::chrono::microseconds(kPatience);
+    _calls[key] =
+        callAsync(_bus.get(), call.get(), limit, [this, key, replied = std::move(replied)](sd_bus_message* reply) {
+            const auto ended = _calls.extract(key);
+            replied(reply);
+        });
+    if (_calls[key]) return;
+    _calls.erase(key);
+}
+
+void Plan::fetched() {
+    if (_missing == 0 || --_missing > 0) return;
+    _pause.start(kPause);
+    _changed();
+}
+
+void Plan::change(const char* method, const std::string& token, Done done) {
+    if (!_bus) return;
+    const auto call =
+        newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
+    sd_bus_message_append(call.get(), "s", token.c_str());
+    sd_bus_message_set_allow_interactive_authorization(call.get(), true);
+    send(method + token, call, [this, done = std::move(done)](sd_bus_message* reply) {
+        const BusError error = errorOf(reply);
+        done(error.name, error.message);
+        fetch();
+    });
+}
+
+}  // namespace quorel::qt

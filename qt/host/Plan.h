@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "linux/bus/Bus.h"
+#include "model/Value.h"
+
+namespace quorel::qt {
+
+/// The daemon's side of what the window shows: what comes next, what happened, how it is. Fetched by calls to the
+/// daemon's name, again whenever a signal says that it may be worth it. The thread of the loop.
+class Plan {
+public:
+    /// An error's name and text; both empty where it was done.
+    using Done = std::function<void(const std::string& error, const std::string& text)>;
+
+    Plan(EventLoop& loop, std::function<void()> changed);
+    Plan(const Plan&) = delete;
+
+    bool isThere() const { return _isThere; }
+    const Array& upcoming() const { return _upcoming.array(); }
+    const Array& outcomes() const { return _outcomes.array(); }  ///< oldest first
+    const Value& status() const { return _status; }
+
+    void fetch();
+    /// Calls one of the daemon's methods, which asks polkit and with it a person; `done` is called later, once.
+    void change(const char* method, const std::string& token, Done done);
+
+private:
+    void read(const char* method, unsigned most, Value& into);
+    void send(const std::string& key, const BusMessagePointer& call, std::function<void(sd_bus_message*)> replied);
+    void fetched();
+
+    const std::function<void()> _changed;
+    BusConnection _bus;
+    BusSlot _owner, _hints;
+    std::map<std::string, BusSlot> _calls;
+    LoopTimer _pause;
+    int _missing = 0;
+    bool _again = false;
+    bool _isThere = false;
+    Value _upcoming, _outcomes, _status;
+};
+
+}  // namespace quorel::qt

@@ -1,0 +1,188 @@
+#include "qt/sheet/EditSheet.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimeEdit>
+#include <QVBoxLayout>
+
+#include "model/Dictionary.h"
+#include "model/Schedule.h"
+#include "qt/list/ScheduleTable.h"
+#include "qt/sheet/DayButton.h"
+#include "qt/toolkit/Services.h"
+#include "qt/toolkit/Text.h"
+#include "words/Language.h"
+
+namespace quorel::qt {
+
+EditSheet::EditSheet(QWidget* parent)
+    : QDialog(parent, Qt::Dialog | Qt::WindowCloseButtonHint),
+      _action(new QComboBox(this)),
+      _options(new QWidget(this)),
+      _noOptions(new QLabel(this)),
+      _time(new QTimeEdit(this)),
+      _everyDay(new QPushButton(qString(translated("Every day")), this)),
+      _wakes(new QCheckBox(qString(translated("Wake the computer up")), this)),
+      _starts(new QCheckBox(qString(translated("Turn the computer on")), this)),
+      _next(new QLabel(this)),
+      _save(new QPushButton(this)),
+      _title(new QLabel(this)) {
+    QFont titleFont = font();
+    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.3);
+    titleFont.setBold(true);
+    _title->setFont(titleFont);
+
+    _action->setAccessibleName(qString(translated("Action")));
+    _time->setAccessibleName(qString(translated("Time")));
+    _time->setDisplayFormat(shortTimeFormat());
+    _time->setWrapping(true);
+    _noOptions->hide();
+
+    auto* const days = new QHBoxLayout;
+    days->setSpacing(4);
+    for (std::size_t day = 0; day < _days.size(); ++day) {
+        _days[day] = new DayButton(this, static_cast<int>(day));
+        days->addWidget(_days[day]);
+    }
+    _everyDay->setAutoDefault(false);
+    days->addStretch();
+    days->addWidget(_everyDay);
+
+    auto* const form = new QFormLayout;
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    form->addRow(qString(translated("What")), _action);
+    form->addRow(QString(), _options);
+    form->addRow(qString(translated("When")), _time);
+    form->addRow(qString(translated("Days")), days);
+    form->addRow(qString(translated("Computer")), _wakes);
+    form->addRow(QString(), _starts);
+
+    _next->setWordWrap(true);
+    _next->setTextFormat(Qt::PlainText);
+    auto* const cancel = new QPushButton(qString(translated("Cancel")), this);
+    cancel->setAutoDefault(false);
+    _save->setDefault(true);
+    auto* const buttons = new QDialogButtonBox(this);
+    buttons->addButton(cancel, QDialogButtonBox::RejectRole);
+    buttons->addButton(_save, QDialogButtonBox::AcceptRole);
+    connect(buttons, &QDialogButtonBox::rejected, this, &EditSheet::reject);
+
+    auto* const whole = new QVBoxLayout(this);
+    whole->addWidget(_title);
+    whole->addLayout(form);
+    whole->addWidget(_next);
+    whole->addStretch();
+    whole->addWidget(buttons);
+}
+
+void EditSheet::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (changed) changed();
+}
+
+void EditSheet::prepare(bool adding) {
+    const QString title = qString(adding ? translated("New schedule") : translated("Schedule"));
+    setWindowTitle(title);
+    _title->setText(title);
+    _save->setText(qString(adding ? translated("Add") : translated("Save")));
+    _action->setFocus();
+    adjustSize();
+}
+
+void EditSheet::reject() {
+    if (_owner) _owner->closeEditSheet(nullptr);
+}
+
+void EditSheet::showNext(const QString& text, bool isFault) {
+    QPalette palette = this->palette();
+    if (isFault)
+        palette.setColor(QPalette::WindowText, palette.color(QPalette::Window).lightness() < 128 ? QColor(255, 138, 128)
+                                                                                                 : QColor(176, 32, 22));
+    _next->setPalette(palette);
+    _next->setText(text);
+}
+
+Value EditSheet::timeAndDays() const {
+    Dictionary schedule{{schedule_keys::kIsEnabled, 1},
+                        {schedule_keys::kActionHour, _time->time().hour()},
+                        {schedule_keys::kActionMinute, _time->time().minute()}};
+    for (std::size_t day = 0; day < _days.size(); ++day)
+        schedule.set(schedule_keys::kActiveOnDays[day], _days[day]->isChecked() ? 1 : 0);
+    return schedule;
+}
+
+bool EditSheet::isAskedToWake() const {
+    return _wakes->isChecked();
+}
+
+void EditSheet::connectTo(VXConfigurator& owner) {
+    _owner = &owner;
+    auto& outlets = owner.outlets;
+    outlets.editSheet = std::make_shared<Window>(this);
+    outlets.editCustomView = std::make_shared<View>(_options);
+    outlets.blankOptionsView = std::make_shared<View>(_noOptions);
+    outlets.timeControl = std::make_shared<DatePicker>(_time);
+    outlets.popUpType = std::make_shared<PopUpButton>(_action);
+    outlets.selectAllButton = std::make_shared<Button>(_everyDay);
+    outlets.startupEdit = std::make_shared<Button>(_starts);
+    outlets.wakeUpEdit = std::make_shared<Button>(_wakes);
+    outlets.actionStateEdit = std::make_shared<ImageView>(nullptr);
+    outlets.progressEdit = std::make_shared<ProgressIndicator>();
+    for (std::size_t day = 0; day < _days.size(); ++day) outlets.activeOn[day] = std::make_shared<Button>(_days[day]);
+
+    const auto tell = [this] {
+        if (changed) changed();
+    };
+    const auto boxChanged = [this, tell](Button& sender) {
+        _owner->checkboxAction(&sender);
+        tell();
+    };
+    connect(_action, qOverload<int>(&QComboBox::activated), this, [this, tell] {
+        _owner->selectActionType(_owner->outlets.popUpType.get());
+        adjustSize();
+        tell();
+    });
+    for (const auto& button : outlets.activeOn) {
+        connect(static_cast<Button&>(*button).native(), &QAbstractButton::clicked, this,
+                [boxChanged, button] { boxChanged(static_cast<Button&>(*button)); });
+    }
+    for (const auto& button : {outlets.wakeUpEdit, outlets.startupEdit}) {
+        connect(static_cast<Button&>(*button).native(), &QAbstractButton::clicked, this,
+                [boxChanged, button] { boxChanged(static_cast<Button&>(*button)); });
+    }
+    connect(_everyDay, &QAbstractButton::clicked, this, [this, tell] {
+        _owner->checkAllDays(_owner->outlets.selectAllButton.get());
+        tell();
+    });
+    connect(_time, &QTimeEdit::timeChanged, this, tell);
+    connect(_save, &QAbstractButton::clicked, this, [this] { _owner->saveSchedule(nullptr); });
+}
+
+ConfiguratorInterface::ConfiguratorInterface(EditSheet& sheet, std::shared_ptr<TableView> table,
+                                             std::shared_ptr<Button> add, std::shared_ptr<Button> remove,
+                                             std::shared_ptr<Button> edit)
+    : _sheet(sheet),
+      _table(std::move(table)),
+      _add(std::move(add)),
+      _remove(std::move(remove)),
+      _edit(std::move(edit)) {}
+
+bool ConfiguratorInterface::loadNibNamedOwner(std::string_view, VXConfigurator& owner) {
+    owner.outlets.mainView = std::make_shared<View>(static_cast<ScheduleTable&>(*_table).native());
+    owner.outlets.tableView = _table;
+    owner.outlets.addButton = _add;
+    owner.outlets.deleteButton = _remove;
+    owner.outlets.editButton = _edit;
+    owner.outlets.progressMain = std::make_shared<ProgressIndicator>();
+    _sheet.connectTo(owner);
+    static_cast<ScheduleTable&>(*_table).setSource(&owner);
+    owner.awakeFromNib();
+    return true;
+}
+
+}  // namespace quorel::qt

@@ -1,0 +1,209 @@
+#include "qt/sheet/OptionForm.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTimeEdit>
+
+#include "model/TimeOfDay.h"
+#include "qt/toolkit/Services.h"
+#include "qt/toolkit/Text.h"
+#include "qt/toolkit/Views.h"
+#include "qt/window/Card.h"
+#include "words/Language.h"
+
+namespace quorel::qt {
+
+OptionForm::OptionForm(const ActionDescription& description, std::string_view language, std::function<void()> changed)
+    : _description(description), _language(language), _changed(std::move(changed)) {
+    auto* const form = new QFormLayout(this);
+    form->setContentsMargins(0, 0, 0, 0);
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    for (const Option& option : _description.options) add(*form, option);
+    for (const DescriptionFault& fault : _description.faults) {
+        const std::string text =
+            fault.key.empty() ? std::string(fault.code) : std::string(fault.code) + ": " + fault.key;
+        auto* const line = makeLabel(this, Weight::kText,
+                                     qString(filled(translated("This action's description is faulty: {1}"), {text})));
+        line->setWordWrap(true);
+        form->addRow(line);
+    }
+}
+
+QString OptionForm::say(const Dictionary& texts) const {
+    return qString(inLanguage(texts, _language));
+}
+
+void OptionForm::add(QFormLayout& form, const Option& option) {
+    const QString label = say(option.label), unit = say(option.unit), help = say(option.help);
+    _fields.push_back(fieldOf(option));
+    const Field& field = _fields.back();
+    field.control->setAccessibleName(unit.isEmpty() ? label : label + QLatin1Char(' ') + unit);
+    field.control->setAccessibleDescription(help);
+    field.control->setToolTip(help);
+    if (option.kind == OptionKind::kFlag) {
+        form.addRow(field.row);
+    } else {
+        form.addRow(label, field.row);
+        if (auto* const buddy = qobject_cast<QLabel*>(form.labelForField(field.row))) buddy->setBuddy(field.control);
+    }
+    if (help.isEmpty()) return;
+    auto* const line = makeLabel(this, Weight::kSmall, help);
+    line->setWordWrap(true);
+    line->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::MinimumExpanding);
+    form.addRow(QString(), line);
+}
+
+OptionForm::Field OptionForm::fieldOf(const Option& option) {
+    switch (option.kind) {
+        case OptionKind::kFlag:
+            return flag(option);
+        case OptionKind::kNumber:
+            return number(option);
+        case OptionKind::kText:
+            return text(option);
+        case OptionKind::kLines:
+            return lines(option);
+        case OptionKind::kChoice:
+            return choice(option);
+        case OptionKind::kTime:
+            break;
+    }
+    return time(option);
+}
+
+OptionForm::Field OptionForm::flag(const Option& option) {
+    auto* const box = new QCheckBox(say(option.label), this);
+    connect(box, &QCheckBox::clicked, this, [this] {
+        enableDependent();
+        _changed();
+    });
+    return {option, box, box, [box](const Value& value) { box->setChecked(value.intValue() != 0); },
+            [box] { return Value(box->isChecked()); }};
+}
+
+OptionForm::Field OptionForm::number(const Option& option) {
+    auto* const box = new QSpinBox(this);
+    box->setRange(option.least, option.most);
+    if (const QString unit = say(option.unit); !unit.isEmpty()) box->setSuffix(QLatin1Char(' ') + unit);
+    connect(box, qOverload<int>(&QSpinBox::valueChanged), this, _changed);
+    return {option, box, box,
+            [box](const Value& value) {
+                const QSignalBlocker quiet(box);
+                box->setValue(value.intValue());
+            },
+            [box] { return Value(box->value()); }};
+}
+
+OptionForm::Field OptionForm::text(const Option& option) {
+    auto* const line = new QLineEdit(this);
+    connect(line, &QLineEdit::textEdited, this, _changed);
+    QWidget* row = line;
+    if (option.isFile) {
+        row = new QWidget(this);
+        auto* const choose = new QPushButton(qString(translated("Choose…")), row);
+        choose->setAutoDefault(false);
+        auto* const layout = new QHBoxLayout(row);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(line);
+        layout->addWidget(choose);
+        connect(choose, &QPushButton::clicked, this, [this, line] {
+            const QString file = QFileDialog::getOpenFileName(this, {}, line->text());
+            if (!file.isEmpty()) line->setText(file);
+            if (!file.isEmpty()) _changed();
+        });
+    }
+    return {option, line, row, [line](const Value& value) { line->setText(qString(value.text())); },
+            [line] { return Value(stdString(line->text())); }};
+}
+
+OptionForm::Field OptionForm::lines(const Option& option) {
+    constexpr int kLines = 4;
+    auto* const box = new QPlainTextEdit(this);
+    box->setTabChangesFocus(true);
+    box->setFixedHeight(box->fontMetrics().lineSpacing() * kLines + 2 * box->frameWidth() + 8);
+    connect(box, &QPlainTextEdit::textChanged, this, _changed);
+    return {option, box, box,
+            [box](const Value& value) {
+                const QSignalBlocker quiet(box);
+                box->setPlainText(qString(value.text()));
+            },
+            [box] { return Value(stdString(box->toPlainText())); }};
+}
+
+OptionForm::Field OptionForm::choice(const Option& option) {
+    auto* const box = new QComboBox(this);
+    for (const Choice& one : option.choices) box->addItem(say(one.names), qString(one.value));
+    connect(box, qOverload<int>(&QComboBox::activated), this, _changed);
+    return {option, box, box, [box](const Value& value) { box->setCurrentIndex(box->findData(qString(value.text()))); },
+            [box] { return Value(stdString(box->currentData().toString())); }};
+}
+
+OptionForm::Field OptionForm::time(const Option& option) {
+    auto* const box = new QTimeEdit(this);
+    box->setDisplayFormat(shortTimeFormat());
+    box->setWrapping(true);
+    connect(box, &QTimeEdit::timeChanged, this, _changed);
+    return {option, box, box,
+            [box](const Value& value) {
+                const QSignalBlocker quiet(box);
+                const int minute = minuteOfDay(value.text()).value_or(0);
+                box->setTime(QTime(minute / 60, minute % 60));
+            },
+            [box] { return Value(timeOfDay(box->time().hour() * 60 + box->time().minute())); }};
+}
+
+void OptionForm::show(const Value& parameters) {
+    for (const Field& field : _fields) field.set(parameters[field.option.key]);
+    enableDependent();
+}
+
+Value OptionForm::taken(const Value& parameters) const {
+    Value taken = parameters;
+    for (const Field& field : _fields) taken = taken.with(field.option.key, field.get());
+    return taken;
+}
+
+namespace {
+
+/// The widget is the sheet's, once it stands there; until then it is nobody's.
+class PlacedForm : public quorel::OptionsForm {
+public:
+    explicit PlacedForm(OptionForm* form) : _view(std::make_shared<View>(form)), _form(form) {}
+    std::shared_ptr<quorel::View> view() override { return _view; }
+    void show(const Value& parameters) override {
+        if (_form) _form->show(parameters);
+    }
+    Value shown() override { return _form ? _form->taken(Value()) : Value(); }
+
+private:
+    const std::shared_ptr<View> _view;
+    const QPointer<OptionForm> _form;
+};
+
+}  // namespace
+
+std::unique_ptr<quorel::OptionsForm> OptionForms::formOf(const ActionDescription& action) {
+    return std::make_unique<PlacedForm>(new OptionForm(action, language(), [this] {
+        if (changed) changed();
+    }));
+}
+
+std::string OptionForms::language() const {
+    return usersLanguage();
+}
+
+void OptionForm::enableDependent() {
+    const Value now = taken(Value());
+    for (const Field& field : _fields)
+        field.row->setEnabled(field.option.dependsOn.empty() || now[field.option.dependsOn].intValue() != 0);
+}
+
+}  // namespace quorel::qt

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "actions/ActionDescription.h"
+#include "configurator/VXDescribedPlugIn.h"
+
+class QFormLayout;
+
+namespace quorel::qt {
+
+/// The options of an action as controls, made from its description; what is wrong with the description, where it is not
+/// sound. Main thread.
+class OptionForm : public QWidget {
+public:
+    /// `language` as "en". `changed` is called after each change by a person.
+    OptionForm(const ActionDescription& description, std::string_view language, std::function<void()> changed);
+
+    /// Shows parameters that are complete.
+    void show(const Value& parameters);
+    /// These parameters with what the controls say.
+    Value taken(const Value& parameters) const;
+
+private:
+    struct Field {
+        const Option& option;
+        QWidget* control;
+        QWidget* row;  ///< with what stands around the control
+        std::function<void(const Value&)> set;
+        std::function<Value()> get;
+    };
+    Field fieldOf(const Option& option);
+    Field flag(const Option& option);
+    Field number(const Option& option);
+    Field text(const Option& option);
+    Field lines(const Option& option);
+    Field choice(const Option& option);
+    Field time(const Option& option);
+    void add(QFormLayout& form, const Option& option);
+    void enableDependent();
+    QString say(const Dictionary& texts) const;
+
+    const ActionDescription _description;
+    const std::string _language;
+    const std::function<void()> _changed;
+    std::vector<Field> _fields;
+};
+
+/// Makes such forms for the sheet. Main thread.
+class OptionForms : public quorel::OptionsForms {
+public:
+    std::unique_ptr<quorel::OptionsForm> formOf(const ActionDescription& action) override;
+    std::string language() const override;
+
+    std::function<void()> changed;  ///< a person has changed something
+};
+
+}  // namespace quorel::qt

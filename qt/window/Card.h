@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QFrame>
+
+class QLabel;
+
+namespace quorel::qt {
+
+/// A part of the window, set off from the ground by a frame of its own.
+class Card : public QFrame {
+public:
+    explicit Card(QWidget* parent);
+};
+
+enum class Weight { kTitle, kHeading, kText, kSmall };
+/// A line of text in the window's own scale; nothing in it is interpreted.
+QLabel* makeLabel(QWidget* parent, Weight weight, const QString& text = {});
+
+}  // namespace quorel::qt

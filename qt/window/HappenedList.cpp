@@ -1,0 +1,72 @@
+#include "qt/window/HappenedList.h"
+
+#include <QHeaderView>
+#include <algorithm>
+#include <array>
+
+#include "qt/toolkit/Text.h"
+#include "scheduler/Outcome.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
+
+namespace quorel::qt {
+
+namespace {
+
+enum Sort { kWell, kLeftOut, kFailed };
+
+Sort sortOf(std::string_view code) {
+    constexpr std::array kGood = {outcome::kSlept,        outcome::kShutDown, outcome::kWokeUp,     outcome::kStarted,
+                                  outcome::kAwakeAlready, outcome::kRan,      outcome::kBackToSleep};
+    constexpr std::array kBad = {outcome::kFailed,  outcome::kTimedOut, outcome::kNotStarted, outcome::kMissed,
+                                 outcome::kRefused, outcome::kGaveUp,   outcome::kStateLost,  outcome::kUnknown};
+    if (std::ranges::find(kGood, code) != kGood.end()) return kWell;
+    return std::ranges::find(kBad, code) != kBad.end() ? kFailed : kLeftOut;
+}
+
+}  // namespace
+
+HappenedList::HappenedList(QWidget* parent) : QTreeWidget(parent) {
+    setColumnCount(4);
+    setHeaderLabels({qString(translated("Result")), qString(translated("Time")), qString(translated("Action")),
+                     qString(translated("What became of it"))});
+    setHeaderHidden(true);
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setSelectionMode(SingleSelection);
+    setAccessibleName(qString(translated("What happened")));
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    header()->setStretchLastSection(true);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+}
+
+void HappenedList::show(const Array& outcomes, std::size_t most) {
+    clear();
+    const bool isDark = palette().color(QPalette::Base).lightness() < 128;
+    for (auto one = outcomes.rbegin(); one != outcomes.rend() && most > 0; ++one, --most) {
+        const Sort sort = sortOf((*one)["Code"].text());
+        const Instant due = (*one)["Due"].integer();
+        const std::string sentence = outcomeText(*one);
+        auto* const item =
+            new QTreeWidgetItem(this, {QString::fromUtf8(sort == kWell     ? "✓"
+                                                         : sort == kFailed ? "✗"
+                                                                           : "–"),
+                                       qString(momentText(due != 0 ? due : (*one)["At"].integer())),
+                                       due != 0 ? qString(actionName(*one)) : QString(), qString(sentence)});
+        const char* const spoken = sort == kWell     ? translated("done")
+                                   : sort == kFailed ? translated("failed")
+                                                     : translated("not done");
+        item->setData(0, Qt::AccessibleTextRole, qString(spoken));
+        item->setToolTip(3, qString(sentence));
+        if (sort != kFailed) continue;
+        for (const int column : {0, 3})
+            item->setForeground(column, isDark ? QColor(255, 138, 128) : QColor(176, 32, 22));
+    }
+    if (topLevelItemCount() == 0) {
+        auto* const item = new QTreeWidgetItem(this, {qString(translated("Nothing has happened yet."))});
+        item->setDisabled(true);
+        item->setFirstColumnSpanned(true);
+    }
+}
+
+}  // namespace quorel::qt

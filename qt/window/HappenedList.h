@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QTreeWidget>
+
+#include "model/Value.h"
+
+namespace quorel::qt {
+
+/// What became of the plan, the newest first: a sentence a line, failures marked.
+class HappenedList : public QTreeWidget {
+public:
+    explicit HappenedList(QWidget* parent);
+
+    /// The last `most` of them.
+    void show(const Array& outcomes, std::size_t most);
+};
+
+}  // namespace quorel::qt

@@ -1,0 +1,153 @@
+#include "qt/window/SettingsWindow.h"
+
+#include <QCloseEvent>
+#include <QGraphicsOpacityEffect>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "qt/toolkit/Text.h"
+#include "words/Language.h"
+
+namespace quorel::qt {
+
+namespace {
+
+QPushButton* button(QWidget* parent, const char* text) {
+    auto* const made = new QPushButton(qString(text), parent);
+    made->setAutoDefault(false);
+    return made;
+}
+
+}  // namespace
+
+SettingsWindow::SettingsWindow(Plan& plan, const QString& copyright, const QString& picture)
+    : lockBar(new QFrame(this)),
+      lockText(makeLabel(lockBar, Weight::kText)),
+      lockButton(button(lockBar, translated("Unlock…"))),
+      noticeBar(new QFrame(this)),
+      noticeText(makeLabel(noticeBar, Weight::kText)),
+      noticeClose(button(noticeBar, translated("Close"))),
+      next(new NextCard(this, plan, [this](const QString& failure) { notice(failure); })),
+      add(button(this, translated("Add…"))),
+      edit(button(this, translated("Edit…"))),
+      remove(button(this, translated("Delete"))),
+      list(new ScheduleList(this)),
+      suggestion(new Card(this)),
+      useThis(button(suggestion, translated("Use this"))),
+      makeOwn(button(suggestion, translated("Make my own…"))),
+      happened(new HappenedList(this)),
+      showAll(button(this, translated("Show all"))),
+      daemonLight(new QLabel(this)),
+      daemonText(makeLabel(this, Weight::kSmall)),
+      agentLight(new QLabel(this)),
+      agentText(makeLabel(this, Weight::kSmall)),
+      undo(button(this, translated("Undo"))),
+      revert(button(this, translated("Discard changes"))),
+      apply(button(this, translated("Apply"))),
+      options(button(this, translated("Options…"))),
+      sheet(new EditSheet(this)),
+      optionsDialog(new OptionsDialog(this)),
+      about(new AboutDialog(this, copyright, picture)) {
+    setWindowTitle(QStringLiteral("Quorel"));
+    lockButton->setCheckable(true);
+    showAll->setCheckable(true);
+    noticeBar->hide();
+    suggestion->hide();
+    undo->hide();
+    connect(noticeClose, &QPushButton::clicked, noticeBar, &QWidget::hide);
+    connect(options, &QPushButton::clicked, optionsDialog, &QDialog::open);
+    layOut();
+    colourBars();
+    setMinimumSize(560, 380);
+    resize(fontMetrics().height() * 42, fontMetrics().height() * 36);
+    list->setFocus();
+}
+
+void SettingsWindow::layOut() {
+    auto* const whole = new QVBoxLayout(this);
+    for (auto* const bar : {lockBar, noticeBar}) {
+        auto* const row = new QHBoxLayout(bar);
+        row->setContentsMargins(10, 4, 6, 4);
+        row->addWidget(bar == lockBar ? lockText : noticeText, 1);
+        row->addWidget(bar == lockBar ? lockButton : noticeClose);
+        bar->setFrameShape(QFrame::StyledPanel);
+        bar->setAutoFillBackground(true);
+        whole->addWidget(bar);
+    }
+    noticeText->setWordWrap(true);
+    whole->addWidget(next);
+
+    auto* const heading = new QHBoxLayout;
+    heading->addWidget(makeLabel(this, Weight::kHeading, qString(translated("Schedules"))), 1);
+    for (QPushButton* one : {remove, edit, add}) heading->addWidget(one);
+    whole->addLayout(heading);
+
+    auto* const offer = new QVBoxLayout(suggestion);
+    auto* const text =
+        makeLabel(suggestion, Weight::kText,
+                  qString(translated("Nothing is stored yet. This is a suggestion to start with; nothing "
+                                     "happens until you say so.")));
+    text->setWordWrap(true);
+    offer->addWidget(makeLabel(suggestion, Weight::kHeading, qString(translated("A suggestion to start with"))));
+    offer->addWidget(text);
+    auto* const choices = new QHBoxLayout;
+    choices->addWidget(useThis);
+    choices->addWidget(makeOwn);
+    choices->addStretch();
+    offer->addLayout(choices);
+    whole->addWidget(suggestion);
+    whole->addWidget(list, 1);
+
+    auto* const past = new QHBoxLayout;
+    past->addWidget(makeLabel(this, Weight::kHeading, qString(translated("What happened"))), 1);
+    past->addWidget(showAll);
+    whole->addLayout(past);
+    whole->addWidget(happened);
+
+    auto* const foot = new QHBoxLayout;
+    for (QLabel* one : {daemonLight, daemonText, agentLight, agentText}) foot->addWidget(one);
+    foot->addStretch();
+    for (QPushButton* one : {undo, options, revert, apply}) foot->addWidget(one);
+    whole->addLayout(foot);
+}
+
+/// A bar is yellow in any theme, and its text dark or light as the theme's is.
+void SettingsWindow::colourBars() {
+    const bool isDark = palette().color(QPalette::Window).lightness() < 128;
+    QPalette colours = palette();
+    colours.setColor(QPalette::Window, isDark ? QColor(84, 68, 24) : QColor(255, 243, 205));
+    colours.setColor(QPalette::WindowText, isDark ? QColor(255, 236, 179) : QColor(77, 56, 0));
+    for (QLabel* text : {lockText, noticeText}) text->setPalette(colours);
+    for (QFrame* bar : {lockBar, noticeBar}) bar->setPalette(colours);
+}
+
+void SettingsWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ApplicationPaletteChange) colourBars();
+}
+
+void SettingsWindow::notice(const QString& text) {
+    noticeText->setText(text);
+    noticeBar->setVisible(!text.isEmpty());
+}
+
+void SettingsWindow::suggest(bool suggests) {
+    suggestion->setVisible(suggests);
+    auto* const dim = suggests ? new QGraphicsOpacityEffect(list->viewport()) : nullptr;
+    if (dim) dim->setOpacity(0.55);
+    list->viewport()->setGraphicsEffect(dim);
+}
+
+void SettingsWindow::paintEvent(QPaintEvent* event) {
+    QWidget::paintEvent(event);
+    if (!std::exchange(_wasPainted, true)) QTimer::singleShot(0, this, [this] { firstPainted(); });
+}
+
+void SettingsWindow::closeEvent(QCloseEvent* event) {
+    event->setAccepted(!mayClose || mayClose());
+}
+
+}  // namespace quorel::qt

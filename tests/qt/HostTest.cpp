@@ -1,0 +1,147 @@
+#include <QFile>
+#include <QLabel>
+#include <QPushButton>
+
+#include "tests/qt/WindowTest.h"
+
+namespace quorel::test {
+namespace {
+
+using HostTest = WindowTest;
+
+TEST_F(HostTest, UnlocksWhereNobodyNeedsToBeAsked) {
+    open();
+    EXPECT_FALSE(window.lockBar->isVisible());
+    EXPECT_TRUE(window.add->isEnabled());
+    EXPECT_EQ(center.daemonPings, 1);
+}
+
+TEST_F(HostTest, StaysLockedWhereSomebodyHasToBeAsked) {
+    memory.authorization.granted = false;
+    open();
+    EXPECT_TRUE(window.lockBar->isVisible());
+    EXPECT_FALSE(window.add->isEnabled());
+    select(1);
+    EXPECT_EQ(host.controller().configurator()->outlets.tableView->selectedRow(), -1);
+    press(Qt::Key_Space);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(hours(), "7 8 9 ");
+    memory.authorization.grantedWhenAsked = true;
+    window.lockButton->click();
+    EXPECT_FALSE(window.lockBar->isVisible());
+    EXPECT_TRUE(window.add->isEnabled());
+}
+
+TEST_F(HostTest, ClosingAsksOnlyWhoHasEdits) {
+    open();
+    window.close();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(saved(), "nothing");
+
+    window.show();
+    select(0);
+    press(Qt::Key_Down, Qt::AltModifier);  // which posts nothing, and is an edit all the same
+    EXPECT_TRUE(window.apply->isEnabled());
+    answer("Cancel");
+    window.close();
+    EXPECT_TRUE(window.isVisible());
+    answer("Apply");
+    window.close();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(saved(), "8 7 9 ");
+}
+
+TEST_F(HostTest, DiscardingSavesNothing) {
+    open();
+    select(2);
+    press(Qt::Key_Delete);
+    answer("Discard changes");
+    window.close();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(saved(), "nothing");
+}
+
+TEST_F(HostTest, WhatIsNotStoredStays) {
+    open();
+    for (const bool daemonAlive : {true, false}) {
+        center.handles = false;
+        center.daemonAlive = daemonAlive;
+        select(0);
+        press(Qt::Key_Delete);
+        window.apply->click();
+        EXPECT_EQ(hours(), daemonAlive ? "8 9 " : "9 ");
+        EXPECT_TRUE(window.apply->isEnabled());
+        EXPECT_TRUE(window.noticeBar->isVisible());
+    }
+    answer("Apply");
+    window.close();
+    EXPECT_TRUE(window.isVisible());
+    center.handles = center.daemonAlive = true;
+    window.apply->click();
+    EXPECT_EQ(saved(), "9 ");
+    EXPECT_FALSE(window.noticeBar->isVisible());
+    EXPECT_FALSE(window.apply->isEnabled());
+}
+
+TEST_F(HostTest, TakesADeletionBack) {
+    open();
+    select(1);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(hours(), "7 9 ");
+    EXPECT_TRUE(window.undo->isVisible());
+    window.undo->click();
+    EXPECT_EQ(hours(), "7 8 9 ");
+    EXPECT_FALSE(window.undo->isVisible());
+    EXPECT_FALSE(window.apply->isEnabled());
+}
+
+TEST_F(HostTest, ShowsWhatOthersHaveStoredUnlessItIsEdited) {
+    open();
+    const auto others = [&](const Value& given) {
+        store(given);
+        QFile file(folder.filePath(QStringLiteral("com.quorel.plist")));
+        ASSERT_TRUE(file.open(QIODevice::Append));
+        file.write("x");
+    };
+    others(plan({5}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hours() == "5 "; }, 20'000));
+    others(plan({5, 6}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hours() == "5 6 "; }, 20'000));
+    select(0);
+    press(Qt::Key_Delete);
+    others(plan({1, 2}));
+    QTest::qWait(1'000);  // long enough for it to be taken
+    EXPECT_EQ(hours(), "6 ");
+    window.revert->click();
+    EXPECT_EQ(hours(), "1 2 ");
+}
+
+TEST_F(HostTest, NothingStoredIsASuggestion) {
+    memory.files.files.clear();
+    open();
+    EXPECT_TRUE(window.suggestion->isVisible());
+    EXPECT_EQ(hours(), "23 7 ");
+    window.close();
+    EXPECT_EQ(saved(), "nothing");
+    window.show();
+    window.useThis->click();
+    EXPECT_EQ(saved(), "23 7 ");
+    EXPECT_FALSE(window.suggestion->isVisible());
+}
+
+TEST_F(HostTest, AnOwnBeginningTakesThePlaceOfTheSuggestion) {
+    memory.files.files.clear();
+    open();
+    QTimer::singleShot(0, &window, [&] {
+        for (auto* const button : window.sheet->findChildren<QPushButton*>())
+            if (button->text() == QLatin1String("Save")) button->click();
+    });
+    window.makeOwn->click();
+    EXPECT_EQ(hours(), "23 ");
+    EXPECT_TRUE(window.apply->isEnabled());
+    window.apply->click();
+    EXPECT_EQ(saved(), "23 ");
+}
+
+}  // namespace
+}  // namespace quorel::test
