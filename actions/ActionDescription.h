@@ -38,6 +38,9 @@ inline constexpr std::string_view kText = "text";               ///< too long, o
 
 }  // namespace description_fault
 
+/// The information dictionary of a folder out of its file, in XML or as text; absent where it is none, or too large.
+Value informationDictionary(std::string_view bytes);
+
 /// Whether the computer is woken or started for an action.
 struct FlagRule {
     bool isFixed = false;   ///< the user has no choice
@@ -66,7 +69,7 @@ struct ActionDescription {
     bool isRoot = false;
     std::vector<std::string> writes;  ///< absolute paths of folders
 
-    /// Of any value, in either form of bytes; whether there is such a program is another question.
+    /// Of any value; whether there is such a program is another question.
     static ActionDescription from(std::string bundle, const Value& informationDictionary);
     static ActionDescription read(std::string bundle, std::string_view informationDictionary);
 

@@ -232,10 +232,16 @@ ActionDescription ActionDescription::from(std::string bundle, const Value& dicti
     return read;
 }
 
-ActionDescription ActionDescription::read(std::string bundle, std::string_view bytes) {
+Value informationDictionary(std::string_view bytes) {
+    if (bytes.size() > keys::kMostBytes) return {};
     Value dictionary = decodePropertyList(bytes, keys::kMostBytes);
-    if (dictionary.isAbsent() && bytes.size() <= keys::kMostBytes) dictionary = decodePropertyListText(bytes);
-    if (dictionary.isDictionary()) return from(std::move(bundle), dictionary);
+    if (dictionary.isAbsent()) dictionary = decodePropertyListText(bytes);
+    return dictionary.isDictionary() ? dictionary : Value();
+}
+
+ActionDescription ActionDescription::read(std::string bundle, std::string_view bytes) {
+    const Value dictionary = informationDictionary(bytes);
+    if (dictionary.isPresent()) return from(std::move(bundle), dictionary);
     ActionDescription unreadable;
     unreadable.bundle = std::move(bundle);
     unreadable.faults.push_back({kUnreadable, {}});

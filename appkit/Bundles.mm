@@ -23,11 +23,14 @@ std::string Bundle::builtInPlugInsPath() const {
     return _plugInsPath.empty() ? stdString([_bundle.get() builtInPlugInsPath]) : _plugInsPath;
 }
 
-Value Bundle::infoDictionary() const {
-    return valueFromObject([_bundle.get() infoDictionary]);
-}
-
 #ifdef GNUSTEP
+
+Value Bundle::infoDictionary() const {
+    // As the daemon reads it, and without the framework's words about what it cannot read.
+    NSString *path = [[_bundle.get() bundlePath] stringByAppendingPathComponent:@"Resources/Info-gnustep.plist"];
+    NSData *data = [NSData dataWithContentsOfFile:path];
+    return informationDictionary({static_cast<const char *>([data bytes]), [data length]});
+}
 
 bool Bundle::load() {
     // The framework prints why code does not load. Nothing is said of a module that is none.
@@ -41,6 +44,10 @@ bool Bundle::load() {
 }
 
 #else
+
+Value Bundle::infoDictionary() const {
+    return valueFromObject([_bundle.get() infoDictionary]);
+}
 
 bool Bundle::load() {
     return [_bundle.get() load];

@@ -120,6 +120,10 @@ TEST_F(HostTest, BundlesAreListedDirectlyAndAskedInSilence) {
         EXPECT_FALSE(bundle->classNamed("A"));
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << junk;
     }
+    std::ofstream(module / "Resources/Info-gnustep.plist") << "{ VXEditClass = (; }";
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(Bundles().bundleWithPath(module.string())->infoDictionary().isAbsent());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     fs::remove_all(folder);
 }
 
