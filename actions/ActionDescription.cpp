@@ -6,10 +6,13 @@
 #include "actions/DescriptionKeys.h"
 #include "model/ActionParameters.h"
 #include "model/PlainText.h"
+#include "model/Wire.h"
 
 namespace quorel {
 
 namespace {
+
+namespace keys = wire::keys;
 
 constexpr std::string_view kPlace = "%@";
 
@@ -119,21 +122,21 @@ std::optional<Value> ActionDescription::withWords(const Value& stored, std::span
 }
 
 Value ActionDescription::value() const {
-    Dictionary value{{"Bundle", plainText(bundle)}};
-    if (!type.empty()) value.set("Action", plainText(type));
-    if (names.size() > 0) value.set("Names", names);
-    if (!faults.empty()) value.set("Fault", faults.front().code);
-    if (!faults.empty() && !faults.front().key.empty()) value.set("FaultKey", plainText(faults.front().key));
+    Dictionary value{{keys::kBundle, plainText(bundle)}};
+    if (!type.empty()) value.set(keys::kAction, plainText(type));
+    if (names.size() > 0) value.set(keys::kNames, names);
+    if (!faults.empty()) value.set(keys::kFault, faults.front().code);
+    if (!faults.empty() && !faults.front().key.empty()) value.set(keys::kFaultKey, plainText(faults.front().key));
     const bool isKnown = faults.empty() || faults.front().code == description_fault::kBadProgram ||
                          faults.front().code == description_fault::kTaken;
     if (program.empty() || !isKnown) return value;
-    value.set("Program", program);
-    value.set("RunsAs", isSystem ? description_keys::kSystem : description_keys::kUser);
-    value.set("TimeLimit", limit);
-    value.set("MakeUp", makeUp);
+    value.set(keys::kProgram, program);
+    value.set(keys::kRunsAs, isSystem ? description_keys::kSystem : description_keys::kUser);
+    value.set(keys::kTimeLimit, limit);
+    value.set(keys::kMakeUp, makeUp);
     Array needs = textsOf({{mayUseNetwork, description_keys::kNetwork}, {isRoot, description_keys::kRoot}});
-    if (!needs.empty()) value.set("Needs", std::move(needs));
-    if (!writes.empty()) value.set("Writes", Array(writes.begin(), writes.end()));
+    if (!needs.empty()) value.set(keys::kNeeds, std::move(needs));
+    if (!writes.empty()) value.set(keys::kWrites, Array(writes.begin(), writes.end()));
     return value;
 }
 

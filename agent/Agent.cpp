@@ -7,8 +7,8 @@
 #include "kit/MOLLog.h"
 #include "linux/Launch.h"
 #include "linux/pane/Browser.h"
-#include "model/Names.h"
 #include "model/Preferences.h"
+#include "model/Wire.h"
 
 namespace quorel {
 

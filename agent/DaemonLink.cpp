@@ -5,13 +5,14 @@
 
 #include "kit/MOLLog.h"
 #include "linux/bus/BusValues.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "words/OutcomeText.h"
 
 namespace quorel {
 
 namespace {
 
+namespace keys = wire::keys;
 using namespace std::chrono_literals;
 
 constexpr auto kPatience = 20s;
@@ -140,7 +141,7 @@ void DaemonLink::read(const char* method, std::optional<std::uint32_t> most, Val
             into = readValue(reply).value_or(Value());
         else
             _retry.start(kRetry);
-        const std::int64_t question = _work["Idle"].integer();
+        const std::int64_t question = _work[keys::kIdle].integer();
         if (question > _answered) {  // which does not wait for polkit
             _answered = question;
             _callbacks.idleAsked(question);

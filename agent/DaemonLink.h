@@ -13,6 +13,7 @@
 #include "linux/bus/Bus.h"
 #include "linux/bus/PolkitQuestion.h"
 #include "model/Dictionary.h"
+#include "model/Wire.h"
 #include "scheduler/Instant.h"
 
 namespace quorel {
@@ -39,8 +40,8 @@ public:
     /// As the daemon's methods of these names answer; empty while it is not there.
     const Array& upcoming() const { return _upcoming.array(); }
     const Array& outcomes() const { return _outcomes.array(); }  ///< the last few
-    const Array& actions() const { return _work["Actions"].array(); }
-    bool watchesUse() const { return _work["Watch"].intValue() != 0; }
+    const Array& actions() const { return _work[wire::keys::kActions].array(); }
+    bool watchesUse() const { return _work[wire::keys::kWatch].intValue() != 0; }
     /// What polkit lets this user do without asking anybody.
     bool maySkip() const { return _maySkip; }
     bool mayPostpone() const { return _mayPostpone; }

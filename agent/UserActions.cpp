@@ -1,4 +1,5 @@
 #include "agent/UserActions.h"
+#include "model/Wire.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -9,6 +10,8 @@
 namespace quorel {
 
 namespace {
+
+namespace keys = wire::keys;
 
 constexpr std::ptrdiff_t kMostAtOnce = 16;
 constexpr std::size_t kMostKept = 64;
@@ -37,7 +40,7 @@ UserActions::UserActions(sd_bus* bus, Report report) : _report(std::move(report)
 
 void UserActions::take(const Array& actions) {
     for (const Value& action : actions) {
-        const std::string& token = action["Token"].text();
+        const std::string& token = action[keys::kToken].text();
         const auto taken = _taken.find(token);
         const auto running = std::ranges::count_if(_taken, [](const auto& one) { return one.second.end.empty(); });
         if (taken == _taken.end() && running < kMostAtOnce)
@@ -53,19 +56,19 @@ void UserActions::begin(const std::string& token, const Value& action) {
     const auto ended = [this, token](ActionEnd end, int status, const std::string& reason) {
         this->ended(token, {std::string(kActionEnds[static_cast<std::size_t>(end)]), status, reason});
     };
-    if (action["Find"].intValue() != 0) return _units.find(name, ended);
-    const std::string& path = action["Program"].text();
-    UnitProgram program{.description = "Quorel: " + action["Action"].text(),
+    if (action[keys::kFind].intValue() != 0) return _units.find(name, ended);
+    const std::string& path = action[keys::kProgram].text();
+    UnitProgram program{.description = "Quorel: " + action[keys::kAction].text(),
                         .command = {path},
                         .name = path.substr(path.rfind('/') + 1),
-                        .input = action["Parameters"].text(),
+                        .input = action[keys::kParameters].text(),
                         .environment = ownEnvironment(),
-                        .limit = std::chrono::seconds(action["TimeLimit"].integer()),
+                        .limit = std::chrono::seconds(action[keys::kTimeLimit].integer()),
                         .sandbox = {}};
-    program.environment["QUOREL_ACTION"] = action["Action"].text();
+    program.environment["QUOREL_ACTION"] = action[keys::kAction].text();
     program.environment["QUOREL_OCCURRENCE"] = token;
-    program.environment["QUOREL_DUE"] = std::to_string(action["Due"].integer());
-    program.environment["QUOREL_MADE_UP"] = action["MadeUp"].intValue() != 0 ? "1" : "0";
+    program.environment["QUOREL_DUE"] = std::to_string(action[keys::kDue].integer());
+    program.environment["QUOREL_MADE_UP"] = action[keys::kMadeUp].intValue() != 0 ? "1" : "0";
     _units.start(name, program, ended);
 }
 

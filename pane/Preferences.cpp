@@ -4,7 +4,7 @@
 
 #include "kit/MOLLog.h"
 #include "model/Dictionary.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "pane/VXPrefPaneController.h"
 
 namespace quorel {

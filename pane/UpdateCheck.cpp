@@ -1,5 +1,5 @@
 #include "kit/VXUpdateChecker.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "pane/PlaceholderText.h"
 #include "pane/VXPrefPaneController.h"
 

@@ -8,6 +8,7 @@
 #include "model/Fnv1a.h"
 #include "model/PlainText.h"
 #include "model/Schedule.h"
+#include "model/Wire.h"
 #include "scheduler/Occurrence.h"
 #include "scheduler/Outcome.h"
 
@@ -90,12 +91,12 @@ void readParameters(ScheduleReading& reading) {
 
 /// Empty where the Schedule can run.
 std::string_view faultOf(ScheduleReading& reading, const Actions& actions) {
-    if (reading.hour < 0 || reading.hour > 23) return "hour";
-    if (reading.minute < 0 || reading.minute > 59) return "minute";
+    if (reading.hour < 0 || reading.hour > 23) return wire::schedule_fault::kHour;
+    if (reading.minute < 0 || reading.minute > 59) return wire::schedule_fault::kMinute;
     if (reading.kind != ActionKind::kModule) return {};
     const std::optional<Module> module = actions.module(reading.action);
-    if (!module) return "action";
-    if (!module->hasProgram) return "program";
+    if (!module) return wire::schedule_fault::kAction;
+    if (!module->hasProgram) return wire::schedule_fault::kProgram;
     reading.makeUp = module->makeUp;
     return {};
 }

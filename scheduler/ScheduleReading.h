@@ -37,7 +37,7 @@ struct ScheduleReading {
 struct ScheduleFault {
     std::size_t number = 0;  ///< its place in the list, from 1
     std::string action;
-    std::string_view reason;  ///< "hour", "minute", "action": nothing of that name, "program": nothing to run
+    std::string_view reason;  ///< one of `wire::schedule_fault`
     friend bool operator==(const ScheduleFault&, const ScheduleFault&) = default;
 };
 

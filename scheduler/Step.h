@@ -4,6 +4,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "model/Wire.h"
+
 namespace quorel {
 
 /// Where an occurrence stands.
@@ -46,19 +48,19 @@ struct StepRow {
 
 inline constexpr StepRow kSteps[] = {
     // clang-format off
-    {Step::kPlanned,   "planned",   Column::kPlanned,   NextLook::kNever,       true},
-    {Step::kSkipped,   "skipped",   Column::kSkipped,   NextLook::kAtItsMinute, false},
-    {Step::kDone,      "done",      Column::kDone,      NextLook::kAtItsMinute, false},
-    {Step::kPostponed, "postponed", Column::kPostponed, NextLook::kInTime,      true},
-    {Step::kMakeUp,    "make-up",   Column::kMakeUp,    NextLook::kAtItsTime,   true},
-    {Step::kAwaited,   "awaited",   Column::kAwaited,   NextLook::kAtItsTime,   false},
-    {Step::kQueued,    "queued",    Column::kMakeUp,    NextLook::kAtItsTime,   false},
-    {Step::kRunning,   "running",   Column::kRunning,   NextLook::kNever,       false},
-    {Step::kLooking,   "looking",   Column::kInCourse,  NextLook::kInCourse,    false},
-    {Step::kWaiting,   "waiting",   Column::kInCourse,  NextLook::kInCourse,    false},
-    {Step::kWarned,    "warned",    Column::kInCourse,  NextLook::kInCourse,    false},
-    {Step::kChecking,  "checking",  Column::kInCourse,  NextLook::kInCourse,    false},
-    {Step::kActing,    "acting",    Column::kActing,    NextLook::kInCourse,    false},
+    {Step::kPlanned,   wire::step::kPlanned,   Column::kPlanned,    NextLook::kNever,       true},
+    {Step::kSkipped,   wire::step::kSkipped,   Column::kSkipped,    NextLook::kAtItsMinute, false},
+    {Step::kDone,      wire::step::kDone,      Column::kDone,       NextLook::kAtItsMinute, false},
+    {Step::kPostponed, wire::step::kPostponed, Column::kPostponed,  NextLook::kInTime,      true},
+    {Step::kMakeUp,    wire::step::kMakeUp,    Column::kMakeUp,     NextLook::kAtItsTime,   true},
+    {Step::kAwaited,   wire::step::kAwaited,   Column::kAwaited,    NextLook::kAtItsTime,   false},
+    {Step::kQueued,    wire::step::kQueued,    Column::kMakeUp,     NextLook::kAtItsTime,   false},
+    {Step::kRunning,   wire::step::kRunning,   Column::kRunning,    NextLook::kNever,       false},
+    {Step::kLooking,   wire::step::kLooking,   Column::kInCourse,   NextLook::kInCourse,    false},
+    {Step::kWaiting,   wire::step::kWaiting,   Column::kInCourse,   NextLook::kInCourse,    false},
+    {Step::kWarned,    wire::step::kWarned,    Column::kInCourse,   NextLook::kInCourse,    false},
+    {Step::kChecking,  wire::step::kChecking,  Column::kInCourse,   NextLook::kInCourse,    false},
+    {Step::kActing,    wire::step::kActing,    Column::kActing,     NextLook::kInCourse,    false},
     // clang-format on
 };
 

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "model/Dictionary.h"
-#include "model/Names.h"
 #include "model/PlainText.h"
 #include "model/Schedule.h"
+#include "model/Wire.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
 
@@ -15,6 +15,7 @@ namespace quorel {
 
 namespace {
 
+namespace keys = wire::keys;
 using namespace outcome;
 
 /// A code and what it says.
@@ -60,10 +61,10 @@ constexpr Text kReasons[] = {
 };
 
 constexpr Text kFaults[] = {
-    {"hour", marked("its hour is not between 0 and 23")},
-    {"minute", marked("its minute is not between 0 and 59")},
-    {"action", marked("there is no such action")},
-    {"program", marked("its module has nothing to run")},
+    {wire::schedule_fault::kHour, marked("its hour is not between 0 and 23")},
+    {wire::schedule_fault::kMinute, marked("its minute is not between 0 and 59")},
+    {wire::schedule_fault::kAction, marked("there is no such action")},
+    {wire::schedule_fault::kProgram, marked("its module has nothing to run")},
 };
 
 /// The outcomes that say all without arguments.
@@ -110,9 +111,9 @@ std::string joined(const std::string& first, const std::string& second) {
 
 /// The keys are those of an outcome's arguments and of an occurrence to come.
 std::string holdText(const Value& held) {
-    const std::string kind = plain(held, "Hold");
-    const std::string who = plain(held, "Who");
-    const std::string why = plain(held, "Why");
+    const std::string kind = plain(held, keys::kHold);
+    const std::string who = plain(held, keys::kWho);
+    const std::string why = plain(held, keys::kWhy);
     if (kind == kHoldAction) return filled(translated("{1} under way"), {actionName(who)});
     if (kind == kHoldShutdown) return filled(translated("a shut-down is planned ({1})"), {who});
     if (kind == kHoldUse && who.empty()) return translated("used a short while ago");
@@ -131,16 +132,16 @@ std::string notDone(const std::string& action, const std::string& why) {
 }
 
 std::string missedText(const Value& arguments) {
-    const std::string cause = textOrCode(kCauses, plain(arguments, "Cause"));
-    const std::int64_t count = std::max<std::int64_t>(arguments["Count"].integer(), 1);
+    const std::string cause = textOrCode(kCauses, plain(arguments, keys::kCause));
+    const std::int64_t count = std::max<std::int64_t>(arguments[keys::kCount].integer(), 1);
     return filled(translatedCount("missed: {2}", "missed {1} times: {2}", count), {std::to_string(count), cause});
 }
 
 std::string failedText(const Value& arguments) {
-    const std::string reason = textOrCode(kReasons, plain(arguments, "Reason"));
+    const std::string reason = textOrCode(kReasons, plain(arguments, keys::kReason));
     const std::string text =
         filled(translated("failed with status {1} after {2}"),
-               {std::to_string(arguments["Status"].integer()), durationText(arguments["Seconds"].integer())});
+               {std::to_string(arguments[keys::kStatus].integer()), durationText(arguments[keys::kSeconds].integer())});
     return joined(text, reason);
 }
 
@@ -161,72 +162,75 @@ std::string actionName(const std::string& actionType, bool restarts) {
 }
 
 std::string actionName(const Value& told) {
-    const Value& names = told["Names"];
-    const std::string& action = told["Action"].text();
+    const Value& names = told[keys::kNames];
+    const std::string& action = told[keys::kAction].text();
     const bool isOurs = action == schedule_keys::kSleepType || action == schedule_keys::kWakeUpType ||
                         action == schedule_keys::kShutDownType;
-    if (isOurs || names.dictionary().size() == 0) return actionName(action, told["Restart"].intValue() != 0);
+    if (isOurs || names.dictionary().size() == 0) return actionName(action, told[keys::kRestart].intValue() != 0);
     for (const std::string& language : {usersLanguage(), std::string("en"), names.dictionary().keyAt(0)})
         if (std::string name = plain(names, language); !name.empty()) return name;
     return actionName(action);
 }
 
 std::string outcomeText(const Value& outcome) {
-    const std::string code = plain(outcome, "Code");
-    const std::string& action = outcome["Action"].text();
-    const Value& arguments = outcome["Arguments"];
-    const auto length = [&] { return durationText(arguments["Seconds"].integer()); };
+    const std::string code = plain(outcome, keys::kCode);
+    const std::string& action = outcome[keys::kAction].text();
+    const Value& arguments = outcome[keys::kArguments];
+    const auto length = [&] { return durationText(arguments[keys::kSeconds].integer()); };
     if (const char* text = textIn(kPlain, code)) return text;
     if (const char* why = textIn(kPrevented, code)) return notDone(action, why);
-    if (code == kSlept) return filled(translated("slept until {1}"), {momentText(arguments["Until"].integer())});
-    if (code == kShutDown) return arguments["Restart"].intValue() ? translated("restarted") : translated("shut down");
-    if (code == kRan && arguments["MadeUp"].intValue()) return filled(translated("made up for, in {1}"), {length()});
+    if (code == kSlept) return filled(translated("slept until {1}"), {momentText(arguments[keys::kUntil].integer())});
+    if (code == kShutDown)
+        return arguments[keys::kRestart].intValue() ? translated("restarted") : translated("shut down");
+    if (code == kRan && arguments[keys::kMadeUp].intValue())
+        return filled(translated("made up for, in {1}"), {length()});
     if (code == kRan) return filled(translated("done in {1}"), {length()});
     if (code == kFailed) return failedText(arguments);
     if (code == kTimedOut) return filled(translated("ended at its limit, after {1}"), {length()});
     if (code == kNotStarted) {
-        return joined(translated("could not be started"), textOrCode(kReasons, plain(arguments, "Reason")));
+        return joined(translated("could not be started"), textOrCode(kReasons, plain(arguments, keys::kReason)));
     }
     if (code == kMissed) return missedText(arguments);
-    if (code == kSkipped) return filled(translated("skipped by {1}"), {plain(arguments, "By")});
-    if (code == kOvertaken) return notDone(action, textOrCode(kOvertakers, plain(arguments, "By")));
+    if (code == kSkipped) return filled(translated("skipped by {1}"), {plain(arguments, keys::kBy)});
+    if (code == kOvertaken) return notDone(action, textOrCode(kOvertakers, plain(arguments, keys::kBy)));
     if (code == kGaveUp) {
-        const std::string waited = durationText(arguments["Minutes"].integer() * kMinute);
+        const std::string waited = durationText(arguments[keys::kMinutes].integer() * kMinute);
         return notDone(action, filled(translated("{1} (waited {2})"), {holdText(arguments), waited}));
     }
     if (code == kRefused) {
-        const std::string reason = textOrCode(kReasons, plain(arguments, "Reason"));
+        const std::string reason = textOrCode(kReasons, plain(arguments, keys::kReason));
         return notDone(action, joined(translated("refused"), reason));
     }
-    if (code == kCorrection) return correctionText(arguments["By"].integer());
+    if (code == kCorrection) return correctionText(arguments[keys::kBy].integer());
     if (code == kClockBehind)
         return filled(translated("the clock is {1} behind; nothing runs until it is set, or for ten minutes"),
-                      {durationText(arguments["By"].integer())});
-    if (code == kCannotRun) return faultText(Value(arguments).with("Action", outcome["Action"]));
+                      {durationText(arguments[keys::kBy].integer())});
+    if (code == kCannotRun) return faultText(Value(arguments).with(keys::kAction, outcome[keys::kAction]));
     return code;
 }
 
 std::string outcomeLine(const Value& outcome) {
-    const std::int64_t due = outcome["Due"].integer();
+    const std::int64_t due = outcome[keys::kDue].integer();
     if (due == 0) return outcomeText(outcome);
     return filled(translated("{1} of {2}: {3}"), {actionName(outcome), momentText(due), outcomeText(outcome)});
 }
 
 std::string stepText(const Value& upcoming) {
-    const std::string step = plain(upcoming, "Step");
-    const std::string by = plain(upcoming, "By");
-    if (step == "planned") return {};
-    if (step == "skipped") return filled(translated("skipped by {1}"), {by});
-    if (step == "postponed")
-        return filled(translated("postponed by {1}, planned for {2}"), {by, timeText(upcoming["Due"].integer())});
-    if (step == "make-up") return translated("missed, and to be made up for");
-    if (step == "awaited") return translated("waits for somebody to log in, until then");
-    if (step == "queued") return translated("about to begin");
-    if (step == "running") return translated("running");
-    if (step == "looking" || step == "checking") return translated("looking whether anything speaks against it");
-    if (step == "waiting") return filled(translated("held up: {1}"), {holdText(upcoming)});
-    if (step == "warned") return translated("announced");
-    if (step == "acting") return translated("the system was asked for it");
+    const std::string step = plain(upcoming, keys::kStep);
+    const std::string by = plain(upcoming, keys::kBy);
+    if (step == wire::step::kPlanned) return {};
+    if (step == wire::step::kSkipped) return filled(translated("skipped by {1}"), {by});
+    if (step == wire::step::kPostponed)
+        return filled(translated("postponed by {1}, planned for {2}"), {by, timeText(upcoming[keys::kDue].integer())});
+    if (step == wire::step::kMakeUp) return translated("missed, and to be made up for");
+    if (step == wire::step::kAwaited) return translated("waits for somebody to log in, until then");
+    if (step == wire::step::kQueued) return translated("about to begin");
+    if (step == wire::step::kRunning) return translated("running");
+    if (step == wire::step::kLooking || step == wire::step::kChecking)
+        return translated("looking whether anything speaks against it");
+    if (step == wire::step::kWaiting) return filled(translated("held up: {1}"), {holdText(upcoming)});
+    if (step == wire::step::kWarned) return translated("announced");
+    if (step == wire::step::kActing) return translated("the system was asked for it");
     return step;
 }
 
@@ -239,9 +243,9 @@ std::string refusalText(const std::string& error, const std::string& text) {
 }
 
 std::string faultText(const Value& fault) {
-    return filled(
-        translated("schedule {1} ({2}) never runs: {3}"),
-        {std::to_string(fault["Number"].integer()), actionName(fault), textOrCode(kFaults, plain(fault, "Reason"))});
+    return filled(translated("schedule {1} ({2}) never runs: {3}"),
+                  {std::to_string(fault[keys::kNumber].integer()), actionName(fault),
+                   textOrCode(kFaults, plain(fault, keys::kReason))});
 }
 
 }  // namespace quorel

@@ -4,12 +4,15 @@
 #include <string_view>
 #include <utility>
 
+#include "model/Wire.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
 
 namespace quorel {
 
 namespace {
+
+namespace keys = wire::keys;
 
 constexpr std::size_t kLines = 3;
 
@@ -19,15 +22,17 @@ std::string nameOf(const Value& upcoming) {
 
 /// "Sleep, Mon 2026-11-23 23:15 (skipped by alice)"
 std::string lineOf(const Value& upcoming) {
-    const std::string line = filled(translated("{1}, {2}"), {nameOf(upcoming), momentText(upcoming["At"].integer())});
+    const std::string line =
+        filled(translated("{1}, {2}"), {nameOf(upcoming), momentText(upcoming[keys::kAt].integer())});
     const std::string step = stepText(upcoming);
     return step.empty() ? line : filled(translated("{1} ({2})"), {line, step});
 }
 
 /// Whether there is something to be said to it: it is not left out already, and has not begun.
 bool isAhead(const Value& upcoming) {
-    const std::string_view step = upcoming["Step"].text();
-    return step != "skipped" && step != "running" && step != "acting" && !upcoming["Token"].text().empty();
+    const std::string_view step = upcoming[keys::kStep].text();
+    return step != wire::step::kSkipped && step != wire::step::kRunning && step != wire::step::kActing &&
+           !upcoming[keys::kToken].text().empty();
 }
 
 TrayContent contentOf(std::string title, const std::vector<std::string>& lines, std::string token, bool maySkip,
@@ -55,7 +60,7 @@ TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone) {
     if (lines.empty()) lines.emplace_back(translated("Nothing is planned."));
     const auto next = std::ranges::find_if(upcoming, isAhead);
     if (next == upcoming.end()) return contentOf(lines.front(), lines, {}, maySkip, mayPostpone);
-    return contentOf(lineOf(*next), lines, (*next)["Token"].text(), maySkip, mayPostpone);
+    return contentOf(lineOf(*next), lines, (*next)[keys::kToken].text(), maySkip, mayPostpone);
 }
 
 TrayContent trayContentWithoutDaemon() {

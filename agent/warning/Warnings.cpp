@@ -11,6 +11,7 @@
 #include "linux/login/Users.h"
 #include "model/PlainText.h"
 #include "model/Schedule.h"
+#include "model/Wire.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
@@ -19,6 +20,7 @@ namespace quorel {
 
 namespace {
 
+namespace keys = wire::keys;
 using namespace std::chrono_literals;
 
 constexpr auto kBetweenRenewals = 15s;
@@ -35,27 +37,27 @@ bool isActive() {
 
 std::string titleOf(const Value& occurrence) {
     const char* text = translated("Shutting down at {1}");
-    if (occurrence["Action"].text() == schedule_keys::kSleepType) text = translated("Going to sleep at {1}");
-    if (occurrence["Restart"].intValue() != 0) text = translated("Restarting at {1}");
-    return filled(text, {timeText(occurrence["At"].integer())});
+    if (occurrence[keys::kAction].text() == schedule_keys::kSleepType) text = translated("Going to sleep at {1}");
+    if (occurrence[keys::kRestart].intValue() != 0) text = translated("Restarting at {1}");
+    return filled(text, {timeText(occurrence[keys::kAt].integer())});
 }
 
 /// The title has the time already, unless it is another than was planned.
 std::string bodyOf(const Value& occurrence) {
-    const std::string due = timeText(occurrence["Due"].integer());
-    if (due == timeText(occurrence["At"].integer())) return translated("As planned.");
+    const std::string due = timeText(occurrence[keys::kDue].integer());
+    if (due == timeText(occurrence[keys::kAt].integer())) return translated("As planned.");
     return filled(translated("Planned for {1}."), {due});
 }
 
 /// "Sleep, planned for 23:15".
 std::string reasonOf(const Value& occurrence) {
     return filled(translated("{1}, planned for {2}"),
-                  {actionName(occurrence["Action"].text(), occurrence["Restart"].intValue() != 0),
-                   timeText(occurrence["Due"].integer())});
+                  {actionName(occurrence[keys::kAction].text(), occurrence[keys::kRestart].intValue() != 0),
+                   timeText(occurrence[keys::kDue].integer())});
 }
 
 bool isSame(const Value& a, const Value& b) {
-    return a["Due"] == b["Due"] && a["Action"] == b["Action"];
+    return a[keys::kDue] == b[keys::kDue] && a[keys::kAction] == b[keys::kAction];
 }
 
 }  // namespace
@@ -67,8 +69,8 @@ void Warnings::update() {
     std::set<std::string> announced;
     const bool active = isActive();
     for (const Value& occurrence : _daemon.upcoming()) {
-        if (occurrence["Step"].text() != "warned" || !active) continue;
-        const std::string token = occurrence["Token"].text();
+        if (occurrence[keys::kStep].text() != wire::step::kWarned || !active) continue;
+        const std::string token = occurrence[keys::kToken].text();
         announced.insert(token);
         Warning& warning = _warnings[token];
         const bool isNew = !warning.occurrence.isDictionary();
@@ -130,15 +132,16 @@ void Warnings::answer(const std::string& token, const std::string& key) {
 void Warnings::tellWhy(const Value& occurrence) {
     const std::string own = nameOfUser(getuid());
     for (const Value& next : _daemon.upcoming())
-        if (isSame(next, occurrence) && !next["By"].text().empty() && next["By"].text() != own)
-            return tell(occurrence, next["Step"].text() == "postponed"
-                                        ? filled(translated("postponed until {1} by {2}"),
-                                                 {timeText(next["At"].integer()), plainText(next["By"].text())})
-                                        : stepText(next));
+        if (isSame(next, occurrence) && !next[keys::kBy].text().empty() && next[keys::kBy].text() != own)
+            return tell(occurrence,
+                        next[keys::kStep].text() == wire::step::kPostponed
+                            ? filled(translated("postponed until {1} by {2}"),
+                                     {timeText(next[keys::kAt].integer()), plainText(next[keys::kBy].text())})
+                            : stepText(next));
     const Array& outcomes = _daemon.outcomes();
     for (auto ended = outcomes.rbegin(); ended != outcomes.rend(); ++ended)
-        if (isSame(*ended, occurrence) && (*ended)["Code"].text() == outcome::kSkipped &&
-            (*ended)["Arguments"]["By"].text() != own)
+        if (isSame(*ended, occurrence) && (*ended)[keys::kCode].text() == outcome::kSkipped &&
+            (*ended)[keys::kArguments][keys::kBy].text() != own)
             return tell(occurrence, outcomeText(*ended));
 }
 

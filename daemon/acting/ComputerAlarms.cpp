@@ -4,12 +4,14 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
+#include "model/Wire.h"
 
 namespace quorel {
 
 namespace {
 
 using Result = StartupAlarm::Result;
+namespace alarm_fault = wire::alarm_fault;
 
 const char* textOf(Result result) {
     switch (result) {
@@ -63,23 +65,23 @@ void ComputerAlarms::armStartup(std::optional<Instant> at) {
 }
 
 ComputerAlarms::Obstacle ComputerAlarms::waking() const {
-    if (!_arms) return {"off", {}, {}};
-    if (_ability == WakeAlarm::Ability::kForbidden) return {"forbidden", {}, {}};
-    if (_ability != WakeAlarm::Ability::kWakes) return {"no-clock", {}, {}};
-    return {_wakeFailure.empty() ? "" : "failed", _wakeFailure, {}};
+    if (!_arms) return {alarm_fault::kOff, {}, {}};
+    if (_ability == WakeAlarm::Ability::kForbidden) return {alarm_fault::kForbidden, {}, {}};
+    if (_ability != WakeAlarm::Ability::kWakes) return {alarm_fault::kNoClock, {}, {}};
+    return {_wakeFailure.empty() ? std::string_view() : alarm_fault::kFailed, _wakeFailure, {}};
 }
 
 ComputerAlarms::Obstacle ComputerAlarms::starting() const {
-    if (!_startup.exists()) return {_arms ? "no-clock" : "off", {}, {}};
+    if (!_startup.exists()) return {_arms ? alarm_fault::kNoClock : alarm_fault::kOff, {}, {}};
     switch (_startupOutcome.result) {
         case Result::kPast:
-            return {"past", {}, {}};
+            return {alarm_fault::kPast, {}, {}};
         case Result::kTooFar:
-            return {"too-far", {}, {}};
+            return {alarm_fault::kTooFar, {}, {}};
         case Result::kTaken:
-            return {"taken", {}, _startupOutcome.others};
+            return {alarm_fault::kTaken, {}, _startupOutcome.others};
         case Result::kFailed:
-            return {"failed", _startupOutcome.reason, {}};
+            return {alarm_fault::kFailed, _startupOutcome.reason, {}};
         default:
             return _startupAt ? standing(*_startupAt) : Obstacle{};
     }
@@ -89,8 +91,8 @@ ComputerAlarms::Obstacle ComputerAlarms::standing(Instant at) const {
     const Instant now = _clocks.now().instant();
     const auto comes = _startup.comes(now);
     if (at <= now) return {};
-    if (!comes) return {"gone", {}, {}};
-    return std::abs(*comes - at) > kMinute ? Obstacle{"moved", {}, comes} : Obstacle{};
+    if (!comes) return {alarm_fault::kGone, {}, {}};
+    return std::abs(*comes - at) > kMinute ? Obstacle{alarm_fault::kMoved, {}, comes} : Obstacle{};
 }
 
 }  // namespace quorel

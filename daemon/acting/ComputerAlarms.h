@@ -28,11 +28,7 @@ public:
 
     /// What stands in the way of an alarm.
     struct Obstacle {
-        /// "no-clock" where the computer has no clock with an alarm, "forbidden", "past" or "too-far" where it was to
-        /// be set so, "taken" where somebody else's earlier one stays, "failed"; of one that was set, "gone" where it
-        /// is not any more, and "moved" where the hardware's clock was set since; "off" where this daemon is not to arm
-        /// alarms. Empty where nothing does.
-        std::string_view fault;
+        std::string_view fault;         ///< one of `wire::alarm_fault`; empty where nothing does
         std::string reason;             ///< what the system says, or empty
         std::optional<Instant> others;  ///< when somebody else's alarm, or the moved one, comes
     };

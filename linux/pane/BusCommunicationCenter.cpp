@@ -12,8 +12,8 @@
 #include "kit/MOLLog.h"
 #include "linux/bus/BusEndpoint.h"
 #include "linux/bus/BusPeer.h"
-#include "model/Names.h"
 #include "model/PropertyList.h"
+#include "model/Wire.h"
 #include "pane/VXCommunicationProtocol.h"
 
 namespace quorel {

@@ -9,7 +9,7 @@
 
 #include "kit/MOLLog.h"
 #include "linux/bus/PolkitQuestion.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 
 namespace quorel {
 

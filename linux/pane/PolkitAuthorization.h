@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "platform/System.h"
 
 namespace quorel {

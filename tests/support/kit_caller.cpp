@@ -19,7 +19,7 @@
 #include "linux/pane/BusCommunicationCenter.h"
 #include "linux/pane/PolkitAuthorization.h"
 #include "model/Dictionary.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "pane/VXCommunicationProtocol.h"
 
 using namespace quorel;
