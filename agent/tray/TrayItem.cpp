@@ -1,10 +1,12 @@
 #include "agent/tray/TrayItem.h"
-#include "model/PlainText.h"
 
 #include <cerrno>
 #include <chrono>
 #include <string_view>
 #include <system_error>
+
+#include "TrayIconDots.h"
+#include "model/PlainText.h"
 
 namespace quorel {
 
@@ -18,12 +20,12 @@ constexpr std::chrono::seconds kPatience{10};
 constexpr int kAttempts = 5;
 constexpr std::chrono::seconds kBetweenAttempts{1};
 
-int appendPictures(sd_bus_message* reply, const TrayIcon* icon) {
+int appendPictures(sd_bus_message* reply, bool hasOne) {
     int result = sd_bus_message_open_container(reply, 'a', "(iiay)");
-    if (icon && !icon->dots.empty()) {
+    if (hasOne) {
         if (result >= 0) result = sd_bus_message_open_container(reply, 'r', "iiay");
-        if (result >= 0) result = sd_bus_message_append(reply, "ii", icon->width, icon->height);
-        if (result >= 0) result = sd_bus_message_append_array(reply, 'y', icon->dots.data(), icon->dots.size());
+        if (result >= 0) result = sd_bus_message_append(reply, "ii", kIconWidth, kIconHeight);
+        if (result >= 0) result = sd_bus_message_append_array(reply, 'y', kIconDots, sizeof kIconDots);
         if (result >= 0) result = sd_bus_message_close_container(reply);
     }
     return result < 0 ? result : sd_bus_message_close_container(reply);
@@ -48,14 +50,14 @@ struct TrayItemMethods {
         if (name == "Status") value = "Active";
         return sd_bus_message_append(reply, "s", value);
     }
-    static int pictures(sd_bus*, const char*, const char*, const char* property, sd_bus_message* reply, void* self,
+    static int pictures(sd_bus*, const char*, const char*, const char* property, sd_bus_message* reply, void*,
                         sd_bus_error*) {
-        return appendPictures(reply, std::string_view(property) == "IconPixmap" ? &item(self)._icon : nullptr);
+        return appendPictures(reply, std::string_view(property) == "IconPixmap");
     }
     static int tip(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* self, sd_bus_error*) {
         int result = sd_bus_message_open_container(reply, 'r', "sa(iiay)ss");
         if (result >= 0) result = sd_bus_message_append(reply, "s", "");
-        if (result >= 0) result = appendPictures(reply, nullptr);
+        if (result >= 0) result = appendPictures(reply, false);
         if (result >= 0) result = sd_bus_message_append(reply, "ss", item(self)._title.c_str(), "");
         return result < 0 ? result : sd_bus_message_close_container(reply);
     }

@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "agent/tray/TrayIcon.h"
 #include "agent/tray/TrayMenu.h"
 #include "linux/EventLoop.h"
 #include "linux/bus/Bus.h"
@@ -32,7 +31,6 @@ private:
 
     const BusConnection _bus;
     const std::function<void()> _activated;
-    const TrayIcon _icon = trayIcon();
     std::string _title = "Quorel";
     TrayMenu _menu;
     LoopTimer _again;
