@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "linux/bus/Bus.h"
+#include "linux/bus/BusPeer.h"
 #include "model/Value.h"
 
 namespace quorel {
@@ -36,10 +36,9 @@ public:
     Answer change(const char* method, const std::string& token);
 
 private:
-    BusMessagePointer newCall(const char* method) const;
-    Answer call(sd_bus_message* message, std::uint64_t microseconds);
+    Answer call(sd_bus_message* message, std::chrono::seconds patience);
 
-    BusConnection _bus;
+    BusPeer _daemon;
 };
 
 }  // namespace quorel

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 #include "model/Names.h"
 
@@ -15,33 +16,28 @@ struct BusPeer::Call {
 
 BusPeer::BusPeer(Bus bus, const char* name, Clock::time_point deadline) : _bus(beginConnection(bus)) {
     if (!_bus) return;
-    Call call;
     const char* owner = nullptr;
-    sd_bus_message* reply = ask(call, callToBus("GetNameOwner", name).get(), deadline);
-    if (reply && sd_bus_message_read(reply, "s", &owner) >= 0) _owner = owner;
+    const auto reply = ask(callToBus("GetNameOwner", name).get(), deadline);
+    if (reply && sd_bus_message_read(reply.get(), "s", &owner) >= 0) _owner = owner;
 }
 
 std::optional<unsigned> BusPeer::userId(Clock::time_point deadline) {
     if (_owner.empty()) return {};
-    Call call;
     std::uint32_t user = 0;
-    sd_bus_message* reply = ask(call, callToBus("GetConnectionUnixUser", _owner.c_str()).get(), deadline);
-    if (!reply || sd_bus_message_read(reply, "u", &user) < 0) return {};
+    const auto reply = ask(callToBus("GetConnectionUnixUser", _owner.c_str()).get(), deadline);
+    if (!reply || sd_bus_message_read(reply.get(), "u", &user) < 0) return {};
     return user;
 }
 
 bool BusPeer::ping(Clock::time_point deadline) {
-    if (_owner.empty()) return false;
-    Call call;
     int alive = 0;
-    sd_bus_message* reply = ask(call, callToOwner(wire::kPing).get(), deadline);
-    return reply && sd_bus_message_read(reply, "b", &alive) >= 0 && alive;
+    const auto reply = ask(newCall(wire::kPath, wire::kInterface, wire::kPing).get(), deadline);
+    return reply && sd_bus_message_read(reply.get(), "b", &alive) >= 0 && alive;
 }
 
 BusPeer::Outcome BusPeer::post(const Post& post, std::chrono::milliseconds silence, Clock::time_point deadline,
                                std::string& text) {
-    if (_owner.empty()) return Outcome::Silent;
-    const auto message = callToOwner(post.base ? wire::kPostEdits : wire::kPostNotification);
+    const auto message = newCall(wire::kPath, wire::kInterface, post.base ? wire::kPostEdits : wire::kPostNotification);
     Call call;
     if (!message || sd_bus_message_set_allow_interactive_authorization(message.get(), true) < 0 ||
         sd_bus_message_append(message.get(), "ss", post.name.c_str(), post.object.c_str()) < 0 ||
@@ -72,19 +68,27 @@ bool BusPeer::wait(const Call& call, Clock::time_point deadline) {
     return serveUntil(_bus.get(), deadline, [&call] { return call.reply != nullptr; });
 }
 
-sd_bus_message* BusPeer::ask(Call& call, sd_bus_message* message, Clock::time_point deadline) {
-    if (!begin(call, message) || !wait(call, deadline)) return nullptr;
-    return sd_bus_message_is_method_error(call.reply.get(), nullptr) ? nullptr : call.reply.get();
+BusMessagePointer BusPeer::call(sd_bus_message* message, Clock::time_point deadline) {
+    Call call;
+    if (message && begin(call, message)) wait(call, deadline);
+    return std::move(call.reply);
+}
+
+BusMessagePointer BusPeer::ask(sd_bus_message* message, Clock::time_point deadline) {
+    BusMessagePointer reply = call(message, deadline);
+    if (reply && sd_bus_message_is_method_error(reply.get(), nullptr)) reply.reset();
+    return reply;
 }
 
 BusMessagePointer BusPeer::callToBus(const char* method, const char* argument) {
-    auto message = newCall(_bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
+    auto message =
+        quorel::newCall(_bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
     sd_bus_message_append(message.get(), "s", argument);
     return message;
 }
 
-BusMessagePointer BusPeer::callToOwner(const char* method) {
-    return newCall(_bus.get(), _owner.c_str(), wire::kPath, wire::kInterface, method);
+BusMessagePointer BusPeer::newCall(const char* path, const char* interface, const char* method) {
+    return _owner.empty() ? nullptr : quorel::newCall(_bus.get(), _owner.c_str(), path, interface, method);
 }
 
 }  // namespace quorel

@@ -17,6 +17,13 @@ public:
     /// is absent: pings and notifications fail at once.
     BusPeer(Bus bus, const char* name, Clock::time_point deadline);
 
+    bool hasBus() const { return _bus != nullptr; }
+
+    /// A call to that very program, to be filled. Null when absent.
+    BusMessagePointer newCall(const char* path, const char* interface, const char* method);
+    /// The reply, which may be an error; null when there is none by then.
+    BusMessagePointer call(sd_bus_message* message, Clock::time_point deadline);
+
     /// As the bus says. Nothing when absent.
     std::optional<unsigned> userId(Clock::time_point deadline);
     bool ping(Clock::time_point deadline);
@@ -38,9 +45,8 @@ private:
     /// False when there is no reply by then.
     bool wait(const Call& call, Clock::time_point deadline);
     /// The reply, or null after an error reply or none.
-    sd_bus_message* ask(Call& call, sd_bus_message* message, Clock::time_point deadline);
+    BusMessagePointer ask(sd_bus_message* message, Clock::time_point deadline);
     BusMessagePointer callToBus(const char* method, const char* argument);
-    BusMessagePointer callToOwner(const char* method);
 
     BusConnection _bus;
     std::string _owner;  // its unique name: what is sent there reaches this very program and starts no other
