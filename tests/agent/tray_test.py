@@ -166,7 +166,8 @@ class TrayTest(unittest.TestCase):
         root = f"{self.home}/root"
         self.configure("lxqt/panel.conf", LXQT)
         self.configure("root/Library/Preferences/com.quorel.plist", plistlib.dumps({
-            "Show In Menu Bar": 1, "Schedule Array": [schedule(SLEEP, "23:15")]}).decode())
+            "Show In Menu Bar": 1, "Check Updates": 0, "Check Updates Frequency": 0, "Prefs Version": 0,
+            "Enable Network Administration": 0, "Schedule Array": [schedule(SLEEP, "23:15")]}).decode())
         self.system.start_daemon(DAEMON, root, log="daemon.txt")
         self.system.start_agent(AGENT, root, log="agent.txt")
         self.system.start(["lxqt-panel"], log="panel.txt")
