@@ -2,6 +2,7 @@
 """A daemon that is killed, in the middle of a save and of a step of a Schedule: daemon_kills_test.py DAEMON PROBE
 STEPPING_DAEMON. QUOREL_KILLS is how many of each there are.
 """
+import calendar
 import os
 import random
 import signal
@@ -67,7 +68,7 @@ class KillsTest(ActingCase):
     def test_killed_in_mid_step(self):
         """A sleep each hour, and a kill at some moment between its warning and its end: each is called once at most, and
         accounted for exactly once."""
-        self.begin(*(schedule(SLEEP, f"{hour:02}:30") for hour in range(24)))
+        self.begin(*(schedule(SLEEP, f"{hour:02}:30", days=calendar.day_name) for hour in range(24)))
         due = instant("23:30")
         called = 0
         for _ in range(KILLS):
