@@ -3,6 +3,7 @@
 #include <QIcon>
 #include <QSocketNotifier>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 
 #include <sys/signalfd.h>
@@ -12,6 +13,7 @@
 #include "model/Preferences.h"
 #include "qt/host/BusLoop.h"
 #include "qt/host/Host.h"
+#include "qt/host/OneWindow.h"
 #include "qt/sheet/OptionForm.h"
 #include "qt/toolkit/Bundles.h"
 #include "qt/toolkit/Services.h"
@@ -121,6 +123,14 @@ int run(int argc, char** argv) {
         QIcon::fromTheme(QStringLiteral("com.quorel.Settings"), QIcon(qString(resources + "/Resources/Quorel.png"))));
     auto& parts = *new Composition(options);
     BusLoop bus;
+    QWidget* first = nullptr;
+    const OneWindow one(bus.loop(), [&first] {
+        if (!first) return;
+        first->show();
+        first->raise();
+        first->activateWindow();
+    });
+    if (!one.isFirst()) return EXIT_SUCCESS;
     Host* shown = nullptr;
     Plan plan(bus.loop(), [&shown] {
         if (shown) shown->showPlan();
@@ -130,6 +140,7 @@ int run(int argc, char** argv) {
                std::make_shared<Bundle>(resources, options.modules, parts.bundles, parts.forms), parts.center,
                options.root + std::string(preferences::kFile)});
     shown = &host;
+    first = &window;
     leaveOnSignals(host);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &window, [&host] { host.leave(); });
     window.show();

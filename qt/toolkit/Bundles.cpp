@@ -9,6 +9,7 @@
 #include "actions/DescriptionKeys.h"
 #include "model/PropertyList.h"
 #include "model/PropertyListText.h"
+#include "qt/toolkit/ForeignModule.h"
 #include "qt/toolkit/Text.h"
 #include "qt/toolkit/Views.h"
 #include "words/Language.h"
@@ -65,7 +66,7 @@ Bundle::Bundle(std::string path, std::string plugInsPath, quorel::Bundles& bundl
 /// A folder with a class of its own is known by its words: what the class would show is not to be had here.
 std::shared_ptr<Object> Bundle::classNamed(std::string_view name) {
     if (name == description_keys::kDescribedPlugIn) return std::make_shared<VXDescribedPlugInClass>(_bundles, _forms);
-    return nullptr;
+    return std::make_shared<ForeignModuleClass>(_forms);
 }
 
 std::string Bundle::localizedStringForKeyValueTable(std::string_view key, std::string_view value,
