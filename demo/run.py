@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""The pane in the settings application, with the product's programs behind it: run.py BUILD USER
+"""The window, or the pane in SystemPreferences, with the product's programs behind it: run.py BUILD USER window|pane
 
 Everything runs on private sockets, and keeps its files in BUILD/run. Run it as root inside "unshare --mount"; the
-settings application and the agent run as USER. Without a display it makes one real edit on a virtual one; the exit
-status tells whether the daemon stored it.
+windows and the agent run as USER. Without a display it makes one real edit in each of the two on a virtual one; the
+exit status tells whether the daemon stored both.
 """
 import contextlib
 import os
@@ -13,10 +13,11 @@ import shutil
 import signal
 import subprocess
 import sys
+import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../harness"))
 
-from desktop import DesktopServers, SettingsApplication, VirtualDisplay, install_modules
+from desktop import end, DesktopServers, SettingsApplication, VirtualDisplay, install_modules
 from feed_server import FeedServer, record
 from private_system import PrivateSystem, polkit_rule, wait_until
 
@@ -29,8 +30,8 @@ class Ends(contextlib.ExitStack):
 
 
 def has_display():
-    return "DISPLAY" in os.environ and subprocess.run(
-        ["xdpyinfo"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
+    return "WAYLAND_DISPLAY" in os.environ or ("DISPLAY" in os.environ and subprocess.run(
+        ["xdpyinfo"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0)
 
 
 def stored(path):
@@ -40,7 +41,7 @@ def stored(path):
 
 def show_plan(build, environment):
     """What the daemon makes of what was saved."""
-    for command in ("status", "next"):
+    for command in ("status", "list"):
         print(f"$ quorelctl {command}", flush=True)
         subprocess.run([f"{build}/ctl/quorelctl", command], env=environment)
 
@@ -56,7 +57,43 @@ def follow(application, path, told):
                 told()
 
 
-def edit(screen, display, path, screenshot):
+class Window:
+    """The settings window as a process of its own."""
+
+    def __init__(self, build, root, feed, environment, **as_user):
+        self.environment = environment
+        self.process = subprocess.Popen([f"{build}/qt/quorel-settings", "--root", root, "--feed", feed],
+                                        env=environment, **as_user)
+
+    def press(self, key):
+        subprocess.run(["xdotool", "key", key], env=self.environment, check=True)
+
+    def close(self):
+        end(self.process)
+
+
+def edit_in_window(window, path, screenshot, display):
+    """Switches the first Schedule over by keyboard, and applies that. True when the daemon has stored it."""
+    before = stored(path)["Schedule Array"][0]["Is Enabled"]
+
+    def is_stored():
+        return stored(path)["Schedule Array"][0]["Is Enabled"] != before
+
+    try:
+        wait_until(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^Quorel$"], check=False,
+                                          env=window.environment, stdout=subprocess.PIPE).stdout, "no window", 60)
+        time.sleep(3)  # until it has asked polkit
+        for key in ("ctrl+Home", "space", "ctrl+s"):
+            window.press(key)
+        wait_until(is_stored, "not stored", 30)
+        return True
+    except TimeoutError:
+        return False
+    finally:
+        display.screenshot(screenshot)
+
+
+def edit_in_pane(screen, display, path, screenshot):
     """Unlocks the pane, toggles an option and applies it. True when the daemon has stored it."""
     before = stored(path)["Show In Menu Bar"]
     screen.open_pane()
@@ -77,7 +114,7 @@ def edit(screen, display, path, screenshot):
 
 
 def main():
-    build, user = os.path.abspath(sys.argv[1]), pwd.getpwnam(sys.argv[2])
+    build, user, face = os.path.abspath(sys.argv[1]), pwd.getpwnam(sys.argv[2]), sys.argv[3]
     place = f"{build}/run"
     path = f"{place}/root/Library/Preferences/com.quorel.plist"
     os.makedirs(os.path.dirname(path), exist_ok=True)
@@ -88,12 +125,12 @@ def main():
     with Ends() as ends:
         ends.callback(subprocess.run, ["chown", "-R", f"{user.pw_uid}:{user.pw_gid}", place], check=False)
         try:
-            return show(build, user, place, path, ends)
+            return show(build, user, face, place, path, ends)
         except KeyboardInterrupt:
             return 0
 
 
-def show(build, user, place, path, ends):
+def show(build, user, face, place, path, ends):
     """What runs until it is ended. The exit status."""
     root, home = f"{place}/root", f"{place}/settings"
     as_user = {"user": user.pw_uid, "group": user.pw_gid, "extra_groups": []}
@@ -110,8 +147,11 @@ def show(build, user, place, path, ends):
     environment = dict(system.environment(), HOME=user.pw_dir)
     info = {"QuorelRoot": root, "QuorelUpdateFeed": feed_address}
     if has_display():
-        application = SettingsApplication(build, home, environment, info=info, languages=None, inspect=False,
-                                          bundles=[f"{build}/QuorelOpener.bundle"], **as_user)
+        if face == "pane":
+            application = SettingsApplication(build, home, environment, info=info, languages=None, inspect=False,
+                                              bundles=[f"{build}/QuorelOpener.bundle"], **as_user)
+        else:
+            application = Window(build, root, feed_address, environment, **as_user)
         ends.callback(application.close)
         print(f"Preferences: {path}\nPress Ctrl-C or close the window to end.", flush=True)
         show_plan(build, environment)
@@ -121,16 +161,19 @@ def show(build, user, place, path, ends):
     ends.callback(display.close)
     environment.update(DISPLAY=display.name, TEMP=f"{system.place}/servers")
     ends.callback(DesktopServers(environment, user.pw_uid).close)
+    window = Window(build, root, feed_address, environment, **as_user)
+    ends.callback(window.close)
+    done = {"window": edit_in_window(window, path, f"{place}/window.png", display)}
+    window.close()
     application = SettingsApplication(build, home, environment, info=info, **as_user)
     ends.callback(application.close)
-    screenshot = f"{place}/screenshot.png"
-    done = edit(application.screen, display, path, screenshot)
-    with open(path) as file:
-        print(file.read())
+    done["pane"] = edit_in_pane(application.screen, display, path, f"{place}/pane.png")
     show_plan(build, environment)
-    print(f"No display: one edit was made on a virtual one, and {'stored' if done else 'NOT stored'}.")
-    print(f"Preferences: {path}\nScreenshot:  {screenshot}")
-    return 0 if done else 1
+    print("No display: one edit was made in each face on a virtual one.")
+    for face, is_stored in done.items():
+        print(f"In the {face}: {'stored' if is_stored else 'NOT stored'}. {place}/{face}.png shows it.")
+    print(f"Preferences: {path}")
+    return 0 if all(done.values()) else 1
 
 
 if __name__ == "__main__":

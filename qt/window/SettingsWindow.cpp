@@ -57,6 +57,9 @@ SettingsWindow::SettingsWindow(Plan& plan, const QString& copyright, const QStri
     noticeBar->hide();
     suggestion->hide();
     undo->hide();
+    apply->setShortcut(QKeySequence::Save);
+    add->setShortcut(QKeySequence::New);
+    undo->setShortcut(QKeySequence::Undo);
     connect(noticeClose, &QPushButton::clicked, noticeBar, &QWidget::hide);
     connect(options, &QPushButton::clicked, optionsDialog, &QDialog::open);
     layOut();
