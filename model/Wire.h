@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 namespace quorel {
 
@@ -132,6 +133,14 @@ inline constexpr std::string_view kWatch = "Watch";
 inline constexpr std::string_view kActions = "Actions";
 
 }  // namespace keys
+
+/// Keys of the status, and what they were called in version 1.0: the daemon tells both in the next.
+inline constexpr std::pair<std::string_view, std::string_view> kFormerKeys[] = {
+    {keys::kWakeAlarm, "Wake Alarm"},
+    {keys::kStartupAlarm, "Startup Alarm"},
+    {keys::kPlanFault, "Plan Fault"},
+    {keys::kStateFault, "State Fault"},
+};
 
 /// Where an occurrence stands. They are stored, too; scheduler/Step.h says what each means to the scheduler.
 namespace step {

@@ -13,11 +13,14 @@
 #include "linux/JournalLog.h"
 #include "linux/login/Users.h"
 #include "model/Preferences.h"
+#include "model/Wire.h"
 #include "words/OutcomeText.h"
 
 namespace quorel {
 
 namespace {
+
+namespace keys = wire::keys;
 
 /// Of every outcome's entry in the journal.
 constexpr std::string_view kOutcomeMessage = "6c0b7b1d5f4e4a0f9d6e3c8a27b41f53";
@@ -133,8 +136,8 @@ void Acting::ended(const Outcome& outcome) {
 }
 
 Value Acting::named(const Value& told) const {
-    const ActionDescription* module = modules().find(told["Action"].text());
-    return module && module->names.size() > 0 ? told.with("Names", module->names) : told;
+    const ActionDescription* module = modules().find(told[keys::kAction].text());
+    return module && module->names.size() > 0 ? told.with(keys::kNames, module->names) : told;
 }
 
 void Acting::changed() {

@@ -8,13 +8,14 @@
 
 #include "kit/MOLLog.h"
 #include "linux/bus/BusValues.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "scheduler/Outcome.h"
 
 namespace quorel {
 
 namespace {
 
+namespace keys = wire::keys;
 namespace names = wire::agents;
 using namespace std::chrono_literals;
 
@@ -114,8 +115,8 @@ int Agents::work(sd_bus_message* call, void* self, sd_bus_error* error) {
     Array actions;
     for (const auto& each : agents._runs)
         if (each.second.user == *user) actions.push_back(each.second.action);
-    Dictionary work{{"Actions", actions}, {"Watch", agents._watches && agents._asked.contains(*user)}};
-    if (agents._unheard.contains(*user)) work.set("Idle", agents._question);
+    Dictionary work{{keys::kActions, actions}, {keys::kWatch, agents._watches && agents._asked.contains(*user)}};
+    if (agents._unheard.contains(*user)) work.set(keys::kIdle, agents._question);
     return replyDictionary(call, work);
 }
 
@@ -170,7 +171,7 @@ void Agents::run(unsigned user, const std::string& token, Dictionary action, End
     if (!isThere(user)) return ended(ActionEnd::kNotStarted, 0, std::string(outcome::kNoAgent));
     if (others >= static_cast<std::ptrdiff_t>(kMostRuns))
         return ended(ActionEnd::kNotStarted, 0, std::string(outcome::kTooMany));
-    const std::chrono::seconds limit(Value(action)["TimeLimit"].integer() + kAfterLimit);
+    const std::chrono::seconds limit(Value(action)[keys::kTimeLimit].integer() + kAfterLimit);
     Run& run = _runs[token];
     run = {user, std::move(action), std::move(ended), nullptr};
     run.limit = std::make_unique<LoopTimer>(_loop, [this, token] { end(token, ActionEnd::kUnknown, 0, {}); });

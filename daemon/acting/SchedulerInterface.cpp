@@ -9,46 +9,47 @@
 #include "kit/MOLLog.h"
 #include "linux/bus/BusValues.h"
 #include "linux/login/Users.h"
-#include "model/Names.h"
 #include "model/PlainText.h"
+#include "model/Wire.h"
 
 namespace quorel {
 
 namespace {
 
+namespace keys = wire::keys;
 namespace names = wire::scheduler;
 
 constexpr const char* kGone = "There is no such occurrence any more.";
 
 Value valueOf(const Upcoming& upcoming) {
-    Dictionary value{{"Token", upcoming.token},
-                     {"Due", upcoming.due},
-                     {"At", upcoming.at},
-                     {"Action", plainText(upcoming.schedule->action)},
-                     {"Step", nameOf(upcoming.step)}};
-    if (upcoming.schedule->restarts) value.set("Restart", true);
-    if (!upcoming.by.empty()) value.set("By", upcoming.by);
+    Dictionary value{{keys::kToken, upcoming.token},
+                     {keys::kDue, upcoming.due},
+                     {keys::kAt, upcoming.at},
+                     {keys::kAction, plainText(upcoming.schedule->action)},
+                     {keys::kStep, nameOf(upcoming.step)}};
+    if (upcoming.schedule->restarts) value.set(keys::kRestart, true);
+    if (!upcoming.by.empty()) value.set(keys::kBy, upcoming.by);
     if (upcoming.hold) {
-        value.set("Hold", upcoming.hold.kind);
-        value.set("Who", upcoming.hold.who);
-        value.set("Why", upcoming.hold.why);
+        value.set(keys::kHold, upcoming.hold.kind);
+        value.set(keys::kWho, upcoming.hold.who);
+        value.set(keys::kWhy, upcoming.hold.why);
     }
     return value;
 }
 
 Value valueOf(std::optional<Instant> armed, const ComputerAlarms::Obstacle& obstacle) {
     Dictionary value;
-    if (armed) value.set("At", *armed);
-    if (!obstacle.fault.empty()) value.set("Fault", obstacle.fault);
-    if (!obstacle.reason.empty()) value.set("Reason", plainText(obstacle.reason));
-    if (obstacle.others) value.set("Others", *obstacle.others);
+    if (armed) value.set(keys::kAt, *armed);
+    if (!obstacle.fault.empty()) value.set(keys::kFault, obstacle.fault);
+    if (!obstacle.reason.empty()) value.set(keys::kReason, plainText(obstacle.reason));
+    if (obstacle.others) value.set(keys::kOthers, *obstacle.others);
     return value;
 }
 
 Value valueOf(const ScheduleFault& fault) {
-    return Dictionary{{"Number", static_cast<std::int64_t>(fault.number)},
-                      {"Action", plainText(fault.action)},
-                      {"Reason", fault.reason}};
+    return Dictionary{{keys::kNumber, static_cast<std::int64_t>(fault.number)},
+                      {keys::kAction, plainText(fault.action)},
+                      {keys::kReason, fault.reason}};
 }
 
 /// How many the caller wants, within the longest answer.
@@ -117,14 +118,15 @@ int SchedulerInterface::status(sd_bus_message* call) const {
         if (faults.size() == names::kMostUpcoming) break;
         faults.push_back(_acting.named(valueOf(fault)));
     }
-    Dictionary status{{"Version", product::kVersion},
-                      {"Acts", waking.fault != "off"},
-                      {"Wake Alarm", valueOf(scheduler.armedWake(), waking)},
-                      {"Startup Alarm", valueOf(scheduler.armedStartup(), _acting.alarms().starting())},
-                      {"Faults", faults}};
-    if (!_plan.fault().empty()) status.set("Plan Fault", plainText(_plan.fault()));
-    if (!_acting.stateFault().empty()) status.set("State Fault", plainText(_acting.stateFault()));
-    if (scheduler.isClockBehind()) status.set("Clock", "behind");
+    Dictionary status{{keys::kVersion, product::kVersion},
+                      {keys::kActs, waking.fault != wire::alarm_fault::kOff},
+                      {keys::kWakeAlarm, valueOf(scheduler.armedWake(), waking)},
+                      {keys::kStartupAlarm, valueOf(scheduler.armedStartup(), _acting.alarms().starting())},
+                      {keys::kFaults, faults}};
+    if (!_plan.fault().empty()) status.set(keys::kPlanFault, plainText(_plan.fault()));
+    if (!_acting.stateFault().empty()) status.set(keys::kStateFault, plainText(_acting.stateFault()));
+    if (scheduler.isClockBehind()) status.set(keys::kClock, wire::kClockBehind);
+    for (const auto& [key, former] : wire::kFormerKeys) status.set(former, status[key]);
     return replyDictionary(call, status);
 }
 

@@ -11,11 +11,14 @@
 #include "kit/MOLLog.h"
 #include "model/PlainText.h"
 #include "model/PropertyList.h"
+#include "model/Wire.h"
 #include "scheduler/Outcome.h"
 
 namespace quorel {
 
 namespace {
+
+namespace keys = wire::keys;
 
 constexpr std::chrono::seconds kAgentsReturn{10};
 
@@ -41,7 +44,7 @@ std::string missingAmong(const std::vector<std::string>& folders) {
 
 /// As docs/protocol.md has it for agents.
 Dictionary actionFor(const Occurrence& occurrence) {
-    return {{"Token", occurrence.token()}, {"Action", plainText(occurrence.schedule->action)}};
+    return {{keys::kToken, occurrence.token()}, {keys::kAction, plainText(occurrence.schedule->action)}};
 }
 
 }  // namespace
@@ -58,7 +61,7 @@ ModuleActions::ModuleActions(EventLoop& loop, sd_bus* bus, const std::string& ro
       _agentsAreBack(loop,
                      [this] {
                          for (const Dictionary& action : std::exchange(_sought, {}))
-                             runAsUser(action["Token"].text(), action);
+                             runAsUser(action[keys::kToken].text(), action);
                      }),
       _lock(bus, "sleep", "block") {}
 
@@ -81,11 +84,11 @@ void ModuleActions::start(const Occurrence& occurrence, bool madeUp) {
     const std::string path = _registry.programPath(*module);
     if (!module->isSystem) {
         Dictionary action = actionFor(occurrence);
-        action.set("Due", occurrence.due);
-        action.set("MadeUp", madeUp);
-        action.set("Parameters", *input);
-        action.set("Program", path);
-        action.set("TimeLimit", module->limit);
+        action.set(keys::kDue, occurrence.due);
+        action.set(keys::kMadeUp, madeUp);
+        action.set(keys::kParameters, *input);
+        action.set(keys::kProgram, path);
+        action.set(keys::kTimeLimit, module->limit);
         return runAsUser(token, action);
     }
     if (const std::string missing = missingAmong(module->writes); !missing.empty())
@@ -109,14 +112,14 @@ void ModuleActions::find(const Occurrence& occurrence) {
     begin(token);
     if (!module || module->isSystem) return _units.find(unitName(token), ender(token));
     Dictionary action = actionFor(occurrence);
-    action.set("Find", true);
-    action.set("TimeLimit", module->limit);
+    action.set(keys::kFind, true);
+    action.set(keys::kTimeLimit, module->limit);
     _sought.push_back(std::move(action));
     _agentsAreBack.start(kAgentsReturn);
 }
 
 void ModuleActions::runAsUser(const std::string& token, const Dictionary& action) {
-    const bool isSought = action["Find"].intValue() != 0;
+    const bool isSought = action[keys::kFind].intValue() != 0;
     const auto found = [this, token, action, isSought](std::optional<unsigned> user) {
         const auto question = std::exchange(_running.at(token), nullptr);
         const std::string_view reason = !user ? outcome::kNobody : outcome::kNoAgent;
