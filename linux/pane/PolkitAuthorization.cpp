@@ -20,7 +20,7 @@ struct OpaqueAuthorization {
 
 namespace {
 
-// The published codes, so that a log line means to its reader what it says.
+// What the interface gives these failures as numbers: they reach the log, where they can be looked up.
 constexpr AuthorizationStatus kInvalidSet = -60001;
 constexpr AuthorizationStatus kInvalidRef = -60002;
 constexpr AuthorizationStatus kDenied = -60005;
