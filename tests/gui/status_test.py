@@ -82,8 +82,6 @@ class UpdateTest(StatusCase):
         newer = "Download version 9.9%n%s?"
         self.feed.answers["/pane"] = record("9.9%n%s", self.page)
         self.check("New version available", newer)
-        self.answer("Cancel")
-        self.check("New version available", newer)
         self.answer("OK")
         wait_for(self.browser.pages, "no page is opened")
         self.assertEqual(self.browser.pages(), [self.page])
@@ -91,9 +89,6 @@ class UpdateTest(StatusCase):
         self.feed.answers["/pane"] = record("1.0")
         self.check("Up to date", "You have the latest version of Quorel.")
         self.assertIsNone(self.screen.find(title="Cancel"))
-        self.answer("OK")
-        self.feed.answers["/pane"] = b"no property list"
-        self.check("Update check failed", "The update service could not be reached.")
         self.answer("OK")
 
         # The agent does it instead where there is one.

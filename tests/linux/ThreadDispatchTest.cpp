@@ -119,24 +119,6 @@ TEST_F(ThreadDispatchTest, AfterWaitsAndKeepsTheOrderOfTime) {
     EXPECT_GE(waited[2], 60ms);
 }
 
-TEST_F(ThreadDispatchTest, BlockedQueuesHoldUpNoOthersAndLiveUntilTheyHaveRun) {
-    constexpr int kAtOnce = 40;
-    Gate gate;
-    std::atomic<int> reached{0}, ran{0};
-    for (int i = 0; i < kAtOnce; ++i) {
-        const auto queue = dispatch.createQueue("blocked");
-        queue->async([&] {
-            ++reached;
-            gate.pass();
-        });
-        queue->after(5ms, [&] { ++ran; });
-    }
-    EXPECT_TRUE(holdsWithin([&] { return reached == kAtOnce; }));
-    EXPECT_EQ(ran, 0);
-    gate.open();
-    EXPECT_TRUE(holdsWithin([&] { return ran == kAtOnce; }));
-}
-
 TEST(ThreadDispatchExitTest, TheProcessMayExitAtAnyMoment) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     for (int run = 0; run < 50; ++run) {
