@@ -40,7 +40,7 @@ Agent::Agent(Options options)
       _files(std::move(options.root)),
       _lastCheckFile(LastCheckFile::defaultPath()),
       _interval(_lastCheckFile.read()),
-      _look(_loop, [this] { look(); }),
+      _nextCheck(_loop, [this] { checkIfDue(); }),
       _checkEnded(_loop, [this] { checkEnded(); }),
       _bus(connectTo(Bus::Session, _loop)),
       _notifier(_bus.get(), openPage),
@@ -52,7 +52,7 @@ Agent::Agent(Options options)
                     [this](const std::string& token) { _daemon.postpone(token, logRefusal); },
                     [this] { checkByHand(); }, openSettings}),
       _watch(_loop, [this] { tellIdle(0); }),
-      _endpoint(_bus.get(), [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
+      _endpoint(_bus.get(), [this](const auto& notification, const auto& answer) { received(notification, answer); }) {
     _loop.endOn({SIGTERM, SIGINT});
 }
 
@@ -65,7 +65,7 @@ int Agent::run() {
     // A desktop may start the agent in more than one way; whichever comes second has nothing to do or to say.
     if (!requestName(_bus.get(), std::string(kUserAgentName))) return 0;
     _menuBar.emplace(_loop, _root, [this](bool on) { _tray.show(on); });
-    _look.start({});
+    _nextCheck.start({});
     const int status = _loop.run();
     if (status != 0) MOLLog("The session bus has gone.");
     return status;
@@ -73,7 +73,7 @@ int Agent::run() {
 
 void Agent::daemonChanged() {
     _warnings.update();
-    _actions.take(_daemon.actions());
+    _actions.run(_daemon.actions());
     if (_daemon.isThere())
         _tray.update(_daemon.upcoming(), _daemon.maySkip(), _daemon.mayPostpone());
     else
@@ -88,7 +88,7 @@ void Agent::tellIdle(std::int64_t question) {
     });
 }
 
-void Agent::take(const BusNotification& notification, const BusAnswer& answer) {
+void Agent::received(const BusNotification& notification, const BusAnswer& answer) {
     if (notification.name != kUserAgentMustCheckUpdates || notification.object != kUserAgentName)
         return answer.refuse(wire::kUnknownNotification, "The agent takes UserAgentMustCheckUpdates alone.");
     answer.accept();
@@ -100,14 +100,14 @@ void Agent::checkByHand() {
     if (!_check.joinable()) startCheck();
 }
 
-void Agent::look() {
+void Agent::checkIfDue() {
     const auto now = currentTime();
-    _menuBar->look();
+    _menuBar->readAgain();
     if (!_check.joinable()) {
         _interval.setPreferences(_files.dictionaryWithContentsOfFile(preferences::kFile));
         if (_interval.isDue(now)) startCheck();
     }
-    _look.start(_check.joinable() ? CheckInterval::kLookInterval : _interval.timeToNextLook(now));
+    _nextCheck.start(_check.joinable() ? CheckInterval::kLookInterval : _interval.timeToNextLook(now));
 }
 
 void Agent::startCheck() try {
@@ -128,7 +128,7 @@ void Agent::checkEnded() {
     if (succeeded) _lastCheckFile.write(now);
     if (auto message = _reports.report(_checker, succeeded, std::exchange(_askedByHand, false)))
         _notifier.show(std::move(*message));
-    _look.start(_interval.timeToNextLook(now));
+    _nextCheck.start(_interval.timeToNextLook(now));
 }
 
 }  // namespace quorel

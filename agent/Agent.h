@@ -41,8 +41,8 @@ public:
     int run();
 
 private:
-    void take(const BusNotification& notification, const BusAnswer& answer);
-    void look();
+    void received(const BusNotification& notification, const BusAnswer& answer);
+    void checkIfDue();
     void checkByHand();
     void startCheck();
     void checkEnded();
@@ -58,7 +58,7 @@ private:
     bool _askedByHand = false;  // somebody waits for the outcome of the check that runs
 
     EventLoop _loop;
-    LoopTimer _look;
+    LoopTimer _nextCheck;
     const Wakeup _checkEnded;
     const BusConnection _bus;
     Notifier _notifier;

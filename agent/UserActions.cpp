@@ -38,7 +38,7 @@ std::map<std::string, std::string> ownEnvironment() {
 
 UserActions::UserActions(sd_bus* bus, Report report) : _report(std::move(report)), _units(bus) {}
 
-void UserActions::take(const Array& actions) {
+void UserActions::run(const Array& actions) {
     for (const Value& action : actions) {
         const std::string& token = action[keys::kToken].text();
         const auto taken = _taken.find(token);

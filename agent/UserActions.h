@@ -20,7 +20,7 @@ public:
     UserActions(sd_bus* bus, Report report);
 
     /// What the daemon wants run, as its Work tells, however often it tells: each is begun once, at most 16 at a time.
-    void take(const Array& actions);
+    void run(const Array& actions);
 
 private:
     struct End {

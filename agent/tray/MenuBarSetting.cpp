@@ -9,12 +9,12 @@ namespace quorel {
 MenuBarSetting::MenuBarSetting(EventLoop& loop, const std::string& root, std::function<void(bool)> changed)
     : _files(root),
       _changed(std::move(changed)),
-      _watch(loop, root + std::string(preferences::kFile), [this] { look(); }),
+      _watch(loop, root + std::string(preferences::kFile), [this] { readAgain(); }),
       _on(readsOn()) {
     _changed(_on);
 }
 
-void MenuBarSetting::look() {
+void MenuBarSetting::readAgain() {
     const bool on = readsOn();
     if (on != std::exchange(_on, on)) _changed(on);
 }

@@ -17,7 +17,7 @@ public:
     MenuBarSetting(const MenuBarSetting&) = delete;
 
     /// Reads the file now. Nothing need call it; now and then it makes up for what could not be watched.
-    void look();
+    void readAgain();
 
 private:
     bool readsOn() const;

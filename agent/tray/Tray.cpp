@@ -19,14 +19,14 @@ void Tray::show(bool on) try {
 }
 
 void Tray::update(const Array& upcoming, bool maySkip, bool mayPostpone) {
-    take(trayContent(upcoming, maySkip, mayPostpone));
+    setContent(trayContent(upcoming, maySkip, mayPostpone));
 }
 
 void Tray::daemonHasGone() {
-    take(trayContentWithoutDaemon());
+    setContent(trayContentWithoutDaemon());
 }
 
-void Tray::take(TrayContent content) {
+void Tray::setContent(TrayContent content) {
     if (content == _content) return;
     _content = std::move(content);
     if (_item) display();

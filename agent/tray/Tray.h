@@ -30,7 +30,7 @@ public:
     void daemonHasGone();
 
 private:
-    void take(TrayContent content);
+    void setContent(TrayContent content);
     void display();
     void choose(int choice) const;
 

@@ -66,11 +66,11 @@ int Agents::registerAgent(sd_bus_message* call, void* self, sd_bus_error*) {
     auto& agents = *static_cast<Agents*>(self);
     const std::string_view name = sd_bus_message_get_sender(call);
     if (agents._agents.contains(name) && !agents._callers.find(name)) return sd_bus_reply_method_return(call, "");
-    agents._callers.hold(call, [&agents](HeldCall& held) { agents.take(held); });
+    agents._callers.hold(call, [&agents](HeldCall& held) { agents.registerHeld(held); });
     return 1;
 }
 
-void Agents::take(HeldCall& call) {
+void Agents::registerHeld(HeldCall& call) {
     if (isThere(call.user())) return call.refuse(wire::kBusy, "The user has an agent already.");
     if (_agents.size() >= kMostAgents) return call.refuse(wire::kBusy, "There are too many agents.");
     const std::string& name = call.caller();
@@ -79,11 +79,11 @@ void Agents::take(HeldCall& call) {
     const auto changed = [this, name](const std::string& owner) {
         if (owner.empty()) left(name);
     };
-    agent.leaving = watchOwner(_callers.bus(), name, changed, [this, name](bool done) { taken(name, done); });
+    agent.leaving = watchOwner(_callers.bus(), name, changed, [this, name](bool done) { registered(name, done); });
 }
 
 /// Answered only now: an agent that could leave unnoticed would keep its user's next one out.
-void Agents::taken(const std::string& name, bool isWatched) {
+void Agents::registered(const std::string& name, bool isWatched) {
     HeldCall* const call = _callers.find(name);
     if (!isWatched) left(name);
     if (call && !isWatched) return call->refuse(wire::kBusy, "The bus does not tell who leaves.");

@@ -61,8 +61,8 @@ private:
     static int reportIdle(sd_bus_message* call, void* self, sd_bus_error* error);
     static int reportAction(sd_bus_message* call, void* self, sd_bus_error* error);
 
-    void take(HeldCall& call);
-    void taken(const std::string& name, bool isWatched);
+    void registerHeld(HeldCall& call);
+    void registered(const std::string& name, bool isWatched);
     void left(const std::string& name);
     std::optional<unsigned> userOf(sd_bus_message* call) const;
     void hint();

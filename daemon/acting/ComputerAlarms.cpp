@@ -54,14 +54,14 @@ void ComputerAlarms::armWake(std::optional<Instant> at) {
 }
 
 void ComputerAlarms::armStartup(std::optional<Instant> at) {
-    const Result before = _startupOutcome.result;
-    _startupOutcome = _startup.set(at, _clocks.now().instant());
+    const Result before = _startupSetting.result;
+    _startupSetting = _startup.set(at, _clocks.now().instant());
     _startupAt = at;
-    const Result result = _startupOutcome.result;
+    const Result result = _startupSetting.result;
     if (result == Result::kDone || (result == before && result != Result::kReplaced)) return;
     if (!at && result == Result::kAbsent) return;  // which matters to nobody
-    MOLLog("The start-up alarm: %s%s%s.", textOf(result), _startupOutcome.reason.empty() ? "" : ": ",
-           _startupOutcome.reason.c_str());
+    MOLLog("The start-up alarm: %s%s%s.", textOf(result), _startupSetting.reason.empty() ? "" : ": ",
+           _startupSetting.reason.c_str());
 }
 
 ComputerAlarms::Obstacle ComputerAlarms::waking() const {
@@ -73,15 +73,15 @@ ComputerAlarms::Obstacle ComputerAlarms::waking() const {
 
 ComputerAlarms::Obstacle ComputerAlarms::starting() const {
     if (!_startup.exists()) return {_arms ? alarm_fault::kNoClock : alarm_fault::kOff, {}, {}};
-    switch (_startupOutcome.result) {
+    switch (_startupSetting.result) {
         case Result::kPast:
             return {alarm_fault::kPast, {}, {}};
         case Result::kTooFar:
             return {alarm_fault::kTooFar, {}, {}};
         case Result::kTaken:
-            return {alarm_fault::kTaken, {}, _startupOutcome.others};
+            return {alarm_fault::kTaken, {}, _startupSetting.others};
         case Result::kFailed:
-            return {alarm_fault::kFailed, _startupOutcome.reason, {}};
+            return {alarm_fault::kFailed, _startupSetting.reason, {}};
         default:
             return _startupAt ? standing(*_startupAt) : Obstacle{};
     }

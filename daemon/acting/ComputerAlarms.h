@@ -47,7 +47,7 @@ private:
     bool _reachFar;
     std::string _wakeFailure;
     std::optional<Instant> _startupAt;
-    StartupAlarm::Outcome _startupOutcome;
+    StartupAlarm::Setting _startupSetting;
 };
 
 }  // namespace quorel

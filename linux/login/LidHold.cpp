@@ -33,7 +33,7 @@ LidHold::LidHold(EventLoop& loop, sd_bus* bus, std::function<void(Lid)> seen)
       _seen(std::move(seen)),
       _lock(bus, "handle-lid-switch", "block"),
       _timer(
-          loop, [this] { look(); }, CLOCK_MONOTONIC) {}
+          loop, [this] { askForLid(); }, CLOCK_MONOTONIC) {}
 
 void LidHold::hold(bool hold) {
     if (!hold) {
@@ -47,7 +47,7 @@ void LidHold::hold(bool hold) {
     _timer.start(kBetweenLooks);
 }
 
-void LidHold::look() {
+void LidHold::askForLid() {
     _timer.start(kBetweenLooks);
     _call = readLid(_bus, [this](Lid lid) {
         const auto call = std::move(_call);

@@ -20,7 +20,7 @@ public:
     void hold(bool hold);
 
 private:
-    void look();
+    void askForLid();
 
     sd_bus* _bus;
     const std::function<void(Lid)> _seen;

@@ -90,7 +90,7 @@ LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<vo
     : _bus(bus), _clocks(clocks), _used(std::move(used)), _quietSince(clocks.now().boot) {
     const auto added = [this](sd_bus_message* signal) {
         const char* path = nullptr;
-        if (sd_bus_message_read(signal, "so", nullptr, &path) > 0) look(path);
+        if (sd_bus_message_read(signal, "so", nullptr, &path) > 0) readSession(path);
     };
     _added = logind::watch(_bus, "SessionNew", added);
     _removed = logind::watch(_bus, "SessionRemoved", [this](sd_bus_message*) { restart(); });
@@ -100,7 +100,7 @@ LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<vo
         logind::readProperties(signal, [&](const std::string& name, const std::string&) {
             if (name == "Active") active = logind::readFlag(signal);
         });
-        if (active) look(sd_bus_message_get_path(signal));
+        if (active) readSession(sd_bus_message_get_path(signal));
     };
     _changed = watchSignals(_bus, logind::kName,
                             "path_namespace='/org/freedesktop/login1/session',"
@@ -108,7 +108,7 @@ LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<vo
                             changed);
 }
 
-void LoginSessions::look(const char* path) {
+void LoginSessions::readSession(const char* path) {
     const auto read = [this, key = std::string(path)](const std::optional<LoginSession>& found, const BusError&) {
         const auto call = _looks.extract(key);
         if (found && found->counts && found->isActive) _used(*found);

@@ -51,7 +51,7 @@ public:
     void restart();
 
 private:
-    void look(const char* path);
+    void readSession(const char* path);
 
     sd_bus* _bus;
     const Clocks& _clocks;

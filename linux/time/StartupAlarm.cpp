@@ -41,36 +41,36 @@ bool StartupAlarm::exists() const {
     return access((_clock + "/wakealarm").c_str(), F_OK) == 0;
 }
 
-StartupAlarm::Outcome StartupAlarm::set(std::optional<Instant> at, Instant now) {
+StartupAlarm::Setting StartupAlarm::set(std::optional<Instant> at, Instant now) {
     const auto shown = read("since_epoch");
     if (!shown || !exists()) return {Result::kAbsent, {}, {}};
     auto present = read("wakealarm");
     if (present && *present <= *shown) present.reset();  // it has rung
     const auto ours = noted();
     const bool othersStands = present && present != ours;
-    Outcome outcome;
-    if (othersStands) outcome.others = *present - *shown + now;
+    Setting setting;
+    if (othersStands) setting.others = *present - *shown + now;
 
     if (!at || *at < now + kClosest) {
-        if (at) outcome.result = Result::kPast;
+        if (at) setting.result = Result::kPast;
         if (present && !othersStands) {
             if (const int error = write(0)) return {Result::kFailed, {}, std::strerror(error)};
         }
         if (ours) note({});
-        return outcome;
+        return setting;
     }
     const Instant wanted = *shown + (*at - now);
     if (othersStands && *present <= wanted) {
-        outcome.result = Result::kTaken;
-        return outcome;
+        setting.result = Result::kTaken;
+        return setting;
     }
-    Outcome armed = arm(wanted);
+    Setting armed = arm(wanted);
     if (armed.result != Result::kDone) return armed;
-    outcome.result = othersStands ? Result::kReplaced : Result::kDone;
-    return outcome;
+    setting.result = othersStands ? Result::kReplaced : Result::kDone;
+    return setting;
 }
 
-StartupAlarm::Outcome StartupAlarm::arm(Instant value) {
+StartupAlarm::Setting StartupAlarm::arm(Instant value) {
     note(value);
     int error = write(0);  // an alarm that is set cannot be set again
     if (!error) error = write(value);

@@ -27,13 +27,13 @@ public:
         kReplaced,  ///< done; somebody else's later alarm was replaced
         kFailed,    ///< see `reason`
     };
-    struct Outcome {
+    struct Setting {
         Result result = Result::kDone;
         std::optional<Instant> others;  ///< somebody else's alarm, as this computer's clock will show it
         std::string reason;
     };
     /// In place of ours; none takes ours away and leaves others'.
-    Outcome set(std::optional<Instant> at, Instant now);
+    Setting set(std::optional<Instant> at, Instant now);
 
     /// When ours comes, by this computer's clock; nothing where it is not set, or not any more.
     std::optional<Instant> comes(Instant now) const;
@@ -46,7 +46,7 @@ private:
     std::optional<Instant> read(const char* name) const;
     /// The error, or 0.
     int write(Instant value) const;
-    Outcome arm(Instant value);
+    Setting arm(Instant value);
     std::optional<Instant> noted() const;
     void note(std::optional<Instant> value) const;
 

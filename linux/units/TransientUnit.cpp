@@ -55,7 +55,7 @@ TransientUnits::TransientUnits(sd_bus* bus) : _bus(bus) {
     _restarts = watchOwner(bus, kName, [this](const std::string& owner) {
         if (owner.empty()) return;
         _subscription.reset();
-        for (const auto& run : _runs) look(run.first);
+        for (const auto& run : _runs) fetchState(run.first);
     });
 }
 
@@ -64,7 +64,7 @@ TransientUnits::Run& TransientUnits::begin(const std::string& name, Ended ended)
     run.path = pathOf(name);
     run.signals =
         watchSignals(_bus, kName, "path='" + run.path + "',interface='" + kProperties + "',member='PropertiesChanged'",
-                     [this, name](sd_bus_message*) { look(name); });
+                     [this, name](sd_bus_message*) { fetchState(name); });
     return run;
 }
 
@@ -76,7 +76,7 @@ void TransientUnits::start(const std::string& name, const UnitProgram& program, 
     sd_bus_message_append(message.get(), "a(sa(sv))", 0);
     run.call = callAsync(_bus, message.get(), kPatience, [this, name](sd_bus_message* reply) {
         const BusError error = errorOf(reply);
-        if (!error) return look(name);
+        if (!error) return fetchState(name);
         if (error.name == kUnitExists || isSilence(error)) return hold(name);
         end(name, ActionEnd::kNotStarted, 0, isAbsence(error) ? std::string(outcome::kNoManager) : error.message);
     });
@@ -93,14 +93,14 @@ void TransientUnits::hold(const std::string& name) {
     sd_bus_message_append(message.get(), "s", name.c_str());
     _runs.at(name).call = callAsync(_bus, message.get(), kPatience, [this, name](sd_bus_message* reply) {
         const BusError error = errorOf(reply);
-        if (!error) return look(name);
+        if (!error) return fetchState(name);
         if (isSilence(error)) return hold(name);
         end(name, ActionEnd::kUnknown, 0, {});
     });
 }
 
 /// Asks anew, in place of a question that is under way, which may have been too early.
-void TransientUnits::look(const std::string& name) {
+void TransientUnits::fetchState(const std::string& name) {
     if (!_subscription) {  // the manager tells of units only when asked to
         const BusMessagePointer message = managerCall(_bus, "Subscribe");
         _subscription = callAsync(_bus, message.get(), kPatience, [](sd_bus_message*) {});
@@ -113,7 +113,7 @@ void TransientUnits::look(const std::string& name) {
 
 void TransientUnits::read(const std::string& name, sd_bus_message* reply) {
     if (const BusError error = errorOf(reply)) {
-        if (isSilence(error)) return look(name);
+        if (isSilence(error)) return fetchState(name);
         if (!isAbsence(error)) end(name, ActionEnd::kUnknown, 0, {});
         return;
     }

@@ -34,7 +34,7 @@ private:
     };
     Run& begin(const std::string& name, Ended ended);
     void hold(const std::string& name);
-    void look(const std::string& name);
+    void fetchState(const std::string& name);
     void read(const std::string& name, sd_bus_message* reply);
     void end(const std::string& name, ActionEnd end, int status, const std::string& reason);
 
