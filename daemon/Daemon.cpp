@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "kit/MOLLog.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 
 namespace quorel {
 

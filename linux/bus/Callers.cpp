@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "model/Names.h"
+#include "model/Wire.h"
 
 namespace quorel {
 

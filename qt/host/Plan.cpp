@@ -5,7 +5,7 @@
 
 #include "kit/MOLLog.h"
 #include "linux/bus/BusValues.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 
 namespace quorel::qt {
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "model/Wire.h"
 #include "qt/toolkit/Text.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
@@ -12,6 +13,8 @@
 namespace quorel::qt {
 
 namespace {
+
+namespace keys = wire::keys;
 
 enum Sort { kWell, kLeftOut, kFailed };
 
@@ -44,14 +47,14 @@ void HappenedList::show(const Array& outcomes, std::size_t most) {
     clear();
     const bool isDark = palette().color(QPalette::Base).lightness() < 128;
     for (auto one = outcomes.rbegin(); one != outcomes.rend() && most > 0; ++one, --most) {
-        const Sort sort = sortOf((*one)["Code"].text());
-        const Instant due = (*one)["Due"].integer();
+        const Sort sort = sortOf((*one)[keys::kCode].text());
+        const Instant due = (*one)[keys::kDue].integer();
         const std::string sentence = outcomeText(*one);
         auto* const item =
             new QTreeWidgetItem(this, {QString::fromUtf8(sort == kWell     ? "✓"
                                                          : sort == kFailed ? "✗"
                                                                            : "–"),
-                                       qString(momentText(due != 0 ? due : (*one)["At"].integer())),
+                                       qString(momentText(due != 0 ? due : (*one)[keys::kAt].integer())),
                                        due != 0 ? qString(actionName(*one)) : QString(), qString(sentence)});
         const char* const spoken = sort == kWell     ? translated("done")
                                    : sort == kFailed ? translated("failed")

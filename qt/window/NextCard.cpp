@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <ctime>
 
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "qt/host/Forecast.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
@@ -16,15 +16,18 @@ namespace quorel::qt {
 
 namespace {
 
+namespace keys = wire::keys;
+
 /// Whether there is something to be said to it: it is not left out already, and has not begun.
 bool isAhead(const Value& one) {
-    const std::string_view step = one["Step"].text();
-    return step != "skipped" && step != "running" && step != "acting" && !one["Token"].text().empty();
+    const std::string_view step = one[keys::kStep].text();
+    return step != wire::step::kSkipped && step != wire::step::kRunning && step != wire::step::kActing &&
+           !one[keys::kToken].text().empty();
 }
 
 std::string lineOf(const Value& one) {
     const std::string line =
-        filled(translated("{1} {2}"), {actionName(one), nearText(one["At"].integer(), std::time(nullptr))});
+        filled(translated("{1} {2}"), {actionName(one), nearText(one[keys::kAt].integer(), std::time(nullptr))});
     const std::string step = stepText(one);
     return step.empty() ? line : filled(translated("{1} ({2})"), {line, step});
 }
@@ -58,7 +61,7 @@ void NextCard::show() {
     const Array& upcoming = _plan.upcoming();
     const auto next = std::ranges::find_if(upcoming, isAhead);
     const bool isThere = next != upcoming.end();
-    _token = isThere ? (*next)["Token"].text() : std::string();
+    _token = isThere ? (*next)[keys::kToken].text() : std::string();
     for (QPushButton* button : {_postpone, _skip}) {
         button->setVisible(isThere);
         button->setAccessibleDescription(isThere ? qString(lineOf(*next)) : QString());
