@@ -3,11 +3,14 @@
 #include <algorithm>
 
 #include "model/PlainText.h"
+#include "model/Wire.h"
 #include "scheduler/Rules.h"
 
 namespace quorel {
 
 namespace {
+
+namespace keys = wire::keys;
 
 /// A graphical session is as idle as its agent says; without an agent, or without graphics, as logind says. Graphics
 /// that were started at a text log-in are a text session to logind, and what is typed into them is not: where the agent
@@ -64,7 +67,7 @@ PowerCourse::Move PowerCourse::look(Instant now, Step step) {
 
 PowerCourse::Move PowerCourse::reached(Instant now) {
     if (_unwrittenSince != 0 && now - _unwrittenSince > rules::kGrace)
-        return {Do::kEnd, outcome::kRefused, {{"Reason", outcome::kUnwritten}}};
+        return {Do::kEnd, outcome::kRefused, {{keys::kReason, outcome::kUnwritten}}};
     if (_step == Step::kActing) return failed(now, std::string(outcome::kNoAnswer));
     if (_asked) return looked(now, {outcome::kHoldUnknown, {}, std::string(outcome::kNoAnswer)});
     return look(now, _step == Step::kWaiting ? Step::kWaiting : Step::kChecking);
@@ -106,17 +109,20 @@ PowerCourse::Move PowerCourse::wait(Instant now, const Hold& hold) {
 }
 
 PowerCourse::Move PowerCourse::giveUp(Instant now) const {
-    if (!_hold) return {Do::kEnd, outcome::kOvertaken, {{"By", outcome::kNext}}};
+    if (!_hold) return {Do::kEnd, outcome::kOvertaken, {{keys::kBy, outcome::kNext}}};
     const Seconds waited = std::max<Seconds>(now - _waited.since, 0);
     return {Do::kEnd,
             outcome::kGaveUp,
-            {{"Hold", _hold.kind}, {"Who", _hold.who}, {"Why", _hold.why}, {"Minutes", waited / kMinute}}};
+            {{keys::kHold, _hold.kind},
+             {keys::kWho, _hold.who},
+             {keys::kWhy, _hold.why},
+             {keys::kMinutes, waited / kMinute}}};
 }
 
 PowerCourse::Move PowerCourse::replied(Instant now, PowerReply reply, const std::string& reason) {
     if (_step != Step::kActing) return {};
     if (reply == PowerReply::kRefused) return failed(now, reason);
-    if (reply == PowerReply::kUnderWay) return {Do::kEnd, outcome::kOvertaken, {{"By", outcome::kOther}}};
+    if (reply == PowerReply::kUnderWay) return {Do::kEnd, outcome::kOvertaken, {{keys::kBy, outcome::kOther}}};
     _next = now + rules::kLongestParting;
     return {};
 }
@@ -133,7 +139,7 @@ void PowerCourse::unwritten(Instant now) {
 
 PowerCourse::Move PowerCourse::failed(Instant now, const std::string& reason) {
     if (_quiet || ++_refusals == rules::kMostRefusals) {
-        return {Do::kEnd, outcome::kRefused, {{"Reason", plainText(reason)}}};
+        return {Do::kEnd, outcome::kRefused, {{keys::kReason, plainText(reason)}}};
     }
     return look(now, Step::kChecking);
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "model/Dictionary.h"
+#include "model/Wire.h"
 #include "scheduler/Instant.h"
 #include "scheduler/Outcome.h"
 #include "scheduler/Step.h"
@@ -75,7 +76,7 @@ public:
     void unwritten(Instant now);
     Move replied(Instant now, PowerReply reply, const std::string& reason);
     /// The computer sleeps and is back, or stayed awake.
-    Move slept(Instant now) const { return {Do::kEnd, outcome::kSlept, {{"Until", now}}}; }
+    Move slept(Instant now) const { return {Do::kEnd, outcome::kSlept, {{wire::keys::kUntil, now}}}; }
     Move stayedAwake(Instant now);
     Move used(Instant now, const std::string& who);
     /// Something else takes its place.

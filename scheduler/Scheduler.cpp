@@ -6,9 +6,12 @@
 #include <algorithm>
 
 #include "model/PlainText.h"
+#include "model/Wire.h"
 #include "scheduler/Rules.h"
 
 namespace quorel {
+
+namespace keys = wire::keys;
 
 Scheduler::Scheduler(const World& world)
     : _world(world),
@@ -41,7 +44,7 @@ void Scheduler::observe(Now now) {
     _wakefulness.clockSet(change->by);
     happen({.event = change->event, .by = change->by});
     if (change->event != Event::kClockWasAhead && change->event != Event::kClockCorrected) return;
-    tell(outcome::kCorrection, nullptr, {{"By", change->by}});
+    tell(outcome::kCorrection, nullptr, {{keys::kBy, change->by}});
     _watermark = this->now();
     planAnew();
 }
@@ -78,7 +81,7 @@ void Scheduler::begin() {
         _watermark = now();
     } else if (_clock.isBehind()) {
         happen({Event::kClockCorrected});
-        tell(outcome::kCorrection, nullptr, {{"By", 0}});
+        tell(outcome::kCorrection, nullptr, {{keys::kBy, 0}});
         _watermark = now();
     } else {
         _wakefulness.restore(_former->awakeUntil);
@@ -128,7 +131,8 @@ void Scheduler::start(Now now, const Value& list, const Value& stored, const std
         _watermark = this->now();
         if (_former) restore(*_former);
         if (isLost) tell(outcome::kStateLost, nullptr);
-        if (!_clock.isTrusted() && _clock.isBehind()) tell(outcome::kClockBehind, nullptr, {{"By", _clock.behindBy()}});
+        if (!_clock.isTrusted() && _clock.isBehind())
+            tell(outcome::kClockBehind, nullptr, {{keys::kBy, _clock.behindBy()}});
         planAnew();
     });
 }
