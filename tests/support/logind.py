@@ -72,6 +72,18 @@ class Manager(dbus.service.Object):
                          for number, properties in enumerate(self.script["sessions"])]
         return json.dumps({"calls": self.calls, "locks": list(self.locks.values())})
 
+    @dbus.service.method(TEST, in_signature="x")
+    def Pass(self, milliseconds):
+        """For tests that move the clocks while it may sleep, and move them, too."""
+        self.move(milliseconds, milliseconds)
+
+    def move(self, by, awake_by):
+        with open(self.clocks) as file:
+            wall, boot, awake = map(int, file.read().split())
+        with open(self.clocks + ".new", "w") as file:
+            file.write(f"{wall + by} {boot + by} {awake + awake_by}")
+        os.rename(self.clocks + ".new", self.clocks)
+
     @dbus.service.method(MANAGER, out_signature="a(ssssuu)")
     def ListInhibitors(self):
         others = [(*lock, 0, 1) for lock in self.script["inhibitors"]]
@@ -146,12 +158,7 @@ class Manager(dbus.service.Object):
 
     def sleep(self):
         self.calls.append("slept")
-        with open(self.clocks) as file:
-            wall, boot, awake = map(int, file.read().split())
-        slept = self.script["slept"]
-        with open(self.clocks + ".new", "w") as file:
-            file.write(f"{wall + slept} {boot + slept} {awake}")
-        os.rename(self.clocks + ".new", self.clocks)
+        self.move(self.script["slept"], 0)
         self.under_way = False
         if self.script["comes back"]:
             self.PrepareForSleep(False)
