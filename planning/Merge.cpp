@@ -80,39 +80,6 @@ bool isReordered(const List& base, const List& sent) {
     return false;
 }
 
-/// Takes what is wanted from `first` in its order, and what is lacking then from `second`, each behind its predecessor
-/// there, or in front. With `behindOthers` also behind what follows that predecessor in `first` alone.
-List arranged(const List& first, const List& second, const Counts& wanted, bool behindOthers) {
-    Counts lacking = wanted, left = countsOf(second);
-    List kept;
-    for (const Entry& entry : first) {
-        if (lacking[entry.key] == 0) continue;
-        --lacking[entry.key];
-        kept.push_back(entry);
-    }
-    std::vector<List> behind(kept.size() + 1);  // those at the front come first
-    const auto like = places(second, kept);
-    const auto pastOthers = [&](std::size_t place) {
-        while (behindOthers && place < kept.size() && !left.contains(kept[place].key)) ++place;
-        return place;
-    };
-    std::size_t place = pastOthers(0);
-    for (std::size_t i = 0; i < second.size(); ++i) {
-        const Entry& entry = second[i];
-        if (left[entry.key]-- <= lacking[entry.key]) {  // of those alike the last are the added ones
-            behind[place].push_back(entry);
-        } else if (like[i]) {
-            place = pastOthers(*like[i] + 1);
-        }
-    }
-    List result = behind.front();
-    for (std::size_t i = 0; i < kept.size(); ++i) {
-        result.push_back(kept[i]);
-        result.insert(result.end(), behind[i + 1].begin(), behind[i + 1].end());
-    }
-    return result;
-}
-
 /// For each of `base` that is not in `changed` what stands there in its place, if anything does.
 std::vector<const Entry*> replacements(const List& base, const List& changed) {
     std::vector<const Entry*> result(base.size());
@@ -124,6 +91,50 @@ std::vector<const Entry*> replacements(const List& base, const List& changed) {
             next = *kept[i] + 1;
         else if (next < changed.size() && !known[next])
             result[i] = &changed[next++];
+    }
+    return result;
+}
+
+/// `changed`, with what its entries replace in front of them: the place of that is known where they are not.
+List withReplaced(const List& base, const List& changed) {
+    std::multimap<const Entry*, const Entry*> replaced;
+    const auto by = replacements(base, changed);
+    for (std::size_t i = 0; i < base.size(); ++i)
+        if (by[i]) replaced.emplace(by[i], &base[i]);
+    List result;
+    for (const Entry& entry : changed) {
+        const auto [begin, end] = replaced.equal_range(&entry);
+        for (auto one = begin; one != end; ++one) result.push_back(*one->second);
+        result.push_back(entry);
+    }
+    return result;
+}
+
+/// Takes what is wanted from `first` in its order, and what is lacking then from `second`, each behind its predecessor
+/// there, or in front. With `behindOthers` also behind what follows a predecessor that stays in `first` alone.
+List arranged(const List& first, const List& second, const Counts& wanted, bool behindOthers) {
+    Counts lacking = wanted, left = countsOf(second);
+    std::vector<bool> isKept;
+    for (const Entry& entry : first) isKept.push_back(lacking[entry.key] > 0 && lacking[entry.key]-- > 0);
+    std::vector<List> behind(first.size() + 1);  // those at the front come first
+    const auto like = places(second, first);
+    const auto pastOthers = [&](std::size_t place) {
+        const bool follows = behindOthers && (place == 0 || isKept[place - 1]);
+        while (follows && place < first.size() && !left.contains(first[place].key)) ++place;
+        return place;
+    };
+    std::size_t place = pastOthers(0);
+    for (std::size_t i = 0; i < second.size(); ++i) {
+        const Entry& entry = second[i];
+        if (left[entry.key]-- <= lacking[entry.key])  // of those alike the last are the added ones
+            behind[place].push_back(entry);
+        else if (like[i])
+            place = pastOthers(*like[i] + 1);
+    }
+    List result = behind.front();
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        if (isKept[i]) result.push_back(first[i]);
+        result.insert(result.end(), behind[i + 1].begin(), behind[i + 1].end());
     }
     return result;
 }
@@ -147,7 +158,8 @@ List joined(const List& stored, const List& base, const List& sent) {
     if (areEqual(sent, base)) return stored;
     if (areEqual(stored, base)) return sent;
     const Counts wanted = wantedOf(stored, base, sent);
-    return isReordered(base, sent) ? arranged(sent, stored, wanted, false) : arranged(stored, sent, wanted, true);
+    if (isReordered(base, sent)) return arranged(sent, stored, wanted, false);
+    return arranged(stored, withReplaced(base, sent), wanted, true);
 }
 
 Value valueOf(const List& list) {
@@ -165,7 +177,7 @@ bool haveEqualOptions(const Value& a, const Value& b) {
 Merged merge(const Value& stored, const Value& base, bool nothingRead, const Value& sent) {
     const List inPlace = listOf(stored), before = listOf(base), own = listOf(sent);
     const bool changesNothing = haveEqualOptions(base, sent) && areEqual(before, own);
-    if (stored.isAbsent()) return {changesNothing && !nothingRead ? Value() : sent, 0, {}};
+    if (!stored.isDictionary()) return {changesNothing && !nothingRead ? Value() : sent, 0, {}};
     if (changesNothing) return {{}, unsent(inPlace, own), {}};
     Value result = sent;
     for (const std::string_view key : kOptions)

@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -32,11 +33,13 @@ void Door::take(const BusNotification& notification, const BusAnswer& answer) {
     if (!_tidying.isRunning()) _tidying.start(1s);
     if (notification.name != kDaemonMustReloadPrefs || notification.object != kDaemonName)
         return answer.refuse(wire::kUnknownNotification, "The daemon takes no such notification.");
-    if (notification.userInfo.size() > wire::kMaximumUserInfoBytes)
+    const std::size_t size = std::max(notification.userInfo.size(), notification.base.value_or("").size());
+    if (size > wire::kMaximumUserInfoBytes)
         return answer.refuse(wire::kInvalidPreferences, "The user information is larger than 2 MiB.");
     const std::string sender(notification.sender);
-    const auto known = [this, userInfo = notification.userInfo, mayAsk = notification.mayAsk](HeldCall& call) {
-        readLater(_saves.emplace(call.caller(), Save{call, userInfo, mayAsk, call.isRoots()}).first->second);
+    const auto known = [this, sent = ListReader::Sent{notification.userInfo, notification.base},
+                        mayAsk = notification.mayAsk](HeldCall& call) {
+        readLater(_saves.emplace(call.caller(), Save{call, sent, mayAsk, call.isRoots()}).first->second);
     };
     const auto gone = [this, sender] {
         _log.say(_saves.find(sender)->second.call.user(), "dropped: the sender has gone.");
@@ -56,7 +59,7 @@ void Door::readNext() {
         _unread.pop_front();
         const auto next = _saves.find(name);
         if (next == _saves.end()) continue;  // has gone meanwhile
-        _reader.read(next->second.userInfo, next->second.allowed, [this, name](const ListReader::Outcome& outcome) {
+        _reader.read(next->second.sent, next->second.allowed, [this, name](const ListReader::Outcome& outcome) {
             const auto found = _saves.find(name);
             if (found != _saves.end())
                 decide(found->second, outcome);
@@ -77,14 +80,14 @@ void Door::decide(Save& save, const ListReader::Outcome& outcome) {
             return refuse(save, wire::kInvalidPreferences, outcome.text);
         case ListReader::Outcome::Kind::InPlace:
             _log.say(save.call.user(), "those in place.");
-            return end(save).accept();
+            return end(save).accept(outcome.joined);
         case ListReader::Outcome::Kind::Fresh:
             return ask(save);
         case ListReader::Outcome::Kind::NotStored:
             return refuse(save, wire::kStorageFailed, outcome.text);
         case ListReader::Outcome::Kind::Stored:
             MOLLog("Preferences of user %u are stored.", save.call.user());
-            end(save).accept();
+            end(save).accept(outcome.joined);
             return _stored(outcome.text);
     }
 }

@@ -31,7 +31,7 @@ private:
     /// A save under way, its user known.
     struct Save {
         HeldCall& call;
-        const std::string_view userInfo;  // lasts as long as the call is held
+        const ListReader::Sent sent;  // lasts as long as the call is held
         const bool mayAsk;
         bool allowed;
     };

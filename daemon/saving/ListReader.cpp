@@ -9,10 +9,13 @@
 #include <climits>
 #include <csignal>
 #include <exception>
+#include <functional>
 #include <utility>
 
+#include "model/Dictionary.h"
 #include "model/Names.h"
 #include "model/PropertyList.h"
+#include "planning/Merge.h"
 #include "planning/PreferencesCheck.h"
 
 namespace quorel {
@@ -26,25 +29,56 @@ using Kind = Outcome::Kind;
 struct Head {
     Kind kind;
     bool keptUnreadable;
+    std::size_t textSize;
 };
 
-/// InPlace where that is what stands there.
-Outcome outcomeOf(std::string_view bytes, const std::function<Value()>& inPlace) try {
-    const Value preferences = decodePropertyList(bytes, wire::kMaximumUserInfoBytes);
-    if (preferences.isAbsent()) return {Kind::Invalid, false, "It is no property list of at most 2 MiB and 64 levels."};
-    if (const auto fault = faultInPreferences(preferences)) return {Kind::Invalid, false, *fault};
-    if (areSamePreferences(inPlace(), preferences)) return {Kind::InPlace, false, {}};
+Outcome invalid(std::string why) {
+    return {Kind::Invalid, false, std::move(why)};
+}
+
+std::string answerOf(const Merged& merged) {
+    Array both;
+    for (const auto& [theirs, own] : merged.both) both.push_back(Array{theirs, own});
+    const Dictionary told{{"Others", static_cast<std::int64_t>(merged.others)}, {"Both", both}};
+    return encodePropertyList(told).value_or("");
+}
+
+Outcome outcomeOf(const Value& preferences, std::string joined) {
+    if (const auto fault = faultInPreferences(preferences)) return invalid(*fault);
     auto file = encodePropertyList(preferences, wire::kMaximumUserInfoBytes);
-    if (!file) return {Kind::Invalid, false, "The file would be larger than 2 MiB."};
-    return {Kind::Fresh, false, std::move(*file)};
+    if (!file) return invalid("The file would be larger than 2 MiB.");
+    return {Kind::Fresh, false, std::move(*file), std::move(joined)};
+}
+
+/// What edits come to, joined with those of others.
+Outcome outcomeOfEdits(const Value& preferences, std::string_view baseBytes, const Value& inPlace) {
+    Value base = decodePropertyList(baseBytes, wire::kMaximumUserInfoBytes);
+    const bool nothingRead = base[wire::kNothingStored].intValue() != 0;
+    if (base.isDictionary()) base = base.with(wire::kNothingStored, {});
+    if (const auto fault = faultInPreferences(base)) return invalid("What they were made of: " + *fault);
+    const Merged merged = merge(inPlace, base, nothingRead, preferences);
+    if (merged.preferences.isAbsent()) return {Kind::InPlace, false, {}, answerOf(merged)};
+    return outcomeOf(merged.preferences, answerOf(merged));
+}
+
+/// InPlace where it comes to what stands there.
+Outcome outcomeOf(const ListReader::Sent& sent, const std::function<Value()>& inPlace) try {
+    const Value preferences = decodePropertyList(sent.preferences, wire::kMaximumUserInfoBytes);
+    if (preferences.isAbsent()) return invalid("It is no property list of at most 2 MiB and 64 levels.");
+    if (const auto fault = faultInPreferences(preferences)) return invalid(*fault);
+    if (sent.base) return outcomeOfEdits(preferences, *sent.base, inPlace());
+    if (areSamePreferences(inPlace(), preferences)) return {Kind::InPlace, false, {}};
+    return outcomeOf(preferences, {});
 } catch (const std::exception& exception) {  // memory has run out
     return {Kind::Failed, false, exception.what()};
 }
 
-Outcome stored(std::string file, const PreferencesStore& store) {
-    const bool kept = store.keepUnreadable();
-    if (auto reason = store.write(file); !reason.empty()) return {Kind::NotStored, kept, std::move(reason)};
-    return {Kind::Stored, kept, std::move(file)};
+Outcome stored(Outcome fresh, const PreferencesStore& store) {
+    fresh.keptUnreadable = store.keepUnreadable();
+    if (auto reason = store.write(fresh.text); !reason.empty())
+        return {Kind::NotStored, fresh.keptUnreadable, std::move(reason)};
+    fresh.kind = Kind::Stored;
+    return fresh;
 }
 
 }  // namespace
@@ -59,12 +93,12 @@ ListReader::~ListReader() {
     _store.removeLeftovers();
 }
 
-void ListReader::read(std::string_view bytes, bool mayStore, std::function<void(Outcome)> done) {
+void ListReader::read(const Sent& sent, bool mayStore, std::function<void(Outcome)> done) {
     // A file that the daemon would not go by is not in place.
     const auto present = [this] { return decodePropertyList(_store.contents(wire::kMaximumUserInfoBytes).bytes); };
-    const auto reading = [this, bytes, mayStore, present] {
-        Outcome outcome = outcomeOf(bytes, present);
-        return mayStore && outcome.kind == Kind::Fresh ? stored(std::move(outcome.text), _store) : outcome;
+    const auto reading = [this, sent, mayStore, present] {
+        Outcome outcome = outcomeOf(sent, present);
+        return mayStore && outcome.kind == Kind::Fresh ? stored(std::move(outcome), _store) : outcome;
     };
     begin(reading, std::move(done));
 }
@@ -77,7 +111,7 @@ Outcome ListReader::inPlace(const PreferencesStore& store) {
     const PreferencesStore::Contents file = store.contents(wire::kMaximumUserInfoBytes);
     if (!file.exists) return {Kind::Absent, false, {}};
     if (!file.fault.empty()) return {Kind::Invalid, false, file.fault};
-    return outcomeOf(file.bytes, [] { return Value(); });
+    return outcomeOf(Sent{file.bytes, {}}, [] { return Value(); });
 }
 
 void ListReader::begin(const std::function<Outcome()>& reading, std::function<void(Outcome)> done) {
@@ -92,10 +126,11 @@ void ListReader::begin(const std::function<Outcome()>& reading, std::function<vo
         close_range(STDERR_FILENO + 1, static_cast<unsigned>(_file) - 1, 0);
         close_range(static_cast<unsigned>(_file) + 1, UINT_MAX, 0);
         setpriority(PRIO_PROCESS, 0, 10);  // everything else comes first
-        const auto [kind, kept, text] = reading();
-        const Head head{kind, kept};
-        const bool written = write(_file, &head, sizeof head) == sizeof head &&
-                             write(_file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        const auto [kind, kept, text, joined] = reading();
+        const Head head{kind, kept, text.size()};
+        bool written = write(_file, &head, sizeof head) == sizeof head;
+        for (const std::string& part : {text, joined})
+            written = written && write(_file, part.data(), part.size()) == static_cast<ssize_t>(part.size());
         _exit(written ? 0 : 1);
     }
     const auto childEnded = [](sd_event_source*, const siginfo_t* end, void* self) {
@@ -122,6 +157,8 @@ void ListReader::ended(bool orderly) {
         pread(_file, &head, sizeof head, 0);
         outcome = {head.kind, head.keptUnreadable, std::string(static_cast<std::size_t>(size) - sizeof head, '\0')};
         pread(_file, outcome.text.data(), outcome.text.size(), sizeof head);
+        outcome.joined = outcome.text.substr(head.textSize);
+        outcome.text.resize(head.textSize);
     }
     if (_file >= 0) close(std::exchange(_file, -1));
     _child = 0;

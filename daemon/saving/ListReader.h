@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,12 @@ public:
         enum class Kind { Fresh, Stored, InPlace, Absent, Invalid, NotStored, Failed } kind = Kind::Failed;
         bool keptUnreadable = false;  ///< the file in place could not be read and has a second name now
         std::string text;             ///< Fresh, Stored: the file's bytes; Invalid, NotStored, Failed: why
+        std::string joined = {};      ///< of edits: what the answer tells of others' that they were joined with
+    };
+    /// Bytes of property lists.
+    struct Sent {
+        std::string_view preferences;
+        std::optional<std::string_view> base;  ///< what they were made of, where others' edits are to be joined
     };
 
     ListReader(EventLoop& loop, const PreferencesStore& store);
@@ -28,9 +35,9 @@ public:
     ListReader(const ListReader&) = delete;
 
     bool isReading() const { return _child > 0; }
-    /// Not while it reads. A list that differs from the one in place is Fresh, or stored where it may be. `bytes` are
-    /// copied; `done` is called later, and may read the next list.
-    void read(std::string_view bytes, bool mayStore, std::function<void(Outcome)> done);
+    /// Not while it reads. What comes to something else than what is in place is Fresh, or stored where it may be.
+    /// Bytes are copied; `done` is called later, and may read the next list.
+    void read(const Sent& sent, bool mayStore, std::function<void(Outcome)> done);
     /// The same of the file in place: Fresh, however often it is read, or Absent.
     void readInPlace(std::function<void(Outcome)> done);
     /// That at once, in this process.

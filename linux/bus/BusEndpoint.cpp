@@ -13,8 +13,14 @@ struct BusAnswer::State {
     explicit State(sd_bus_message* message) : _message(sd_bus_message_ref(message)) {}
     ~State() { refuse(wire::kFailed, "The call was not handled."); }
 
-    void accept() {
-        if (!std::exchange(_answered, true)) sd_bus_reply_method_return(_message.get(), "");
+    void accept(std::string_view content) {
+        if (std::exchange(_answered, true)) return;
+        sd_bus_message* reply = nullptr;
+        sd_bus_message_new_method_return(_message.get(), &reply);
+        const BusMessagePointer owned(reply);
+        if (sd_bus_message_is_method_call(_message.get(), nullptr, wire::kPostEdits) > 0)
+            sd_bus_message_append_array(reply, 'y', content.data(), content.size());
+        sd_bus_send(sd_bus_message_get_bus(_message.get()), reply, nullptr);
     }
     void refuse(const char* errorName, const char* text) {
         const sd_bus_error error = SD_BUS_ERROR_MAKE_CONST(errorName, text);
@@ -40,8 +46,8 @@ int readBytes(sd_bus_message* message, std::string_view& bytes) {
 
 BusAnswer::BusAnswer(sd_bus_message* call) : _state(std::make_shared<State>(call)) {}
 
-void BusAnswer::accept() const {
-    _state->accept();
+void BusAnswer::accept(std::string_view content) const {
+    _state->accept(content);
 }
 
 void BusAnswer::refuse(const char* errorName, const std::string& text) const {
@@ -57,7 +63,7 @@ BusEndpoint::BusEndpoint(sd_bus* bus, Handler handler, Pong pong)
         SD_BUS_METHOD_WITH_ARGS(wire::kPostNotification, SD_BUS_ARGS("s", name, "s", object, "ay", userInfo),
                                 SD_BUS_NO_RESULT, &BusEndpoint::post, SD_BUS_VTABLE_UNPRIVILEGED),
         SD_BUS_METHOD_WITH_ARGS(wire::kPostEdits, SD_BUS_ARGS("s", name, "s", object, "ay", userInfo, "ay", base),
-                                SD_BUS_NO_RESULT, &BusEndpoint::post, SD_BUS_VTABLE_UNPRIVILEGED),
+                                SD_BUS_RESULT("ay", joined), &BusEndpoint::post, SD_BUS_VTABLE_UNPRIVILEGED),
         SD_BUS_VTABLE_END};
     _slot = addObject(bus, wire::kPath, wire::kInterface, kMethods, this);
 }

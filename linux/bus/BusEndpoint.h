@@ -20,12 +20,13 @@ struct BusNotification {
     bool mayAsk = false;                   ///< the sender will wait until somebody has been asked
 };
 
-/// The answer to one call, without content. Copies answer the same one, and the first answer counts. When the last copy
+/// The answer to one call. Copies answer the same one, and the first answer counts. When the last copy
 /// goes unanswered, the caller is told that the call failed. On the connection's thread.
 class BusAnswer {
 public:
     explicit BusAnswer(sd_bus_message* call);
-    void accept() const;
+    /// `content`: bytes that the answer to edits brings; others bring nothing.
+    void accept(std::string_view content = {}) const;
     void refuse(const char* errorName, const std::string& text) const;
 
 private:

@@ -46,8 +46,8 @@ void HeldCall::ask(const char* action, bool interaction, std::function<void(Verd
                       });
 }
 
-void HeldCall::accept() {
-    _answer.accept();
+void HeldCall::accept(std::string_view content) {
+    _answer.accept(content);
     _callers.end(*this);
 }
 

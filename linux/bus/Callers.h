@@ -40,7 +40,7 @@ public:
     void ask(const char* action, bool interaction, std::function<void(Verdict)> answered);
 
     // Either is the end of the call: it has gone when they return.
-    void accept();
+    void accept(std::string_view content = {});
     void refuse(const char* errorName, const std::string& text);
 
 private:

@@ -2,7 +2,7 @@
 """Calls the daemon as its input says, without waiting for answers: "NAME RECEIVER PAYLOAD [SENDER]", the payload in
 hexadecimal digits, or "-"; a sender is claimed in the message, and "-" in its place forbids asking anybody. "call PATH INTERFACE METHOD SIGNATURE ARGUMENTS" is
 any call, its arguments as JSON in such digits, "signal TIMES RECEIVER PATH INTERFACE SIGNAL SIGNATURE ARGUMENTS" sends one
-straight to its receiver, and "leave" leaves the bus.
+straight to its receiver, "edits PAYLOAD BASE" posts edits, and "leave" leaves the bus.
 
 Says its own bus name first, and then for each answer "accepted", or the error's name and text.
 """
@@ -21,7 +21,8 @@ print(bus.get_unique_name(), flush=True)
 
 def answered(reply):
     failed = reply.get_type() == dbus.lowlevel.MESSAGE_TYPE_ERROR
-    print(*(reply.get_error_name(), *reply.get_args_list()) if failed else ("accepted",), flush=True)
+    told = [bytes(one).hex() for one in reply.get_args_list() if isinstance(one, dbus.Array)]
+    print(*(reply.get_error_name(), *reply.get_args_list()) if failed else ("accepted", *told), flush=True)
 
 
 def obey(*_):
@@ -41,6 +42,13 @@ def obey(*_):
     if words[0] == "call":
         call = dbus.lowlevel.MethodCallMessage("com.quorel.Daemon", *words[1:4])
         call.append(*json.loads(bytes.fromhex(words[5])), signature=words[4].strip("-"))
+        bus.send_message_with_reply(call, answered, 120)
+        return True
+    if words[0] == "edits":
+        call = dbus.lowlevel.MethodCallMessage("com.quorel.Daemon", "/com/quorel/Communication",
+                                               "com.quorel.Communication1", "PostEdits")
+        call.append("DaemonMustReloadPrefs", "com.quorel.Daemon", *(dbus.ByteArray(bytes.fromhex(word)) for word in words[1:]),
+                    signature="ssayay")
         bus.send_message_with_reply(call, answered, 120)
         return True
     name, receiver, payload, *sender = words

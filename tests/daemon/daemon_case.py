@@ -51,6 +51,12 @@ class Caller(Talk):
     def begin(self, payload, name="DaemonMustReloadPrefs", receiver="com.quorel.Daemon", sender=""):
         super().begin(f"{name} {receiver} {payload.hex() or '-'} {sender}")
 
+    def edit(self, content, base):
+        """As save, the text of an accepted call being what was joined."""
+        super().begin(f"edits {xml(content).hex()} {xml(base).hex()}")
+        error, text = self.result()
+        return error, text if error else plistlib.loads(bytes.fromhex(text))
+
     def call(self, path, interface, method, signature, *arguments):
         super().begin(f"call {path} {interface} {method} {signature or '-'} {json.dumps(arguments).encode().hex()}")
         return self.result()

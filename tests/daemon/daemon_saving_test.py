@@ -80,6 +80,27 @@ class SavingTest(DaemonCase):
         self.assertNotEqual(nobody.save(xml(preferences(Show_In_Menu_Bar=0))), ("", ""))
         self.assertEqual(self.identity(), before)
 
+    def test_joins_edits_with_those_of_others(self):
+        def plan(*names, **options):
+            return preferences(Schedule_Array=[{"Action Type": name} for name in names], **options)
+        nobody = self.caller(NOBODY)
+        unread = {**plan("s"), "Nothing Stored": 1}
+        self.assertEqual(self.root_caller.edit(plan("s"), unread), ("", {"Others": 0, "Both": []}))
+        self.assertEqual(self.root_caller.edit(plan("s", "a"), plan("s")), ("", {"Others": 0, "Both": []}))
+        before = self.identity()
+        # Whoever has edited nothing, or what has been stored already, takes no permission.
+        for base, sent in ((plan("s", Prefs_Version=3), plan("s")), (unread, plan("s")), (plan("s"), plan("s", "a"))):
+            self.assertEqual(nobody.edit(sent, base)[0], "")
+        self.assertNotEqual(nobody.edit(plan("s", "b"), plan("s"))[0], "")
+        self.assertEqual(self.identity(), before)
+        error, joined = self.root_caller.edit(plan("t", Show_In_Menu_Bar=0), plan("s"))
+        self.assertEqual((error, self.stored()), ("", plan("t", "a", Show_In_Menu_Bar=0)))
+        self.assertEqual(joined["Others"], 1)
+        error, joined = self.root_caller.edit(plan("u", "a"), plan("s", "a"))
+        self.assertEqual(joined["Both"], [[{"Action Type": "t"}, {"Action Type": "u"}]])
+        for sent, base in ((plan("x"), {"a": 1}), (preferences(Extra=1), plan("x"))):
+            self.assertEqual(self.root_caller.edit(sent, base)[0], INVALID)
+
     def test_damaged_file_is_replaced_and_kept(self):
         os.makedirs(self.folder)
         for damage in (b"", b"junk", xml(PREFERENCES)[:100], xml([1])):
