@@ -6,7 +6,8 @@
 
 #include "actions/ActionDescription.h"
 #include "actions/DescriptionKeys.h"
-#include "ctl/Json.h"
+#include "ctl/Failures.h"
+#include "ctl/JsonOutput.h"
 #include "ctl/ModuleText.h"
 #include "words/Language.h"
 
@@ -49,7 +50,7 @@ ExitStatus checkModule(const Page& page, const std::string& path, bool json) {
     const ActionDescription module = descriptionIn(folder.has_filename() ? folder : folder.parent_path());
     const bool isNamed = module.bundle.ends_with(kExtension);
     if (!isNamed) complain(filled(translated("The name of a module's folder ends in \"{1}\"."), {kExtension}));
-    if (json) page.line(jsonText(module.value()));
+    if (json) page.line(jsonOutput(module.value().dictionary()));
     if (!json && module.isSound()) page.table(moduleRows(module.value()));
     for (const DescriptionFault& fault : module.faults) complain(faultText(std::string(fault.code), fault.key));
     return isNamed && module.isSound() ? ExitStatus::kDone : ExitStatus::kFailed;

@@ -6,6 +6,7 @@
 #include "ctl/PasswordAgent.h"
 #include "linux/bus/BusValues.h"
 #include "model/Names.h"
+#include "model/PropertyList.h"
 
 namespace quorel {
 
@@ -42,13 +43,32 @@ DaemonClient::Answer DaemonClient::change(const char* method, const std::string&
     return call(message.get(), kPatienceWithPeople);
 }
 
+DaemonClient::Answer DaemonClient::save(const Value& preferences, const Value& base) {
+    const auto sent = encodePropertyList(preferences), from = encodePropertyList(base);
+    if (!sent || !from) return {Failure::kNotSent, {}, {}, {}};
+    const auto message = _daemon.newCall(wire::kPath, wire::kInterface, wire::kPostEdits);
+    if (!message) return call(nullptr, kPatience);
+    if (sd_bus_message_append(message.get(), "ss", kDaemonMustReloadPrefs.data(), kDaemonName.data()) < 0 ||
+        sd_bus_message_append_array(message.get(), 'y', sent->data(), sent->size()) < 0 ||
+        sd_bus_message_append_array(message.get(), 'y', from->data(), from->size()) < 0)
+        return {Failure::kNotSent, {}, {}, {}};
+    sd_bus_message_set_allow_interactive_authorization(message.get(), true);
+    const PasswordAgent agent;
+    return call(message.get(), kPatienceWithPeople);
+}
+
 DaemonClient::Answer DaemonClient::call(sd_bus_message* message, std::chrono::seconds patience) {
     if (!message) return {_daemon.hasBus() ? Failure::kNotRunning : Failure::kNoBus, {}, {}, {}};
     const auto reply = _daemon.call(message, BusPeer::Clock::now() + patience);
     if (!reply) return {Failure::kNoAnswer, {}, {}, {}};
     if (const BusError error = errorOf(reply.get())) return {failureOf(error), error.name, error.message, {}};
     Answer answer;
-    if (sd_bus_message_is_empty(reply.get()) == 0) {
+    if (sd_bus_message_has_signature(reply.get(), "ay") > 0) {
+        const void* bytes = nullptr;
+        std::size_t size = 0;
+        sd_bus_message_read_array(reply.get(), 'y', &bytes, &size);
+        answer.value = decodePropertyList({static_cast<const char*>(bytes), size});
+    } else if (sd_bus_message_is_empty(reply.get()) == 0) {
         std::optional<Value> value = readValue(reply.get());
         if (!value) answer.failure = Failure::kNotUnderstood;
         if (value) answer.value = std::move(*value);

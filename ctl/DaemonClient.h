@@ -35,6 +35,10 @@ public:
     /// A method that changes something about an occurrence. Somebody may be asked for a password, which takes minutes.
     Answer change(const char* method, const std::string& token);
 
+    /// Has preferences stored that were made of `base`. Somebody may be asked for a password. The value says what was
+    /// joined with what others have stored.
+    Answer save(const Value& preferences, const Value& base);
+
 private:
     Answer call(sd_bus_message* message, std::chrono::seconds patience);
 

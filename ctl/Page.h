@@ -13,6 +13,9 @@ public:
 
     Page();
 
+    /// Too narrow for tables of many columns.
+    bool isNarrow() const { return _isTerminal && _width < 72; }
+
     // Texts come from elsewhere as often as not: what would act on a terminal does not get there.
 
     /// Behind a dot, which says at a glance how things are.

@@ -50,7 +50,8 @@ bool isWell(const Value& status) {
     return runs && keeps && !isMissing(status["Wake Alarm"]) && !isMissing(status["Startup Alarm"]);
 }
 
-std::vector<std::pair<std::string, std::string>> statusFields(const Value& status, const Array& upcoming) {
+std::vector<std::pair<std::string, std::string>> statusFields(const Value& status, const Array& upcoming,
+                                                              const Value& last) {
     std::vector<std::pair<std::string, std::string>> fields;
     if (!acts(status))
         fields.emplace_back(translated("Acts:"), translated("no: nothing of this computer is asked or touched"));
@@ -63,13 +64,18 @@ std::vector<std::pair<std::string, std::string>> statusFields(const Value& statu
         fields.emplace_back(translated("Clock:"),
                             translated("behind; nothing runs until it is set, or for ten minutes"));
     if (upcoming.empty()) fields.emplace_back(translated("Next:"), translated("nothing is planned"));
-    // Whatever is under way or was changed, up to the first that simply comes.
+    // Whatever is under way or was changed, and two that simply come.
+    int planned = 0;
     for (const Value& one : upcoming) {
         const std::string step = stepText(one);
-        fields.emplace_back(translated("Next:"), momentText(one["At"].integer()) + "  " + actionName(one));
-        if (step.empty()) break;
-        fields.emplace_back("", step);
+        const std::string number = one["Number"].isAbsent() ? "" : " (" + std::to_string(one["Number"].integer()) + ")";
+        fields.emplace_back(planned == 0 ? translated("Next:") : translated("Then:"),
+                            momentText(one["At"].integer()) + "  " + actionName(one) + number);
+        if (!step.empty()) fields.emplace_back("", step);
+        planned += step.empty() ? 1 : 0;
+        if (planned == 2) break;
     }
+    if (last.isPresent()) fields.emplace_back(translated("Last:"), outcomeLine(last));
     fields.emplace_back(translated("Wake-up alarm:"), alarmText(status["Wake Alarm"]));
     fields.emplace_back(translated("Start-up alarm:"), alarmText(status["Startup Alarm"]));
     for (const Value& fault : status["Faults"].array()) fields.emplace_back(translated("Fault:"), faultText(fault));

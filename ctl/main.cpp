@@ -1,13 +1,15 @@
-// quorelctl: what the daemon has planned, what became of it, and a way to say no.
+// quorelctl: the plan, what becomes of it, and a way to say no.
 
-#include <getopt.h>
-
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <optional>
 
 #include "ProductVersion.h"
 #include "ctl/Commands.h"
+#include "ctl/Failures.h"
+#include "kit/MOLLog.h"
 #include "words/Language.h"
 
 namespace quorel {
@@ -18,50 +20,76 @@ constexpr int status(ExitStatus exit) {
     return static_cast<int>(exit);
 }
 
-int help() {
-    std::fputs(translated("Usage: quorelctl [--json] [COMMAND]\n"
-                          "\n"
-                          "Shows what Quorel has planned for this computer, and lets you change your mind.\n"
-                          "\n"
-                          "Commands:\n"
-                          "  status           how things stand (as without a command)\n"
-                          "  next [N]         the next occurrences, 5 or N\n"
-                          "  log [N]          what became of the last occurrences, 10 or N; the latest last\n"
-                          "  skip TOKEN       not this time\n"
-                          "  postpone TOKEN   15 minutes later\n"
-                          "  modules          the actions that there are, and what they may do\n"
-                          "\n"
-                          "Options:\n"
-                          "  --check FOLDER   of \"modules\": what is wrong with one that is not installed yet\n"
-                          "  --json           answer in JSON\n"
-                          "  --help           show this\n"
-                          "  --version        show the version\n"),
-               stdout);
-    return status(ExitStatus::kDone);
+/// Of all commands, or of one.
+ExitStatus help(const std::string& name) {
+    if (!name.empty() && !commandNamed(name))
+        return misused(filled(translated("There is no command \"{1}\"."), {name}));
+    if (name.empty())
+        std::printf("%s\n\n%s\n\n%s\n", translated("Usage: quorelctl [--json] [COMMAND] [WORDS...]"),
+                    translated("Shows and changes what this computer does by itself, and when."),
+                    translated("Commands:"));
+    for (const Command& command : commands()) {
+        if (!name.empty() && name != command.name) continue;
+        const std::string usage = std::string(command.name) + " " + command.arguments;
+        std::printf("  %-22s %s%s\n", usage.c_str(), usage.size() > 22 ? "\n                         " : "",
+                    translated(command.does));
+    }
+    if (name.empty())
+        std::printf("\n%s\n%s\n",
+                    translated("N is the number in \"quorelctl list\", or time and action: remove sleep 23:15."),
+                    translated("\"man quorelctl\" explains the words, --json, and what the program ends with."));
+    return ExitStatus::kDone;
 }
 
-int run(int count, char** arguments) {
-    const option known[] = {{"json", no_argument, nullptr, 'j'},
-                            {"check", required_argument, nullptr, 'c'},
-                            {"help", no_argument, nullptr, 'h'},
-                            {"version", no_argument, nullptr, 'v'},
-                            {}};
+/// Whether it is the command's own flag, perhaps with an argument.
+bool takeFlag(CommandLine& line, const std::string& word) {
+    const Command* command = commandNamed(line.command);
+    const std::string flag = command ? command->flag : "";
+    if (flag.empty() || (word != flag && !word.starts_with(flag + "="))) return false;
+    line.isFlagged = true;
+    if (word != flag) line.arguments.push_back(word.substr(flag.size() + 1));
+    return true;
+}
+
+/// Takes one word of the command line; false where it is an option that does not exist.
+bool take(CommandLine& line, const std::string& word) {
+    constexpr std::string_view kRoot = "--root=";
+    if (takeFlag(line, word)) return true;
+    if (word == "--json")
+        line.json = true;
+    else if (word.starts_with(kRoot))
+        line.root = word.substr(kRoot.size());
+    else if (word.starts_with("--"))
+        return false;
+    else if (line.command.empty())
+        line.command = word;
+    else
+        line.arguments.push_back(word);
+    return true;
+}
+
+ExitStatus run(const std::vector<std::string>& words) {
     CommandLine line;
-    for (int found; (found = getopt_long(count, arguments, "h", known, nullptr)) != -1;) {
-        if (found == 'h') return help();
-        if (found == 'v') {
-            std::printf("quorelctl %s\n", product::kVersion);
-            return status(ExitStatus::kDone);
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        const bool isRest = *word == "--" || line.command == "complete";
+        if (isRest) {
+            line.arguments.insert(line.arguments.end(), word, words.end());
+            break;
         }
-        if (found == '?') return status(ExitStatus::kUsage);  // getopt has said why
-        if (found == 'c') line.check = optarg;
-        if (found == 'j') line.json = true;
+        if (*word == "--help" || *word == "-h") return help(line.command);
+        if (*word == "--version") {
+            std::printf("quorelctl %s\n", product::kVersion);
+            return ExitStatus::kDone;
+        }
+        if (!take(line, *word)) return misused(filled(translated("There is no option \"{1}\"."), {*word}));
     }
-    line.command = optind < count ? arguments[optind++] : "status";
-    line.arguments.assign(arguments + optind, arguments + count);
-    const ExitStatus exit = runCommand(line);
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status(exit);
-    return status(ExitStatus::kFailed);  // nobody could read it all
+    if (line.root.empty()) unsetenv("TZ");  // the plan goes by the computer's zone, as the daemon does
+    if (line.command == "help") return help(line.arguments.empty() ? "" : line.arguments[0]);
+    if (line.command == "complete") return complete(line);
+    if (line.command.empty()) line.command = "status";
+    const Command* command = commandNamed(line.command);
+    if (!command) return misused(filled(translated("There is no command \"{1}\"."), {line.command}));
+    return command->run(line);
 }
 
 }  // namespace
@@ -70,7 +98,10 @@ int run(int count, char** arguments) {
 
 int main(int count, char** arguments) try {
     quorel::speakUsersLanguage();
-    return quorel::run(count, arguments);
+    quorel::setMOLLogSink([](std::string_view) {});  // what is wrong with modules "quorelctl modules" tells
+    const quorel::ExitStatus exit = quorel::run({arguments + 1, arguments + count});
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return quorel::status(exit);
+    return quorel::status(quorel::ExitStatus::kFailed);  // nobody could read it all
 } catch (const std::exception& exception) {
     quorel::complain(exception.what());
     return EXIT_FAILURE;

@@ -10,7 +10,6 @@
 #include "model/Schedule.h"
 #include "model/TimeOfDay.h"
 #include "planning/Json.h"
-#include "planning/TimeWords.h"
 
 namespace quorel {
 
@@ -23,13 +22,6 @@ constexpr std::string_view kYesOrNo = "yes, no";
 
 bool isOn(const Value& dictionary, std::string_view key) {
     return dictionary[key].intValue() != 0;
-}
-
-DaySet daysOf(const Value& schedule) {
-    DaySet days = 0;
-    for (std::size_t day = 0; day < keys::kActiveOnDays.size(); ++day)
-        if (isOn(schedule, keys::kActiveOnDays[day])) days |= 1U << day;
-    return days;
 }
 
 bool isKey(std::string_view key) {
@@ -284,6 +276,13 @@ private:
 };
 
 }  // namespace
+
+DaySet daysOf(const Value& schedule) {
+    DaySet days = 0;
+    for (std::size_t day = 0; day < keys::kActiveOnDays.size(); ++day)
+        if (isOn(schedule, keys::kActiveOnDays[day])) days |= 1U << day;
+    return days;
+}
 
 std::vector<std::string> wordsOf(const Value& schedule, const ActionWords& actions) {
     if (!isSayable(schedule, actions)) return {jsonText(schedule)};

@@ -9,6 +9,7 @@
 #include "planning/ActionWords.h"
 #include "planning/ShellWords.h"
 #include "planning/TextFault.h"
+#include "planning/TimeWords.h"
 
 namespace quorel {
 
@@ -16,6 +17,9 @@ namespace quorel {
 // alike by whoever carries them out: numbers, days and flags by their integer value, described options by theirs. What
 // no words say is JSON: "parameters={…}" for parameters that nobody describes, and the whole of a Schedule that is more
 // or less than one.
+
+/// On which days it is active.
+DaySet daysOf(const Value& schedule);
 
 /// Time, days and action, then what else there is to say; or one word of JSON. Not quoted.
 std::vector<std::string> wordsOf(const Value& schedule, const ActionWords& actions);

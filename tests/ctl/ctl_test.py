@@ -1,32 +1,25 @@
 #!/usr/bin/env python3
-"""quorelctl, as a person sees it: ctl_test.py STEPPING_DAEMON QUORELCTL
-
-The clocks stand still until they are moved here. It is Monday, 1 March 2027, 23:00, and nobody plays logind.
-"""
+"""quorelctl, as a person sees it: what it tells of the daemon."""
 import calendar
 import json
 import os
-import plistlib
 import pty
 import shutil
 import signal
-import subprocess
 import sys
 import time
 import unittest
 
 import dbus
 import dbus.lowlevel
-import dbus.mainloop.glib
-from gi.repository import GLib
 
-from private_system import PrivateSystem, wait_until
+from ctl_case import NAME, QUORELCTL, CtlCase
+from private_system import wait_until
 from schedules import SHUT_DOWN, SLEEP, WAKE_UP, schedule
 
-STEPPING_DAEMON, QUORELCTL = (os.path.abspath(path) for path in sys.argv[1:3])
 NOBODY = 65534
 SAMPLE = f"{os.path.dirname(os.path.abspath(__file__))}/../../modules/sample/SayMessage.vxplugin"
-NAME, PATH, INTERFACE = "com.quorel.Daemon", "/com/quorel/Scheduler", "com.quorel.Scheduler1"
+INTERFACE = "com.quorel.Scheduler1"
 FORGERY = "a\x1b[31m\nroot\u202e"
 SHOWN = "a\ufffd[31m\ufffdroot\ufffd"
 AT = calendar.timegm((2027, 3, 1, 23, 0, 0))
@@ -111,73 +104,30 @@ class StandIn:
         return dbus.lowlevel.HANDLER_RESULT_HANDLED
 
 
-class CtlTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
-        os.environ["TZ"] = "UTC"
-        self.system = PrivateSystem()
-        self.addCleanup(self.system.close)
-        self.clocks, self.root = f"{self.system.place}/clocks", f"{self.system.place}/root"
-
-    def move_to(self, hour, minute):
-        wall = calendar.timegm((2027, 3, 1, hour, minute, 0)) * 1000
-        with open(f"{self.clocks}.new", "w") as file:
-            file.write(f"{wall} {wall} {wall}")
-        os.rename(f"{self.clocks}.new", self.clocks)
-
-    def start_daemon(self, *schedules):
-        self.move_to(23, 0)
-        folder = f"{self.root}/Library/Preferences"
-        os.makedirs(folder)
-        with open(f"{folder}/com.quorel.plist", "wb") as file:
-            plistlib.dump({"Check Updates": 0, "Check Updates Frequency": 1, "Show In Menu Bar": 1, "Prefs Version": 1,
-                           "Enable Network Administration": 0, "Schedule Array": list(schedules)}, file)
-        self.daemon = self.system.start([STEPPING_DAEMON, self.clocks, self.root], name=NAME, stderr=subprocess.DEVNULL)
-
-    def run_ctl(self, *arguments, language="", user=0, stdout=subprocess.PIPE):
-        environment = dict(self.system.environment(), LC_ALL="C.UTF-8", LANGUAGE=language, TERM="xterm")
-        process = subprocess.Popen([QUORELCTL, *arguments], env=environment, user=user, stdout=stdout,
-                                   stderr=subprocess.PIPE, text=True)
-        while process.poll() is None:
-            GLib.MainContext.default().iteration(False)  # a stand-in answers
-            time.sleep(0.005)
-        output, error = process.communicate()
-        return process.returncode, output, error
-
-    def told(self, *arguments, **options):
-        status, output, error = self.run_ctl(*arguments, **options)
-        self.assertEqual((status, error), (0, ""))
-        return output
-
-    def refused(self, status, words, *arguments, **options):
-        found, output, error = self.run_ctl(*arguments, **options)
-        self.assertEqual((found, output), (status, ""), error)
-        self.assertIn(words, error)
-
+class CtlTest(CtlCase):
     def next(self, number=5):
-        return json.loads(self.told("next", str(number), "--json"))
+        return json.loads(self.told("next", str(number), "--json"))["upcoming"]
 
     def test_shows_what_is_planned(self):
         self.start_daemon(schedule(SLEEP, "23:15"), schedule(WAKE_UP, "07:00", Needs_Startup=1),
                           schedule(SHUT_DOWN, "25:00"), schedule(SHUT_DOWN, "08:00", Restart=1))
-        tokens = [one["Token"] for one in self.next()]
-        self.assertEqual(self.told("next", "3"), f"Mon 2027-03-01 23:15  Sleep    {tokens[0]}\n"
-                                                 f"Tue 2027-03-02 07:00  Wake up  {tokens[1]}\n"
-                                                 f"Tue 2027-03-02 08:00  Restart  {tokens[2]}\n")
+        tokens = [one["token"] for one in self.next()]
+        self.assertEqual(self.told("next", "3"), f"1  Mon 2027-03-01 23:15  Sleep    {tokens[0]}\n"
+                                                 f"2  Tue 2027-03-02 07:00  Wake up  {tokens[1]}\n"
+                                                 f"4  Tue 2027-03-02 08:00  Restart  {tokens[2]}\n")
         none = "but is not set: this daemon sets none, it works below a folder of its own"
         status = (f"            Acts: no: nothing of this computer is asked or touched\n"
-                  f"            Next: Mon 2027-03-01 23:15  Sleep\n"
+                  f"            Next: Mon 2027-03-01 23:15  Sleep (1)\n"
+                  f"            Then: Tue 2027-03-02 07:00  Wake up (2)\n"
                   f"   Wake-up alarm: Tue 2027-03-02 07:00, {none}\n"
                   f"  Start-up alarm: Tue 2027-03-02 06:58, {none}\n"
                   f"           Fault: schedule 3 (Shut down) never runs: its hour is not between 0 and 23\n")
         version = self.told("--version").split()[1]
         self.assertEqual(self.run_ctl("status"), (5, f"● quorel-daemon {version} is running\n{status}", ""))
         self.assertIn("À venir", self.run_ctl(language="fr")[1])
-        self.assertIs(json.loads(self.run_ctl("status", "--json")[1])["Running"], True)
+        self.assertIs(json.loads(self.run_ctl("status", "--json")[1])["running"], True)
         self.move_to(23, 14)
-        wait_until(lambda: self.next()[0]["Step"] == "waiting", "it waits")
+        wait_until(lambda: self.next()[0]["step"] == "waiting", "it waits")
         self.assertIn("held up: it is not known what speaks against it", self.told("next"))
         self.move_to(23, 45)
         wait_until(lambda: "not put to sleep: it is not known" in self.told("log"), "it gives up")
@@ -195,7 +145,7 @@ class CtlTest(unittest.TestCase):
         self.system.start_polkit("polkit.addAdminRule(function() { return ['unix-user:root']; });")
         self.start_daemon(schedule(SLEEP, "23:15"))
         reader, terminal = pty.openpty()
-        command = ["setsid", "--ctty", "--wait", QUORELCTL, "skip", self.next()[0]["Token"]]
+        command = ["setsid", "--ctty", "--wait", QUORELCTL, "skip", self.next()[0]["token"]]
         process = self.system.start(command, user=NOBODY, stdin=terminal, stdout=terminal, stderr=terminal)
         os.close(terminal)
         shown = b""
@@ -209,6 +159,7 @@ class CtlTest(unittest.TestCase):
     def test_tells_how_well_things_stand(self):
         stand_in = StandIn(self.system)
         stand_in.answers["Upcoming"] = [("aa{sv}", dbus.Array([], "a{sv}"))]
+        stand_in.answers["Outcomes"] = stand_in.answers["Upcoming"]
         no_clock = dbus.Dictionary({"Fault": "no-clock"}, "sv")
         wanted = dbus.Dictionary({"At": dbus.Int64(AT), "Fault": "moved", "Others": dbus.Int64(AT + 3600)}, "sv")
         well = {"Version": "1", "Acts": True, "Faults": dbus.Array([], "a{sv}"), "Wake Alarm": no_clock,
@@ -227,15 +178,16 @@ class CtlTest(unittest.TestCase):
     def test_says_no(self):
         self.system.start_polkit(LET_NOBODY.format("skip"))
         self.start_daemon(schedule(SLEEP, "23:15"), schedule(SLEEP, "23:30"))
-        first, second = (one["Token"] for one in self.next(2))
+        first, second = (one["token"] for one in self.next(2))
         self.refused(1, "not permitted", "postpone", first, user=NOBODY)
-        self.assertEqual(self.told("skip", first, user=NOBODY), "")
+        self.assertEqual(self.told("skip", "1", user=NOBODY),
+                         "Skipped: Sleep, Mon 2027-03-01 23:15. Next: Tue 2027-03-02 23:15.\n")
         self.told("skip", first)
         self.assertIn("skipped by nobody\n", self.told("next"))
         self.told("postpone", second)
         self.told("postpone", second)  # is that very postponement again
         self.assertIn("postponed by root, planned for 23:30\n", self.told("next"))
-        self.assertEqual(self.next()[1]["At"], AT + 45 * 60)
+        self.assertEqual(self.next()[1]["atSeconds"], AT + 45 * 60)
         self.refused(4, "no such occurrence", "skip", "1-2-3")
         self.refused(2, "not in UTF-8", "skip", b"\xff")
         for _ in range(7):
@@ -276,13 +228,13 @@ class CtlTest(unittest.TestCase):
                          f"{SHOWN:{len(gap)}}  {'':{len(SLEEP)}}  cannot act: it does not say what action it is\n"
                          f"{'C':{len(gap)}}  {'org.x.C':{len(SLEEP)}}  cannot act: others than root could have changed it\n")
         self.assertIn("\nSauvegarder\ufffd", self.told("modules", language="fr"))
-        self.assertEqual(json.loads(self.told("modules", "--json"))[1]["Names"]["en"], "Back up")
+        self.assertEqual(json.loads(self.told("modules", "--json"))["modules"][1]["names"]["en"], "Back up")
 
     def test_checks_a_module_before_it_is_installed(self):
         self.assertEqual(self.told("modules", "--check", SAMPLE + "/"),
                          "Say a message  org.example.SayMessage  in a sandbox, 60 seconds at most\n"
                          "               when missed, made up for within 60 minutes\n")
-        self.refused(2, "Only", "next", "--check", SAMPLE)
+        self.refused(2, "no option", "next", "--check", SAMPLE)
         for what, by, faults in (
                 ("Kind = number", "Kind = count", ["QuorelActionOptions 2 Kind means nothing there"]),
                 ("Default = 1", "Default = 1h", ["QuorelActionOptions 2 Default is of the wrong kind"]),
@@ -321,14 +273,14 @@ class CtlTest(unittest.TestCase):
         for arguments in (["next"], ["log"], ["skip", "1-2-3"]):
             self.refused(3, "not running", *arguments)
         self.assertEqual(self.run_ctl("status")[:2], (3, "○ quorel-daemon is not running\n"))
-        self.assertEqual(self.run_ctl("status", "--json")[:2], (3, '{"Running":false}\n'))
+        self.assertEqual(self.run_ctl("status", "--json")[:2], (3, '{"format":1,"running":false}\n'))
         self.start_daemon()
         self.assertEqual(self.told("next"), "Nothing is planned.\n")
         self.daemon.send_signal(signal.SIGSTOP)
         self.refused(1, "does not answer", "status")
 
     def test_wrong_command_lines(self):
-        for arguments in (["sleep"], ["next", "0"], ["next", "101"], ["log", "x"], ["next", "1", "2"], ["skip"],
+        for arguments in (["sleep"], ["next", "0"], ["next", "101"], ["log", "x"], ["next", "1", "2"], ["skip", "1", "2"],
                           ["status", "1"], ["--other"], [FORGERY]):
             status, output, error = self.run_ctl(*arguments)
             self.assertEqual((status, output, "\x1b" in error), (2, "", False), arguments)

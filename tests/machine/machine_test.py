@@ -195,11 +195,11 @@ class PackageTest(unittest.TestCase):
         guest.wait_state("suspended")
         guest.wait_state("running")
         guest.wait("quorelctl log --json | grep -q woke-up")
-        log = {one["Code"]: one for one in json.loads(guest.run("quorelctl log --json"))}
-        at = {code: time.gmtime(log[code]["Due"])[3:5] for code in ("slept", "woke-up")}
+        log = {one["code"]: one for one in json.loads(guest.run("quorelctl log --json"))["outcomes"]}
+        at = {code: time.gmtime(log[code]["dueSeconds"])[3:5] for code in ("slept", "woke-up")}
         self.assertEqual(at, {"slept": (15, 0), "woke-up": (15, 2)})
         asleep = guest.run("journalctl -q -o short-unix -u systemd-suspend -u systemd-logind | grep -i 'sleep' | cat")
-        woken = log["slept"]["Arguments"]["Until"] - log["woke-up"]["Due"]
+        woken = log["slept"]["arguments"]["untilSeconds"] - log["woke-up"]["dueSeconds"]
         self.assertLessEqual(abs(woken), 20, asleep)
         self.assertIn("block", guest.run("systemd-inhibit --list | grep Quorel | grep idle"))
         print(guest.run("quorelctl status; quorelctl next; quorelctl log; journalctl -q -u quorel-daemon | tail -20"))
@@ -208,7 +208,7 @@ class PackageTest(unittest.TestCase):
     def test_05d_asks_for_a_password_on_the_terminal(self):
         self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}) + "; systemctl stop ask")
         guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 23, 0)]}))
-        token = json.loads(guest.run("quorelctl next --json"))[0]["Token"]
+        token = json.loads(guest.run("quorelctl next --json"))["upcoming"][0]["token"]
         words = " ".join(f"-p Standard{name}=tty" for name in ("Input", "Output", "Error"))
         guest.run(f"systemd-run -q --unit=ask -p User=anna -p PAMName=login -p TTYPath=/dev/tty5 {words} "
                   f"quorelctl skip {token}")
@@ -224,7 +224,7 @@ class PackageTest(unittest.TestCase):
     def test_06a_who_sits_at_the_computer_says_no_and_nobody_else(self):
         self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}))
         guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 23, 0)]}))
-        skip = f"quorelctl skip {json.loads(guest.run('quorelctl next --json'))[0]['Token']} < /dev/null"
+        skip = f"quorelctl skip {json.loads(guest.run('quorelctl next --json'))['upcoming'][0]['token']} < /dev/null"
         in_session = anna(f"systemd-run --user --quiet --wait --pipe {skip}")
         active = f"loginctl show-session -p Active --value {SESSION}"
         self.assertEqual(guest.run(active), "no")
@@ -258,8 +258,9 @@ class PackageTest(unittest.TestCase):
         guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [
             probe, schedule("Open", 17, 0, Target="/usr/local/bin/mark")]}))
         guest.wait("test $(quorelctl log --json | grep -o 'com.quorel.plugin.[OP]' | wc -l) -ge 2")
-        log = {one["Action"]: one for one in json.loads(guest.run("quorelctl log --json")) if "Action" in one}
-        self.assertEqual([log[f"com.quorel.plugin.{name}"]["Code"] for name in ("Probe", "Open")], ["ran", "ran"], log)
+        told = json.loads(guest.run("quorelctl log --json"))["outcomes"]
+        log = {one["action"]: one for one in told if "action" in one}
+        self.assertEqual([log[f"com.quorel.plugin.{name}"]["code"] for name in ("Probe", "Open")], ["ran", "ran"], log)
         said = guest.run("journalctl -q -o cat -u 'quorel-[0-9]*'")
         for words in ("not root", "no writing in /etc", "no writing in /home", "&lt;&amp;&gt;"):
             self.assertIn(words, said)

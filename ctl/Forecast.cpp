@@ -1,0 +1,85 @@
+#include "ctl/Forecast.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "scheduler/Agenda.h"
+
+namespace quorel {
+
+namespace {
+
+/// What the descriptions say, for reading a list; nothing is ever run.
+class KnownActions : public Actions {
+public:
+    explicit KnownActions(const ActionWords& words) : _words(words) {}
+    std::optional<Module> module(const std::string& action) const override {
+        const ActionDescription* description = _words.description(action);
+        if (!description) return {};
+        return Module{!description->program.empty(), description->makeUp};
+    }
+    void start(const Occurrence&, bool) override {}
+    void find(const Occurrence&) override {}
+
+private:
+    const ActionWords& _words;
+};
+
+/// Of "DUE-DIGEST", behind which another number may stand.
+std::optional<std::uint64_t> digestIn(const std::string& token) {
+    const std::size_t begin = token.find('-') + 1;
+    std::uint64_t digest = 0;
+    const char* end = token.data() + token.size();
+    const auto [last, error] = std::from_chars(token.data() + begin, end, digest, 16);
+    return begin > 0 && error == std::errc() && (last == end || *last == '-') ? std::optional(digest) : std::nullopt;
+}
+
+}  // namespace
+
+Forecast::Forecast(const Array& schedules, const ActionWords& actions) : _entries(read(schedules, actions)) {}
+
+std::vector<Forecast::Entry> Forecast::read(const Array& schedules, const ActionWords& actions) {
+    const KnownActions known(actions);
+    std::vector<Entry> entries;
+    for (const Value& schedule : schedules) {
+        const ListReading reading = readScheduleList(Array{schedule}, known);
+        Entry& entry = entries.emplace_back();
+        if (!reading.schedules.empty()) entry.reading = reading.schedules.front();
+        if (!reading.faults.empty()) entry.fault = reading.faults.front();
+        const bool hasDays =
+            !entry.reading || std::ranges::find(entry.reading->days, true) != entry.reading->days.end();
+        if (!hasDays) entry = {nullptr, ScheduleFault{0, entry.reading->action, "days"}};
+        if (entry.fault) entry.fault->number = entries.size();
+    }
+    return entries;
+}
+
+std::optional<Instant> Forecast::next(std::size_t index, Instant now) const {
+    const auto& reading = _entries[index].reading;
+    if (!reading) return {};
+    const auto found = Agenda(_calendar, {reading}).after(now, 1);
+    return found.empty() ? std::nullopt : std::optional(found.front().due);
+}
+
+std::string Forecast::token(std::size_t index, Instant now) const {
+    const auto& reading = _entries[index].reading;
+    const auto found = reading ? Agenda(_calendar, {reading}).after(now, 1) : std::vector<Occurrence>();
+    return found.empty() ? std::string() : found.front().token();
+}
+
+std::optional<ScheduleFault> Forecast::fault(std::size_t index) const {
+    return _entries[index].fault;
+}
+
+std::optional<std::size_t> Forecast::indexOf(const std::string& token, Instant due) const {
+    const auto digest = digestIn(token);
+    const unsigned weekday = std::chrono::weekday(_calendar.dateOf(due)).iso_encoding() - 1;
+    for (std::size_t i = 0; i < _entries.size(); ++i) {
+        const auto& reading = _entries[i].reading;
+        if (digest && reading && reading->digest == *digest && reading->days[weekday]) return i;
+    }
+    return {};
+}
+
+}  // namespace quorel

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "linux/time/SystemCalendar.h"
+#include "model/Value.h"
+#include "planning/ActionWords.h"
+#include "scheduler/ScheduleReading.h"
+
+namespace quorel {
+
+/// When the Schedules of a list come next, by the list alone: what was skipped, postponed or paused, the daemon knows.
+class Forecast {
+public:
+    Forecast(const Array& schedules, const ActionWords& actions);
+
+    /// By its place in the list, from 0: the next after an instant. Nothing where it never comes.
+    std::optional<Instant> next(std::size_t index, Instant now) const;
+    /// The same as skip and postpone name it, where the daemon has it as it was planned. Empty where it never comes.
+    std::string token(std::size_t index, Instant now) const;
+    /// Why an enabled one never runs; "days" where it has none.
+    std::optional<ScheduleFault> fault(std::size_t index) const;
+    /// Which Schedule of the list an occurrence is of, from 0, by its token and when it was due; of equal ones the
+    /// first.
+    std::optional<std::size_t> indexOf(const std::string& token, Instant due) const;
+
+private:
+    struct Entry {
+        std::shared_ptr<const ScheduleReading> reading;  // null where it never comes
+        std::optional<ScheduleFault> fault;
+    };
+    static std::vector<Entry> read(const Array& schedules, const ActionWords& actions);
+
+    SystemCalendar _calendar;
+    std::vector<Entry> _entries;
+};
+
+}  // namespace quorel

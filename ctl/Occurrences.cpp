@@ -1,0 +1,53 @@
+#include "ctl/Occurrences.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ctl/ScheduleText.h"
+#include "ctl/Selection.h"
+#include "model/Dictionary.h"
+#include "model/Names.h"
+#include "words/Language.h"
+
+namespace quorel {
+
+DaemonClient::Answer askForList(DaemonClient& daemon, const char* method, std::optional<unsigned> most) {
+    using Failure = DaemonClient::Failure;
+    DaemonClient::Answer answer = daemon.ask(method, most);
+    if (answer.failure != Failure::kNone) return answer;
+    bool understood = answer.value.isArray();
+    for (const Value& one : answer.value.array()) understood = understood && one.isDictionary();
+    if (!understood) answer.failure = Failure::kNotUnderstood;
+    return answer;
+}
+
+Occurrences::Occurrences(const std::string& root, DaemonClient& daemon, unsigned most)
+    : _plan(root),
+      _forecast(_plan.schedules(), _plan.actions()),
+      _answer(askForList(daemon, wire::scheduler::kUpcoming, most)) {
+    if (_answer.failure != DaemonClient::Failure::kNone) return;
+    for (const Value& one : _answer.value.array()) {
+        const auto index = _forecast.indexOf(one["Token"].text(), one["Due"].integer());
+        _upcoming.push_back(index ? one.with("Number", static_cast<std::int64_t>(*index + 1)) : one);
+    }
+}
+
+Value Occurrences::meant(const std::string& name, bool isSkipped) const {
+    const auto number = numberIn(name, _plan.schedules().size());
+    for (const Value& one : _upcoming) {
+        const bool isNamed = number ? one["Number"].integer() == *number : name.empty() || one["Token"].text() == name;
+        if (isNamed && (one["Token"].text() == name || (one["Step"].text() == "skipped") == isSkipped)) return one;
+    }
+    const std::string token = number ? _forecast.token(*number - 1, std::time(nullptr)) : name;
+    return token.empty() ? Value() : Value(Dictionary{{"Token", token}});
+}
+
+std::string Occurrences::nextSentence(std::int64_t number, Instant after) const {
+    const Instant now = std::time(nullptr);
+    const auto index = static_cast<std::size_t>(number - 1);
+    if (number < 1 || index >= _plan.schedules().size()) return {};
+    const auto next = _forecast.next(index, std::max(after, now));
+    return next ? " " + filled(translated("Next: {1}."), {comingText(*next, now)}) : std::string();
+}
+
+}  // namespace quorel

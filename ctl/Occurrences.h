@@ -1,0 +1,39 @@
+#pragma once
+
+#include <ctime>
+#include <optional>
+#include <string>
+
+#include "ctl/DaemonClient.h"
+#include "ctl/Forecast.h"
+#include "ctl/Plan.h"
+
+namespace quorel {
+
+/// A list of dictionaries that the daemon tells, made sure to be one.
+DaemonClient::Answer askForList(DaemonClient& daemon, const char* method, std::optional<unsigned> most = {});
+
+/// What comes next, as the daemon tells it, with the numbers that the plan's list has.
+class Occurrences {
+public:
+    Occurrences(const std::string& root, DaemonClient& daemon, unsigned most);
+
+    const DaemonClient::Answer& answer() const { return _answer; }
+    /// Each with "Number", where the plan still has its Schedule.
+    const Array& upcoming() const { return _upcoming; }
+    const Plan& plan() const { return _plan; }
+
+    /// What is named by its number, its token, or nothing: the next one, those left out that were skipped already or
+    /// are not to be had. Absent where there is none; `token` alone is there of one that is too far ahead to be told.
+    Value meant(const std::string& name, bool isSkipped = false) const;
+    /// " Next: …", of the Schedule of that number, after an instant.
+    std::string nextSentence(std::int64_t number, Instant after) const;
+
+private:
+    Plan _plan;
+    Forecast _forecast;
+    DaemonClient::Answer _answer;
+    Array _upcoming;
+};
+
+}  // namespace quorel

@@ -1,0 +1,265 @@
+#include <algorithm>
+#include <ctime>
+#include <functional>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "ctl/Commands.h"
+#include "ctl/Failures.h"
+#include "ctl/FilePaths.h"
+#include "ctl/Forecast.h"
+#include "ctl/JsonOutput.h"
+#include "ctl/Page.h"
+#include "ctl/Plan.h"
+#include "ctl/ScheduleText.h"
+#include "ctl/Selection.h"
+#include "model/Dictionary.h"
+#include "model/Preferences.h"
+#include "model/Schedule.h"
+#include "planning/ScheduleWords.h"
+#include "scheduler/Outcome.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
+
+namespace quorel {
+
+namespace {
+
+Instant now() {
+    return std::time(nullptr);
+}
+
+std::string faultSentence(const ScheduleFault& fault) {
+    return faultText(Dictionary{
+        {"Number", static_cast<std::int64_t>(fault.number)}, {"Action", fault.action}, {"Reason", fault.reason}});
+}
+
+/// " Next: today 23:15, in 5 h 31 min." Or why not.
+std::string nextSentence(const Forecast& forecast, std::size_t index) {
+    if (const auto next = forecast.next(index, now()))
+        return " " + filled(translated("Next: {1}."), {comingText(*next, now())});
+    const auto fault = forecast.fault(index);
+    return fault ? " " + filled(translated("But {1}."), {faultSentence(*fault)}) : std::string();
+}
+
+/// Says what others did to the plan meanwhile.
+void tellJoined(const Value& joined, const ActionWords& actions) {
+    for (const Value& pair : joined["Both"].array()) {
+        const Array& lines = pair.array();
+        if (lines.size() != 2) continue;
+        complain(filled(translated("Somebody else has changed the same schedule meanwhile; both stay:\n  {1}\n  {2}"),
+                        {lineOf(lines[0], actions), lineOf(lines[1], actions)}));
+    }
+}
+
+/// The words of a command line, each in a column of its own counting.
+std::vector<Word> wordsOfArguments(std::span<const std::string> arguments) {
+    std::vector<Word> words;
+    for (const std::string& argument : arguments) words.push_back({argument, words.size() + 1});
+    return words;
+}
+
+/// Who it runs as, where that is not the system.
+std::string userSentence(const Value& schedule, const ActionWords& actions) {
+    const ActionDescription* description = actions.description(schedule[schedule_keys::kActionType].text());
+    if (!description || description->program.empty() || description->isSystem) return {};
+    return std::string(" ") + translated("It runs as who is at the computer then, and not when nobody is.");
+}
+
+/// Options that were named and count for nothing, since the flag is off on which they depend.
+void tellIdleOptions(const Value& schedule, std::span<const Word> words, const ActionWords& actions) {
+    const ActionDescription* description = actions.description(schedule[schedule_keys::kActionType].text());
+    if (!description) return;
+    const Value own = description->completed(schedule[schedule_keys::kActionParameters]);
+    for (const Word& word : words) {
+        const std::string name = word.text.substr(0, word.text.find('='));
+        const Option* option = ActionWords::optionOf(*description, name);
+        if (!option || option->dependsOn.empty() || own[option->dependsOn].intValue() != 0) continue;
+        complain(filled(translated("Note that {1} counts with {2}=yes only."), {name, typedName(option->dependsOn)}));
+    }
+}
+
+/// The Schedule as words make it, fit to be stored; absent where it was refused, which has been said.
+Value made(const Value& stored, std::span<const Word> words, const Plan& plan, ExitStatus& status) {
+    std::vector<TextFault> faults;
+    Value schedule = stored.isAbsent() ? scheduleOf(words, plan.actions(), faults)
+                                       : changedSchedule(stored, words, plan.actions(), faults);
+    const std::string& type = schedule[schedule_keys::kActionType].text();
+    const bool isNewType = type != stored[schedule_keys::kActionType].text();
+    const bool isJson = words.size() == 1 && words[0].text.starts_with('{');
+    if (faults.empty() && isNewType && !isJson && !plan.actions().isKnown(type))
+        faults.push_back({text_fault::kAction, type, plan.actions().names()});
+    if (!faults.empty()) {
+        status = refuseWords(faults);
+        return {};
+    }
+    tellIdleOptions(schedule, words, plan.actions());
+    if (const std::string reason = makePathsAbsolute(schedule, plan.actions()); !reason.empty()) {
+        complain(reason);
+        status = ExitStatus::kUsage;
+        return {};
+    }
+    return schedule;
+}
+
+/// Where the Schedule stands in the plan, from 0: of several alike the last.
+std::optional<std::size_t> placeOf(const Value& schedule, const Plan& plan) {
+    const Array& all = plan.schedules();
+    const std::string line = lineOf(schedule, plan.actions());
+    for (std::size_t i = all.size(); i-- > 0;)
+        if (all[i] == schedule || lineOf(all[i], plan.actions()) == line) return i;
+    return {};
+}
+
+/// Stores the Schedules and tells of those at some places what they are now. `text`: "Added {1}: {2}."
+ExitStatus store(const Plan& plan, Array schedules, const std::vector<std::size_t>& changed, const char* text,
+                 const CommandLine& line, const std::function<std::string(const Value&)>& besides) {
+    std::vector<Value> told;
+    for (const std::size_t index : changed) told.push_back(schedules[index]);
+    const DaemonClient::Answer answer = plan.saveSchedules(std::move(schedules));
+    if (answer.failure != DaemonClient::Failure::kNone) return fail(answer);
+    tellJoined(answer.value, plan.actions());
+    const Plan stored(line.root);
+    const Forecast forecast(stored.schedules(), stored.actions());
+    const Page page;
+    Array values;
+    for (const Value& schedule : told) {
+        const auto place = placeOf(schedule, stored);
+        if (!place) continue;  // changed again by somebody
+        values.push_back(scheduleValue(schedule, *place, forecast, stored.actions(), now()));
+        if (line.json) continue;
+        page.line(filled(text, {std::to_string(*place + 1), summaryOf(schedule, stored.actions())}) +
+                  nextSentence(forecast, *place) + besides(schedule));
+    }
+    if (line.json) page.line(jsonOutput(Dictionary{{"Schedules", values}}));
+    return ExitStatus::kDone;
+}
+
+ExitStatus switchSchedules(const CommandLine& line, bool on) {
+    const Plan plan(line.root);
+    ExitStatus status = ExitStatus::kDone;
+    const auto chosen = chosenSchedules(plan, line.arguments, status);
+    if (status != ExitStatus::kDone) return status;
+    Array schedules = plan.schedules();
+    const std::vector<Word> words = {{on ? "on" : "off", 1}};
+    for (const std::size_t index : chosen) {
+        std::vector<TextFault> faults;
+        schedules[index] = changedSchedule(schedules[index], words, plan.actions(), faults);
+    }
+    return store(plan, std::move(schedules), chosen,
+                 on ? translated("Switched on {1}: {2}.") : translated("Switched off {1}: {2}."), line,
+                 [](const Value&) { return std::string(); });
+}
+
+}  // namespace
+
+ExitStatus listPlan(const CommandLine& line) {
+    if (!line.arguments.empty()) return misused(translated("Too many arguments."));
+    const Plan plan(line.root);
+    const Page page;
+    const Forecast forecast(plan.schedules(), plan.actions());
+    if (plan.isUnreadable()) complain(translated("The plan in place cannot be read."));
+    Array values;
+    std::vector<std::vector<std::string>> rows;
+    for (std::size_t i = 0; i < plan.schedules().size(); ++i) {
+        const Value& schedule = plan.schedules()[i];
+        if (line.json) {
+            values.push_back(scheduleValue(schedule, i, forecast, plan.actions(), now()));
+            continue;
+        }
+        const auto next = forecast.next(i, now());
+        const auto fault = forecast.fault(i);
+        const bool isOn = schedule[schedule_keys::kIsEnabled].intValue() != 0;
+        const std::string detail = detailOf(schedule, plan.actions());
+        const std::string when = next    ? whenText(*next, now())
+                                 : fault ? translated("never")
+                                         : std::string(isOn ? "" : translated("switched off"));
+        const std::string what = nameOfAction(schedule, plan.actions()) + (detail.empty() ? "" : ", " + detail);
+        std::vector<std::string> row = {std::to_string(i + 1), isOn ? translated("on") : translated("off"),
+                                        timeOf(schedule), daysText(daysOf(schedule)), when};
+        if (!page.isNarrow()) row.push_back(what);
+        rows.push_back(std::move(row));
+        if (page.isNarrow()) rows.push_back({what});
+        if (fault) rows.push_back({faultSentence(*fault)});
+    }
+    if (line.json) {
+        page.line(jsonOutput(Dictionary{{"Schedules", values}}));
+    } else if (rows.empty()) {
+        page.line(translated("The plan is empty. \"quorelctl add sleep 23:15 mon-fri\" adds to it."));
+    } else {
+        page.table(std::move(rows));
+    }
+    return ExitStatus::kDone;
+}
+
+ExitStatus addSchedule(const CommandLine& line) {
+    const Plan plan(line.root);
+    if (line.arguments.empty())
+        return misused(filled(translated("What, and when? As \"quorelctl add sleep 23:15 mon-fri\". Actions are: {1}."),
+                              {plan.actions().names()}));
+    ExitStatus status = ExitStatus::kDone;
+    Value schedule = made({}, wordsOfArguments(line.arguments), plan, status);
+    if (schedule.isAbsent()) return status;
+    Array schedules = plan.schedules();
+    schedules.push_back(std::move(schedule));
+    const std::size_t last = schedules.size() - 1;
+    return store(plan, std::move(schedules), {last}, translated("Added {1}: {2}."), line,
+                 [&](const Value& added) { return userSentence(added, plan.actions()); });
+}
+
+ExitStatus setSchedule(const CommandLine& line) {
+    const Plan plan(line.root);
+    const auto& all = line.arguments;
+    // "3 18:30", or "sleep 23:15 to 18:30".
+    const auto to = std::ranges::find(all, "to");
+    const bool isNamed = to != all.end() && to < std::ranges::find(all, "--");
+    const auto count = isNamed ? to - all.begin() : std::ptrdiff_t{1};
+    if (std::ssize(all) <= count + (isNamed ? 1 : 0))
+        return misused(translated("Which one, and what of it? As \"quorelctl set 3 18:30 +sat\"."));
+    ExitStatus status = ExitStatus::kDone;
+    const auto chosen = chosenSchedules(plan, {all.begin(), all.begin() + count}, status);
+    if (status != ExitStatus::kDone) return status;
+    if (chosen.size() > 1) return misused(translated("One at a time, please."));
+    Array schedules = plan.schedules();
+    const std::size_t index = chosen.front();
+    const std::string before = lineOf(schedules[index], plan.actions());
+    const auto words = wordsOfArguments(std::span(all).subspan(static_cast<std::size_t>(count + (isNamed ? 1 : 0))));
+    Value changed = made(schedules[index], words, plan, status);
+    if (changed.isAbsent()) return status;
+    schedules[index] = std::move(changed);
+    return store(plan, std::move(schedules), {index}, translated("Changed {1}: {2}."), line,
+                 [&](const Value&) { return " " + filled(translated("Before: {1}"), {before}); });
+}
+
+ExitStatus enableSchedules(const CommandLine& line) {
+    return switchSchedules(line, true);
+}
+
+ExitStatus disableSchedules(const CommandLine& line) {
+    return switchSchedules(line, false);
+}
+
+ExitStatus removeSchedules(const CommandLine& line) {
+    const Plan plan(line.root);
+    ExitStatus status = ExitStatus::kDone;
+    const auto chosen = chosenSchedules(plan, line.arguments, status);
+    if (status != ExitStatus::kDone) return status;
+    const std::set<std::size_t> gone(chosen.begin(), chosen.end());
+    Array left, lines;
+    for (std::size_t i = 0; i < plan.schedules().size(); ++i) {
+        if (!gone.contains(i)) left.push_back(plan.schedules()[i]);
+        if (gone.contains(i)) lines.push_back(lineOf(plan.schedules()[i], plan.actions()));
+    }
+    const DaemonClient::Answer answer = plan.saveSchedules(std::move(left));
+    if (answer.failure != DaemonClient::Failure::kNone) return fail(answer);
+    tellJoined(answer.value, plan.actions());
+    const Page page;
+    if (line.json) page.line(jsonOutput(Dictionary{{"Removed", lines}}));
+    for (auto index = gone.begin(); !line.json && index != gone.end(); ++index)
+        page.line(filled(translated("Removed {1}: {2}"),
+                         {std::to_string(*index + 1), lineOf(plan.schedules()[*index], plan.actions())}));
+    return ExitStatus::kDone;
+}
+
+}  // namespace quorel

@@ -1,0 +1,173 @@
+#include <algorithm>
+#include <chrono>
+#include <thread>
+#include <utility>
+
+#include "ctl/CheckModule.h"
+#include "ctl/Commands.h"
+#include "ctl/Failures.h"
+#include "ctl/JsonOutput.h"
+#include "ctl/ModuleText.h"
+#include "ctl/Occurrences.h"
+#include "ctl/Page.h"
+#include "ctl/ScheduleText.h"
+#include "ctl/Selection.h"
+#include "ctl/StatusText.h"
+#include "model/Dictionary.h"
+#include "model/Names.h"
+#include "planning/Json.h"
+#include "scheduler/Outcome.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
+
+namespace quorel {
+
+namespace {
+
+using Answer = DaemonClient::Answer;
+using Failure = DaemonClient::Failure;
+using Colour = Page::Colour;
+using Rows = std::vector<std::vector<std::string>>;
+
+constexpr unsigned kUsualUpcoming = 5;
+constexpr unsigned kUsualOutcomes = 10;
+constexpr unsigned kInStatus = 10;
+constexpr std::chrono::seconds kLookAgain{1};
+
+/// How many are wanted. Nothing where that is no number, which has been said.
+std::optional<unsigned> wanted(const CommandLine& line, unsigned usual, unsigned most) {
+    const bool isFine = line.arguments.size() <= 1;
+    const auto number = line.arguments.empty() ? usual : isFine ? numberIn(line.arguments[0], most) : std::nullopt;
+    if (!isFine) misused(translated("Too many arguments."));
+    if (isFine && !number) misused(filled(translated("A number from 1 to {1}, please."), {std::to_string(most)}));
+    return number;
+}
+
+std::vector<std::string> logRow(const Value& outcome) {
+    const std::int64_t due = outcome["Due"].integer();
+    return {momentText(due != 0 ? due : outcome["At"].integer()), due != 0 ? actionName(outcome) : std::string(),
+            outcomeText(outcome)};
+}
+
+/// Those of `now` that came after the last of `before`.
+Array newOnes(const Array& before, const Array& now) {
+    if (before.empty()) return now;
+    auto last = now.end();
+    while (last != now.begin() && *(last - 1) != before.back()) --last;
+    return {last, now.end()};
+}
+
+/// As they come, until the program is ended.
+ExitStatus follow(const CommandLine& line, Array told) {
+    const Page page;
+    while (true) {
+        std::fflush(stdout);
+        if (std::ferror(stdout) != 0) return ExitStatus::kFailed;  // nobody reads it any more
+        std::this_thread::sleep_for(kLookAgain);
+        DaemonClient daemon;
+        Answer answer = askForList(daemon, wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes);
+        if (answer.failure != Failure::kNone) continue;  // it may be starting again
+        for (const Value& one : newOnes(told, answer.value.array()))
+            line.json ? page.line(jsonOutput(one.dictionary())) : page.table({logRow(one)});
+        if (!answer.value.array().empty()) told = answer.value.array();
+    }
+}
+
+}  // namespace
+
+ExitStatus showStatus(const CommandLine& line) {
+    if (!line.arguments.empty()) return misused(translated("Too many arguments."));
+    const Page page;
+    DaemonClient daemon;
+    const Answer status = daemon.ask(wire::scheduler::kStatus);
+    if (status.failure == Failure::kNotRunning) {
+        if (line.json) page.line(jsonOutput(Dictionary{{"Running", false}}));
+        if (!line.json) page.headline(Colour::kNone, false, translated("quorel-daemon is not running"));
+        return ExitStatus::kNotRunning;
+    }
+    if (status.failure != Failure::kNone) return fail(status);
+    if (!status.value.isDictionary()) return fail({Failure::kNotUnderstood, {}, {}, {}});
+    const Occurrences next(line.root, daemon, kInStatus);
+    if (next.answer().failure != Failure::kNone) return fail(next.answer());
+    const Answer last = askForList(daemon, wire::scheduler::kOutcomes, 1U);
+    const Array& outcomes = last.value.array();
+    const bool well = isWell(status.value);
+    if (line.json) {
+        Value told = status.value.with("Running", true).with("Upcoming", next.upcoming());
+        if (!outcomes.empty()) told = told.with("Last", outcomes.back());
+        page.line(jsonOutput(told.dictionary()));
+    } else {
+        page.headline(well ? Colour::kGood : Colour::kWarning, true,
+                      filled(translated("quorel-daemon {1} is running"), {status.value["Version"].text()}));
+        page.fields(statusFields(status.value, next.upcoming(), outcomes.empty() ? Value() : outcomes.back()));
+    }
+    return well ? ExitStatus::kDone : ExitStatus::kNotWell;
+}
+
+ExitStatus showNext(const CommandLine& line) {
+    const auto most = wanted(line, kUsualUpcoming, wire::scheduler::kMostUpcoming);
+    if (!most) return ExitStatus::kUsage;
+    DaemonClient daemon;
+    const Occurrences next(line.root, daemon, *most);
+    if (next.answer().failure != Failure::kNone) return fail(next.answer());
+    const Page page;
+    Rows rows;
+    for (const Value& one : next.upcoming()) {
+        const Value& number = one["Number"];
+        rows.push_back({number.isAbsent() ? "" : std::to_string(number.integer()), momentText(one["At"].integer()),
+                        actionName(one), one["Token"].text()});
+        if (const std::string step = stepText(one); !step.empty()) rows.push_back({step});
+    }
+    if (line.json) {
+        page.line(jsonOutput(Dictionary{{"Upcoming", next.upcoming()}}));
+    } else if (rows.empty()) {
+        page.line(translated("Nothing is planned."));
+    } else {
+        page.table(std::move(rows));
+    }
+    return ExitStatus::kDone;
+}
+
+ExitStatus showLog(const CommandLine& line) {
+    const auto most = wanted(line, kUsualOutcomes, wire::scheduler::kMostOutcomes);
+    if (!most) return ExitStatus::kUsage;
+    DaemonClient daemon;
+    const Answer answer = askForList(daemon, wire::scheduler::kOutcomes, most);
+    if (answer.failure != Failure::kNone) return fail(answer);
+    const Page page;
+    Rows rows;
+    for (const Value& one : answer.value.array()) rows.push_back(logRow(one));
+    if (line.json && line.isFlagged) {
+        for (const Value& one : answer.value.array()) page.line(jsonOutput(one.dictionary()));
+    } else if (line.json) {
+        page.line(jsonOutput(Dictionary{{"Outcomes", answer.value}}));
+    } else if (rows.empty()) {
+        if (!line.isFlagged) page.line(translated("Nothing has happened yet."));
+    } else {
+        page.table(std::move(rows));
+    }
+    return line.isFlagged ? follow(line, answer.value.array()) : ExitStatus::kDone;
+}
+
+ExitStatus showModules(const CommandLine& line) {
+    if (line.isFlagged && line.arguments.size() == 1) return checkModule(Page(), line.arguments[0], line.json);
+    if (line.isFlagged) return misused(translated("Which folder?"));
+    if (!line.arguments.empty()) return misused(translated("Too many arguments."));
+    DaemonClient daemon;
+    const Answer answer = askForList(daemon, wire::scheduler::kModules);
+    if (answer.failure != Failure::kNone) return fail(answer);
+    const Page page;
+    Rows rows;
+    for (const Value& one : answer.value.array())
+        for (auto& row : moduleRows(one)) rows.push_back(std::move(row));
+    if (line.json) {
+        page.line(jsonOutput(Dictionary{{"Modules", answer.value}}));
+    } else if (rows.empty()) {
+        page.line(translated("There are no modules."));
+    } else {
+        page.table(std::move(rows));
+    }
+    return ExitStatus::kDone;
+}
+
+}  // namespace quorel
