@@ -35,8 +35,14 @@ bool looksLikeType(std::string_view type) {
                                [](char c) { return isLetter(c) || isDigit(c) || c == '.' || c == '-' || c == '_'; });
 }
 
+std::string withoutHyphens(std::string_view word) {
+    std::string result(word);
+    std::erase(result, '-');
+    return result;
+}
+
 bool meansSomethingElse(std::string_view word) {
-    return word == "on" || word == "off" || word == "options" || daysOfWord(word) || minuteOfWord(word);
+    return word == "on" || word == "off" || word == "at" || word == "options" || daysOfWord(word) || minuteOfWord(word);
 }
 
 std::string shortName(std::string_view type) {
@@ -71,6 +77,8 @@ std::string ActionWords::nameOf(std::string_view type) const {
 std::optional<std::string> ActionWords::typeOf(std::string_view word) const {
     const auto named = std::ranges::find(_names, word, [](const auto& one) { return std::string_view(one.second); });
     if (named != _names.end()) return named->first;
+    for (const auto& [type, name] : _names)  // "shutdown"
+        if (!name.empty() && withoutHyphens(name) == withoutHyphens(word)) return type;
     return looksLikeType(word) ? std::optional(std::string(word)) : std::nullopt;
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 namespace keys = schedule_keys;
 
-constexpr std::string_view kOn = "on", kOff = "off", kYes = "yes", kNo = "no", kRest = "--";
+constexpr std::string_view kOn = "on", kOff = "off", kYes = "yes", kNo = "no", kRest = "--", kAt = "at";
 constexpr std::string_view kYesOrNo = "yes, no";
 
 bool isOn(const Value& dictionary, std::string_view key) {
@@ -144,12 +144,13 @@ private:
         const std::string& text = word.text;
         const std::size_t equals = text.find('=');
         if (equals != std::string::npos && equals > 0) return _options.push_back(word);
+        if (text == kAt) return;  // as people say it
         if (text == kOn || text == kOff) return say(_isEnabled, text == kOn, word);
         if (const auto minute = minuteOfWord(text)) return say(_minute, *minute, word);
-        if (const auto days = daysOfWord(text)) return takeDays('=', *days, word);
+        if (const auto days = daysOfWord(text)) return takeDays('=', *days);
         if (text.starts_with('+') || text.starts_with('-')) {
             const auto days = daysOfWord(std::string_view(text).substr(1));
-            return days ? takeDays(text[0], *days, word) : refuse(word, text_fault::kDays);
+            return days ? takeDays(text[0], *days) : refuse(word, text_fault::kDays);
         }
         if (auto type = _actions.typeOf(text)) return say(_type, std::move(*type), word);
         if (!text.empty() && text[0] >= '0' && text[0] <= '9') return refuse(word, text_fault::kTime);
@@ -157,9 +158,11 @@ private:
         refuse(word, text_fault::kAction, _actions.names());
     }
 
-    void takeDays(char how, DaySet days, const Word& word) {
-        if (how == '=' && !_days.empty()) return refuse(word, text_fault::kTwice);
-        _days.emplace_back(how, days);
+    void takeDays(char how, DaySet days) {
+        // "mon tue" are both.
+        const bool isFurther =
+            how == '=' && std::ranges::find(_days, '=', &std::pair<char, DaySet>::first) != _days.end();
+        _days.emplace_back(isFurther ? '+' : how, days);
     }
 
     void demand(std::span<const Word> words) {
