@@ -13,6 +13,7 @@ from ctl_case import QUORELCTL, CtlCase
 from schedules import SLEEP, schedule
 
 MODULES, FOLDER = sys.argv[3:5]
+ROOT = os.path.dirname(MODULES)
 NOBODY = 65534
 BACKUP = schedule("org.x.Backup", "7:05", Own=b"\0") | {"own": 1.5}
 
@@ -119,6 +120,34 @@ class PlanTest(CtlCase):
             stored = sorted(one["Action Minute"] for one in self.stored()["Schedule Array"])
             self.assertEqual(stored, [minute for minute in range(50) if minute not in left], told)
         self.assertEqual(left, set(), told)
+
+    @unittest.skipUnless(shutil.which("ansible-playbook"), "needs ansible-core")
+    def test_a_fleet_by_ansible(self):
+        """With the playbook that is told to administrators, on this computer alone."""
+        self.start_daemon(schedule(SLEEP, "23:15"))
+        place = self.system.place
+        with open(f"{ROOT}/docs/administration.md", encoding="utf-8") as file:
+            playbook = file.read().split("```yaml\n")[1].split("```")[0]
+        for path, text in (("playbook.yml", playbook), ("plan.txt", "8:00 sleep idle-minutes=5\n"),
+                           ("quorelctl", f'#!/bin/sh\nexec {QUORELCTL} --root={self.root} "$@"\n')):
+            with open(f"{place}/{path}", "w", encoding="utf-8") as file:
+                file.write(text)
+        os.chmod(f"{place}/quorelctl", 0o755)
+        command = ["ansible-playbook", "-i", "localhost,", "-c", "local", "-e", "ansible_become=false",
+                   "-e", "ansible_python_interpreter=/usr/bin/python3", f"{place}/playbook.yml"]
+        environment = {**os.environ, **self.system.environment(), "LC_ALL": "C.UTF-8", "HOME": place,
+                       "PATH": f"{place}:{os.environ['PATH']}"}
+        for flags, text, expected, plan in (
+                (["--check"], "", "changed=1", "23:15 mon,tue sleep"), ([], "", "changed=1", "08:00 daily sleep idle-minutes=5"),
+                ([], "", "changed=0", "08:00 daily sleep idle-minutes=5"),
+                ([], "8:00 slep\n", "failed=1", "08:00 daily sleep idle-minutes=5")):
+            if text:
+                with open(f"{place}/plan.txt", "w", encoding="utf-8") as file:
+                    file.write(text)
+            run = subprocess.run([*command, *flags], env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                 text=True)
+            self.assertIn(expected, run.stdout)
+            self.assertEqual(self.plan(), [plan], run.stdout)
 
     def test_completes(self):
         self.start_daemon(schedule(SLEEP, "23:15"))
