@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "daemon/acting/Acting.h"
+#include "daemon/acting/SchedulerHost.h"
 #include "daemon/acting/SchedulerInterface.h"
 #include "daemon/saving/Door.h"
 #include "daemon/saving/PlanInPlace.h"
@@ -34,7 +34,7 @@ private:
     PublicConnection _public;
     Callers _callers{_public, _bus.get()};
     const EmptyBus _emptyBus;
-    Acting _acting;
+    SchedulerHost _host;
     PlanInPlace _plan;
     SchedulerInterface _schedulerInterface;
     Door _door;

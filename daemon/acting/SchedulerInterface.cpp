@@ -69,8 +69,8 @@ int SchedulerInterface::read(sd_bus_message* call, void* self, sd_bus_error* err
     return (scheduler.*kAnswer)(call);
 }
 
-SchedulerInterface::SchedulerInterface(Callers& callers, Acting& acting, const PlanInPlace& plan)
-    : _callers(callers), _acting(acting), _plan(plan) {
+SchedulerInterface::SchedulerInterface(Callers& callers, SchedulerHost& host, const PlanInPlace& plan)
+    : _callers(callers), _host(host), _plan(plan) {
     static constexpr auto kOpen = SD_BUS_VTABLE_UNPRIVILEGED;
     static constexpr sd_bus_vtable kMembers[] = {
         SD_BUS_VTABLE_START(0),
@@ -97,34 +97,34 @@ void SchedulerInterface::changed() {
 
 int SchedulerInterface::upcoming(sd_bus_message* call) const {
     Array values;
-    for (const Upcoming& one : _acting.scheduler().upcoming(wanted(call, names::kMostUpcoming)))
-        values.push_back(_acting.named(valueOf(one)));
+    for (const Upcoming& one : _host.scheduler().upcoming(wanted(call, names::kMostUpcoming)))
+        values.push_back(_host.named(valueOf(one)));
     return replyDictionaries(call, values);
 }
 
 int SchedulerInterface::outcomes(sd_bus_message* call) const {
-    const Array& all = _acting.scheduler().outcomes();
+    const Array& all = _host.scheduler().outcomes();
     const auto number = std::min(wanted(call, names::kMostOutcomes), all.size());
     Array last;
-    for (std::size_t i = all.size() - number; i < all.size(); ++i) last.push_back(_acting.named(all[i]));
+    for (std::size_t i = all.size() - number; i < all.size(); ++i) last.push_back(_host.named(all[i]));
     return replyDictionaries(call, last);
 }
 
 int SchedulerInterface::status(sd_bus_message* call) const {
-    const Scheduler& scheduler = _acting.scheduler();
-    const ComputerAlarms::Obstacle waking = _acting.alarms().waking();
+    const Scheduler& scheduler = _host.scheduler();
+    const ComputerAlarms::Obstacle waking = _host.alarms().waking();
     Array faults;
     for (const ScheduleFault& fault : scheduler.faults()) {
         if (faults.size() == names::kMostUpcoming) break;
-        faults.push_back(_acting.named(valueOf(fault)));
+        faults.push_back(_host.named(valueOf(fault)));
     }
     Dictionary status{{keys::kVersion, product::kVersion},
                       {keys::kActs, waking.fault != wire::alarm_fault::kOff},
                       {keys::kWakeAlarm, valueOf(scheduler.armedWake(), waking)},
-                      {keys::kStartupAlarm, valueOf(scheduler.armedStartup(), _acting.alarms().starting())},
+                      {keys::kStartupAlarm, valueOf(scheduler.armedStartup(), _host.alarms().starting())},
                       {keys::kFaults, faults}};
     if (!_plan.fault().empty()) status.set(keys::kPlanFault, plainText(_plan.fault()));
-    if (!_acting.stateFault().empty()) status.set(keys::kStateFault, plainText(_acting.stateFault()));
+    if (!_host.stateFault().empty()) status.set(keys::kStateFault, plainText(_host.stateFault()));
     if (scheduler.isClockBehind()) status.set(keys::kClock, wire::kClockBehind);
     for (const auto& [key, former] : wire::kFormerKeys) status.set(former, status[key]);
     return replyDictionary(call, status);
@@ -132,22 +132,22 @@ int SchedulerInterface::status(sd_bus_message* call) const {
 
 int SchedulerInterface::modules(sd_bus_message* call) const {
     Array modules;
-    for (const ActionDescription& one : _acting.modules().modules()) modules.push_back(one.value());
+    for (const ActionDescription& one : _host.modules().modules()) modules.push_back(one.value());
     return replyDictionaries(call, modules);
 }
 
 int SchedulerInterface::skip(sd_bus_message* call, void* self, sd_bus_error* error) {
-    return static_cast<SchedulerInterface*>(self)->begin(call, {kSkipAction, &Acting::skip}, error);
+    return static_cast<SchedulerInterface*>(self)->begin(call, {kSkipAction, &SchedulerHost::skip}, error);
 }
 
 int SchedulerInterface::postpone(sd_bus_message* call, void* self, sd_bus_error* error) {
-    return static_cast<SchedulerInterface*>(self)->begin(call, {kPostponeAction, &Acting::postpone}, error);
+    return static_cast<SchedulerInterface*>(self)->begin(call, {kPostponeAction, &SchedulerHost::postpone}, error);
 }
 
 int SchedulerInterface::begin(sd_bus_message* call, Change change, sd_bus_error* error) {
     const char* token = "";
     sd_bus_message_read(call, "s", &token);
-    if (!_acting.scheduler().knows(token)) return sd_bus_error_set(error, wire::kNoSuchOccurrence, kGone);
+    if (!_host.scheduler().knows(token)) return sd_bus_error_set(error, wire::kNoSuchOccurrence, kGone);
     const bool interaction = sd_bus_message_get_allow_interactive_authorization(call) > 0;
     _callers.hold(call, [this, change, token = std::string(token), interaction](HeldCall& held) {
         ask(held, change, token, interaction);
@@ -165,7 +165,7 @@ void SchedulerInterface::ask(HeldCall& call, Change change, const std::string& t
 }
 
 void SchedulerInterface::permitted(HeldCall& call, Change change, const std::string& token) {
-    if (!(_acting.*change.make)(token, nameOfUser(call.user()))) return call.refuse(wire::kNoSuchOccurrence, kGone);
+    if (!(_host.*change.make)(token, nameOfUser(call.user()))) return call.refuse(wire::kNoSuchOccurrence, kGone);
     MOLLog("Occurrence %s: %s by user %u.", token.c_str(), change.action, call.user());
     call.accept();
 }

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "daemon/UserLimit.h"
-#include "daemon/acting/Acting.h"
+#include "daemon/acting/SchedulerHost.h"
 #include "daemon/saving/PlanInPlace.h"
 #include "linux/bus/Bus.h"
 #include "linux/bus/Callers.h"
@@ -15,7 +15,7 @@ namespace quorel {
 class SchedulerInterface {
 public:
     /// What it is given must outlive it. Throws std::runtime_error.
-    SchedulerInterface(Callers& callers, Acting& acting, const PlanInPlace& plan);
+    SchedulerInterface(Callers& callers, SchedulerHost& host, const PlanInPlace& plan);
     SchedulerInterface(const SchedulerInterface&) = delete;
 
     /// Tells whoever listens that it is worth asking again.
@@ -25,7 +25,7 @@ private:
     /// A way to say no, and what polkit calls it.
     struct Change {
         const char* action;
-        bool (Acting::*make)(const std::string& token, const std::string& by);
+        bool (SchedulerHost::*make)(const std::string& token, const std::string& by);
     };
 
     template <auto kAnswer>
@@ -42,7 +42,7 @@ private:
     void permitted(HeldCall& call, Change change, const std::string& token);
 
     Callers& _callers;
-    Acting& _acting;
+    SchedulerHost& _host;
     const PlanInPlace& _plan;
     UserLimit _limit{10};
     BusSlot _object;

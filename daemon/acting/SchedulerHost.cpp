@@ -1,4 +1,4 @@
-#include "daemon/acting/Acting.h"
+#include "daemon/acting/SchedulerHost.h"
 
 #include <systemd/sd-id128.h>
 
@@ -50,7 +50,7 @@ std::string bootId() {
 }  // namespace
 
 template <class Event>
-auto Acting::tell(Event event) {
+auto SchedulerHost::tell(Event event) {
     if constexpr (std::is_void_v<decltype(event(_clocks.now()))>) {
         if (!_hasBegun) return;
         event(_clocks.now());
@@ -62,7 +62,8 @@ auto Acting::tell(Event event) {
     }
 }
 
-Acting::Acting(EventLoop& loop, Callers& callers, sd_bus* computer, const std::string& root, const Clocks& clocks)
+SchedulerHost::SchedulerHost(EventLoop& loop, Callers& callers, sd_bus* computer, const std::string& root,
+                             const Clocks& clocks)
     : _clocks(clocks),
       _state(stateFolder(root) + "/state.plist"),
       _alarms(loop, clocks, {root.empty(), root + kHardwareClock, stateFolder(root) + "/startup-alarm"}),
@@ -100,7 +101,7 @@ Acting::Acting(EventLoop& loop, Callers& callers, sd_bus* computer, const std::s
     _agents.usedCallback = [this](unsigned user) { tell([&](Now now) { _scheduler.used(now, nameOfUser(user)); }); };
 }
 
-void Acting::take(const Value& preferences) {
+void SchedulerHost::follow(const Value& preferences) {
     const Value& list = preferences[preferences::kScheduleArray];
     const bool begins = !std::exchange(_hasBegun, true);
     _actions.scan();
@@ -112,15 +113,15 @@ void Acting::take(const Value& preferences) {
     });
 }
 
-bool Acting::skip(const std::string& token, const std::string& by) {
+bool SchedulerHost::skip(const std::string& token, const std::string& by) {
     return tell([&](Now now) { return _scheduler.skip(now, token, by); });
 }
 
-bool Acting::postpone(const std::string& token, const std::string& by) {
+bool SchedulerHost::postpone(const std::string& token, const std::string& by) {
     return tell([&](Now now) { return _scheduler.postpone(now, token, by); });
 }
 
-void Acting::ended(const Outcome& outcome) {
+void SchedulerHost::ended(const Outcome& outcome) {
     std::vector<std::string> names;
     std::vector<std::pair<std::string_view, std::string>> fields = {{"QUOREL_CODE", outcome.code}};
     if (outcome.due != 0) fields.emplace_back("QUOREL_DUE", std::to_string(outcome.due));
@@ -135,20 +136,20 @@ void Acting::ended(const Outcome& outcome) {
     writeJournalEntry(kOutcomeMessage, outcomeLine(named(outcome.value())), fields);
 }
 
-Value Acting::named(const Value& told) const {
+Value SchedulerHost::named(const Value& told) const {
     const ActionDescription* module = modules().find(told[keys::kAction].text());
     return module && module->names.size() > 0 ? told.with(keys::kNames, module->names) : told;
 }
 
-void Acting::changed() {
+void SchedulerHost::changed() {
     const auto open = _scheduler.upcoming(kSoon);
     _agents.watchUse(std::ranges::any_of(
         open, [](const Upcoming& one) { return one.step == Step::kWarned && one.schedule->idle > 0; }));
     if (changedCallback) changedCallback();
 }
 
-void Acting::findIdle(Conditions conditions, const std::vector<unsigned>& userIds,
-                      std::function<void(Conditions)> done) {
+void SchedulerHost::findIdle(Conditions conditions, const std::vector<unsigned>& userIds,
+                             std::function<void(Conditions)> done) {
     _agents.findIdle(userIds, [userIds, done = std::move(done),
                                conditions = std::move(conditions)](const Agents::Idle& idle) mutable {
         for (std::size_t i = 0; i < userIds.size(); ++i) {

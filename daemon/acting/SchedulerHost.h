@@ -18,14 +18,14 @@
 namespace quorel {
 
 /// Carries the stored Schedules out: joins the scheduler to the computer. One thread.
-class Acting : private Reports {
+class SchedulerHost : private Reports {
 public:
     /// `root` stands before the absolute paths of what it reads and writes; below one of its own it arms no wake alarm.
     /// Logind and the service manager are on `computer`. `clocks`, loop, callers and bus must outlive it.
-    Acting(EventLoop& loop, Callers& callers, sd_bus* computer, const std::string& root, const Clocks& clocks);
+    SchedulerHost(EventLoop& loop, Callers& callers, sd_bus* computer, const std::string& root, const Clocks& clocks);
 
     /// The preferences that are in place. The first call begins.
-    void take(const Value& preferences);
+    void follow(const Value& preferences);
 
     /// As the scheduler's own.
     bool skip(const std::string& token, const std::string& by);
