@@ -17,7 +17,7 @@ import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../harness"))
 
-from desktop import end, DesktopServers, SettingsApplication, VirtualDisplay, install_modules
+from desktop import DesktopServers, SettingsApplication, VirtualDisplay, end, install_modules
 from feed_server import FeedServer, record
 from private_system import PrivateSystem, polkit_rule, wait_until
 
@@ -80,8 +80,9 @@ def edit_in_window(window, path, screenshot, display):
         return stored(path)["Schedule Array"][0]["Is Enabled"] != before
 
     try:
-        wait_until(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^Quorel$"], check=False,
-                                          env=window.environment, stdout=subprocess.PIPE).stdout, "no window", 60)
+        # No window manager gives it the focus.
+        focus = ["xdotool", "search", "--onlyvisible", "--name", "^Quorel$", "windowfocus"]
+        wait_until(lambda: subprocess.run(focus, check=False, env=window.environment).returncode == 0, "no window", 60)
         time.sleep(3)  # until it has asked polkit
         for key in ("ctrl+Home", "space", "ctrl+s"):
             window.press(key)
