@@ -32,11 +32,11 @@ Occurrences::Occurrences(const std::string& root, DaemonClient& daemon, unsigned
     }
 }
 
-Value Occurrences::meant(const std::string& name, bool isSkipped) const {
+Value Occurrences::meant(const std::string& name) const {
     const auto number = numberIn(name, _plan.schedules().size());
     for (const Value& one : _upcoming) {
         const bool isNamed = number ? one["Number"].integer() == *number : name.empty() || one["Token"].text() == name;
-        if (isNamed && (one["Token"].text() == name || (one["Step"].text() == "skipped") == isSkipped)) return one;
+        if (isNamed && (one["Token"].text() == name || one["Step"].text() != "skipped")) return one;
     }
     const std::string token = number ? _forecast.token(*number - 1, std::time(nullptr)) : name;
     return token.empty() ? Value() : Value(Dictionary{{"Token", token}});

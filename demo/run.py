@@ -39,11 +39,11 @@ def stored(path):
         return plistlib.load(file)
 
 
-def show_plan(build, environment):
+def show_plan(build, root, environment):
     """What the daemon makes of what was saved."""
     for command in ("status", "list"):
         print(f"$ quorelctl {command}", flush=True)
-        subprocess.run([f"{build}/ctl/quorelctl", command], env=environment)
+        subprocess.run([f"{build}/ctl/quorelctl", f"--root={root}", command], env=environment)
 
 
 def follow(application, path, told):
@@ -155,8 +155,8 @@ def show(build, user, face, place, path, ends):
             application = Window(build, root, feed_address, environment, **as_user)
         ends.callback(application.close)
         print(f"Preferences: {path}\nPress Ctrl-C or close the window to end.", flush=True)
-        show_plan(build, environment)
-        return follow(application, path, lambda: show_plan(build, environment))
+        show_plan(build, root, environment)
+        return follow(application, path, lambda: show_plan(build, root, environment))
 
     display = VirtualDisplay()
     ends.callback(display.close)
@@ -169,7 +169,7 @@ def show(build, user, face, place, path, ends):
     application = SettingsApplication(build, home, environment, info=info, **as_user)
     ends.callback(application.close)
     done["pane"] = edit_in_pane(application.screen, display, path, f"{place}/pane.png")
-    show_plan(build, environment)
+    show_plan(build, root, environment)
     print("No display: one edit was made in each face on a virtual one.")
     for face, is_stored in done.items():
         print(f"In the {face}: {'stored' if is_stored else 'NOT stored'}. {place}/{face}.png shows it.")

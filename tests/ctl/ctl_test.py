@@ -184,7 +184,8 @@ class CtlTest(CtlCase):
                          "Skipped: Sleep, Mon 2027-03-01 23:15. Next: Tue 2027-03-02 23:15.\n")
         self.told("skip", first)
         self.assertIn("skipped by nobody\n", self.told("next"))
-        self.told("postpone", second)
+        self.assertEqual(self.told("postpone", second),
+                         "Postponed: Sleep, from Mon 2027-03-01 23:30 to Mon 2027-03-01 23:45.\n")
         self.told("postpone", second)  # is that very postponement again
         self.assertIn("postponed by root, planned for 23:30\n", self.told("next"))
         self.assertEqual(self.next()[1]["atSeconds"], AT + 45 * 60)
