@@ -44,7 +44,10 @@ Agent::Agent(Options options)
       _checkEnded(_loop, [this] { checkEnded(); }),
       _bus(connectTo(Bus::Session, _loop)),
       _notifier(_bus.get(), openPage),
-      _idleMeter(_loop, _bus.get()),
+      _idleMeter(_loop, _bus.get(),
+                 [this] {
+                     if (_daemon.watchesUse()) _daemon.reportIdle(0, 0);
+                 }),
       _daemon(_loop, {[this] { daemonChanged(); }, [this](std::int64_t question) { tellIdle(question); }}),
       _warnings(_loop, _bus.get(), _daemon),
       _actions(_bus.get(), [this](const auto&... report) { _daemon.reportAction(report...); }),

@@ -18,6 +18,8 @@ public:
     ~FileDescriptor() { close(); }
 
     int get() const { return _descriptor; }
+    /// Leaves it to the caller, open.
+    int release() { return std::exchange(_descriptor, -1); }
     explicit operator bool() const { return _descriptor >= 0; }
     /// False when what was written did not all arrive.
     bool close() { return _descriptor < 0 || ::close(std::exchange(_descriptor, -1)) == 0; }

@@ -6,6 +6,7 @@
 
 #include "agent/idle/GnomeIdle.h"
 #include "agent/idle/Players.h"
+#include "agent/idle/WaylandIdle.h"
 #include "agent/idle/XServerIdle.h"
 
 namespace quorel {
@@ -16,10 +17,12 @@ constexpr std::chrono::seconds kPatience{2};
 
 }  // namespace
 
-IdleMeter::IdleMeter(EventLoop& loop, sd_bus* session) : _limit(loop, [this] { finish(); }) {
+IdleMeter::IdleMeter(EventLoop& loop, sd_bus* session, std::function<void()> used)
+    : _limit(loop, [this] { finish(); }) {
     _sources.push_back(std::make_unique<GnomeIdle>(session));
     _sources.push_back(std::make_unique<Players>(session));
     _sources.push_back(std::make_unique<XServerIdle>(loop));
+    _sources.push_back(std::make_unique<WaylandIdle>(loop, std::move(used)));
 }
 
 void IdleMeter::measure(Measured measured) {

@@ -17,8 +17,9 @@ public:
     /// Nothing where nobody here can tell.
     using Measured = std::function<void(std::optional<Seconds>)>;
 
-    /// The session bus, which the loop serves, must outlive it.
-    IdleMeter(EventLoop& loop, sd_bus* session);
+    /// The session bus, which the loop serves, must outlive it. `used` is called when somebody comes back after a
+    /// pause, where a source hears of it.
+    IdleMeter(EventLoop& loop, sd_bus* session, std::function<void()> used);
     IdleMeter(const IdleMeter&) = delete;
 
     /// `measured` is called later, within two seconds. A measurement that is under way does for both.

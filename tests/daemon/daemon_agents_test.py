@@ -170,19 +170,35 @@ class AgentsTest(ActingCase):
                 self.log_in(NOBODY, server=False)
                 self.reach("23:14", step)
 
-    def test_an_x_server_that_says_nothing(self):
+    def test_a_display_that_says_nothing(self):
         """Whoever waited for it would hear and say nothing more."""
-        with socket.create_server(("127.0.0.1", 0)) as server:
+        def x_server():
+            server = socket.create_server(("127.0.0.1", 0))
             self.system.variables["DISPLAY"] = f"127.0.0.1:{server.getsockname()[1] - 6000}"
-            self.start(schedule(SLEEP, "23:15", Only_When_Idle=1), sessions=[{"User": NOBODY, "IdleHint": False}])
-            self.log_in(NOBODY, server=False)
-            self.move_to("23:14")
-            silent, _ = server.accept()
-            with silent:
-                self.wait_for(lambda: self.steps() == ["waiting"], "it waits")
-                agent = self.system.processes[-1]
-                agent.terminate()
-                self.assertEqual(agent.wait(SECONDS), 0)
+            return server
+
+        def compositor():
+            server = socket.socket(socket.AF_UNIX)
+            server.bind(f"{self.system.place}/compositor")
+            os.chmod(server.getsockname(), 0o777)
+            server.listen()
+            self.system.variables["WAYLAND_DISPLAY"] = server.getsockname()
+            return server
+
+        for start in (x_server, compositor):
+            with self.subTest(start.__name__):
+                self.setUp()
+                with start() as server:
+                    self.start(schedule(SLEEP, "23:15", Only_When_Idle=1),
+                               sessions=[{"User": NOBODY, "IdleHint": False}])
+                    self.log_in(NOBODY, server=False)
+                    self.move_to("23:14")
+                    silent, _ = server.accept()
+                    with silent:
+                        self.wait_for(lambda: self.steps() == ["waiting"], "it waits")
+                        agent = self.system.processes[-1]
+                        agent.terminate()
+                        self.assertEqual(agent.wait(SECONDS), 0)
 
     def test_nobody_is_believed_for_another(self):
         self.start(schedule(SLEEP, "23:15", Only_When_Idle=1),
