@@ -6,6 +6,7 @@
 
 #include "kit/MOLLog.h"
 #include "model/PlainText.h"
+#include "words/Language.h"
 
 namespace quorel {
 
@@ -13,9 +14,11 @@ namespace {
 
 constexpr const char* kService = "org.freedesktop.Notifications";
 constexpr const char* kPath = "/org/freedesktop/Notifications";
-constexpr std::chrono::seconds kPatience{10};  // the server may have to be started first
+constexpr const char* kDesktopEntry = "quorel";  // the visible program: desktops list nothing else in their settings
+constexpr std::chrono::seconds kPatience{10};    // the server may have to be started first
 constexpr std::int32_t kServersOwnDuration = -1;
 constexpr std::int32_t kWithoutEnd = 0;
+constexpr std::uint8_t kNormal = 1;
 constexpr std::uint8_t kCritical = 2;
 constexpr std::uint32_t kClosedByUser = 2;
 
@@ -92,15 +95,14 @@ void Notifier::capabilitiesKnown(sd_bus_message* reply) {
 
     const auto message = newCall(_bus, kService, kPath, kService, "Notify");
     sd_bus_message_append(message.get(), "susss", "Quorel", _id, _message->icon.c_str(),
-                          plainLine(_message->title).c_str(), body.c_str());
+                          plainLine(filled(translated("Quorel: {1}"), {_message->title})).c_str(), body.c_str());
     sd_bus_message_open_container(message.get(), 'a', "s");
     for (const Message::Button& button : _message->buttons)
         if (buttons) sd_bus_message_append(message.get(), "ss", button.key.c_str(), button.label.c_str());
     sd_bus_message_close_container(message.get());
-    if (_message->isUrgent)
-        sd_bus_message_append(message.get(), "a{sv}i", 1, "urgency", "y", kCritical, kWithoutEnd);
-    else
-        sd_bus_message_append(message.get(), "a{sv}i", 0, kServersOwnDuration);
+    sd_bus_message_append(message.get(), "a{sv}i", 2, "desktop-entry", "s", kDesktopEntry, "urgency", "y",
+                          _message->isUrgent ? kCritical : kNormal,
+                          _message->isUrgent ? kWithoutEnd : kServersOwnDuration);
     call(message, &Notifier::shown);
 }
 

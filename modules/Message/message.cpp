@@ -56,7 +56,8 @@ void show(const std::string& title, const std::string& text) {
 
     const std::string body = markup ? escaped(text) : text;
     check(sd_bus_call_method(bus, kService, kPath, kService, "Notify", &error, nullptr, "susssasa{sv}i", "Quorel",
-                             std::uint32_t{0}, "", title.c_str(), body.c_str(), 0, 0, kUntilItIsSeen),
+                             std::uint32_t{0}, "", title.c_str(), body.c_str(), 0, 1, "desktop-entry", "s", "quorel",
+                             kUntilItIsSeen),
           &error);
 }
 

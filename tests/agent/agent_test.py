@@ -23,7 +23,8 @@ PATH, INTERFACE = "/com/quorel/Communication", "com.quorel.Communication1"
 PREFERENCES = "Library/Preferences/com.quorel.plist"
 INSTALLED = "1.0.0"
 DAY = 24 * 60 * 60
-UP_TO_DATE, NEWER, UNREACHABLE = "Up to date", "New version available", "Update check failed"
+UP_TO_DATE, NEWER, UNREACHABLE = (f"Quorel: {what}" for what in (
+    "Up to date", "New version available", "Update check failed"))
 
 
 class AgentTest(unittest.TestCase):

@@ -23,14 +23,14 @@ PATH, INTERFACE = "/com/quorel/Agents", "com.quorel.Agents1"
 SCHEDULER = "com.quorel.Scheduler1"
 RULE = """polkit.addRule(function(action, subject) {
     if (action.id != 'com.quorel.modify-preferences' && subject.user == 'nobody') return 'yes'; });"""
-PLANNED = "Sleep, planned for 23:15"
+PLANNED = "Quorel: Sleep, planned for 23:15"
 BUTTONS = ("postpone", "Postpone 15 minutes", "skip", "Skip")
 
 
 def warning(at, buttons=BUTTONS):
     """What a user is shown of the sleep that was planned for 23:15."""
     body = "As planned." if at == "23:15" else "Planned for 23:15."
-    return (f"Going to sleep at {at}", body, list(buttons), 2, 0)
+    return (f"Quorel: Going to sleep at {at}", body, list(buttons), 2, 0)
 
 
 class IdleMonitor(dbus.service.Object):

@@ -39,6 +39,7 @@ class NotificationServer(dbus.service.Object):
     @dbus.service.method(NOTIFICATIONS, in_signature="susssasa{sv}i", out_signature="u",
                          sender_keyword="sender")
     def Notify(self, program, replaces, icon, title, body, actions, hints, duration, sender):
+        assert hints["desktop-entry"] == "quorel"  # or desktops would not list it
         self.client = sender
         actions = [str(action) for action in actions]
         self.shown.append((int(replaces), str(title), str(body), actions))
