@@ -12,7 +12,7 @@ Tray::Tray(EventLoop& loop, Choices choices) : _loop(loop), _choices(std::move(c
 void Tray::show(bool on) try {
     if (on == _item.has_value()) return;
     if (!on) return _item.reset();
-    _item.emplace(_loop, _choices.openSettings, [this](int choice) { choose(choice); });
+    _item.emplace(_loop, _choices.openSettings, [this](int number) { choose(number); });
     display();
 } catch (const std::system_error& error) {
     MOLLog("%s", error.what());
@@ -37,19 +37,18 @@ void Tray::display() {
     _item->setMenu(_content.menu);
 }
 
-void Tray::choose(int choice) const {
-    const std::string token = _content.token;  // which may change by what is called
-    switch (choice) {
-        case TrayContent::kPostpone:
-            return _choices.postpone(token);
-        case TrayContent::kSkip:
-            return _choices.skip(token);
-        case TrayContent::kCheckUpdates:
+void Tray::choose(int number) const {
+    using Choice = TrayContent::Choice;
+    const Choice choice = _content.choices.at(static_cast<std::size_t>(number) - 1);  // what is called may change it
+    switch (choice.what) {
+        case Choice::kPostpone:
+            return _choices.postpone(choice.token);
+        case Choice::kSkip:
+            return _choices.skip(choice.token);
+        case Choice::kCheckUpdates:
             return _choices.checkUpdates();
-        case TrayContent::kOpenSettings:
+        case Choice::kOpenSettings:
             return _choices.openSettings();
-        default:
-            return;
     }
 }
 

@@ -32,7 +32,7 @@ public:
 private:
     void setContent(TrayContent content);
     void display();
-    void choose(int choice) const;
+    void choose(int number) const;
 
     EventLoop& _loop;
     const Choices _choices;

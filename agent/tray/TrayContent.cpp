@@ -14,7 +14,8 @@ namespace {
 
 namespace keys = wire::keys;
 
-constexpr std::size_t kLines = 3;
+constexpr std::size_t kMostOccurrences = 3;
+constexpr const char* kIndent = "\u2003";
 
 std::string nameOf(const Value& upcoming) {
     return actionName(upcoming);
@@ -35,37 +36,48 @@ bool isAhead(const Value& upcoming) {
            !upcoming[keys::kToken].text().empty();
 }
 
-TrayContent contentOf(std::string title, const std::vector<std::string>& lines, std::string token, bool maySkip,
-                      bool mayPostpone) {
-    TrayContent content{std::move(title), {}, std::move(token)};
-    const auto add = [&](std::string text, bool enabled, TrayContent::Choice choice) {
-        content.menu.push_back({std::move(text), enabled ? choice : TrayContent::kNone});
-    };
-    for (const std::string& line : lines) add(line, false, TrayContent::kNone);
+void addLine(TrayContent& content, std::string text) {
+    content.menu.push_back({std::move(text)});
+}
+
+void addChoice(TrayContent& content, std::string text, TrayContent::Choice choice) {
+    content.choices.push_back(std::move(choice));
+    content.menu.push_back({std::move(text), static_cast<int>(content.choices.size())});
+}
+
+/// What is always in the menu.
+void addRest(TrayContent& content) {
     content.menu.emplace_back();
-    add(translated("Postpone 15 minutes"), mayPostpone && !content.token.empty(), TrayContent::kPostpone);
-    add(translated("Skip"), maySkip && !content.token.empty(), TrayContent::kSkip);
-    content.menu.emplace_back();
-    add(translated("Check for Updates"), true, TrayContent::kCheckUpdates);
-    add(translated("Open Settings"), true, TrayContent::kOpenSettings);
-    return content;
+    addChoice(content, translated("Check for Updates"), {TrayContent::Choice::kCheckUpdates});
+    addChoice(content, translated("Open Settings"), {TrayContent::Choice::kOpenSettings});
 }
 
 }  // namespace
 
 TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone) {
-    std::vector<std::string> lines;
-    for (const Value& one : upcoming)
-        if (lines.size() < kLines) lines.push_back(lineOf(one));
-    if (lines.empty()) lines.emplace_back(translated("Nothing is planned."));
+    TrayContent content;
+    if (upcoming.empty()) addLine(content, translated("Nothing is planned."));
+    for (std::size_t i = 0; i < std::min(upcoming.size(), kMostOccurrences); ++i) {
+        const Value& one = upcoming[i];
+        addLine(content, lineOf(one));
+        if (!isAhead(one)) continue;
+        const std::string token = one[keys::kToken].text();
+        if (mayPostpone)
+            addChoice(content, kIndent + std::string(translated("Postpone 15 minutes")),
+                      {TrayContent::Choice::kPostpone, token});
+        if (maySkip) addChoice(content, kIndent + std::string(translated("Skip")), {TrayContent::Choice::kSkip, token});
+    }
     const auto next = std::ranges::find_if(upcoming, isAhead);
-    if (next == upcoming.end()) return contentOf(lines.front(), lines, {}, maySkip, mayPostpone);
-    return contentOf(lineOf(*next), lines, (*next)[keys::kToken].text(), maySkip, mayPostpone);
+    content.title = next == upcoming.end() ? content.menu.front().text : lineOf(*next);
+    addRest(content);
+    return content;
 }
 
 TrayContent trayContentWithoutDaemon() {
-    const std::string text = translated("The daemon is not running.");
-    return contentOf(text, {text}, {}, false, false);
+    TrayContent content{translated("The daemon is not running."), {}, {}};
+    addLine(content, content.title);
+    addRest(content);
+    return content;
 }
 
 }  // namespace quorel

@@ -8,13 +8,17 @@
 
 namespace quorel {
 
-/// What the item in the panel says, and what it is about.
+/// What the item in the panel says, and what each of its lines is about.
 struct TrayContent {
-    enum Choice { kNone, kPostpone, kSkip, kCheckUpdates, kOpenSettings };
+    struct Choice {
+        enum What { kPostpone, kSkip, kCheckUpdates, kOpenSettings } what;
+        std::string token = {};  ///< of the occurrence that it is about
+        friend bool operator==(const Choice&, const Choice&) = default;
+    };
 
     std::string title;
     std::vector<MenuItem> menu;
-    std::string token;  ///< of the occurrence that "not this time" means; empty: there is none
+    std::vector<Choice> choices;  ///< in the order of the lines that hand them over, which count from 1
     friend bool operator==(const TrayContent&, const TrayContent&) = default;
 };
 
