@@ -12,6 +12,7 @@
 #include "ctl/Page.h"
 #include "ctl/ScheduleText.h"
 #include "ctl/Selection.h"
+#include "ctl/SessionAgent.h"
 #include "ctl/StatusText.h"
 #include "model/Dictionary.h"
 #include "model/Names.h"
@@ -99,7 +100,11 @@ ExitStatus showStatus(const CommandLine& line) {
     } else {
         page.headline(well ? Colour::kGood : Colour::kWarning, true,
                       filled(translated("quorel-daemon {1} is running"), {status.value["Version"].text()}));
-        page.fields(statusFields(status.value, next.upcoming(), outcomes.empty() ? Value() : outcomes.back()));
+        auto fields = statusFields(status.value, next.upcoming(), outcomes.empty() ? Value() : outcomes.back());
+        if (isAgentMissing())
+            fields.emplace_back(translated("Agent:"), translated("none in this session; \"systemctl --user start "
+                                                                 "quorel-agent\" starts it"));
+        page.fields(fields);
     }
     return well ? ExitStatus::kDone : ExitStatus::kNotWell;
 }

@@ -27,6 +27,8 @@ class CtlCase(unittest.TestCase):
         self.system = PrivateSystem()
         self.addCleanup(self.system.close)
         self.environment = {}
+        for name in ("DISPLAY", "WAYLAND_DISPLAY"):  # of who runs the test
+            os.environ.pop(name, None)
         self.clocks, self.root = f"{self.system.place}/clocks", f"{self.system.place}/root"
 
     def move_to(self, hour, minute):

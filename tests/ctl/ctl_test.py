@@ -125,6 +125,14 @@ class CtlTest(CtlCase):
         version = self.told("--version").split()[1]
         self.assertEqual(self.run_ctl("status"), (5, f"● quorel-daemon {version} is running\n{status}", ""))
         self.assertIn("À venir", self.run_ctl(language="fr")[1])
+        self.system.start_session_bus()
+        self.system.variables["DISPLAY"] = ":0"
+        self.assertIn("Agent: none in this session", self.run_ctl("status")[1])
+        session = self.system.connect("session")
+        session.set_exit_on_disconnect(False)
+        self.addCleanup(session.close)
+        session.request_name("com.quorel.UserAgent")
+        self.assertNotIn("Agent:", self.run_ctl("status")[1])
         self.assertIs(json.loads(self.run_ctl("status", "--json")[1])["running"], True)
         self.move_to(23, 14)
         wait_until(lambda: self.next()[0]["step"] == "waiting", "it waits")
