@@ -4,8 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "agent/Settings.h"
 #include "kit/MOLLog.h"
-#include "linux/Launch.h"
 #include "linux/pane/Browser.h"
 #include "model/Preferences.h"
 #include "model/Wire.h"
@@ -22,10 +22,6 @@ CheckInterval::Time currentTime() {
 
 void openPage(const std::string& page) {
     if (!openInBrowser(page)) MOLLog("No browser could be started for %s", page.c_str());
-}
-
-void openSettings() {
-    if (!startProgram({"SystemPreferences"})) MOLLog("The settings application could not be started.");
 }
 
 void logRefusal(const std::string& reason) {
