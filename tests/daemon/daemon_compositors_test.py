@@ -6,7 +6,6 @@ measures takes its time: a minute, the least that a Schedule can ask for.
 """
 import os
 import shutil
-import subprocess
 import sys
 import threading
 import time
