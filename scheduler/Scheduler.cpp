@@ -36,7 +36,7 @@ void Scheduler::take(Now now, std::function<void()> event) {
 }
 
 void Scheduler::observe(Now now) {
-    const std::optional<WallClock::Change> change = _clock.observe(now);
+    const std::optional<WallClock::Change> change = _clock.observe(now, _former ? _former->watermark : _watermark);
     _wakefulness.observe(now);
     if (!change) return;
     _changed = true;

@@ -162,6 +162,7 @@ private:
     std::optional<Instant> nextOf(const OpenOccurrence& open) const;
     void reachAll();
     void missed(OpenOccurrence& open);
+    bool isWorthwhile(const Occurrence& one) const;
     void makeUp(OpenOccurrence& open, Seconds after);
     void run(OpenOccurrence& open);
     void runAction(OpenOccurrence& open);

@@ -64,7 +64,6 @@ bool Scheduler::befall(OpenOccurrence& open, const Happening& what) {
 
 void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& what) {
     const Occurrence one = open.occurrence;
-    const bool mayMakeUp = now() - one.due <= one.schedule->makeUp;
     switch (fate) {
         case Fate::kForgotten:
             return remove(open);
@@ -76,7 +75,7 @@ void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& w
             if (open.madeUp && now() - one.due > one.schedule->makeUp + rules::kBeforeMakeUp) return missed(open);
             return run(open);
         case Fate::kSoonWhileItMay:
-            if (mayMakeUp) return makeUp(open, rules::kBeforeMakeUp);
+            if (isWorthwhile(one)) return makeUp(open, rules::kBeforeMakeUp);
             return open.madeUp || _clock.isLate(one.due) ? missed(open) : queue(open);
         case Fate::kNobodyCame:
             return finish(open, outcome::kNotStarted, {{"Reason", outcome::kNobody}});

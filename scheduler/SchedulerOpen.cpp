@@ -52,8 +52,8 @@ void Scheduler::remove(const OpenOccurrence& open) {
 /// clock is ahead, so that it is not taken up again.
 void Scheduler::finish(OpenOccurrence& open, std::string_view code, Dictionary arguments) {
     tell(code, &open.occurrence, std::move(arguments));
-    const bool mayComeAgain = open.occurrence.due > _watermark || now() < _clock.youngUntil();
-    if (!mayComeAgain || code == outcome::kMissed) return remove(open);
+    const bool mayBeAhead = now() < _clock.youngUntil() && code != outcome::kMissed;
+    if (open.occurrence.due <= _watermark && !mayBeAhead) return remove(open);
     open.step = Step::kDone;
     open.course.reset();
 }
@@ -89,8 +89,13 @@ void Scheduler::reachAll() {
 
 void Scheduler::missed(OpenOccurrence& open) {
     const Occurrence& one = open.occurrence;
-    if (!open.madeUp && now() - one.due <= one.schedule->makeUp) return makeUp(open, rules::kBeforeMakeUp);
+    if (!open.madeUp && isWorthwhile(one)) return makeUp(open, rules::kBeforeMakeUp);
     finish(open, outcome::kMissed, {{"Count", 1}, {"Cause", causeOf(open.at)}});
+}
+
+/// Though it has been missed.
+bool Scheduler::isWorthwhile(const Occurrence& one) const {
+    return one.schedule->makeUp > 0 && now() - one.due <= one.schedule->makeUp;
 }
 
 void Scheduler::makeUp(OpenOccurrence& open, Seconds after) {

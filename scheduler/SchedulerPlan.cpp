@@ -1,5 +1,6 @@
 // What is planned: taking up what is due, telling what was missed, the alarms, what comes next.
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <tuple>
 
@@ -59,11 +60,13 @@ void Scheduler::takeUpMinute() {
     _watermark = _next.front().due;
     const Occurrence* power = nextPower();
     const bool wakes = firstOf(ActionKind::kWakeUp) != nullptr;
-    for (const Occurrence& one : _next) {
-        if (find(one)) continue;  // well on its way, or ended before its minute
+    // What is known is well on its way, or ended before its minute.
+    std::vector<Occurrence> others;
+    std::ranges::remove_copy_if(_next, std::back_inserter(others), [&](const Occurrence& one) { return find(one); });
+    for (const Occurrence& one : others) {
         if (one.schedule->isPower() && one.due < _clock.bootInstant()) {
             reportMissed(one, 1);
-        } else if (!one.schedule->isPower() || &one == power) {
+        } else if (!one.schedule->isPower() || (power && one.isSameAs(*power))) {
             run(open(one, one.due));
         } else {
             const bool sleeps = one.schedule->kind == ActionKind::kSleep;
@@ -98,7 +101,7 @@ void Scheduler::takeUpMissed() {
         return std::tie(a.last.due, a.last.schedule->action) < std::tie(b.last.due, b.last.schedule->action);
     });
     for (Missed& missed : sorted) {
-        if (now() - missed.last.due <= missed.last.schedule->makeUp) {
+        if (isWorthwhile(missed.last)) {
             makeUp(open(missed.last, missed.last.due), rules::kBeforeMakeUp);
             missed.last.due = missed.beforeLast.value_or(0);
             --missed.count;

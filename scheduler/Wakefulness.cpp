@@ -131,8 +131,8 @@ void Wakefulness::settle(bool isRunning) {
         move(_back->reached(now()));
     }
     if (_isStone && _wakeAlarm && now() >= *_wakeAlarm) _rewrite = true;
-    const bool keeps = _awakeUntil > _now.boot || (_wokenFor && isRunning);
-    if (!keeps) _awakeUntil = 0;
+    if (_awakeUntil <= _now.boot) _awakeUntil = 0;
+    const bool keeps = _awakeUntil != 0 || (_wokenFor && isRunning);
     _wokenFor = _wokenFor && keeps;
     if (!keeps || _now.boot - _wokenAt >= rules::kLidHeld * 1000) holdLid(false);
     if (keeps == std::exchange(_keepsAwake, keeps)) return;

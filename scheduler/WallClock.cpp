@@ -20,8 +20,9 @@ void WallClock::start(Now now, Instant watermark) {
         _doubtUntil = rules::kLongestUnsynchronised * 1000;
 }
 
-std::optional<WallClock::Change> WallClock::observe(Now now) {
+std::optional<WallClock::Change> WallClock::observe(Now now, Instant watermark) {
     _now = now;
+    _watermark = watermark;
     const std::int64_t moved = now.wall - now.boot - _offset;
     const bool isSet = std::abs(moved) >= rules::kLeastSet;
     if (isSet) _offset += moved;
@@ -35,7 +36,8 @@ std::optional<WallClock::Change> WallClock::observe(Now now) {
     if (!isSet) return {};
     const Seconds by = (moved + (moved < 0 ? -rules::kLeastSet : rules::kLeastSet)) / 1000;
     const bool isYoung = now.boot < rules::kYoung * 1000;
-    if (std::abs(by) >= rules::kCorrection) return Change{Event::kClockCorrected, by};
+    // Set back more than once, it may be as far behind as by one great step.
+    if (std::abs(by) >= rules::kCorrection || (by < 0 && isBehind())) return Change{Event::kClockCorrected, by};
     if (by < -rules::kLeastAhead && isYoung) return Change{Event::kClockWasAhead, by};
     return Change{by < 0 ? Event::kClockSetBack : Event::kClockSetOn, by};
 }

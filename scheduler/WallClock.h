@@ -18,9 +18,9 @@ public:
 
     /// The service starts. `watermark`: what was stored has been taken up to there.
     void start(Now now, Instant watermark);
-    /// What the clocks show now. How the wall clock was set since they were last read; what happens to a clock that is
-    /// not trusted yet means nothing.
-    std::optional<Change> observe(Now now);
+    /// What the clocks show now, and the watermark. How the wall clock was set since they were last read; what happens
+    /// to a clock that is not trusted yet means nothing.
+    std::optional<Change> observe(Now now, Instant watermark);
     /// Everything of this moment has been seen to.
     void settled() { _waited = 0; }
 

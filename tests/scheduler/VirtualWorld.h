@@ -58,6 +58,12 @@ public:
     bool lonely = false;  ///< actions find nobody to run for
     Value list;
 
+    // What a test wants to hear of.
+    std::function<void(const Value& before, const Value& after)> saved;
+    std::function<void(const std::string& what, const Occurrence* one)> acted;
+    std::function<void(std::optional<Instant> at)> armed;
+    std::int64_t withoutWordSince = -1'000'000;  ///< on the awake clock: asleep, and silent about being back
+
     Now now{kMonday * 1000, 3600'000, 3600'000};
     int ticks = 0;  ///< how often the program wanted to be woken
     std::vector<std::string> log;
@@ -127,7 +133,8 @@ public:
         pass(end - now.instant(), false);
         if (!lies) note("awake");
         scheduler->tick(now);  // the clocks tell, before the system does
-        if (!silent) scheduler->resumed(now, lid);
+        if (!silent) return scheduler->resumed(now, lid);
+        withoutWordSince = now.awake;
     }
     /// Off, without a word before where it is `sudden`. When it is on again its clock is so much ahead.
     void off(Seconds seconds, bool sudden, Seconds ahead = 0) {
@@ -136,9 +143,19 @@ public:
         pass(seconds, true);
         now.wall += ahead * 1000;
         now.boot = now.awake = 20'000;
-        _running.clear();
+        withoutWordSince = -1'000'000;
+        for (const auto& [ends, token] : std::exchange(_running, {})) _lost.insert(token);
         bootId += "'";
         boot();
+    }
+    /// The program may be killed by it.
+    template <class F>
+    void attempt(F f) try {
+        f();
+    } catch (const Killed&) {
+        note("killed");
+        scheduler.reset();
+        _waiting.clear();
     }
     std::string token(std::size_t index = 0) { return scheduler->upcoming(index + 1).at(index).token; }
 
@@ -153,18 +170,12 @@ public:
 
 private:
     static std::string shortName(const std::string& action) { return action.substr(action.rfind('.') + 1); }
-    template <class F>
-    void attempt(F f) try {
-        f();
-    } catch (const Killed&) {
-        note("killed");
-        scheduler.reset();
-        _waiting.clear();
-    }
-    void about(const std::string& what) {
-        if (killAt != what) return;
-        killAt.clear();
-        throw Killed();
+    void about(const std::string& what, const Occurrence* one = nullptr) {
+        if (killAt == what) {
+            killAt.clear();
+            throw Killed();
+        }
+        if (acted) acted(what, one);
     }
     void serve() {
         while (!_waiting.empty()) {
@@ -199,8 +210,14 @@ private:
     void keepAwake(bool keep) override { note(keep ? "keep awake" : "let sleep"); }
     void holdLid(bool hold) override { note(hold ? "hold lid" : "let lid"); }
     bool reachFar() const override { return farAlarms; }
-    void armWake(std::optional<Instant> when) override { wakeAlarm = when; }
-    void armStartup(std::optional<Instant> when) override { startupAlarm = when; }
+    void armWake(std::optional<Instant> when) override {
+        wakeAlarm = when;
+        if (armed) armed(when);
+    }
+    void armStartup(std::optional<Instant> when) override {
+        startupAlarm = when;
+        if (armed) armed(when);
+    }
     /// "Late…" may be made up within an hour, "Plain…" not; "Empty" has no program.
     std::optional<Module> module(const std::string& action) const override {
         const std::string name = shortName(action);
@@ -209,17 +226,19 @@ private:
         return name.starts_with("Plain") ? std::optional(Module{true, 0}) : std::nullopt;
     }
     void start(const Occurrence& one, bool) override {
-        about("start");
+        about("start", &one);
         note("start " + shortName(one.schedule->action));
         _running.emplace_back(now.instant() + actionLasts, one.token());
     }
     void find(const Occurrence& one) override {
         note("find " + shortName(one.schedule->action));
-        if (loses) scheduler->actionEnded(now, one.token(), ActionEnd::kUnknown, 0, "");
+        if (loses || _lost.contains(one.token())) scheduler->actionEnded(now, one.token(), ActionEnd::kUnknown, 0, "");
     }
     bool save(const Value& state) override {
-        if (!full) stored = state;
-        return !full;
+        if (full) return false;
+        const Value before = std::exchange(stored, state);
+        if (saved) saved(before, stored);
+        return true;
     }
     void ended(const Outcome& outcome) override {
         std::string line = outcome.code;
@@ -247,6 +266,7 @@ private:
 
     SystemCalendar _calendar;
     std::set<std::string> _warned;
+    std::set<std::string> _lost;                  ///< the actions that ran when it was switched off
     std::vector<std::function<void()>> _waiting;  ///< what the computer does when the call has returned
     std::vector<std::pair<Instant, std::string>> _running;
 };
