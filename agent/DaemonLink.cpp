@@ -49,12 +49,12 @@ DaemonLink::DaemonLink(EventLoop& loop, Callbacks callbacks)
     if (!_bus) return;
     const std::string daemon(kDaemonName);
     _owner = watchOwner(_bus.get(), daemon, [this](const std::string& owner) { ownerChanged(!owner.empty()); });
-    const auto hints = [&](const char* interface) {
-        return watchSignals(_bus.get(), daemon, std::string("member='Changed',interface='") + interface + "'",
+    const auto hints = [&](const std::string& member, const std::string& interface) {
+        return watchSignals(_bus.get(), daemon, "member='" + member + "',interface='" + interface + "'",
                             [this](sd_bus_message*) { fetch(); });
     };
-    _schedulerHints = hints(wire::scheduler::kInterface);
-    _agentHints = hints(wire::agents::kInterface);
+    _schedulerHints = hints(wire::scheduler::kChanged, wire::scheduler::kInterface);
+    _agentHints = hints(wire::agents::kChanged, wire::agents::kInterface);
     watchLogins(loop);
     ownerChanged(true);  // what is sent tells whether that is so
 }

@@ -20,7 +20,7 @@ struct OpaqueAuthorization {
 
 namespace {
 
-// What the interface gives these failures as numbers: they reach the log, where they can be looked up.
+// The interface's own numbers of these failures: whoever finds one in the log can look it up.
 constexpr AuthorizationStatus kInvalidSet = -60001;
 constexpr AuthorizationStatus kInvalidRef = -60002;
 constexpr AuthorizationStatus kDenied = -60005;
