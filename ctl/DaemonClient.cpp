@@ -5,8 +5,8 @@
 
 #include "ctl/PasswordAgent.h"
 #include "linux/bus/BusValues.h"
-#include "model/Names.h"
 #include "model/PropertyList.h"
+#include "model/Wire.h"
 
 namespace quorel {
 

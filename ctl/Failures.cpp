@@ -3,8 +3,8 @@
 #include <cstdio>
 
 #include "ctl/ScheduleText.h"
-#include "model/Names.h"
 #include "model/PlainText.h"
+#include "model/Wire.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
 

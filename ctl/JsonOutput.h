@@ -12,7 +12,7 @@ namespace quorel {
 /// the same; more may come.
 inline constexpr int kJsonFormat = 1;
 
-/// On one line, with "format" in front. Keys are spelt alike, "Wake Alarm" being "wakeAlarm". A time is ISO 8601 in the
+/// On one line, with "format" in front. Keys are spelt alike, "WakeAlarm" being "wakeAlarm". A time is ISO 8601 in the
 /// system's zone, with seconds since 1970 beside it under the same name and "Seconds".
 std::string jsonOutput(const Dictionary& answer);
 

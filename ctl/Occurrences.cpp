@@ -6,10 +6,12 @@
 #include "ctl/ScheduleText.h"
 #include "ctl/Selection.h"
 #include "model/Dictionary.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "words/Language.h"
 
 namespace quorel {
+
+namespace keys = wire::keys;
 
 DaemonClient::Answer askForList(DaemonClient& daemon, const char* method, std::optional<unsigned> most) {
     using Failure = DaemonClient::Failure;
@@ -27,19 +29,21 @@ Occurrences::Occurrences(const std::string& root, DaemonClient& daemon, unsigned
       _answer(askForList(daemon, wire::scheduler::kUpcoming, most)) {
     if (_answer.failure != DaemonClient::Failure::kNone) return;
     for (const Value& one : _answer.value.array()) {
-        const auto index = _forecast.indexOf(one["Token"].text(), one["Due"].integer());
-        _upcoming.push_back(index ? one.with("Number", static_cast<std::int64_t>(*index + 1)) : one);
+        const auto index = _forecast.indexOf(one[keys::kToken].text(), one[keys::kDue].integer());
+        _upcoming.push_back(index ? one.with(keys::kNumber, static_cast<std::int64_t>(*index + 1)) : one);
     }
 }
 
 Value Occurrences::meant(const std::string& name) const {
     const auto number = numberIn(name, _plan.schedules().size());
     for (const Value& one : _upcoming) {
-        const bool isNamed = number ? one["Number"].integer() == *number : name.empty() || one["Token"].text() == name;
-        if (isNamed && (one["Token"].text() == name || one["Step"].text() != "skipped")) return one;
+        const bool isNamed =
+            number ? one[keys::kNumber].integer() == *number : name.empty() || one[keys::kToken].text() == name;
+        if (isNamed && (one[keys::kToken].text() == name || one[keys::kStep].text() != wire::step::kSkipped))
+            return one;
     }
     const std::string token = number ? _forecast.token(*number - 1, std::time(nullptr)) : name;
-    return token.empty() ? Value() : Value(Dictionary{{"Token", token}});
+    return token.empty() ? Value() : Value(Dictionary{{keys::kToken, token}});
 }
 
 std::string Occurrences::nextSentence(std::int64_t number, Instant after) const {

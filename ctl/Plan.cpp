@@ -10,8 +10,8 @@
 #include "linux/pane/RootedPropertyListFiles.h"
 #include "linux/units/ModuleRegistry.h"
 #include "model/Dictionary.h"
-#include "model/Names.h"
 #include "model/Preferences.h"
+#include "model/Wire.h"
 #include "planning/PreferencesCheck.h"
 
 namespace quorel {

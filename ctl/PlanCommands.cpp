@@ -17,6 +17,7 @@
 #include "model/Dictionary.h"
 #include "model/Preferences.h"
 #include "model/Schedule.h"
+#include "model/Wire.h"
 #include "planning/ScheduleWords.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
@@ -26,13 +27,16 @@ namespace quorel {
 
 namespace {
 
+namespace keys = wire::keys;
+
 Instant now() {
     return std::time(nullptr);
 }
 
 std::string faultSentence(const ScheduleFault& fault) {
-    return faultText(Dictionary{
-        {"Number", static_cast<std::int64_t>(fault.number)}, {"Action", fault.action}, {"Reason", fault.reason}});
+    return faultText(Dictionary{{keys::kNumber, static_cast<std::int64_t>(fault.number)},
+                                {keys::kAction, fault.action},
+                                {keys::kReason, fault.reason}});
 }
 
 /// " Next: today 23:15, in 5 h 31 min." Or why not.
@@ -45,7 +49,7 @@ std::string nextSentence(const Forecast& forecast, std::size_t index) {
 
 /// Says what others did to the plan meanwhile.
 void tellJoined(const Value& joined, const ActionWords& actions) {
-    for (const Value& pair : joined["Both"].array()) {
+    for (const Value& pair : joined[keys::kBoth].array()) {
         const Array& lines = pair.array();
         if (lines.size() != 2) continue;
         complain(filled(translated("Somebody else has changed the same schedule meanwhile; both stay:\n  {1}\n  {2}"),

@@ -10,7 +10,7 @@
 #include "ctl/Page.h"
 #include "ctl/ScheduleText.h"
 #include "model/Dictionary.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
 
@@ -18,6 +18,7 @@ namespace quorel {
 
 namespace {
 
+namespace keys = wire::keys;
 using Answer = DaemonClient::Answer;
 using Failure = DaemonClient::Failure;
 
@@ -34,12 +35,12 @@ ExitStatus sayOf(const CommandLine& line, const char* method,
         return notFound(name.empty()
                             ? translated("Nothing is planned.")
                             : translated("There is no such occurrence. \"quorelctl next\" shows what there is."));
-    const Answer answer = daemon.change(method, one["Token"].text());
+    const Answer answer = daemon.change(method, one[keys::kToken].text());
     if (answer.failure != Failure::kNone) return fail(answer);
     const Page page;
     if (line.json) page.line(jsonOutput(one.dictionary()));
     // One that is further ahead than is told is known by its token alone.
-    if (!line.json && one["Due"].isPresent()) page.line(said(before, one));
+    if (!line.json && one[keys::kDue].isPresent()) page.line(said(before, one));
     return ExitStatus::kDone;
 }
 
@@ -48,7 +49,8 @@ Instant newTimeOf(const Value& postponed, const std::string& root) {
     DaemonClient daemon;
     const Occurrences now(root, daemon, wire::scheduler::kMostUpcoming);
     for (const Value& one : now.upcoming())
-        if (one["Due"] == postponed["Due"] && one["Number"] == postponed["Number"]) return one["At"].integer();
+        if (one[keys::kDue] == postponed[keys::kDue] && one[keys::kNumber] == postponed[keys::kNumber])
+            return one[keys::kAt].integer();
     return 0;
 }
 
@@ -56,9 +58,9 @@ Instant newTimeOf(const Value& postponed, const std::string& root) {
 
 ExitStatus skip(const CommandLine& line) {
     return sayOf(line, wire::scheduler::kSkip, [](const Occurrences& before, const Value& one) {
-        const Instant due = one["Due"].integer();
+        const Instant due = one[keys::kDue].integer();
         return filled(translated("Skipped: {1}, {2}."), {actionName(one), whenText(due, std::time(nullptr))}) +
-               before.nextSentence(one["Number"].integer(), due);
+               before.nextSentence(one[keys::kNumber].integer(), due);
     });
 }
 
@@ -66,7 +68,7 @@ ExitStatus postpone(const CommandLine& line) {
     return sayOf(line, wire::scheduler::kPostpone, [&line](const Occurrences&, const Value& one) {
         const Instant now = std::time(nullptr), at = newTimeOf(one, line.root);
         return filled(translated("Postponed: {1}, from {2} to {3}."),
-                      {actionName(one), whenText(one["At"].integer(), now), at != 0 ? comingText(at, now) : "?"});
+                      {actionName(one), whenText(one[keys::kAt].integer(), now), at != 0 ? comingText(at, now) : "?"});
     });
 }
 

@@ -15,7 +15,7 @@
 #include "ctl/SessionAgent.h"
 #include "ctl/StatusText.h"
 #include "model/Dictionary.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 #include "planning/Json.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
@@ -25,6 +25,7 @@ namespace quorel {
 
 namespace {
 
+namespace keys = wire::keys;
 using Answer = DaemonClient::Answer;
 using Failure = DaemonClient::Failure;
 using Colour = Page::Colour;
@@ -45,8 +46,8 @@ std::optional<unsigned> wanted(const CommandLine& line, unsigned usual, unsigned
 }
 
 std::vector<std::string> logRow(const Value& outcome) {
-    const std::int64_t due = outcome["Due"].integer();
-    return {momentText(due != 0 ? due : outcome["At"].integer()), due != 0 ? actionName(outcome) : std::string(),
+    const std::int64_t due = outcome[keys::kDue].integer();
+    return {momentText(due != 0 ? due : outcome[keys::kAt].integer()), due != 0 ? actionName(outcome) : std::string(),
             outcomeText(outcome)};
 }
 
@@ -99,7 +100,7 @@ ExitStatus showStatus(const CommandLine& line) {
         page.line(jsonOutput(told.dictionary()));
     } else {
         page.headline(well ? Colour::kGood : Colour::kWarning, true,
-                      filled(translated("quorel-daemon {1} is running"), {status.value["Version"].text()}));
+                      filled(translated("quorel-daemon {1} is running"), {status.value[keys::kVersion].text()}));
         auto fields = statusFields(status.value, next.upcoming(), outcomes.empty() ? Value() : outcomes.back());
         if (isAgentMissing())
             fields.emplace_back(translated("Agent:"), translated("none in this session; \"systemctl --user start "
@@ -118,9 +119,9 @@ ExitStatus showNext(const CommandLine& line) {
     const Page page;
     Rows rows;
     for (const Value& one : next.upcoming()) {
-        const Value& number = one["Number"];
-        rows.push_back({number.isAbsent() ? "" : std::to_string(number.integer()), momentText(one["At"].integer()),
-                        actionName(one), one["Token"].text()});
+        const Value& number = one[keys::kNumber];
+        rows.push_back({number.isAbsent() ? "" : std::to_string(number.integer()), momentText(one[keys::kAt].integer()),
+                        actionName(one), one[keys::kToken].text()});
         if (const std::string step = stepText(one); !step.empty()) rows.push_back({step});
     }
     if (line.json) {

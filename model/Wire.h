@@ -127,6 +127,9 @@ inline constexpr std::string_view kStateFault = "StateFault";
 inline constexpr std::string_view kClock = "Clock";
 inline constexpr std::string_view kFaults = "Faults";
 
+// Of the answer to edits.
+inline constexpr std::string_view kBoth = "Both";
+
 // Of an agent's work.
 inline constexpr std::string_view kIdle = "Idle";
 inline constexpr std::string_view kWatch = "Watch";

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
-#include "model/Names.h"
+#include "model/Wire.h"
 
 namespace quorel {
 

@@ -13,8 +13,8 @@
 #include <utility>
 
 #include "model/Dictionary.h"
-#include "model/Names.h"
 #include "model/PropertyList.h"
+#include "model/Wire.h"
 #include "planning/Merge.h"
 #include "planning/PreferencesCheck.h"
 
@@ -39,7 +39,7 @@ Outcome invalid(std::string why) {
 std::string answerOf(const Merged& merged) {
     Array both;
     for (const auto& [theirs, own] : merged.both) both.push_back(Array{theirs, own});
-    const Dictionary told{{"Others", static_cast<std::int64_t>(merged.others)}, {"Both", both}};
+    const Dictionary told{{wire::keys::kOthers, static_cast<std::int64_t>(merged.others)}, {wire::keys::kBoth, both}};
     return encodePropertyList(told).value_or("");
 }
 

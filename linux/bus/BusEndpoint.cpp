@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
-#include "model/Names.h"
 #include "model/PlainText.h"
+#include "model/Wire.h"
 
 namespace quorel {
 

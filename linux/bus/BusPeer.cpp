@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "model/Names.h"
+#include "model/Wire.h"
 
 namespace quorel {
 

@@ -170,14 +170,14 @@ class CtlTest(CtlCase):
         stand_in.answers["Outcomes"] = stand_in.answers["Upcoming"]
         no_clock = dbus.Dictionary({"Fault": "no-clock"}, "sv")
         wanted = dbus.Dictionary({"At": dbus.Int64(AT), "Fault": "moved", "Others": dbus.Int64(AT + 3600)}, "sv")
-        well = {"Version": "1", "Acts": True, "Faults": dbus.Array([], "a{sv}"), "Wake Alarm": no_clock,
-                "Startup Alarm": dbus.Dictionary({}, "sv")}
+        well = {"Version": "1", "Acts": True, "Faults": dbus.Array([], "a{sv}"), "WakeAlarm": no_clock,
+                "StartupAlarm": dbus.Dictionary({}, "sv")}
         for change, status, words in (
                 ({}, 0, "cannot be set: this computer has no clock with an alarm"),
-                ({"Plan Fault": "It is no file."}, 5, "Plan: the file in place is not used: It is no file."),
-                ({"State Fault": "No space"}, 5, "State: cannot be kept: No space"),
+                ({"PlanFault": "It is no file."}, 5, "Plan: the file in place is not used: It is no file."),
+                ({"StateFault": "No space"}, 5, "State: cannot be kept: No space"),
                 ({"Clock": "behind"}, 5, "Clock: behind; nothing runs"),
-                ({"Startup Alarm": wanted}, 5, "23:00, but would come Tue 2027-03-02 00:00: the hardware's clock was set")):
+                ({"StartupAlarm": wanted}, 5, "23:00, but would come Tue 2027-03-02 00:00: the hardware's clock was set")):
             stand_in.answers["Status"] = [("a{sv}", {**well, **change})]
             found, output, _ = self.run_ctl("status")
             self.assertEqual(found, status, output)
