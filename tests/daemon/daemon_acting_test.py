@@ -107,6 +107,9 @@ class ActingTest(ActingCase):
         self.save(schedule(SLEEP, "23:15"))
         self.hear("Alarms may not be set in time before sleep")
         self.assertEqual((self.own_locks(), self.script()["calls"]), ([], []))
+        status = self.system.connect("system").call_blocking("com.quorel.Daemon", "/com/quorel/Scheduler",
+                                                             "com.quorel.Scheduler1", "Status", "", ())
+        self.assertEqual((status["Acts"], status["WakeAlarm"]["Fault"], status["Wake Alarm"]["Fault"]), (0, "off", "off"))
 
     def test_hung_logind(self):
         self.begin(schedule(SLEEP, "23:15"))
