@@ -2,10 +2,13 @@
 #include <algorithm>
 
 #include "model/PlainText.h"
+#include "model/Wire.h"
 #include "scheduler/Rules.h"
 #include "scheduler/Scheduler.h"
 
 namespace quorel {
+
+namespace keys = wire::keys;
 
 /// False where the newcomer to a course ends.
 bool Scheduler::happen(const Happening& what) {
@@ -68,7 +71,7 @@ void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& w
         case Fate::kForgotten:
             return remove(open);
         case Fate::kSkippedForGood:
-            return finish(open, outcome::kSkipped, {{"By", open.by}});
+            return finish(open, outcome::kSkipped, {{keys::kBy, open.by}});
         case Fate::kRuns:
             return _clock.isLate(open.at) ? missed(open) : run(open);
         case Fate::kRunsWhileItMay:
@@ -78,12 +81,12 @@ void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& w
             if (isWorthwhile(one)) return makeUp(open, rules::kBeforeMakeUp);
             return open.madeUp || _clock.isLate(one.due) ? missed(open) : queue(open);
         case Fate::kNobodyCame:
-            return finish(open, outcome::kNotStarted, {{"Reason", outcome::kNobody}});
+            return finish(open, outcome::kNotStarted, {{keys::kReason, outcome::kNobody}});
         case Fate::kMakeUpSoon:
             return makeUp(open, rules::kAfterArrival);
         case Fate::kGivenUpIfSoon:
             if (!open.isSleep() || open.at > what.at + rules::kClearOfSleep) return;
-            return finish(open, outcome::kOvertaken, {{"By", outcome::kNext}});
+            return finish(open, outcome::kOvertaken, {{keys::kBy, outcome::kNext}});
         case Fate::kMissedIfBeforeBoot:
             if (one.schedule->isPower() && open.at < _clock.bootInstant()) missed(open);
             return;
@@ -104,13 +107,13 @@ void Scheduler::befallInCourse(OpenOccurrence& open, Fate fate, const Happening&
             return;
         }
         case Fate::kSleepOvertaken:
-            if (sleeps) finish(open, outcome::kOvertaken, {{"By", outcome::kSleep}});
+            if (sleeps) finish(open, outcome::kOvertaken, {{keys::kBy, outcome::kSleep}});
             return;
         case Fate::kShutDownOrOvertaken:
-            if (!sleeps) return finish(open, outcome::kShutDown, {{"Restart", one.schedule->restarts}});
+            if (!sleeps) return finish(open, outcome::kShutDown, {{keys::kRestart, one.schedule->restarts}});
             [[fallthrough]];
         case Fate::kOvertakenByDown:
-            return finish(open, outcome::kOvertaken, {{"By", outcome::kDown}});
+            return finish(open, outcome::kOvertaken, {{keys::kBy, outcome::kDown}});
         case Fate::kSleptOrAnew:
             if (sleeps) return move(open, open.course->slept(now()));
             [[fallthrough]];
@@ -150,7 +153,7 @@ void Scheduler::befallByClock(OpenOccurrence& open, Fate fate, Seconds by) {
         }
         case Fate::kEndsUnlessAhead:
             if (open.at > now()) return;
-            if (open.step == Step::kSkipped) return finish(open, outcome::kSkipped, {{"By", open.by}});
+            if (open.step == Step::kSkipped) return finish(open, outcome::kSkipped, {{keys::kBy, open.by}});
             [[fallthrough]];
         case Fate::kCorrected:
             tell(outcome::kClockCorrected, &open.occurrence);

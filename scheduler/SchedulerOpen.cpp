@@ -4,12 +4,15 @@
 #include <cstdlib>
 
 #include "model/PlainText.h"
+#include "model/Wire.h"
 #include "scheduler/Rules.h"
 #include "scheduler/Scheduler.h"
 
 namespace quorel {
 
 namespace {
+
+namespace keys = wire::keys;
 
 /// Whether the token is one that the occurrence has had when it was postponed.
 bool isOfPostponement(std::string_view token, const std::string& own) {
@@ -90,7 +93,7 @@ void Scheduler::reachAll() {
 void Scheduler::missed(OpenOccurrence& open) {
     const Occurrence& one = open.occurrence;
     if (!open.madeUp && isWorthwhile(one)) return makeUp(open, rules::kBeforeMakeUp);
-    finish(open, outcome::kMissed, {{"Count", 1}, {"Cause", causeOf(open.at)}});
+    finish(open, outcome::kMissed, {{keys::kCount, 1}, {keys::kCause, causeOf(open.at)}});
 }
 
 /// Though it has been missed.
@@ -120,7 +123,7 @@ void Scheduler::runAction(OpenOccurrence& open) {
     const bool mustWait = open.madeUp && std::ranges::any_of(_open, isMadeUp);
     if (mustWait || std::ranges::count_if(_open, isRunning) >= rules::kMostRunning) return queue(open);
     if (open.unwrittenSince != 0 && now() - open.unwrittenSince > rules::kGrace)
-        return finish(open, outcome::kNotStarted, {{"Reason", outcome::kUnwritten}});
+        return finish(open, outcome::kNotStarted, {{keys::kReason, outcome::kUnwritten}});
     open.step = Step::kRunning;
     open.at = now();
     actAsWritten(open, [this, one = open.occurrence, madeUp = open.madeUp] { _world.actions.start(one, madeUp); });
@@ -143,7 +146,7 @@ void Scheduler::beginCourse(OpenOccurrence& open) {
     if (!happen({.event = Event::kPowerComes, .newcomer = &open})) {
         const bool isActing =
             std::ranges::any_of(_open, [](const OpenOccurrence& other) { return other.step == Step::kActing; });
-        return finish(open, outcome::kOvertaken, {{"By", isActing ? outcome::kOther : outcome::kFirst}});
+        return finish(open, outcome::kOvertaken, {{keys::kBy, isActing ? outcome::kOther : outcome::kFirst}});
     }
     open.course.emplace(open.at, open.occurrence.schedule->idle);
     move(open, open.course->begin(now()));
@@ -201,11 +204,12 @@ void Scheduler::actionEnded(Now now, const std::string& token, ActionEnd end, in
         const Value seconds = std::max<Seconds>(this->now() - running->at, 0);
         const Value text = plainText(reason);
         if (end == ActionEnd::kRan)
-            finish(*running, outcome::kRan, {{"Seconds", seconds}, {"MadeUp", running->madeUp}});
+            finish(*running, outcome::kRan, {{keys::kSeconds, seconds}, {keys::kMadeUp, running->madeUp}});
         if (end == ActionEnd::kFailed) {
-            finish(*running, outcome::kFailed, {{"Seconds", seconds}, {"Status", status}, {"Reason", text}});
+            finish(*running, outcome::kFailed,
+                   {{keys::kSeconds, seconds}, {keys::kStatus, status}, {keys::kReason, text}});
         }
-        if (end == ActionEnd::kTimedOut) finish(*running, outcome::kTimedOut, {{"Seconds", seconds}});
+        if (end == ActionEnd::kTimedOut) finish(*running, outcome::kTimedOut, {{keys::kSeconds, seconds}});
         if (end == ActionEnd::kNotStarted) notStarted(*running, reason);
         if (end == ActionEnd::kUnknown) finish(*running, outcome::kUnknown);
         for (OpenOccurrence& open : _open)
@@ -220,7 +224,7 @@ void Scheduler::notStarted(OpenOccurrence& open, const std::string& reason) {
     const Occurrence& one = open.occurrence;
     const bool lacksUser = reason == outcome::kNobody || reason == outcome::kNoAgent;
     if (!lacksUser || now() - one.due >= one.schedule->makeUp)
-        return finish(open, outcome::kNotStarted, {{"Reason", plainText(reason)}});
+        return finish(open, outcome::kNotStarted, {{keys::kReason, plainText(reason)}});
     open.step = Step::kAwaited;
     open.at = one.due + one.schedule->makeUp;
     open.madeUp = _changed = true;

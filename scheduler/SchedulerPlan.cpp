@@ -4,10 +4,13 @@
 #include <map>
 #include <tuple>
 
+#include "model/Wire.h"
 #include "scheduler/Rules.h"
 #include "scheduler/Scheduler.h"
 
 namespace quorel {
+
+namespace keys = wire::keys;
 
 void Scheduler::takeList(const Value& list) {
     ListReading reading = readScheduleList(list, _world.actions);
@@ -15,7 +18,7 @@ void Scheduler::takeList(const Value& list) {
         if (std::find(_faults.begin(), _faults.end(), fault) != _faults.end()) continue;  // said already
         const auto number = static_cast<std::int64_t>(fault.number);
         Outcome outcome{std::string(outcome::kCannotRun), now(), 0, fault.action, {}};
-        outcome.arguments = {{"Number", number}, {"Reason", fault.reason}};
+        outcome.arguments = {{keys::kNumber, number}, {keys::kReason, fault.reason}};
         act([this, outcome] { _world.reports.ended(outcome); });
     }
     _faults = std::move(reading.faults);
@@ -113,7 +116,7 @@ void Scheduler::takeUpMissed() {
 }
 
 void Scheduler::reportMissed(const Occurrence& last, std::int64_t count) {
-    tell(outcome::kMissed, &last, {{"Count", count}, {"Cause", causeOf(last.due)}});
+    tell(outcome::kMissed, &last, {{keys::kCount, count}, {keys::kCause, causeOf(last.due)}});
 }
 
 std::string_view Scheduler::causeOf(Instant due) const {
