@@ -13,6 +13,7 @@
 #include "linux/JournalLog.h"
 #include "linux/login/Users.h"
 #include "model/Preferences.h"
+#include "model/Schedule.h"
 #include "model/Wire.h"
 #include "words/OutcomeText.h"
 
@@ -74,6 +75,7 @@ SchedulerHost::SchedulerHost(EventLoop& loop, Callers& callers, sd_bus* computer
                }),
       _sessions(computer, clocks,
                 [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
+      _terminals(computer, clocks),
       _power(
           loop, computer, clocks, _sessions,
           {[this](Ticket ticket, const Conditions& conditions) {
@@ -145,6 +147,8 @@ void SchedulerHost::changed() {
     const auto open = _scheduler.upcoming(kSoon);
     _agents.watchUse(std::ranges::any_of(
         open, [](const Upcoming& one) { return one.step == Step::kWarned && one.schedule->idle > 0; }));
+    for (const Upcoming& one : open)
+        if (one.step == Step::kWarned && one.schedule->action == schedule_keys::kShutDownType) _terminals.announce(one);
     if (changedCallback) changedCallback();
 }
 

@@ -7,6 +7,7 @@
 #include "daemon/acting/Agents.h"
 #include "daemon/acting/ComputerAlarms.h"
 #include "daemon/acting/StateFile.h"
+#include "daemon/acting/Terminals.h"
 #include "daemon/modules/ModuleActions.h"
 #include "linux/login/LoginPower.h"
 #include "linux/login/LoginSessions.h"
@@ -57,6 +58,7 @@ private:
     Agents _agents;
     ModuleActions _actions;
     LoginSessions _sessions;
+    Terminals _terminals;
     LoginPower _power;
     Scheduler _scheduler;
     ClockWatch _clockWatch;

@@ -44,6 +44,7 @@ std::optional<LoginSession> LoginSession::from(sd_bus_message* properties, Insta
     const bool isUsers = userClass == "user" || userClass.starts_with("user-");
     found.counts = isUsers && !userClass.ends_with("-incomplete") && state != "closing";
     const std::string place = !host.empty() ? host : !terminal.empty() ? terminal : seat;
+    found.terminal = terminal;
     found.session.name = place.empty() ? user : user + " (" + place + ")";
     found.session.isGraphical = type == "x11" || type == "wayland" || type == "mir";
     // logind knows a desktop's idleness when it is told, and a terminal's by when it was last read. Where it knows

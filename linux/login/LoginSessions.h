@@ -14,6 +14,7 @@ namespace quorel {
 /// A session as logind describes it.
 struct LoginSession {
     Session session;
+    std::string terminal;  ///< "tty2", "pts/0", or whatever was said where it began; empty: none
     unsigned userId = 0;
     bool counts = false;  ///< of class "user" or one of its kin, such as root's "user-early", and not closing
     bool isActive = false;

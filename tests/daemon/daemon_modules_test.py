@@ -6,6 +6,8 @@ A stand-in plays the service manager, and runs the programs without a sandbox.
 import json
 import os
 import plistlib
+import pty
+import select
 import shutil
 import signal
 import subprocess
@@ -15,7 +17,7 @@ import dbus
 
 from acting_case import POLICY, STEPPING_DAEMON, ActingCase, instant
 from daemon_case import SUPPORT, main
-from schedules import SLEEP, schedule
+from schedules import SHUT_DOWN, SLEEP, schedule
 
 PLUG_INS, AGENT = sys.argv[4], os.path.abspath(sys.argv[5])
 SYSTEMD, AGENTS = "org.freedesktop.systemd1", "com.quorel.Agents1"
@@ -95,6 +97,23 @@ class ModulesTest(ActingCase):
         self.hear("Do it of Mon 2027-03-01 23:15: done in")
         self.wait_for(lambda: self.steps() == ["warned"], "nothing holds sleep up")
         self.assertEqual(self.own_locks(), ["sleep:shutdown"])
+
+    def test_shut_down_is_told_on_terminals(self):
+        """Not sleep, and not within graphical sessions."""
+        terminals = [pty.openpty() for _ in range(3)]
+        names = [os.ttyname(own).removeprefix("/dev/") for _, own in terminals]
+        self.start_systemd()
+        self.begin(schedule(SLEEP, "23:15"), schedule(SHUT_DOWN, "23:30"), sessions=[
+            {"Type": "tty", "TTY": names[0], "RemoteHost": "far"}, {"Type": "x11", "TTY": names[1]},
+            {"Type": "tty", "TTY": f"x/../{names[2]}"}])
+        self.reach("23:14", "warned")
+        self.move_to("23:15")
+        self.last("slept")
+        self.reach("23:29", "warned")
+        self.wait_for(lambda: select.select([terminals[0][0]], [], [], 0)[0], "the terminal is told")
+        self.assertIn(b"Quorel: Shutting down at 23:30", os.read(terminals[0][0], 1000))
+        self.assertEqual([name for name in json.loads(self.systemd.Refuse("")) if "tells" in name],
+                         [f"quorel-tells-{names[0].replace('/', '-')}.service"])
 
     def test_ends_of_all_kinds(self):
         for end, words, code, arguments in (
