@@ -171,6 +171,8 @@ inline constexpr std::string_view kHour = "hour";        ///< not 0 to 23
 inline constexpr std::string_view kMinute = "minute";    ///< not 0 to 59
 inline constexpr std::string_view kAction = "action";    ///< there is none of this type
 inline constexpr std::string_view kProgram = "program";  ///< its module has nothing to run
+inline constexpr std::string_view kSleepKind = "kind";   ///< of sleep: there is none of that name
+inline constexpr std::string_view kDenied = "denied";    ///< a kind of sleep that the system does not offer now
 
 }  // namespace schedule_fault
 
@@ -244,6 +246,7 @@ inline constexpr std::string_view kFirst = "first";  ///< another was waiting, t
 // Values of Reason in "refused", and of Why in "gave-up" for kHoldUnknown, where the system gave none.
 inline constexpr std::string_view kNoAnswer = "no-answer";
 inline constexpr std::string_view kStayedAwake = "stayed-awake";  ///< it said yes and did not sleep
+inline constexpr std::string_view kKindDenied = "kind-denied";    ///< the system does not offer that kind of sleep
 inline constexpr std::string_view kUnwritten = "unwritten";  ///< that it begins could not be stored; of actions, too
 
 // Values of Reason in "failed" and "not-started", where it is no text of the system's.

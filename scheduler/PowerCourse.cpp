@@ -80,7 +80,7 @@ PowerCourse::Move PowerCourse::looked(Instant now, const Hold& hold) {
     _hold = {};
     if (_step == Step::kChecking) {
         _step = Step::kActing;
-        _next = now + rules::kLongestCall;
+        _next = now + (_writesMemory ? rules::kLongestWriting : rules::kLongestCall);
         return {Do::kAct};
     }
     _step = Step::kWarned;
@@ -123,7 +123,7 @@ PowerCourse::Move PowerCourse::replied(Instant now, PowerReply reply, const std:
     if (_step != Step::kActing) return {};
     if (reply == PowerReply::kRefused) return failed(now, reason);
     if (reply == PowerReply::kUnderWay) return {Do::kEnd, outcome::kOvertaken, {{keys::kBy, outcome::kOther}}};
-    _next = now + rules::kLongestParting;
+    _next = now + (_writesMemory ? rules::kLongestWriting : rules::kLongestParting);
     return {};
 }
 

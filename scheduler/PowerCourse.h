@@ -54,6 +54,9 @@ public:
     PowerCourse(Instant at, Seconds idle, Step step, Instant next, const Waited& waited)
         : _at(at), _idle(idle), _quiet(false), _step(step), _next(next), _waited(waited) {}
 
+    /// What it asks for may take as long as writing the memory to disk.
+    void writesMemory() { _writesMemory = true; }
+
     Step step() const { return _step; }
     Instant time() const { return _at; }
     /// When it will happen, as far as is known.
@@ -92,6 +95,7 @@ private:
     Instant _at;
     Seconds _idle;
     bool _quiet;
+    bool _writesMemory = false;
     Step _step = Step::kPlanned;
     Instant _next = 0;
     bool _asked = false;  ///< a look is under way

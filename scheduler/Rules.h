@@ -32,6 +32,8 @@ inline constexpr int kMostRefusals = 2;
 inline constexpr Seconds kLongestLook = 30;
 inline constexpr Seconds kLongestCall = 90;
 inline constexpr Seconds kLongestParting = kMinute;
+/// Each of these, and the word that it is back, for a sleep that may write the memory to disk.
+inline constexpr Seconds kLongestWriting = 5 * kMinute;
 /// How long, awake, the word that it is back may take. Other programs can hold the going up for half a minute.
 inline constexpr Seconds kLongestSilence = 90;
 

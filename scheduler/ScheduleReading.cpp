@@ -73,6 +73,16 @@ bool isOn(const Value& dictionary, std::string_view key) {
     return dictionary[key].intValue() != 0;
 }
 
+/// Suspend unless one is stored. Nothing for a word that is none of them.
+std::optional<SleepKind> sleepKindOf(const Value& parameters) {
+    const Value& kind = parameters[parameters::kSleepKind];
+    if (kind.isAbsent() || kind.text() == parameters::kSuspend) return SleepKind::kSuspend;
+    if (kind.text() == parameters::kHibernate) return SleepKind::kHibernate;
+    if (kind.text() == parameters::kSuspendThenHibernate) return SleepKind::kSuspendThenHibernate;
+    if (kind.text() == parameters::kAsTheSystemDoes) return SleepKind::kAsTheSystemDoes;
+    return std::nullopt;
+}
+
 /// What the action's own parameters say. Sleep and shut-down never wake or start the computer and a wake-up always
 /// wakes it, whatever stands there.
 void readParameters(ScheduleReading& reading) {
@@ -93,6 +103,11 @@ void readParameters(ScheduleReading& reading) {
 std::string_view faultOf(ScheduleReading& reading, const Actions& actions) {
     if (reading.hour < 0 || reading.hour > 23) return wire::schedule_fault::kHour;
     if (reading.minute < 0 || reading.minute > 59) return wire::schedule_fault::kMinute;
+    if (reading.kind == ActionKind::kSleep) {
+        const std::optional<SleepKind> kind = sleepKindOf(reading.parameters);
+        reading.sleepKind = kind.value_or(SleepKind::kSuspend);
+        return kind ? std::string_view() : wire::schedule_fault::kSleepKind;
+    }
     if (reading.kind != ActionKind::kModule) return {};
     const std::optional<Module> module = actions.module(reading.action);
     if (!module) return wire::schedule_fault::kAction;
@@ -103,7 +118,7 @@ std::string_view faultOf(ScheduleReading& reading, const Actions& actions) {
 
 }  // namespace
 
-ListReading readScheduleList(const Value& list, const Actions& actions) {
+ListReading readScheduleList(const Value& list, const Actions& actions, const DeniedKinds& denied) {
     ListReading result;
     std::size_t number = 0;
     for (const Value& entry : list.array()) {
@@ -122,6 +137,8 @@ ListReading readScheduleList(const Value& list, const Actions& actions) {
             result.faults.push_back({number, plainText(reading->action), fault});
             continue;
         }
+        if (reading->kind == ActionKind::kSleep && denied.count(reading->sleepKind) > 0)
+            result.faults.push_back({number, plainText(reading->action), wire::schedule_fault::kDenied});
         reading->digest = Digest()
                               .addNumber(static_cast<std::uint64_t>(reading->hour * 60 + reading->minute))
                               .add(std::string_view(reading->action))

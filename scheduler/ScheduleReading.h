@@ -21,10 +21,11 @@ struct ScheduleReading {
     int minute = 0;
     std::array<bool, 7> days{};  ///< Monday first
     ActionKind kind = ActionKind::kModule;
-    std::string action;        ///< the action type
-    Value parameters;          ///< a dictionary, or absent
-    bool wakes = false;        ///< from sleep
-    bool starts = false;       ///< from off
+    std::string action;   ///< the action type
+    Value parameters;     ///< a dictionary, or absent
+    bool wakes = false;   ///< from sleep
+    bool starts = false;  ///< from off
+    SleepKind sleepKind = SleepKind::kSuspend;
     bool restarts = false;     ///< a shut-down that starts the computer again
     Seconds idle = 0;          ///< only when nobody has used the computer that long; 0: always
     Seconds makeUp = 0;        ///< how late a missed one may still run; 0: not at all
@@ -33,7 +34,7 @@ struct ScheduleReading {
     bool isPower() const { return kind == ActionKind::kShutDown || kind == ActionKind::kSleep; }
 };
 
-/// Why a Schedule of the list never runs.
+/// Why a Schedule of the list never runs, or, for a denied kind of sleep, not as things stand.
 struct ScheduleFault {
     std::size_t number = 0;  ///< its place in the list, from 1
     std::string action;
@@ -43,10 +44,10 @@ struct ScheduleFault {
 
 struct ListReading {
     std::vector<std::shared_ptr<const ScheduleReading>> schedules;  ///< those that can run, in list order
-    std::vector<ScheduleFault> faults;                              ///< enabled ones that cannot
+    std::vector<ScheduleFault> faults;  ///< of enabled ones; a sleep of a denied kind is in both
 };
 
 /// Reads whatever stands under "Schedule Array"; anything but an array is an empty list.
-ListReading readScheduleList(const Value& list, const Actions& actions);
+ListReading readScheduleList(const Value& list, const Actions& actions, const DeniedKinds& denied = {});
 
 }  // namespace quorel

@@ -4,6 +4,7 @@
 #include "scheduler/Scheduler.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "model/PlainText.h"
 #include "model/Wire.h"
@@ -162,7 +163,9 @@ void Scheduler::tick(Now now) {
 
 void Scheduler::goingToSleep(Now now, Lid lid) {
     take(now, [this, lid] {
-        _wakefulness.announced(lid);
+        const bool mayWriteMemory = std::ranges::any_of(
+            _open, [](const OpenOccurrence& open) { return open.step == Step::kActing && open.writesMemory(); });
+        _wakefulness.announced(lid, mayWriteMemory);
         happen({Event::kGoesToSleep});
     });
 }
@@ -199,6 +202,14 @@ void Scheduler::used(Now now, const std::string& who) {
 
 void Scheduler::agentCame(Now now) {
     take(now, [this] { happen({Event::kAgentComes}); });
+}
+
+void Scheduler::sleepKindsDenied(Now now, const DeniedKinds& denied) {
+    take(now, [this, denied] {
+        if (denied == std::exchange(_denied, denied)) return;
+        takeList(Value(_list));
+        planAnew();
+    });
 }
 
 void Scheduler::looked(Now now, Ticket ticket, const Conditions& conditions) {
@@ -238,7 +249,7 @@ std::optional<Instant> Scheduler::nextCall() const {
     if (!_wakefulness.isBetween()) {
         if (!_next.empty()) consider(_next.front().due);
         const Occurrence* power = nextPower();
-        if (power && !find(*power)) consider(power->due - rules::kWarning);
+        if (power && !find(*power)) consider(power->due - warningOf(*power->schedule));
         for (const OpenOccurrence& open : _open) consider(nextOf(open));
     }
     if (earliest) earliest = std::max(*earliest, now() + 1);

@@ -72,6 +72,8 @@ public:
     void used(Now now, const std::string& who);
     /// Actions can run for a user for whom they could not before.
     void agentCame(Now now);
+    /// What the system says of the kinds of sleep; until it does, none is denied.
+    void sleepKindsDenied(Now now, const DeniedKinds& denied);
 
     void looked(Now now, Ticket ticket, const Conditions& conditions);
     /// `reason` says why it was refused.
@@ -93,7 +95,7 @@ public:
     std::vector<Upcoming> upcoming(std::size_t most) const;
     /// The last 500, as Outcome::value has them, oldest first.
     const Array& outcomes() const { return _outcomes; }
-    /// Schedules of the list that never run.
+    /// Schedules of the list that never run, or not as things stand.
     const std::vector<ScheduleFault>& faults() const { return _faults; }
     /// Nothing runs until it is set, or for ten minutes.
     bool isClockBehind() const { return !_clock.isTrusted() && _clock.isBehind(); }
@@ -137,6 +139,8 @@ private:
 
     // What is planned.
     void takeList(const Value& list);
+    bool isDenied(const ScheduleReading& schedule) const;
+    Seconds warningOf(const ScheduleReading& schedule) const;
     void planAnew();
     const Occurrence* firstOf(ActionKind kind) const;
     const Occurrence* nextPower() const;
@@ -182,6 +186,8 @@ private:
     void restore(const StoredState& state);
 
     World _world;
+    Value _list;  ///< what the agenda was made from
+    DeniedKinds _denied;
     std::optional<Agenda> _agenda;
     std::vector<ScheduleFault> _faults;
     Instant _watermark = 0;         ///< everything up to here has been taken up

@@ -67,7 +67,7 @@ std::optional<Instant> Scheduler::nextOf(const OpenOccurrence& open) const {
         case NextLook::kAtItsMinute:
             return open.step == Step::kDone ? std::max(one.due, _clock.youngUntil()) : one.due;
         case NextLook::kInTime:
-            return open.at - (one.schedule->isPower() ? rules::kWarning : 0);
+            return open.at - warningOf(*one.schedule);
         case NextLook::kAtItsTime:
             return open.at;
         case NextLook::kInCourse:
@@ -143,12 +143,15 @@ void Scheduler::wakeUp(OpenOccurrence& open) {
 }
 
 void Scheduler::beginCourse(OpenOccurrence& open) {
+    if (isDenied(*open.occurrence.schedule))
+        return finish(open, outcome::kRefused, {{wire::keys::kReason, outcome::kKindDenied}});
     if (!happen({.event = Event::kPowerComes, .newcomer = &open})) {
         const bool isActing =
             std::ranges::any_of(_open, [](const OpenOccurrence& other) { return other.step == Step::kActing; });
         return finish(open, outcome::kOvertaken, {{keys::kBy, isActing ? outcome::kOther : outcome::kFirst}});
     }
     open.course.emplace(open.at, open.occurrence.schedule->idle);
+    if (open.writesMemory()) open.course->writesMemory();
     move(open, open.course->begin(now()));
 }
 
@@ -181,9 +184,10 @@ void Scheduler::move(OpenOccurrence& open, const PowerCourse::Move& move) {
     const ScheduleReading& schedule = *open.occurrence.schedule;
     if (move.what == Do::kLook)
         return act([this, ticket, idle = schedule.idle > 0] { _world.power.look(ticket, idle); });
-    actAsWritten(open, [this, ticket, sleeps = open.isSleep(), restarts = schedule.restarts] {
-        sleeps ? _world.power.suspend(ticket) : _world.power.shutDown(ticket, restarts);
-    });
+    actAsWritten(open,
+                 [this, ticket, sleeps = open.isSleep(), kind = schedule.sleepKind, restarts = schedule.restarts] {
+                     sleeps ? _world.power.suspend(ticket, kind) : _world.power.shutDown(ticket, restarts);
+                 });
 }
 
 /// What our alarm has woken the computer for.

@@ -13,7 +13,8 @@ namespace quorel {
 namespace keys = wire::keys;
 
 void Scheduler::takeList(const Value& list) {
-    ListReading reading = readScheduleList(list, _world.actions);
+    ListReading reading = readScheduleList(list, _world.actions, _denied);
+    _list = list;
     for (const ScheduleFault& fault : reading.faults) {
         if (std::find(_faults.begin(), _faults.end(), fault) != _faults.end()) continue;  // said already
         const auto number = static_cast<std::int64_t>(fault.number);
@@ -23,6 +24,15 @@ void Scheduler::takeList(const Value& list) {
     }
     _faults = std::move(reading.faults);
     _agenda.emplace(_world.calendar, std::move(reading.schedules));
+}
+
+bool Scheduler::isDenied(const ScheduleReading& schedule) const {
+    return schedule.kind == ActionKind::kSleep && _denied.count(schedule.sleepKind) > 0;
+}
+
+/// How long before its time it comes into course. Nobody is warned of a sleep that this computer does not have.
+Seconds Scheduler::warningOf(const ScheduleReading& schedule) const {
+    return schedule.isPower() && !isDenied(schedule) ? rules::kWarning : 0;
 }
 
 void Scheduler::planAnew() {
@@ -55,7 +65,8 @@ void Scheduler::takeUp() {
         planAnew();
     }
     const Occurrence* power = nextPower();
-    if (power && power->due - rules::kWarning <= now() && !find(*power)) beginCourse(open(*power, power->due));
+    if (power && power->due - warningOf(*power->schedule) <= now() && !find(*power))
+        beginCourse(open(*power, power->due));
 }
 
 /// Wake-ups, then actions in list order, then one shut-down or else one sleep.

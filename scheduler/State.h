@@ -24,6 +24,7 @@ struct OpenOccurrence {
     Instant unwrittenSince = 0;              ///< in kQueued: that it begins could not be stored
 
     bool isSleep() const { return occurrence.schedule->kind == ActionKind::kSleep; }
+    bool writesMemory() const { return isSleep() && occurrence.schedule->sleepKind != SleepKind::kSuspend; }
     /// What it goes by outside: its time is part of it once it has been moved.
     std::string token() const;
 };

@@ -16,12 +16,23 @@ void Wakefulness::start(const Now& now) {
 void Wakefulness::observe(const Now& now) {
     _now = now;
     if (_woken || !hasSlept()) return;
+    const bool started = _announced && _mayWriteMemory && isNear(_startupAlarm, rules::kStartEarly);
+    _woken = started               ? Woken::kByAlarm
+             : !isNear(_wakeAlarm) ? Woken::kOtherwise
+             : _isStone            ? Woken::kByStone
+                                   : Woken::kByAlarm;
+}
+
+/// Whether it may be what has just woken the computer.
+bool Wakefulness::isNear(const std::optional<Instant>& alarm, Seconds late) const {
     // A word of the waking may be late; it was not before the computer had been awake for longer than since it was
     // announced that it would sleep.
-    const Seconds awake = _announced ? (now.awake - *_announced) / 1000 : 0;
-    const bool byAlarm = _wakeAlarm && this->now() >= *_wakeAlarm - rules::kAlarmEarly &&
-                         this->now() - awake <= *_wakeAlarm + rules::kAlarmLate;
-    _woken = !byAlarm ? Woken::kOtherwise : _isStone ? Woken::kByStone : Woken::kByAlarm;
+    const Seconds awake = _announced ? (_now.awake - *_announced) / 1000 : 0;
+    return alarm && now() >= *alarm - rules::kAlarmEarly && now() - awake <= *alarm + late;
+}
+
+Seconds Wakefulness::longestSilence() const {
+    return _mayWriteMemory ? rules::kLongestWriting : rules::kLongestSilence;
 }
 
 void Wakefulness::clockSet(Seconds by) {
@@ -29,8 +40,9 @@ void Wakefulness::clockSet(Seconds by) {
     if (_back) _back->clockMoved(now() - by, by);
 }
 
-void Wakefulness::announced(Lid lid) {
+void Wakefulness::announced(Lid lid, bool mayWriteMemory) {
     _announced = _now.awake;
+    _mayWriteMemory = mayWriteMemory;
     _lid = lid;
     _rewrite = true;
     used();  // whoever sends it to sleep
@@ -38,7 +50,7 @@ void Wakefulness::announced(Lid lid) {
 }
 
 bool Wakefulness::isBetween() const {
-    return _announced && _now.awake - *_announced < rules::kLongestSilence * 1000;
+    return _announced && _now.awake - *_announced < longestSilence() * 1000;
 }
 
 bool Wakefulness::hasSlept() const {
@@ -62,7 +74,8 @@ bool Wakefulness::over(std::optional<Lid> lid) {
     }
     _wokenAt = _now.boot;
     _wokenFor = true;
-    _awakeUntil = std::max(_awakeUntil, _now.boot + rules::kAwakeToBegin * 1000);
+    const Seconds early = _mayWriteMemory ? rules::kStartEarly : 0;
+    _awakeUntil = std::max(_awakeUntil, _now.boot + (early + rules::kAwakeToBegin) * 1000);
     if (now.isClosed) holdLid(true);
     return false;
 }
@@ -119,7 +132,7 @@ void Wakefulness::move(const PowerCourse::Move& move) {
     const Ticket ticket = _backTicket = _hands.ticket();
     if (move.what == Do::kLook) return _hands.act([this, ticket] { _power.look(ticket, true); });
     _hands.tell(outcome::kBackToSleep);
-    _hands.act([this, ticket] { _power.suspend(ticket); });
+    _hands.act([this, ticket] { _power.suspend(ticket, SleepKind::kSuspend); });
 }
 
 void Wakefulness::settle(bool isRunning) {
@@ -140,7 +153,7 @@ void Wakefulness::settle(bool isRunning) {
 }
 
 std::optional<Instant> Wakefulness::nextCall() const {
-    if (_announced) return now() + rules::kLongestSilence - (_now.awake - *_announced) / 1000;
+    if (_announced) return now() + longestSilence() - (_now.awake - *_announced) / 1000;
     std::optional<Instant> earliest;
     const auto consider = [&](Instant at) { earliest = std::min(earliest.value_or(at), at); };
     if (_awakeUntil != 0) consider(wallOf(_awakeUntil));
@@ -154,7 +167,8 @@ std::optional<Instant> Wakefulness::nextCall() const {
 void Wakefulness::arm(std::optional<Instant> wanted, std::optional<Instant> startup) {
     const bool asleep = _announced.has_value();
     if (asleep && _lid.isInBag()) wanted.reset();
-    if (asleep) startup.reset();
+    // It would end a suspend, too. It alone ends a hibernation.
+    if (asleep && !_mayWriteMemory) startup.reset();
     const Instant reach = now() + rules::kAlarmReach;
     const bool stone = wanted && *wanted > reach && !_alarms.reachFar();
     // A stepping stone stays where it lies until it is reached, or the computer goes to sleep.

@@ -9,6 +9,7 @@
 
 #include "scheduler/Instant.h"
 #include "scheduler/PowerCourse.h"
+#include "scheduler/Rules.h"
 #include "scheduler/World.h"
 
 namespace quorel {
@@ -31,8 +32,8 @@ public:
     void observe(const Now& now);
     void clockSet(Seconds by);
 
-    /// The computer is about to sleep.
-    void announced(Lid lid);
+    /// The computer is about to sleep, and by our own asking perhaps so that only the start-up alarm ends it.
+    void announced(Lid lid, bool mayWriteMemory);
     bool isAnnounced() const { return _announced.has_value(); }
     /// Announced, and there may yet be a word that it is over.
     bool isBetween() const;
@@ -73,6 +74,8 @@ private:
     enum class Woken { kOtherwise, kByAlarm, kByStone };
     Instant now() const { return _now.instant(); }
     Instant wallOf(std::int64_t boot) const { return now() + (boot - _now.boot + 999) / 1000; }
+    Seconds longestSilence() const;
+    bool isNear(const std::optional<Instant>& alarm, Seconds late = rules::kAlarmLate) const;
     void holdLid(bool hold);
     void move(const PowerCourse::Move& move);
 
@@ -82,6 +85,7 @@ private:
     Now _now;
 
     std::optional<std::int64_t> _announced;  ///< on the awake clock
+    bool _mayWriteMemory = false;            ///< that sleep
     Lid _lid;
     std::int64_t _sleptSeen = 0;  ///< time asleep that has been dealt with, in milliseconds
     std::optional<Woken> _woken;  ///< by what, until that has been dealt with

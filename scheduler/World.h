@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,13 +54,19 @@ struct Lid {
     bool isInBag() const { return isClosed && !isPowered; }
 };
 
+/// How the computer sleeps. All but the first may write its memory to disk, which takes a while; then no wake alarm
+/// ends it.
+enum class SleepKind { kSuspend, kHibernate, kSuspendThenHibernate, kAsTheSystemDoes };
+/// Kinds that this computer does not have, as the system says.
+using DeniedKinds = std::set<SleepKind>;
+
 class Power {
 public:
     virtual ~Power() = default;
     /// Answer: `looked`. `idle`: it matters how long nobody has used the sessions.
     virtual void look(Ticket ticket, bool idle) = 0;
-    virtual void suspend(Ticket ticket) = 0;                 ///< answer: `powerReplied`
-    virtual void shutDown(Ticket ticket, bool restart) = 0;  ///< answer: `powerReplied`
+    virtual void suspend(Ticket ticket, SleepKind kind) = 0;  ///< never another kind; answer: `powerReplied`
+    virtual void shutDown(Ticket ticket, bool restart) = 0;   ///< answer: `powerReplied`
     /// Holds or drops the idle inhibitor that keeps a desktop from falling asleep.
     virtual void keepAwake(bool keep) = 0;
     /// Keeps a closed lid from sending the computer to sleep, or lets it. Answer: `lidSeen` every few seconds while it

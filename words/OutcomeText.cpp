@@ -48,6 +48,7 @@ constexpr Text kOvertakers[] = {
 constexpr Text kReasons[] = {
     {kNoAnswer, marked("the system did not answer")},
     {kStayedAwake, marked("the system agreed, and the computer stayed awake")},
+    {kKindDenied, marked("this computer does not have that kind of sleep")},
     {kUnwritten, marked("that it begins could not be stored")},
     {kNobody, marked("nobody is at the computer")},
     {kNoAgent, marked("the agent of the user at the computer is not running")},
@@ -65,6 +66,8 @@ constexpr Text kFaults[] = {
     {wire::schedule_fault::kMinute, marked("its minute is not between 0 and 59")},
     {wire::schedule_fault::kAction, marked("there is no such action")},
     {wire::schedule_fault::kProgram, marked("its module has nothing to run")},
+    {wire::schedule_fault::kSleepKind, marked("there is no such kind of sleep")},
+    {wire::schedule_fault::kDenied, marked("this computer does not have that kind of sleep")},
 };
 
 /// The outcomes that say all without arguments.

@@ -88,6 +88,9 @@ SchedulerHost::SchedulerHost(EventLoop& loop, Callers& callers, sd_bus* computer
            [this](Conditions conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done) {
                findIdle(std::move(conditions), userIds, std::move(done));
            }}),
+      _sleepKinds(
+          computer,
+          [this](const DeniedKinds& denied) { tell([&](Now now) { _scheduler.sleepKindsDenied(now, denied); }); }),
       _scheduler({_calendar, _power, _alarms, _actions, _state, *this}),
       _clockWatch(loop, clocks,
                   {[this] { tell([&](Now now) { _scheduler.tick(now); }); },
@@ -96,6 +99,7 @@ SchedulerHost::SchedulerHost(EventLoop& loop, Callers& callers, sd_bus* computer
                   {[this](Lid lid) { tell([&](Now now) { _scheduler.goingToSleep(now, lid); }); },
                    [this](Lid lid) {
                        _sessions.restart();
+                       _sleepKinds.ask();
                        tell([&](Now now) { _scheduler.resumed(now, lid); });
                    },
                    [this] { tell([&](Now now) { _scheduler.goingDown(now); }); }}) {
@@ -113,6 +117,7 @@ void SchedulerHost::follow(const Value& preferences) {
         else
             _scheduler.listSaved(now, list);
     });
+    if (begins) _sleepKinds.ask();
 }
 
 bool SchedulerHost::skip(const std::string& token, const std::string& by) {

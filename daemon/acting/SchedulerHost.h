@@ -11,6 +11,7 @@
 #include "daemon/modules/ModuleActions.h"
 #include "linux/login/LoginPower.h"
 #include "linux/login/LoginSessions.h"
+#include "linux/login/SleepKinds.h"
 #include "linux/login/SleepWatch.h"
 #include "linux/time/ClockWatch.h"
 #include "linux/time/SystemCalendar.h"
@@ -60,6 +61,7 @@ private:
     LoginSessions _sessions;
     Terminals _terminals;
     LoginPower _power;
+    SleepKinds _sleepKinds;
     Scheduler _scheduler;
     ClockWatch _clockWatch;
     SleepWatch _sleepWatch;

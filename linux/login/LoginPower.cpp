@@ -1,15 +1,19 @@
 #include "linux/login/LoginPower.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "kit/MOLLog.h"
+#include "linux/login/SleepKinds.h"
+#include "scheduler/Rules.h"
 
 namespace quorel {
 
 namespace {
 
 // logind answers when it has begun, which others may delay.
-constexpr std::chrono::seconds kRequestPatience{90};
+constexpr std::chrono::seconds kRequestPatience{rules::kLongestCall};
+constexpr std::chrono::seconds kWritingPatience{rules::kLongestWriting};
 
 // Makes it look at the locks of others although root asks. It overlooks root's own.
 constexpr std::uint64_t kRootChecksInhibitors = 1;
@@ -34,15 +38,16 @@ void LoginPower::look(Ticket ticket, bool idle) {
     _looks[ticket] = std::make_unique<LoginConditions>(_bus, _clocks, _sessions, answered);
 }
 
-void LoginPower::suspend(Ticket ticket) {
-    request(ticket, "SuspendWithFlags");
+void LoginPower::suspend(Ticket ticket, SleepKind kind) {
+    const auto calls = std::ranges::find(kSleepCalls, kind, &SleepCalls::kind);
+    request(ticket, calls->call, kind == SleepKind::kSuspend ? kRequestPatience : kWritingPatience);
 }
 
 void LoginPower::shutDown(Ticket ticket, bool restart) {
-    request(ticket, restart ? "RebootWithFlags" : "PowerOffWithFlags");
+    request(ticket, restart ? "RebootWithFlags" : "PowerOffWithFlags", kRequestPatience);
 }
 
-void LoginPower::request(Ticket ticket, const char* member) {
+void LoginPower::request(Ticket ticket, const char* member, std::chrono::seconds patience) {
     const auto replied = [this, ticket](sd_bus_message* reply) {
         const auto request = std::move(_request);
         const BusError error = errorOf(reply);
@@ -51,7 +56,7 @@ void LoginPower::request(Ticket ticket, const char* member) {
                                                                      : PowerReply::kRefused;
         _answers.powerReplied(ticket, meaning, error.message);
     };
-    _request = logind::call(_bus, kRequestPatience, logind::kManager, member, replied, "t", kRootChecksInhibitors);
+    _request = logind::call(_bus, patience, logind::kManager, member, replied, "t", kRootChecksInhibitors);
 }
 
 void LoginPower::keepAwake(bool keep) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -30,13 +31,13 @@ public:
     LoginPower(EventLoop& loop, sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers);
 
     void look(Ticket ticket, bool idle) override;
-    void suspend(Ticket ticket) override;
+    void suspend(Ticket ticket, SleepKind kind) override;
     void shutDown(Ticket ticket, bool restart) override;
     void keepAwake(bool keep) override;
     void holdLid(bool hold) override { _lidHold.hold(hold); }
 
 private:
-    void request(Ticket ticket, const char* member);
+    void request(Ticket ticket, const char* member, std::chrono::seconds patience);
 
     sd_bus* _bus;
     const Clocks& _clocks;

@@ -78,6 +78,15 @@ class ActingTest(ActingCase):
             self.system.end(flood)
         self.assertIsNone(self.daemon.poll())
 
+    def test_sleeps_in_its_own_way_or_not_at_all(self):
+        self.begin(schedule(SLEEP, "23:15", Kind="hibernate"), schedule(SLEEP, "23:30", Kind="system"))
+        self.hear("schedule 2 (Sleep) never runs: this computer does not have that kind of sleep")
+        self.sleep_at_its_minute()
+        self.last("slept")
+        self.move_to("23:30")
+        self.last("refused", Reason="kind-denied")
+        self.assertEqual(self.calls("Hibernate") + self.calls("Suspend"), ["Hibernate 1"])
+
     def test_takes_no_for_an_answer(self):
         for script, times, outcome, arguments in (
                 ({"error": ERROR + "OperationInProgress"}, 1, "overtaken", {"By": "other"}),

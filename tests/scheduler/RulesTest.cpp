@@ -19,7 +19,8 @@ Instant timeOf(const std::string& text) {
     return VirtualWorld::at(day, hour, minute, second);
 }
 
-/// "Sleep@23:00", with words behind slashes: idle, wake, start, restart, thursday; text has the hour as one.
+/// "Sleep@23:00", with words behind slashes: idle, wake, start, restart, thursday; text has the hour as one; the last
+/// may be a kind of sleep.
 Value scheduleOf(const std::string& text) {
     const std::size_t at = text.find('@');
     int hour = 0, minute = 0;
@@ -30,6 +31,9 @@ Value scheduleOf(const std::string& text) {
     if (has("/wake")) own.set("Needs Wake Up", "1");
     if (has("/start")) own.set("Needs Startup", true);
     if (has("/restart")) own.set("Restart", 1);
+    for (const char* kind : {"suspend", "hibernate", "suspend-then-hibernate", "system", "snooze"}) {
+        if (text.ends_with(std::string("/") + kind)) own.set("Kind", kind);
+    }
     Value schedule = every(text.substr(0, at), hour, minute, own);
     if (has("/text")) schedule = schedule.with("Action Hour", std::to_string(hour) + " h");
     for (const std::string_view day : schedule_keys::kActiveOnDays) {
@@ -78,6 +82,8 @@ void play(VirtualWorld& w, const std::string& script) {
         if (what == "refuse") w.replies.assign(static_cast<std::size_t>(number()), PowerReply::kRefused);
         if (what == "busy") w.replies = {PowerReply::kUnderWay};
         if (what == "lies") w.lies = true;
+        if (what == "deny") w.scheduler->sleepKindsDenied(w.now, {SleepKind::kHibernate});
+        if (what == "faults") w.note(std::to_string(w.scheduler->faults().size()) + " faults");
         if (what == "silent") w.silent = true;
         if (what == "silent-no") w.silent = false;
         if (what == "long") w.actionLasts = kHour;
@@ -174,6 +180,14 @@ const Row kRows[] = {
      "22:59 warn, for 23:00; 23:00 shut down; 23:01 shut down; 23:02 refused ShutDown 23:00 no-answer"},
     {"one is under way", "busy; from 22:50 Sleep@23:00; until 23:50",
      "22:59 warn, for 23:00; 23:00 suspend; 23:00 overtaken Sleep 23:00 other"},
+    {"each kind is asked for, and takes its time",
+     "lies; from 22:50 Sleep@21:00/hibernate Sleep@23:00/suspend-then-hibernate Sleep@23:20/system; until 23:19:30; silent; until 23:24:59",
+     "22:59 warn, for 23:00; 23:00 suspend, then hibernate; 23:00 suspend, then hibernate; 23:00 refused Sleep 23:00 stayed-awake; "
+     "23:19 warn, for 23:20; 23:20 sleep somehow"},
+    {"a kind that is denied is a fault, and refused at its minute; nobody is warned",
+     "from 22:50 Sleep@23:00/hibernate Sleep@23:30; deny; faults; until 23:29; skip",
+     "22:50 cannot-run Sleep 1 denied; 22:50 1 faults; 23:00 refused Sleep 23:00 kind-denied; 23:29 warn, for 23:30"},
+    {"no kind of that name", "from 22:50 Sleep@23:00/snooze; until 23:30", "22:50 cannot-run Sleep 1 kind"},
     {"the computer sleeps meanwhile", "from 22:50 Sleep@23:00; until 22:59:30; sleep 22:59:50; until 23:30",
      "22:59 warn, for 23:00; 22:59:30 overtaken Sleep 23:00 sleep; 22:59:50 awake"},
     {"a shut-down waits over a nap, but not over two minutes",
@@ -288,6 +302,9 @@ const Row kRows[] = {
      "+1 22:59 warn, for +1 23:00; +1 23:00 suspend; +2 07:00 awake; +2 07:00 slept Sleep +1 23:00; +2 07:00 woke-up WakeUp +2 07:00; +2 07:00 keep awake"},
     {"the start-up alarm is away in sleep", "from 6:00 WakeUp@7:00/start; asleep 60; alarms; word; alarms; goes-down; alarms",
      "06:01 alarms 07:00, none; 06:01 alarms 07:00, 06:58; 06:01 alarms 07:00, 06:58"},
+    {"but stays for a sleep that may write the memory to disk, and ends it two minutes early",
+     "from 6:00 Sleep@6:30/hibernate WakeUp@6:50 WakeUp@7:00/start; until 7:05",
+     "06:29 warn, for 06:30; 06:30 hibernate; 06:58 awake; 06:58 slept Sleep 06:30; 06:58 missed WakeUp 06:50 asleep 1; 06:58 keep awake; 07:00 woke-up WakeUp 07:00"},
     {"after a skipped wake-up the next day's", "from 6:00 WakeUp@7:00; skip; alarms", "06:00 alarms +1 07:00, none"},
 
     {"input since a stepping stone, as the agent says",

@@ -124,11 +124,12 @@ public:
         now.wall += by * 1000;
         if (scheduler) scheduler->tick(now);
     }
-    /// Sleeps by whatever cause, until the alarm or `wakenAt`.
-    void sleep() {
+    /// Sleeps by whatever cause, until the alarm or `wakenAt`. Out of hibernation another alarm wakes it.
+    void sleep(bool hibernates = false) {
+        const std::optional<Instant>& alarm = hibernates ? startupAlarm : wakeAlarm;
         scheduler->goingToSleep(now, lid);
         Instant end = wakenAt > now.instant() ? wakenAt : now.instant() + 365 * kDay;
-        if (wakeAlarm) end = std::min(end, *wakeAlarm);
+        if (alarm) end = std::min(end, *alarm);
         if (lies) end = now.instant();
         pass(end - now.instant(), false);
         if (!lies) note("awake");
@@ -187,12 +188,13 @@ private:
         if (answers) scheduler->looked(now, ticket, conditions);
         if (answers) scheduler->looked(now, ticket, conditions);  // twice does no harm
     }
-    void suspend(Ticket ticket) override {
+    void suspend(Ticket ticket, SleepKind kind) override {
+        static constexpr const char* kCalls[] = {"suspend", "hibernate", "suspend, then hibernate", "sleep somehow"};
         about("suspend");
-        note("suspend");
+        note(kCalls[static_cast<std::size_t>(kind)]);
         const PowerReply reply = nextReply();
         scheduler->powerReplied(now, ticket, reply, "busy");
-        if (reply == PowerReply::kAccepted) _waiting.emplace_back([this] { sleep(); });
+        if (reply == PowerReply::kAccepted) _waiting.emplace_back([this, kind] { sleep(kind != SleepKind::kSuspend); });
     }
     void shutDown(Ticket ticket, bool restart) override {
         about("shut down");

@@ -24,6 +24,7 @@ SCRIPT = {
     "inhibitors": [],            # of others: what, who, why, mode
     "scheduled": ["", 0],        # shut-down
     "sessions": [],              # properties of each
+    "cannot": [],                # kinds of sleep: Suspend, Hibernate; it has no others, like an old one
 }
 
 
@@ -125,6 +126,18 @@ class Manager(dbus.service.Object):
     @dbus.service.method(MANAGER, in_signature="t")
     def SuspendWithFlags(self, flags):
         self.begin("Suspend", flags, self.PrepareForSleep, self.sleep)
+
+    @dbus.service.method(MANAGER, in_signature="t")
+    def HibernateWithFlags(self, flags):
+        self.begin("Hibernate", flags, self.PrepareForSleep, self.sleep)
+
+    @dbus.service.method(MANAGER, out_signature="s")
+    def CanSuspend(self):
+        return "na" if "Suspend" in self.script["cannot"] else "yes"
+
+    @dbus.service.method(MANAGER, out_signature="s")
+    def CanHibernate(self):
+        return "na" if "Hibernate" in self.script["cannot"] else "yes"
 
     @dbus.service.method(MANAGER, in_signature="t")
     def PowerOffWithFlags(self, flags):
