@@ -171,6 +171,7 @@ inline constexpr std::string_view kHour = "hour";        ///< not 0 to 23
 inline constexpr std::string_view kMinute = "minute";    ///< not 0 to 59
 inline constexpr std::string_view kAction = "action";    ///< there is none of this type
 inline constexpr std::string_view kProgram = "program";  ///< its module has nothing to run
+inline constexpr std::string_view kUntil = "until";      ///< of staying awake: no time of day, or that of its beginning
 inline constexpr std::string_view kSleepKind = "kind";   ///< of sleep: there is none of that name
 inline constexpr std::string_view kDenied = "denied";    ///< a kind of sleep that the system does not offer now
 
@@ -204,6 +205,7 @@ inline constexpr std::string_view kShutDown = "shut-down";          ///< Restart
 inline constexpr std::string_view kWokeUp = "woke-up";              ///< woken by our alarm
 inline constexpr std::string_view kStarted = "started";             ///< was off until shortly before
 inline constexpr std::string_view kAwakeAlready = "awake-already";  ///< kept awake for ten minutes
+inline constexpr std::string_view kKeptAwake = "kept-awake";        ///< Until: instant; By: who let it sleep, or none
 inline constexpr std::string_view kRan = "ran";                     ///< Seconds; MadeUp: flag, it came later
 inline constexpr std::string_view kFailed = "failed";               ///< Seconds; Status; Reason: text, or empty
 inline constexpr std::string_view kTimedOut = "timed-out";          ///< Seconds: ended at its limit

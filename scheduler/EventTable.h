@@ -57,20 +57,22 @@ enum class Fate {
     kSecondsGoOn,          ///< what is measured goes on as it was
     kPlannedAgain,         ///< more than a minute ahead: planned or postponed, as before its course; else seconds go on
     kEndsUnlessAhead,
-    kCorrected,    ///< ends
-    kWithdrawn,    ///< ends
-    kMakeUpSoon,   ///< in ten seconds
-    kWaitsIfIdle,  ///< a warned "only when idle" one waits
-    kLooksAtOnce,  ///< what waits for an action does
-    kSkipped,      ///< until its minute
-    kPostponed,    ///< fifteen minutes from its time or from now
-    kRefused,      ///< not allowed, or too late
-    kLidClosed,    ///< what the computer was woken for within the minute ends
+    kCorrected,     ///< ends
+    kWithdrawn,     ///< ends
+    kMakeUpSoon,    ///< in ten seconds
+    kWaitsIfIdle,   ///< a warned "only when idle" one waits
+    kLooksAtOnce,   ///< what waits for an action does
+    kSkipped,       ///< until its minute
+    kPostponed,     ///< fifteen minutes from its time or from now
+    kRefused,       ///< not allowed, or too late
+    kLetsSleep,     ///< ends: the computer may fall asleep
+    kReckonedAnew,  ///< until when it stays awake, by the clock as it is now; ends where that is no time of its own
+    kLidClosed,     ///< what the computer was woken for within the minute ends
 };
 
 struct EventRow {
     Event event;
-    Fate planned, skipped, postponed, makeUp, awaited, inCourse, acting, running;
+    Fate planned, skipped, postponed, makeUp, awaited, inCourse, acting, running, stayingAwake;
 };
 
 namespace event_table {
@@ -82,45 +84,45 @@ using enum Fate;
 inline constexpr EventRow kRows[] = {
     // clang-format off
     //                        planned, skipped, postponed, make-up or queued, awaited,
-    //                        in course, acting, running
+    //                        in course, acting, running, staying awake
     {Event::kTimeComes,       kStays, kSkippedForGood, kRuns, kRunsWhileItMay, kNobodyCame,
-                              kNextMove, kNextMove, kStays},
+                              kNextMove, kNextMove, kStays, kLetsSleep},
     {Event::kWakeUpComes,     kStays, kStays, kGivenUpIfSoon, kStays, kStays,
-                              kGivenUpForWakeUp, kStays, kStays},
+                              kGivenUpForWakeUp, kStays, kStays, kStays},
     {Event::kPowerComes,      kStays, kStays, kStays, kStays, kStays,
-                              kGivenUpForNext, kNewcomerEnds, kStays},
+                              kGivenUpForNext, kNewcomerEnds, kStays, kStays},
     {Event::kGoesToSleep,     kStays, kStays, kStays, kStays, kStays,
-                              kSleepOvertaken, kStays, kStays},
+                              kSleepOvertaken, kStays, kStays, kStays},
     {Event::kAwakeAgain,      kStays, kAsItsTimeComes, kAsItsTimeComes, kSoonWhileItMay, kStays,
-                              kShutDownAnew, kSleptOrAnew, kStays},
+                              kShutDownAnew, kSleptOrAnew, kStays, kAsItsTimeComes},
     {Event::kStayedAwake,     kStays, kStays, kStays, kStays, kStays,
-                              kStays, kSleepRefused, kStays},
+                              kStays, kSleepRefused, kStays, kStays},
     {Event::kGoesDown,        kStays, kStays, kStays, kStays, kStays,
-                              kOvertakenByDown, kShutDownOrOvertaken, kStays},
+                              kOvertakenByDown, kShutDownOrOvertaken, kStays, kStays},
     {Event::kServiceStarts,   kStays, kAsItsTimeComes, kMissedIfBeforeBoot, kStays, kStays,
-                              kGoesOnOrAnew, kUnknown, kAskedFor},
+                              kGoesOnOrAnew, kUnknown, kAskedFor, kAsItsTimeComes},
     {Event::kClockSetOn,      kStays, kAsItsTimeComes, kAsItsTimeComes, kSecondsGoOn, kStays,
-                              kSecondsGoOn, kSecondsGoOn, kSecondsGoOn},
+                              kSecondsGoOn, kSecondsGoOn, kSecondsGoOn, kAsItsTimeComes},
     {Event::kClockSetBack,    kStays, kStays, kStays, kSecondsGoOn, kStays,
-                              kPlannedAgain, kSecondsGoOn, kSecondsGoOn},
+                              kPlannedAgain, kSecondsGoOn, kSecondsGoOn, kStays},
     {Event::kClockWasAhead,   kStays, kEndsUnlessAhead, kEndsUnlessAhead, kCorrected, kCorrected,
-                              kCorrected, kSecondsGoOn, kSecondsGoOn},
+                              kCorrected, kSecondsGoOn, kSecondsGoOn, kReckonedAnew},
     {Event::kClockCorrected,  kStays, kEndsUnlessAhead, kEndsUnlessAhead, kCorrected, kCorrected,
-                              kCorrected, kSecondsGoOn, kSecondsGoOn},
+                              kCorrected, kSecondsGoOn, kSecondsGoOn, kReckonedAnew},
     {Event::kScheduleGone,    kStays, kWithdrawn, kWithdrawn, kWithdrawn, kWithdrawn,
-                              kWithdrawn, kStays, kStays},
+                              kWithdrawn, kStays, kStays, kLetsSleep},
     {Event::kInput,           kStays, kStays, kStays, kStays, kMakeUpSoon,
-                              kWaitsIfIdle, kStays, kStays},
+                              kWaitsIfIdle, kStays, kStays, kStays},
     {Event::kAgentComes,      kStays, kStays, kStays, kStays, kMakeUpSoon,
-                              kStays, kStays, kStays},
+                              kStays, kStays, kStays, kStays},
     {Event::kLastActionEnds,  kStays, kStays, kStays, kStays, kStays,
-                              kLooksAtOnce, kStays, kStays},
+                              kLooksAtOnce, kStays, kStays, kStays},
     {Event::kSkip,            kSkipped, kStays, kSkipped, kSkipped, kSkipped,
-                              kSkipped, kRefused, kRefused},
+                              kSkipped, kRefused, kRefused, kLetsSleep},
     {Event::kPostpone,        kPostponed, kRefused, kPostponed, kPostponed, kRefused,
-                              kPostponed, kRefused, kRefused},
+                              kPostponed, kRefused, kRefused, kRefused},
     {Event::kWokenInBag,      kLidClosed, kStays, kLidClosed, kLidClosed, kLidClosed,
-                              kLidClosed, kStays, kStays},
+                              kLidClosed, kStays, kStays, kStays},
     // clang-format on
 };
 
@@ -150,6 +152,8 @@ constexpr Fate fateOf(Event event, Step step) {
             return row.acting;
         case Column::kRunning:
             return row.running;
+        case Column::kStayingAwake:
+            return row.stayingAwake;
         case Column::kDone:
             break;
     }

@@ -8,6 +8,7 @@
 #include "model/Fnv1a.h"
 #include "model/PlainText.h"
 #include "model/Schedule.h"
+#include "model/TimeOfDay.h"
 #include "model/Wire.h"
 #include "scheduler/Occurrence.h"
 #include "scheduler/Outcome.h"
@@ -66,6 +67,7 @@ ActionKind kindOf(const std::string& action) {
     if (action == schedule_keys::kSleepType) return ActionKind::kSleep;
     if (action == schedule_keys::kWakeUpType) return ActionKind::kWakeUp;
     if (action == schedule_keys::kShutDownType) return ActionKind::kShutDown;
+    if (action == schedule_keys::kStayAwakeType) return ActionKind::kStayAwake;
     return ActionKind::kModule;
 }
 
@@ -107,6 +109,12 @@ std::string_view faultOf(ScheduleReading& reading, const Actions& actions) {
         const std::optional<SleepKind> kind = sleepKindOf(reading.parameters);
         reading.sleepKind = kind.value_or(SleepKind::kSuspend);
         return kind ? std::string_view() : wire::schedule_fault::kSleepKind;
+    }
+    if (reading.kind == ActionKind::kStayAwake) {
+        const std::optional<int> until = minuteOfDay(reading.parameters[parameters::kUntil].text());
+        reading.until = until.value_or(0);
+        const bool isTime = until && *until != reading.hour * 60 + reading.minute;
+        return isTime ? std::string_view() : wire::schedule_fault::kUntil;
     }
     if (reading.kind != ActionKind::kModule) return {};
     const std::optional<Module> module = actions.module(reading.action);

@@ -13,7 +13,7 @@
 namespace quorel {
 
 /// In the order in which those of one minute run.
-enum class ActionKind { kWakeUp, kModule, kShutDown, kSleep };
+enum class ActionKind { kWakeUp, kStayAwake, kModule, kShutDown, kSleep };
 
 /// What one enabled Schedule means, however it is written down.
 struct ScheduleReading {
@@ -26,6 +26,7 @@ struct ScheduleReading {
     bool wakes = false;   ///< from sleep
     bool starts = false;  ///< from off
     SleepKind sleepKind = SleepKind::kSuspend;
+    int until = 0;             ///< of staying awake: the minute of the day, never that at which it begins
     bool restarts = false;     ///< a shut-down that starts the computer again
     Seconds idle = 0;          ///< only when nobody has used the computer that long; 0: always
     Seconds makeUp = 0;        ///< how late a missed one may still run; 0: not at all

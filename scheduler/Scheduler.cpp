@@ -66,9 +66,11 @@ void Scheduler::settle() {
         takeOverSaved();
         takeUp();
     }
-    _wakefulness.settle(std::ranges::any_of(_open, [](const OpenOccurrence& open) {
+    const auto isRunning = [](const OpenOccurrence& open) {
         return open.step == Step::kRunning && open.occurrence.schedule->wakes;
-    }));
+    };
+    _wakefulness.settle(std::ranges::any_of(_open, isRunning),
+                        std::ranges::find(_open, Step::kStayingAwake, &OpenOccurrence::step) != _open.end());
     _clock.settled();
     _lateness = outcome::kCauseLate;
 }

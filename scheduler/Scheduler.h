@@ -29,8 +29,9 @@ struct Upcoming {
     Instant at = 0;     ///< when it will be: later once postponed, warned late or made up
     std::shared_ptr<const ScheduleReading> schedule;
     Step step = Step::kPlanned;
-    std::string by;  ///< who skipped or postponed it
-    Hold hold;       ///< what a waiting one waits for
+    Instant until = 0;  ///< of one that keeps the computer awake: its end
+    std::string by;     ///< who skipped or postponed it
+    Hold hold;          ///< what a waiting one waits for
 };
 
 /// Carries a list of Schedules out. What an event does to what is open, EventTable.h decides. It is told what happens,
@@ -172,6 +173,10 @@ private:
     void runAction(OpenOccurrence& open);
     void queue(OpenOccurrence& open);
     void wakeUp(OpenOccurrence& open);
+    Instant endOf(const Occurrence& one) const;
+    void stayAwake(OpenOccurrence& open);
+    void letSleep(OpenOccurrence& open, const std::string& by);
+    void reckonAnew(OpenOccurrence& open);
     void beginCourse(OpenOccurrence& open);
     void goOn(OpenOccurrence& open);
     void anewOrMissed(OpenOccurrence& open);

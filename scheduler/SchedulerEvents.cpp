@@ -50,6 +50,12 @@ bool Scheduler::befall(OpenOccurrence& open, const Happening& what) {
         case Fate::kAskedFor:
             act([this, one] { _world.actions.find(one); });
             break;
+        case Fate::kLetsSleep:
+            letSleep(open, what.who);
+            break;
+        case Fate::kReckonedAnew:
+            reckonAnew(open);
+            break;
         case Fate::kLidClosed:
             if (one.schedule->wakes && open.at <= now() + kMinute) finish(open, outcome::kLidClosed);
             break;

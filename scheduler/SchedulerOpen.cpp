@@ -24,7 +24,8 @@ bool isOfPostponement(std::string_view token, const std::string& own) {
 }  // namespace
 
 std::string OpenOccurrence::token() const {
-    const bool hasMoved = at != occurrence.due && step != Step::kRunning && step != Step::kQueued;
+    const bool isTimeOfIts = step != Step::kRunning && step != Step::kQueued && step != Step::kStayingAwake;
+    const bool hasMoved = at != occurrence.due && isTimeOfIts;
     return hasMoved ? occurrence.token() + "-" + std::to_string(at) : occurrence.token();
 }
 
@@ -92,6 +93,7 @@ void Scheduler::reachAll() {
 
 void Scheduler::missed(OpenOccurrence& open) {
     const Occurrence& one = open.occurrence;
+    if (one.schedule->kind == ActionKind::kStayAwake && endOf(one) > now()) return stayAwake(open);
     if (!open.madeUp && isWorthwhile(one)) return makeUp(open, rules::kBeforeMakeUp);
     finish(open, outcome::kMissed, {{keys::kCount, 1}, {keys::kCause, causeOf(open.at)}});
 }
@@ -113,6 +115,7 @@ void Scheduler::run(OpenOccurrence& open) {
     const ActionKind kind = open.occurrence.schedule->kind;
     if (kind == ActionKind::kModule) return runAction(open);
     if (kind == ActionKind::kWakeUp) return wakeUp(open);
+    if (kind == ActionKind::kStayAwake) return stayAwake(open);
     beginCourse(open);
 }
 
@@ -140,6 +143,42 @@ void Scheduler::wakeUp(OpenOccurrence& open) {
     _wakefulness.keepAwake();
     const bool started = one.schedule->starts && one.due - _clock.bootInstant() < rules::kStartedFor;
     finish(open, _wakefulness.wasWoken() ? outcome::kWokeUp : started ? outcome::kStarted : outcome::kAwakeAlready);
+}
+
+/// On the wall clock, as it is now, of the day on which it is due, or of the next.
+Instant Scheduler::endOf(const Occurrence& one) const {
+    const int until = one.schedule->until;
+    const bool isNextDay = until <= one.schedule->hour * 60 + one.schedule->minute;
+    const LocalDate date = _world.calendar.dateOf(one.due) + std::chrono::days(isNextDay ? 1 : 0);
+    return _world.calendar.instantOf(date, until / 60, until % 60).value_or(one.due + kDay);
+}
+
+/// However late: while time is left it holds for that.
+void Scheduler::stayAwake(OpenOccurrence& open) {
+    const Instant end = endOf(open.occurrence);
+    if (end <= now()) return missed(open);
+    open.step = Step::kStayingAwake;
+    open.at = end;
+    _changed = true;
+}
+
+void Scheduler::letSleep(OpenOccurrence& open, const std::string& by) {
+    Dictionary arguments{{wire::keys::kUntil, std::min(open.at, now())}};
+    if (!by.empty()) arguments.set(wire::keys::kBy, plainText(by));
+    finish(open, outcome::kKeptAwake, std::move(arguments));
+}
+
+/// The clock was corrected: it is the occurrence within whose time the clock is now, if there is one.
+void Scheduler::reckonAnew(OpenOccurrence& open) {
+    std::optional<Occurrence> present;
+    _agenda->visit(now() - 2 * kDay, now(), [&](const Occurrence& one) {
+        if (one.schedule->digest == open.occurrence.schedule->digest && endOf(one) > now()) present = one;
+    });
+    const OpenOccurrence* known = present ? find(*present) : nullptr;
+    if (!present || (known && known != &open)) return letSleep(open, {});
+    open.occurrence = *present;
+    open.at = endOf(*present);
+    _changed = true;
 }
 
 void Scheduler::beginCourse(OpenOccurrence& open) {

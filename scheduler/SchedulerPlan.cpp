@@ -115,13 +115,16 @@ void Scheduler::takeUpMissed() {
         return std::tie(a.last.due, a.last.schedule->action) < std::tie(b.last.due, b.last.schedule->action);
     });
     for (Missed& missed : sorted) {
-        if (isWorthwhile(missed.last)) {
-            makeUp(open(missed.last, missed.last.due), rules::kBeforeMakeUp);
+        const ScheduleReading& schedule = *missed.last.schedule;
+        const bool staysAwake = schedule.kind == ActionKind::kStayAwake && endOf(missed.last) > now();
+        if (staysAwake || isWorthwhile(missed.last)) {
+            OpenOccurrence& late = open(missed.last, missed.last.due);
+            staysAwake ? stayAwake(late) : makeUp(late, rules::kBeforeMakeUp);
             missed.last.due = missed.beforeLast.value_or(0);
             --missed.count;
         }
         if (missed.count > 0) reportMissed(missed.last, missed.count);
-        const bool wakes = missed.last.schedule->kind == ActionKind::kWakeUp;
+        const bool wakes = schedule.kind == ActionKind::kWakeUp;
         if (wakes) happen({.event = Event::kWakeUpComes, .at = missed.last.due});
     }
 }
@@ -187,12 +190,13 @@ std::vector<Upcoming> Scheduler::upcoming(std::size_t most) const {
     for (const OpenOccurrence& open : _open) {
         if (open.step == Step::kDone) continue;
         const Occurrence& one = open.occurrence;
-        const Instant at = open.course ? open.course->at() : open.at;
+        const bool stays = open.step == Step::kStayingAwake;
+        const Instant at = open.course ? open.course->at() : stays ? one.due : open.at;
         const Hold hold = open.step == Step::kWaiting && open.course ? open.course->hold() : Hold{};
-        result.push_back({open.token(), one.due, at, one.schedule, open.step, open.by, hold});
+        result.push_back({open.token(), one.due, at, one.schedule, open.step, stays ? open.at : 0, open.by, hold});
     }
     for (const Occurrence& one : _agenda->after(std::max(_watermark, now()), most + _open.size())) {
-        if (!find(one)) result.push_back({one.token(), one.due, one.due, one.schedule, Step::kPlanned, {}, {}});
+        if (!find(one)) result.push_back({one.token(), one.due, one.due, one.schedule, Step::kPlanned, 0, {}, {}});
     }
     std::stable_sort(result.begin(), result.end(), [](const Upcoming& a, const Upcoming& b) { return a.at < b.at; });
     if (result.size() > most) result.resize(most);

@@ -42,13 +42,17 @@ struct Reader {
 bool canBeIn(const std::string& action, Step step) {
     const bool isPower = action == schedule_keys::kSleepType || action == schedule_keys::kShutDownType;
     const Column column = rowOf(step).column;
+    const bool staysAwake = action == schedule_keys::kStayAwakeType;
     if (column == Column::kInCourse) return isPower;
-    return !isPower || (column != Column::kRunning && column != Column::kMakeUp && column != Column::kAwaited);
+    if (column == Column::kStayingAwake) return staysAwake;
+    if (column == Column::kRunning) return !isPower && !staysAwake;
+    return !isPower || (column != Column::kMakeUp && column != Column::kAwaited);
 }
 
 Step stepOf(const std::string& action, const std::string& name) {
-    const auto row = std::ranges::find(kSteps, name, &StepRow::name);
-    return row != std::end(kSteps) && canBeIn(action, row->step) ? row->step : Step::kActing;
+    const auto row =
+        std::ranges::find_if(kSteps, [&](const StepRow& one) { return one.name == name && canBeIn(action, one.step); });
+    return row != std::end(kSteps) ? row->step : Step::kActing;
 }
 
 StoredState::Open openFrom(Reader& reader) {

@@ -14,7 +14,7 @@ namespace quorel {
 struct OpenOccurrence {
     Occurrence occurrence;
     Step step = Step::kPlanned;
-    Instant at = 0;       ///< when it is to happen, or in kRunning did begin
+    Instant at = 0;       ///< when it is to happen, in kRunning did begin, in kStayingAwake ends
     std::string by = {};  ///< who skipped or postponed it
     bool madeUp = false;
     std::optional<PowerCourse> course = {};  ///< of a sleep or shut-down whose time has come

@@ -14,10 +14,11 @@ enum class Step {
     kSkipped,  ///< "not this time", its minute yet to come
     kDone,     ///< ended before its minute, which is yet to come; its outcome is told
     kPostponed,
-    kMakeUp,   ///< missed, and to run soon
-    kAwaited,  ///< found nobody to run for, and may run until `at`
-    kQueued,   ///< its time has come; begins when others have ended, or when that can be written down
-    kRunning,  ///< a module's action
+    kMakeUp,        ///< missed, and to run soon
+    kAwaited,       ///< found nobody to run for, and may run until `at`
+    kQueued,        ///< its time has come; begins when others have ended, or when that can be written down
+    kRunning,       ///< a module's action
+    kStayingAwake,  ///< the computer is kept awake until `at`; to others it runs
     // In course, sleep and shut-down:
     kLooking,   ///< may it be? Asked, not yet answered
     kWaiting,   ///< something holds it up
@@ -27,7 +28,18 @@ enum class Step {
 };
 
 /// The columns of the table of events.
-enum class Column { kPlanned, kSkipped, kDone, kPostponed, kMakeUp, kAwaited, kInCourse, kActing, kRunning };
+enum class Column {
+    kPlanned,
+    kSkipped,
+    kDone,
+    kPostponed,
+    kMakeUp,
+    kAwaited,
+    kInCourse,
+    kActing,
+    kRunning,
+    kStayingAwake
+};
 
 /// When a step is looked at again without anything else happening.
 enum class NextLook {
@@ -56,6 +68,7 @@ inline constexpr StepRow kSteps[] = {
     {Step::kAwaited,   wire::step::kAwaited,   Column::kAwaited,    NextLook::kAtItsTime,   false},
     {Step::kQueued,    wire::step::kQueued,    Column::kMakeUp,     NextLook::kAtItsTime,   false},
     {Step::kRunning,   wire::step::kRunning,   Column::kRunning,    NextLook::kNever,       false},
+    {Step::kStayingAwake, wire::step::kRunning, Column::kStayingAwake, NextLook::kAtItsTime, false},
     {Step::kLooking,   wire::step::kLooking,   Column::kInCourse,   NextLook::kInCourse,    false},
     {Step::kWaiting,   wire::step::kWaiting,   Column::kInCourse,   NextLook::kInCourse,    false},
     {Step::kWarned,    wire::step::kWarned,    Column::kInCourse,   NextLook::kInCourse,    false},

@@ -135,7 +135,7 @@ void Wakefulness::move(const PowerCourse::Move& move) {
     _hands.act([this, ticket] { _power.suspend(ticket, SleepKind::kSuspend); });
 }
 
-void Wakefulness::settle(bool isRunning) {
+void Wakefulness::settle(bool isRunning, bool staysAwake) {
     if (_backAt != 0 && _now.boot >= _backAt) {
         _backAt = 0;
         _back.emplace(now(), 0, true);
@@ -148,8 +148,9 @@ void Wakefulness::settle(bool isRunning) {
     const bool keeps = _awakeUntil != 0 || (_wokenFor && isRunning);
     _wokenFor = _wokenFor && keeps;
     if (!keeps || _now.boot - _wokenAt >= rules::kLidHeld * 1000) holdLid(false);
-    if (keeps == std::exchange(_keepsAwake, keeps)) return;
-    _hands.act([this, keeps] { _power.keepAwake(keeps); });
+    const bool holds = keeps || staysAwake;
+    if (holds == std::exchange(_keepsAwake, holds)) return;
+    _hands.act([this, holds] { _power.keepAwake(holds); });
 }
 
 std::optional<Instant> Wakefulness::nextCall() const {

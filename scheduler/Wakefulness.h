@@ -57,8 +57,9 @@ public:
     bool looked(Ticket ticket, const Conditions& conditions, const std::string& running);
     void powerReplied(Ticket ticket, PowerReply reply, const std::string& reason);
 
-    /// What is due by now. `isRunning`: an action that the computer may have been woken for.
-    void settle(bool isRunning);
+    /// What is due by now. `isRunning`: an action that the computer may have been woken for. `staysAwake`: a Schedule
+    /// wants it to.
+    void settle(bool isRunning, bool staysAwake);
     std::optional<Instant> nextCall() const;
 
     /// Both alarms, as the plan wants them. Of a computer that sleeps or is off nobody's alarm but ours is known: they

@@ -66,6 +66,7 @@ constexpr Text kFaults[] = {
     {wire::schedule_fault::kMinute, marked("its minute is not between 0 and 59")},
     {wire::schedule_fault::kAction, marked("there is no such action")},
     {wire::schedule_fault::kProgram, marked("its module has nothing to run")},
+    {wire::schedule_fault::kUntil, marked("the time of day at which it ends is none, or that at which it begins")},
     {wire::schedule_fault::kSleepKind, marked("there is no such kind of sleep")},
     {wire::schedule_fault::kDenied, marked("this computer does not have that kind of sleep")},
 };
@@ -154,6 +155,13 @@ std::string correctionText(Seconds by) {
                   {durationText(by)});
 }
 
+std::string keptAwakeText(const Value& arguments) {
+    const std::string until = timeText(arguments[keys::kUntil].integer());
+    const std::string by = plain(arguments, keys::kBy);
+    if (by.empty()) return filled(translated("kept awake until {1}"), {until});
+    return filled(translated("kept awake until {1}, when {2} let it sleep"), {until, by});
+}
+
 }  // namespace
 
 std::string actionName(const std::string& actionType, bool restarts) {
@@ -183,6 +191,7 @@ std::string outcomeText(const Value& outcome) {
     if (const char* text = textIn(kPlain, code)) return text;
     if (const char* why = textIn(kPrevented, code)) return notDone(action, why);
     if (code == kSlept) return filled(translated("slept until {1}"), {momentText(arguments[keys::kUntil].integer())});
+    if (code == kKeptAwake) return keptAwakeText(arguments);
     if (code == kShutDown)
         return arguments[keys::kRestart].intValue() ? translated("restarted") : translated("shut down");
     if (code == kRan && arguments[keys::kMadeUp].intValue())
@@ -228,6 +237,8 @@ std::string stepText(const Value& upcoming) {
     if (step == wire::step::kMakeUp) return translated("missed, and to be made up for");
     if (step == wire::step::kAwaited) return translated("waits for somebody to log in, until then");
     if (step == wire::step::kQueued) return translated("about to begin");
+    if (step == wire::step::kRunning && upcoming[keys::kUntil].isPresent())
+        return filled(translated("kept awake until {1}"), {timeText(upcoming[keys::kUntil].integer())});
     if (step == wire::step::kRunning) return translated("running");
     if (step == wire::step::kLooking || step == wire::step::kChecking)
         return translated("looking whether anything speaks against it");

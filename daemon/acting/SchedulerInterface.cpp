@@ -27,6 +27,7 @@ Value valueOf(const Upcoming& upcoming) {
                      {keys::kAt, upcoming.at},
                      {keys::kAction, plainText(upcoming.schedule->action)},
                      {keys::kStep, nameOf(upcoming.step)}};
+    if (upcoming.until != 0) value.set(wire::keys::kUntil, upcoming.until);
     if (upcoming.schedule->restarts) value.set(keys::kRestart, true);
     if (!upcoming.by.empty()) value.set(keys::kBy, upcoming.by);
     if (upcoming.hold) {

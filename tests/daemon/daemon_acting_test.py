@@ -145,6 +145,18 @@ class ActingTest(ActingCase):
         self.move_to("23:25")
         self.wait_for(lambda: "idle" not in self.own_locks(), "it may fall asleep")
 
+    def test_stays_awake_until_its_time(self):
+        self.begin(schedule("com.quorel.plugin.StayAwake", "23:15", Until="23:40"))
+        self.reach("23:15", "running")
+        self.wait_for(lambda: "idle" in self.own_locks(), "it stays awake")
+        bus = self.system.connect()
+        self.addCleanup(bus.close)
+        scheduler = bus.get_object("com.quorel.Daemon", "/com/quorel/Scheduler")
+        self.assertEqual(scheduler.Upcoming(1, dbus_interface="com.quorel.Scheduler1")[0]["Until"], instant("23:40"))
+        self.move_to("23:40")
+        self.last("kept-awake", Until=instant("23:40"))
+        self.wait_for(lambda: "idle" not in self.own_locks(), "it may fall asleep")
+
     def test_shuts_down(self):
         for parameters, call, words in (({}, "PowerOff", ": shut down"), ({"Restart": 1}, "Reboot", ": restarted")):
             with self.subTest(call):

@@ -20,7 +20,7 @@ Instant timeOf(const std::string& text) {
 }
 
 /// "Sleep@23:00", with words behind slashes: idle, wake, start, restart, thursday; text has the hour as one; the last
-/// may be a kind of sleep.
+/// may be a kind of sleep. "StayAwake@8:00/17:00" is until 17:00.
 Value scheduleOf(const std::string& text) {
     const std::size_t at = text.find('@');
     int hour = 0, minute = 0;
@@ -34,6 +34,7 @@ Value scheduleOf(const std::string& text) {
     for (const char* kind : {"suspend", "hibernate", "suspend-then-hibernate", "system", "snooze"}) {
         if (text.ends_with(std::string("/") + kind)) own.set("Kind", kind);
     }
+    if (text.starts_with("StayAwake")) own.set("Until", text.substr(text.find('/') + 1));
     Value schedule = every(text.substr(0, at), hour, minute, own);
     if (has("/text")) schedule = schedule.with("Action Hour", std::to_string(hour) + " h");
     for (const std::string_view day : schedule_keys::kActiveOnDays) {
@@ -309,6 +310,28 @@ const Row kRows[] = {
 
     {"input since a stepping stone, as the agent says",
      "near; from 12:00 WakeUp@7:00/thursday; sleep; user desktop 14 ?; until 1+12:00", "+1 11:00 awake"},
+
+    // Staying awake.
+    {"taken up late, never missed before its end", "from 7:00 StayAwake@8:00/17:00; off 7200; next; until 17:05",
+     "09:00 keep awake; 09:00 running; 17:00 kept-awake StayAwake 08:00; 17:00 let sleep"},
+    {"missed when nothing of it is left", "from 7:00 StayAwake@8:00/9:00; off 7200; until 17:00", "09:00 missed StayAwake 08:00 off 1"},
+    {"a planned sleep comes; it holds over that and over a restart",
+     "from 7:59 StayAwake@8:00/17:00 Sleep@9:00; wake 10:00; until 11:00; down 60; until 17:05",
+     "08:00 keep awake; 08:59 warn, for 09:00; 09:00 suspend; 10:00 awake; 10:00 slept Sleep 09:00; 11:01 keep awake; "
+     "17:00 kept-awake StayAwake 08:00; 17:00 let sleep"},
+    {"slept past its end; what follows a wake-up ends later", "from 7:59 StayAwake@8:00/9:30 WakeUp@9:25; until 8:10; wake 9:20; sleep 9:20; until 10:00",
+     "08:00 keep awake; 09:20 awake; 09:25 awake-already WakeUp 09:25; 09:30 kept-awake StayAwake 08:00; 09:35 let sleep"},
+    {"dropped by a save, and what is saved within its time begins the next time",
+     "from 7:59 StayAwake@8:00/17:00; until 9:00; save WakeUp@7:00 StayAwake@8:00/17:00; until 9:10; save; save StayAwake@8:00/17:00; until 10:00",
+     "08:00 keep awake; 09:10 kept-awake StayAwake 08:00; 09:10 let sleep"},
+    {"several, until the last; over midnight; skipped, not postponed",
+     "from 21:59 StayAwake@22:00/6:00 StayAwake@23:00/23:30; until 23:40; postpone; skip; until 1+05:00",
+     "22:00 keep awake; 23:30 kept-awake StayAwake 23:00; 23:40 no such; 23:40 kept-awake StayAwake 22:00 ann; 23:40 let sleep"},
+    {"an end that is none", "from 7:59 StayAwake@8:00/08:00 StayAwake@9:00/25:00; until 10:00",
+     "07:59 cannot-run StayAwake 1 until; 07:59 cannot-run StayAwake 2 until"},
+    {"the clock is corrected: until the end of that day, if it is within its time",
+     "from 7:59 StayAwake@8:00/17:00; until 12:00; set 86400; set 25200; until 1+20:00",
+     "08:00 keep awake; +1 12:00 correction 86400; +1 19:00 kept-awake StayAwake +1 08:00; +1 19:00 correction 25200; +1 19:00 let sleep"},
 
     // Lists and zones.
     {"saved in its own minute: next time", "from 11:50; until 12:00:20; save Plain@12:00; until 1+12:00", "+1 12:00 start Plain"},
