@@ -227,7 +227,8 @@ class SheetTest(PaneCase):
 
         self.apply()
         said = {"Message": "Tea time", "Times": 5, "Needs Startup": True, "Needs Wake Up": True}
-        self.wait_only_stored(self.schedules[0], dict(say, **{"Action Parameters": said}))
+        # What the pane does not know it does not show, and does not delete either.
+        self.wait_only_stored(gone, self.schedules[0], dict(say, **{"Action Parameters": said}))
 
     def test_options_of_every_action(self):
         install_modules(BUILD, self.root, [SAMPLE])
