@@ -56,16 +56,17 @@ void HeldCall::refuse(const char* errorName, const std::string& text) {
     _callers.end(*this);
 }
 
-void Callers::hold(sd_bus_message* call, Known known) {
-    hold(sd_bus_message_get_sender(call), BusAnswer(call), std::move(known));
+void Callers::hold(sd_bus_message* call, const Known& known) {
+    hold(sd_bus_message_get_sender(call), BusAnswer(call), known);
 }
 
-void Callers::hold(const std::string& caller, const BusAnswer& answer, Known known, std::function<void()> gone) {
+void Callers::hold(const std::string& caller, const BusAnswer& answer, const Known& known,
+                   const std::function<void()>& gone) {
     const auto before = _users.find(caller);
     if (_held.contains(caller) || (before != _users.end() && isFull(before->second)))
         return answer.refuse(wire::kBusy, kTooMany);
     watch();
-    HeldCall& call = _held.try_emplace(caller, *this, caller, answer, std::move(known), std::move(gone)).first->second;
+    HeldCall& call = _held.try_emplace(caller, *this, caller, answer, known, gone).first->second;
     if (++_unknown == kMostUnknown) _calls.pause(true);
     findUser(call);
 }

@@ -77,8 +77,9 @@ public:
     using Known = std::function<void(HeldCall&)>;
     /// Holds a call until it is accepted or refused. `known` is called later, once the user is known; `gone` before
     /// the call goes by itself after that. Refuses by itself when too many wait.
-    void hold(sd_bus_message* call, Known known);
-    void hold(const std::string& caller, const BusAnswer& answer, Known known, std::function<void()> gone = {});
+    void hold(sd_bus_message* call, const Known& known);
+    void hold(const std::string& caller, const BusAnswer& answer, const Known& known,
+              const std::function<void()>& gone = {});
     /// Null when the caller does not wait.
     HeldCall* find(std::string_view caller);
 

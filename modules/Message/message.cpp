@@ -39,14 +39,24 @@ void check(int result, const sd_bus_error* error = nullptr) {
     throw std::runtime_error(std::string("nobody shows notifications: ") + reason);
 }
 
-/// Everything is given back when the program ends.
-void show(const std::string& title, const std::string& text) {
+/// What libsystemd has handed out, given back at the end.
+struct Conversation {
     sd_bus* bus = nullptr;
+    sd_bus_message* reply = nullptr;
+    sd_bus_error error = SD_BUS_ERROR_NULL;
+    ~Conversation() {
+        sd_bus_error_free(&error);
+        sd_bus_message_unref(reply);
+        sd_bus_flush_close_unref(bus);
+    }
+};
+
+void show(const std::string& title, const std::string& text) {
+    Conversation conversation;
+    auto& [bus, reply, error] = conversation;
     check(sd_bus_open_user(&bus));
     check(sd_bus_set_method_call_timeout(bus, kPatience));
 
-    sd_bus_error error = SD_BUS_ERROR_NULL;
-    sd_bus_message* reply = nullptr;
     check(sd_bus_call_method(bus, kService, kPath, kService, "GetCapabilities", &error, &reply, ""), &error);
     bool markup = false;
     check(sd_bus_message_enter_container(reply, 'a', "s"));

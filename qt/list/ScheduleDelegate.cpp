@@ -13,7 +13,8 @@ namespace {
 
 /// What stands in the second place: legible, and less than the text itself.
 QColor faded(const QPalette& palette, double share = 0.62) {
-    const QColor text = palette.color(QPalette::Text), base = palette.color(QPalette::Base);
+    const QColor& text = palette.color(QPalette::Text);
+    const QColor& base = palette.color(QPalette::Base);
     const auto mix = [share](int a, int b) { return static_cast<int>(a * share + b * (1 - share)); };
     return {mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue())};
 }
