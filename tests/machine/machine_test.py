@@ -288,7 +288,7 @@ class PackageTest(unittest.TestCase):
 
     def test_08b_the_warning_has_a_button_for_not_this_time(self):
         self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}))
-        guest.run("printf '[global]\\ndmenu = /bin/grep Not\\n' > /run/dunstrc")
+        guest.run("printf '[global]\\ndmenu = /bin/grep Skip\\n' > /run/dunstrc")
         guest.run(anna("dunst -config /run/dunstrc > /dev/null 2>&1 &"))
         guest.run("busctl call org.freedesktop.login1 /org/freedesktop/login1/seat/seat0 org.freedesktop.login1.Seat "
                   "SwitchTo u 1; date -s '2027-03-01 17:29:20'")
