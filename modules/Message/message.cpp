@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "model/ActionParameters.h"
+#include "model/PlainText.h"
 #include "modules/Program.h"
 
 namespace {
@@ -17,21 +18,6 @@ constexpr const char* kService = "org.freedesktop.Notifications";
 constexpr const char* kPath = "/org/freedesktop/Notifications";
 constexpr std::uint64_t kPatience = 20'000'000;  // microseconds; the server may have to be started first
 constexpr std::int32_t kUntilItIsSeen = 0;
-
-std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        if (c == '&')
-            result += "&amp;";
-        else if (c == '<')
-            result += "&lt;";
-        else if (c == '>')
-            result += "&gt;";
-        else
-            result += c;
-    }
-    return result;
-}
 
 void check(int result, const sd_bus_error* error = nullptr) {
     if (result >= 0) return;
@@ -64,7 +50,7 @@ void show(const std::string& title, const std::string& text) {
     while (sd_bus_message_read(reply, "s", &capability) > 0)
         markup = markup || std::string_view(capability) == "body-markup";
 
-    const std::string body = markup ? escaped(text) : text;
+    const std::string body = markup ? quorel::escapedMarkup(text) : text;
     check(sd_bus_call_method(bus, kService, kPath, kService, "Notify", &error, nullptr, "susssasa{sv}i", "Quorel",
                              std::uint32_t{0}, "", title.c_str(), body.c_str(), 0, 1, "desktop-entry", "s", "quorel",
                              kUntilItIsSeen),

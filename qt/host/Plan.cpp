@@ -51,18 +51,17 @@ void Plan::fetch() {
         _again = true;
         return;
     }
-    _missing = 3;
+    _missing = 2;
     read(wire::scheduler::kUpcoming, kMostUpcoming, _upcoming);
     read(wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes, _outcomes);
-    read(wire::scheduler::kStatus, 0, _status);
 }
 
 void Plan::read(const char* method, unsigned most, Value& into) {
     const auto call =
         newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
-    if (most > 0) sd_bus_message_append(call.get(), "u", most);
+    sd_bus_message_append(call.get(), "u", most);
     sd_bus_message_set_auto_start(call.get(), false);
-    send(method, call, [this, &into](sd_bus_message* reply) {
+    send(method, call, kPatience, [this, &into](sd_bus_message* reply) {
         const bool answered = !errorOf(reply);
         into = answered ? readValue(reply).value_or(Value()) : Value();
         _isThere = answered;
@@ -70,9 +69,8 @@ void Plan::read(const char* method, unsigned most, Value& into) {
     });
 }
 
-void Plan::send(const std::string& key, const BusMessagePointer& call, std::function<void(sd_bus_message*)> replied) {
-    const auto limit =
-        key.size() > 12 ? std::chrono::microseconds(kPersonsPatience) : std::chrono::microseconds(kPatience);
+void Plan::send(const std::string& key, const BusMessagePointer& call, std::chrono::seconds limit,
+                std::function<void(sd_bus_message*)> replied) {
     _calls[key] =
         callAsync(_bus.get(), call.get(), limit, [this, key, replied = std::move(replied)](sd_bus_message* reply) {
             const auto ended = _calls.extract(key);
@@ -94,7 +92,7 @@ void Plan::change(const char* method, const std::string& token, Done done) {
         newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
     sd_bus_message_append(call.get(), "s", token.c_str());
     sd_bus_message_set_allow_interactive_authorization(call.get(), true);
-    send(method + token, call, [this, done = std::move(done)](sd_bus_message* reply) {
+    send(method + token, call, kPersonsPatience, [this, done = std::move(done)](sd_bus_message* reply) {
         const BusError error = errorOf(reply);
         done(error.name, error.message);
         fetch();

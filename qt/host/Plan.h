@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <string>
@@ -9,7 +10,7 @@
 
 namespace quorel::qt {
 
-/// The daemon's side of what the window shows: what comes next, what happened, how it is. Fetched by calls to the
+/// The daemon's side of what the window shows: what comes next and what happened. Fetched by calls to the
 /// daemon's name, again whenever a signal says that it may be worth it. The thread of the loop.
 class Plan {
 public:
@@ -22,7 +23,6 @@ public:
     bool isThere() const { return _isThere; }
     const Array& upcoming() const { return _upcoming.array(); }
     const Array& outcomes() const { return _outcomes.array(); }  ///< oldest first
-    const Value& status() const { return _status; }
 
     void fetch();
     /// Calls one of the daemon's methods, which asks polkit and with it a person; `done` is called later, once.
@@ -30,7 +30,8 @@ public:
 
 private:
     void read(const char* method, unsigned most, Value& into);
-    void send(const std::string& key, const BusMessagePointer& call, std::function<void(sd_bus_message*)> replied);
+    void send(const std::string& key, const BusMessagePointer& call, std::chrono::seconds limit,
+              std::function<void(sd_bus_message*)> replied);
     void fetched();
 
     const std::function<void()> _changed;
@@ -41,7 +42,7 @@ private:
     int _missing = 0;
     bool _again = false;
     bool _isThere = false;
-    Value _upcoming, _outcomes, _status;
+    Value _upcoming, _outcomes;
 };
 
 }  // namespace quorel::qt

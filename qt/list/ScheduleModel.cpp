@@ -115,8 +115,6 @@ QVariant ScheduleModel::data(const QModelIndex& index, int role) const {
             return spokenText(index);
         case kLineRole:
             return qString(valueAt(index)[summary::kAction].text());
-        case kNeedsRole:
-            return qString(summary::dotNameOf(valueAt(index)) ? summary::dotNameOf(valueAt(index)) : "");
         case kFaultRole:
             return noteOf ? noteOf(index.row()).fault : QString();
         case kOnRole:

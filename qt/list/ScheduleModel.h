@@ -35,7 +35,7 @@ private:
 /// for.
 class ScheduleModel : public QAbstractTableModel {
 public:
-    enum Role { kLineRole = Qt::UserRole, kNeedsRole, kFaultRole, kOnRole };
+    enum Role { kLineRole = Qt::UserRole, kFaultRole, kOnRole };
 
     ScheduleModel();
 

@@ -116,10 +116,6 @@ Value EditSheet::timeAndDays() const {
     return schedule;
 }
 
-bool EditSheet::isAskedToWake() const {
-    return _wakes->isChecked();
-}
-
 void EditSheet::connectTo(VXConfigurator& owner) {
     _owner = &owner;
     auto& outlets = owner.outlets;

@@ -25,7 +25,6 @@ public:
     void connectTo(VXConfigurator& owner);
     /// What the controls say, as a Schedule of no action: for telling when it comes next.
     Value timeAndDays() const;
-    bool isAskedToWake() const;
 
     /// Called after every change of a control, with the sheet as it stands then.
     std::function<void()> changed;
