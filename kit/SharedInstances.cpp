@@ -14,7 +14,7 @@ class NoCommunicationCenter : public VXCommunicationCenter {
     bool pingDaemon() override { return false; }
     bool pingAgentOfUser(unsigned) override { return false; }
     bool postNotificationToDaemon(const Notification&) override { return false; }
-    bool postNotificationToDaemon(const Notification&, const Value&) override { return false; }
+    EditsAnswer postNotificationToDaemon(const Notification&, const Value&) override { return {}; }
     bool postNotificationToAgentOfUser(const Notification&, unsigned) override { return false; }
 };
 

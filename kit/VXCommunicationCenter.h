@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
+#include "model/Value.h"
 #include "platform/NotificationCenter.h"
 
 namespace quorel {
@@ -9,6 +11,14 @@ namespace quorel {
 /// What the communication center asks of the object that stands for this program.
 /// `pong` may be asked on any thread.
 class VXCommunicationProtocol;
+
+/// What the daemon made of edits.
+struct EditsAnswer {
+    bool isHandled = false;
+    std::string error;  ///< the name of what it refused with; empty where it has not answered
+    std::string text;   ///< why, for people
+    Value joined;       ///< "Others" and "Both", as docs/protocol.md says
+};
 
 /// The channel between the product's programs: pings and notifications to the daemon and to a user's agent.
 /// Every operation may be called from any thread, blocks, and reports failure by its result alone.
@@ -36,7 +46,7 @@ public:
     virtual bool postNotificationToDaemon(const Notification& notification) = 0;
     /// The same of edited preferences, with what the user information would have been had nobody edited it: the daemon
     /// joins the edits with those of others. A daemon of a version that does not know how is sent nothing.
-    virtual bool postNotificationToDaemon(const Notification& notification, const Value& base) = 0;
+    virtual EditsAnswer postNotificationToDaemon(const Notification& notification, const Value& base) = 0;
     virtual bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) = 0;
 };
 

@@ -8,6 +8,19 @@
 
 namespace quorel {
 
+namespace {
+
+/// None where the reply has another signature.
+std::string bytesOf(sd_bus_message* reply) {
+    const void* bytes = nullptr;
+    std::size_t size = 0;
+    if (sd_bus_message_has_signature(reply, "ay") <= 0 || sd_bus_message_read_array(reply, 'y', &bytes, &size) <= 0)
+        return {};
+    return {static_cast<const char*>(bytes), size};
+}
+
+}  // namespace
+
 /// A call under way. Must not be moved: what waits for the reply knows where it is.
 struct BusPeer::Call {
     BusMessagePointer reply;
@@ -35,8 +48,8 @@ bool BusPeer::ping(Clock::time_point deadline) {
     return reply && sd_bus_message_read(reply.get(), "b", &alive) >= 0 && alive;
 }
 
-BusPeer::Outcome BusPeer::post(const Post& post, std::chrono::milliseconds silence, Clock::time_point deadline,
-                               std::string& text) {
+BusPeer::PostReply BusPeer::post(const Post& post, std::chrono::milliseconds silence, Clock::time_point deadline) {
+    using Outcome = PostReply::Outcome;
     const auto message = newCall(wire::kPath, wire::kInterface, post.base ? wire::kPostEdits : wire::kPostNotification);
     Call call;
     if (!message || sd_bus_message_set_allow_interactive_authorization(message.get(), true) < 0 ||
@@ -44,17 +57,16 @@ BusPeer::Outcome BusPeer::post(const Post& post, std::chrono::milliseconds silen
         sd_bus_message_append_array(message.get(), 'y', post.userInfo.data(), post.userInfo.size()) < 0 ||
         (post.base && sd_bus_message_append_array(message.get(), 'y', post.base->data(), post.base->size()) < 0) ||
         !begin(call, message.get()))
-        return Outcome::Silent;
+        return {Outcome::Silent};
     while (!wait(call, std::min(deadline, Clock::now() + silence))) {
         const auto now = Clock::now();
-        if (now >= deadline || !ping(std::min(deadline, now + silence))) return Outcome::Silent;
+        if (now >= deadline || !ping(std::min(deadline, now + silence))) return {Outcome::Silent};
     }
-    const sd_bus_error* error = sd_bus_message_get_error(call.reply.get());
-    if (!error) return Outcome::Handled;
-    if (sd_bus_error_has_name(error, SD_BUS_ERROR_NO_REPLY)) return Outcome::Silent;  // it has ended meanwhile
-    text = error->message ? error->message : error->name;
-    if (sd_bus_error_has_name(error, SD_BUS_ERROR_UNKNOWN_METHOD)) text = "the program is of an earlier version";
-    return Outcome::Refused;
+    BusError error = errorOf(call.reply.get());
+    if (!error) return {Outcome::Handled, {}, bytesOf(call.reply.get())};
+    if (error.name == SD_BUS_ERROR_NO_REPLY) return {Outcome::Silent};  // it has ended meanwhile
+    if (error.name == SD_BUS_ERROR_UNKNOWN_METHOD) error.message = "the program is of an earlier version";
+    return {Outcome::Refused, std::move(error)};
 }
 
 bool BusPeer::begin(Call& call, sd_bus_message* message) {

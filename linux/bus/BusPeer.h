@@ -34,10 +34,13 @@ public:
         std::string userInfo;             ///< bytes of a property list, or none
         std::optional<std::string> base;  ///< likewise, where the call for edits is to be made
     };
-    enum class Outcome { Handled, Refused, Silent };
-    /// Waits as long as the peer answers a ping within `silence`, and until `deadline` at most. `text` tells why
-    /// it was refused.
-    Outcome post(const Post& post, std::chrono::milliseconds silence, Clock::time_point deadline, std::string& text);
+    struct PostReply {
+        enum class Outcome { Handled, Refused, Silent } outcome;
+        BusError refusal = {};
+        std::string joined = {};  ///< bytes of a property list: what edits were joined with
+    };
+    /// Waits as long as the peer answers a ping within `silence`, and until `deadline` at most.
+    PostReply post(const Post& post, std::chrono::milliseconds silence, Clock::time_point deadline);
 
 private:
     struct Call;

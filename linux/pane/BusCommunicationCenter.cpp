@@ -33,20 +33,21 @@ std::string encoded(const Value& dictionary) {
 }
 
 /// `base`: what preferences were edited from, if they were.
-bool post(BusPeer& peer, const Notification& notification, const BusCommunicationCenter::Limits& limits,
-          const Value& base = Value()) try {
+EditsAnswer post(BusPeer& peer, const Notification& notification, const BusCommunicationCenter::Limits& limits,
+                 const Value& base = Value()) try {
+    using Outcome = BusPeer::PostReply::Outcome;
     std::optional<std::string> baseBytes;
     if (base.isPresent()) baseBytes = encoded(base);
-    std::string text;
-    const auto outcome = peer.post(
+    BusPeer::PostReply reply = peer.post(
         {notification.name, notification.object.value_or(""), encoded(notification.userInfo), std::move(baseBytes)},
-        limits.silence, Clock::now() + limits.handling, text);
-    if (outcome == BusPeer::Outcome::Silent) MOLLog("%s was not handled: no answer.", notification.name.c_str());
-    if (outcome == BusPeer::Outcome::Refused) MOLLog("%s was refused: %s", notification.name.c_str(), text.c_str());
-    return outcome == BusPeer::Outcome::Handled;
+        limits.silence, Clock::now() + limits.handling);
+    const std::string& why = reply.refusal.message;
+    if (reply.outcome == Outcome::Silent) MOLLog("%s was not handled: no answer.", notification.name.c_str());
+    if (reply.outcome == Outcome::Refused) MOLLog("%s was refused: %s", notification.name.c_str(), why.c_str());
+    return {reply.outcome == Outcome::Handled, reply.refusal.name, why, decodePropertyList(reply.joined)};
 } catch (const std::invalid_argument& reason) {
     MOLLog("%s was not sent: the user information %s.", notification.name.c_str(), reason.what());
-    return false;
+    return {false, wire::kInvalidPreferences, std::string("the user information ") + reason.what(), {}};
 }
 
 bool belongsTo(unsigned userId, BusPeer& peer, Clock::time_point deadline) {
@@ -126,22 +127,22 @@ bool BusCommunicationCenter::pingAgentOfUser(unsigned userId) try {
 
 bool BusCommunicationCenter::postNotificationToDaemon(const Notification& notification) try {
     BusPeer peer(Bus::System, kDaemonName.data(), Clock::now() + _limits.silence);
-    return post(peer, notification, _limits);
+    return post(peer, notification, _limits).isHandled;
 } catch (const std::exception&) {
     return false;
 }
 
-bool BusCommunicationCenter::postNotificationToDaemon(const Notification& notification, const Value& base) try {
+EditsAnswer BusCommunicationCenter::postNotificationToDaemon(const Notification& notification, const Value& base) try {
     BusPeer peer(Bus::System, kDaemonName.data(), Clock::now() + _limits.silence);
     return post(peer, notification, _limits, base);
 } catch (const std::exception&) {
-    return false;
+    return {};
 }
 
 bool BusCommunicationCenter::postNotificationToAgentOfUser(const Notification& notification, unsigned userId) try {
     const auto deadline = Clock::now() + _limits.silence;
     BusPeer peer(Bus::Session, kUserAgentName.data(), deadline);
-    return belongsTo(userId, peer, deadline) && post(peer, notification, _limits);
+    return belongsTo(userId, peer, deadline) && post(peer, notification, _limits).isHandled;
 } catch (const std::exception&) {
     return false;
 }

@@ -31,7 +31,7 @@ public:
     bool pingAgentOfUser(unsigned userId) override;
 
     bool postNotificationToDaemon(const Notification& notification) override;
-    bool postNotificationToDaemon(const Notification& notification, const Value& base) override;
+    EditsAnswer postNotificationToDaemon(const Notification& notification, const Value& base) override;
     bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) override;
 
 private:

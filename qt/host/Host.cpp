@@ -9,6 +9,7 @@
 
 #include "model/Preferences.h"
 #include "model/Schedule.h"
+#include "qt/host/SaveText.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
 
@@ -156,28 +157,23 @@ bool Host::saveBy(void (VXPrefPaneController::*how)()) {
     const Array list = configurator.scheduleArray();
     const int updates = outlets.checkUpdateAtStartup->state(), frequency = outlets.popUpUpdate->indexOfSelectedItem(),
               menu = outlets.menuCheck->state();
+    _parts.center.takeLastSave();
     _isSaving = true;
     (_controller.get()->*how)();
     _isSaving = false;
-    switch (_parts.center.takeLastSave()) {
-        case PatientCenter::Save::kNoDaemon:
-            _parts.window.notice(
-                qString(translated("The daemon does not answer. Your changes are kept here, and not stored.")));
-            return false;
-        case PatientCenter::Save::kNotHandled:
-            configurator.setScheduleArray(Value(list));
-            outlets.checkUpdateAtStartup->setState(updates);
-            outlets.popUpUpdate->selectItemAtIndex(frequency);
-            outlets.menuCheck->setState(menu);
-            _controller->setNeedsSave(nullptr);
-            _parts.window.notice(
-                qString(translated("The daemon has refused your changes. They are kept here, and not "
-                                   "stored.")));
-            return false;
-        default:
-            _parts.window.notice({});
-            return true;
+    const std::optional<EditsAnswer> answer = _parts.center.takeLastSave();
+    if (!answer || answer->isHandled) {
+        const Value joined = answer ? answer->joined : Value();
+        _parts.window.notice(joinedText(joined, configurator.scheduleArray(), _parts.window.list->schedules()));
+        return true;
     }
+    configurator.setScheduleArray(Value(list));
+    outlets.checkUpdateAtStartup->setState(updates);
+    outlets.popUpUpdate->selectItemAtIndex(frequency);
+    outlets.menuCheck->setState(menu);
+    _controller->setNeedsSave(nullptr);
+    _parts.window.notice(notStoredText(*answer));
+    return false;
 }
 
 void Host::reread() {

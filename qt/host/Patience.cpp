@@ -61,16 +61,17 @@ AuthorizationStatus PatientAuthorization::AuthorizationFree(AuthorizationRef aut
     return _authorization.AuthorizationFree(authorization, flags);
 }
 
-bool PatientCenter::ask(const std::function<bool()>& question) {
+template <class Question>
+auto PatientCenter::ask(const Question& question) {
     if (QThread::currentThread() != qApp->thread()) return question();
-    bool answer = false;
+    decltype(question()) answer{};
     _patience.during([&] { answer = question(); });
     return answer;
 }
 
 bool PatientCenter::pingDaemon() {
     const bool alive = ask([&] { return _center.pingDaemon(); });
-    if (!alive && QThread::currentThread() == qApp->thread()) _lastSave = Save::kNoDaemon;
+    if (!alive && QThread::currentThread() == qApp->thread()) _lastSave = EditsAnswer();
     return alive;
 }
 
@@ -82,10 +83,10 @@ bool PatientCenter::postNotificationToDaemon(const Notification& notification) {
     return ask([&] { return _center.postNotificationToDaemon(notification); });
 }
 
-bool PatientCenter::postNotificationToDaemon(const Notification& notification, const Value& base) {
-    const bool handled = ask([&] { return _center.postNotificationToDaemon(notification, base); });
-    _lastSave = handled ? Save::kHandled : Save::kNotHandled;
-    return handled;
+EditsAnswer PatientCenter::postNotificationToDaemon(const Notification& notification, const Value& base) {
+    EditsAnswer answer = ask([&] { return _center.postNotificationToDaemon(notification, base); });
+    _lastSave = answer;
+    return answer;
 }
 
 bool PatientCenter::postNotificationToAgentOfUser(const Notification& notification, unsigned userId) {

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <functional>
+#include <optional>
 #include <utility>
 
 #include "kit/VXCommunicationCenter.h"
@@ -43,24 +44,24 @@ class PatientCenter : public VXCommunicationCenter {
 public:
     PatientCenter(VXCommunicationCenter& center, Patience& patience) : _center(center), _patience(patience) {}
 
-    /// How the last save ended; main thread.
-    enum class Save { kNone, kNoDaemon, kHandled, kNotHandled };
-    Save takeLastSave() { return std::exchange(_lastSave, Save::kNone); }
+    /// How the last save ended, once; nothing where none was tried. Main thread.
+    std::optional<EditsAnswer> takeLastSave() { return std::exchange(_lastSave, std::nullopt); }
 
     void setObserver(std::weak_ptr<VXCommunicationProtocol> observer) override { _center.setObserver(observer); }
     void createServerConnection() override { _center.createServerConnection(); }
     bool pingDaemon() override;
     bool pingAgentOfUser(unsigned userId) override;
     bool postNotificationToDaemon(const Notification& notification) override;
-    bool postNotificationToDaemon(const Notification& notification, const Value& base) override;
+    EditsAnswer postNotificationToDaemon(const Notification& notification, const Value& base) override;
     bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) override;
 
 private:
-    bool ask(const std::function<bool()>& question);
+    template <class Question>
+    auto ask(const Question& question);
 
     VXCommunicationCenter& _center;
     Patience& _patience;
-    Save _lastSave = Save::kNone;
+    std::optional<EditsAnswer> _lastSave;
 };
 
 }  // namespace quorel::qt

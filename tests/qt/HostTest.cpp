@@ -2,6 +2,7 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include "model/Wire.h"
 #include "tests/qt/WindowTest.h"
 
 namespace quorel::test {
@@ -63,6 +64,7 @@ TEST_F(HostTest, DiscardingSavesNothing) {
 
 TEST_F(HostTest, WhatIsNotStoredStays) {
     open();
+    center.answer = {false, wire::kStorageFailed, "the disk is full", {}};
     for (const bool daemonAlive : {true, false}) {
         center.handles = false;
         center.daemonAlive = daemonAlive;
@@ -71,7 +73,9 @@ TEST_F(HostTest, WhatIsNotStoredStays) {
         window.apply->click();
         EXPECT_EQ(hours(), daemonAlive ? "8 9 " : "9 ");
         EXPECT_TRUE(window.apply->isEnabled());
-        EXPECT_TRUE(window.noticeBar->isVisible());
+        EXPECT_TRUE(window.noticeText->text().startsWith(daemonAlive
+                                                             ? QStringLiteral("The daemon refused: the disk is full")
+                                                             : QStringLiteral("The daemon does not")));
     }
     answer("Apply");
     window.close();
@@ -81,6 +85,21 @@ TEST_F(HostTest, WhatIsNotStoredStays) {
     EXPECT_EQ(saved(), "9 ");
     EXPECT_FALSE(window.noticeBar->isVisible());
     EXPECT_FALSE(window.apply->isEnabled());
+}
+
+TEST_F(HostTest, SaysWhatASaveWasJoinedWith) {
+    open();
+    const Array changed = plan({7, 8, 9, 10})[preferences::kScheduleArray].array();
+    center.onDaemon = [&](const Notification&) { store(plan({7, 8, 9, 10})); };
+    center.answer.joined =
+        Dictionary{{wire::keys::kOthers, 1}, {wire::keys::kBoth, Array{Value(Array{changed[3], changed[0]})}}};
+    select(0);
+    press(Qt::Key_Delete);
+    window.apply->click();
+    const QString told = window.noticeText->text();
+    EXPECT_TRUE(told.startsWith(QStringLiteral("Others have stored 1 schedule")) &&
+                told.contains(QStringLiteral("both stay:\n  10:00")))
+        << told.toStdString();
 }
 
 TEST_F(HostTest, TakesADeletionBack) {

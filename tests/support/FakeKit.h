@@ -30,13 +30,14 @@ public:
         return agentAlive;
     }
     bool postNotificationToDaemon(const Notification& notification) override {
-        return postNotificationToDaemon(notification, Value());
+        return postNotificationToDaemon(notification, Value()).isHandled;
     }
-    bool postNotificationToDaemon(const Notification& notification, const Value& base) override {
+    EditsAnswer postNotificationToDaemon(const Notification& notification, const Value& base) override {
         bases.push_back(base);
         toDaemon.push_back(notification);
         if (onDaemon) onDaemon(notification);
-        return handles;
+        answer.isHandled = handles;
+        return answer;
     }
     bool postNotificationToAgentOfUser(const Notification& notification, unsigned userId) override {
         toAgent.emplace_back(notification, userId);
@@ -46,6 +47,7 @@ public:
     bool daemonAlive = false;
     bool agentAlive = false;
     bool handles = false;                               ///< what is posted to the daemon
+    EditsAnswer answer;                                 ///< to edits, beside that
     std::function<void()> onPing;                       ///< while a ping is under way
     std::function<void(const Notification&)> onDaemon;  ///< what the daemon does
     std::weak_ptr<VXCommunicationProtocol> observer;

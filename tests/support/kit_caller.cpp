@@ -82,7 +82,7 @@ int main(int, char** arguments) {
             result = center.postNotificationToDaemon(notification(name, kDaemonName, bytes));
         }
         if (command == "post-edits" && words >> name)
-            result = center.postNotificationToDaemon(notification(name, kDaemonName), Value(Dictionary()));
+            result = center.postNotificationToDaemon(notification(name, kDaemonName), Value(Dictionary())).isHandled;
         if (command == "post-agent" && words >> number >> name)
             result = center.postNotificationToAgentOfUser(notification(name, kUserAgentName), number);
         if (command == "open" && words >> name) {
