@@ -309,11 +309,14 @@ private:
                               told["Arguments"].dictionary()};
         const Instant now = outcome.at;  // it may have been stored later
         if (outcome.code == outcome::kCorrection) {
-            // What has run may come again after a correction; what was only told, when the clock was ahead.
-            const bool isGreat =
-                std::abs(outcome.arguments["By"].integer()) >= 10'800 || outcome.arguments["By"].integer() == 0;
+            // What has run may come again after a correction; where the clock was ahead, what has run before this boot
+            // and what was only told. What is remembered as done may not.
+            const std::int64_t by = outcome.arguments["By"].integer();
+            const bool isGreat = std::abs(by) >= 10'800 || by == 0;
             std::erase_if(_told, [&](const auto& one) {
-                return one.first.first > now && (isGreat || one.second == outcome::kMissed);
+                const auto& [code, boot] = one.second;
+                const bool comesAgain = isGreat || code == outcome::kMissed || boot != _world.bootId;
+                return one.first.first > now && comesAgain && !isDone(one.first);
             });
             if (isGreat) _lastWakeUp = -kDay * 1000;
             _mark = now;
@@ -325,13 +328,19 @@ private:
         const std::int64_t count = outcome.code == outcome::kMissed ? outcome.arguments["Count"].integer() : 1;
         if (count > 1) return heardMany(outcome, count);
         const Key key(outcome.due, outcome.action);
-        if (_told.contains(key) && !areSeveral(key)) fail("told twice: " + _told[key] + " and " + outcome.code);
-        _told[key] = outcome.code;
+        if (_told.contains(key) && !areSeveral(key)) fail("told twice: " + _told[key].first + " and " + outcome.code);
+        _told[key] = {outcome.code, _world.bootId};
         const bool isWakeUp = outcome.code == outcome::kWokeUp || outcome.code == outcome::kStarted ||
                               outcome.code == outcome::kAwakeAlready;
         if (!isWakeUp) return;
         _lastWakeUp = _world.now.boot;
         _lastWakeUpDue = std::max(outcome.due, now - 60);
+    }
+    bool isDone(const Key& key) const {
+        return std::ranges::any_of(_world.stored["Open"].array(), [&](const Value& open) {
+            return open["Step"].text() == "done" && open["Due"].integer() == key.first &&
+                   open["Action"].text() == key.second;
+        });
     }
     /// Two Schedules of one action, which the clock's leap or a zone brings together.
     bool areSeveral(const Key& key) const {
@@ -359,7 +368,8 @@ private:
         }
         std::ranges::sort(some, std::greater());
         if (some.size() < std::size_t(count)) return fail("missed more than there were");
-        for (std::int64_t i = 0; i < count; ++i) _told.emplace(Key(some[std::size_t(i)], last.action), last.code);
+        for (std::int64_t i = 0; i < count; ++i)
+            _told.emplace(Key(some[std::size_t(i)], last.action), std::pair(last.code, _world.bootId));
     }
     /// What has been taken up, is accounted for.
     void saved(const Value& before, const Value& after) {
@@ -434,7 +444,7 @@ private:
     bool _wasFull = false;  ///< something was not stored
     std::int64_t _trustedAt = 0;
     Seconds _ahead = 0;
-    std::map<Key, std::string> _told;
+    std::map<Key, std::pair<std::string, std::string>> _told;  ///< the code, and in which boot
     std::map<Key, Instant> _postponed;
     std::vector<std::pair<Instant, Instant>> _pending;
     Instant _mark = 0;
