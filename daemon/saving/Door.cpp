@@ -25,11 +25,11 @@ Door::Door(EventLoop& loop, Callers& callers, const std::string& root, Stored st
       _reader(loop, _store),
       _tidying(loop, [] { malloc_trim(0); }),
       _endpoint(callers.connection(),
-                [this](const auto& notification, const auto& answer) { take(notification, answer); }) {
+                [this](const auto& notification, const auto& answer) { receive(notification, answer); }) {
     _store.removeLeftovers();
 }
 
-void Door::take(const BusNotification& notification, const BusAnswer& answer) {
+void Door::receive(const BusNotification& notification, const BusAnswer& answer) {
     if (!_tidying.isRunning()) _tidying.start(1s);
     if (notification.name != kDaemonMustReloadPrefs || notification.object != kDaemonName)
         return answer.refuse(wire::kUnknownNotification, "The daemon takes no such notification.");
@@ -59,36 +59,36 @@ void Door::readNext() {
         _unread.pop_front();
         const auto next = _saves.find(name);
         if (next == _saves.end()) continue;  // has gone meanwhile
-        _reader.read(next->second.sent, next->second.allowed, [this, name](const ListReader::Outcome& outcome) {
+        _reader.read(next->second.sent, next->second.allowed, [this, name](const ListReader::Reading& reading) {
             const auto found = _saves.find(name);
             if (found != _saves.end())
-                decide(found->second, outcome);
-            else if (outcome.kind == ListReader::Outcome::Kind::Stored)
-                _stored(outcome.text);  // whoever sent it has gone meanwhile
+                decide(found->second, reading);
+            else if (reading.kind == ListReader::Reading::Kind::Stored)
+                _stored(reading.text);  // whoever sent it has gone meanwhile
             readNext();
         });
     }
 }
 
-void Door::decide(Save& save, const ListReader::Outcome& outcome) {
-    if (outcome.keptUnreadable) MOLLog("The file in place cannot be read; it is kept beside the new one.");
-    switch (outcome.kind) {
-        case ListReader::Outcome::Kind::Absent:  // which something that was sent never is
-        case ListReader::Outcome::Kind::Failed:
-            return refuse(save, wire::kFailed, outcome.text);
-        case ListReader::Outcome::Kind::Invalid:
-            return refuse(save, wire::kInvalidPreferences, outcome.text);
-        case ListReader::Outcome::Kind::InPlace:
+void Door::decide(Save& save, const ListReader::Reading& reading) {
+    if (reading.keptUnreadable) MOLLog("The file in place cannot be read; it is kept beside the new one.");
+    switch (reading.kind) {
+        case ListReader::Reading::Kind::Absent:  // which something that was sent never is
+        case ListReader::Reading::Kind::Failed:
+            return refuse(save, wire::kFailed, reading.text);
+        case ListReader::Reading::Kind::Invalid:
+            return refuse(save, wire::kInvalidPreferences, reading.text);
+        case ListReader::Reading::Kind::InPlace:
             _log.say(save.call.user(), "those in place.");
-            return end(save).accept(outcome.joined);
-        case ListReader::Outcome::Kind::Fresh:
+            return end(save).accept(reading.joined);
+        case ListReader::Reading::Kind::Fresh:
             return ask(save);
-        case ListReader::Outcome::Kind::NotStored:
-            return refuse(save, wire::kStorageFailed, outcome.text);
-        case ListReader::Outcome::Kind::Stored:
+        case ListReader::Reading::Kind::NotStored:
+            return refuse(save, wire::kStorageFailed, reading.text);
+        case ListReader::Reading::Kind::Stored:
             MOLLog("Preferences of user %u are stored.", save.call.user());
-            end(save).accept(outcome.joined);
-            return _stored(outcome.text);
+            end(save).accept(reading.joined);
+            return _stored(reading.text);
     }
 }
 

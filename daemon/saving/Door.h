@@ -36,10 +36,10 @@ private:
         bool allowed;
     };
 
-    void take(const BusNotification& notification, const BusAnswer& answer);
+    void receive(const BusNotification& notification, const BusAnswer& answer);
     void readLater(Save& save);
     void readNext();
-    void decide(Save& save, const ListReader::Outcome& outcome);
+    void decide(Save& save, const ListReader::Reading& reading);
     void ask(Save& save);
     void refuse(Save& save, const char* errorName, const std::string& text);
     HeldCall& end(Save& save);

@@ -22,17 +22,17 @@ namespace quorel {
 
 namespace {
 
-using Outcome = ListReader::Outcome;
-using Kind = Outcome::Kind;
+using Reading = ListReader::Reading;
+using Kind = Reading::Kind;
 
-/// What stands before the text where the process writes its outcome.
+/// What stands before the text where the process writes what it has read.
 struct Head {
     Kind kind;
     bool keptUnreadable;
     std::size_t textSize;
 };
 
-Outcome invalid(std::string why) {
+Reading invalid(std::string why) {
     return {Kind::Invalid, false, std::move(why)};
 }
 
@@ -43,7 +43,7 @@ std::string answerOf(const Merged& merged) {
     return encodePropertyList(told).value_or("");
 }
 
-Outcome outcomeOf(const Value& preferences, std::string joined) {
+Reading readingOf(const Value& preferences, std::string joined) {
     if (const auto fault = faultInPreferences(preferences)) return invalid(*fault);
     auto file = encodePropertyList(preferences, wire::kMaximumUserInfoBytes);
     if (!file) return invalid("The file would be larger than 2 MiB.");
@@ -51,29 +51,29 @@ Outcome outcomeOf(const Value& preferences, std::string joined) {
 }
 
 /// What edits come to, joined with those of others.
-Outcome outcomeOfEdits(const Value& preferences, std::string_view baseBytes, const Value& inPlace) {
+Reading readingOfEdits(const Value& preferences, std::string_view baseBytes, const Value& inPlace) {
     Value base = decodePropertyList(baseBytes, wire::kMaximumUserInfoBytes);
     const bool nothingRead = base[wire::kNothingStored].intValue() != 0;
     if (base.isDictionary()) base = base.with(wire::kNothingStored, {});
     if (const auto fault = faultInPreferences(base)) return invalid("What they were made of: " + *fault);
     const Merged merged = merge(inPlace, base, nothingRead, preferences);
     if (merged.preferences.isAbsent()) return {Kind::InPlace, false, {}, answerOf(merged)};
-    return outcomeOf(merged.preferences, answerOf(merged));
+    return readingOf(merged.preferences, answerOf(merged));
 }
 
 /// InPlace where it comes to what stands there.
-Outcome outcomeOf(const ListReader::Sent& sent, const std::function<Value()>& inPlace) try {
+Reading readingOf(const ListReader::Sent& sent, const std::function<Value()>& inPlace) try {
     const Value preferences = decodePropertyList(sent.preferences, wire::kMaximumUserInfoBytes);
     if (preferences.isAbsent()) return invalid("It is no property list of at most 2 MiB and 64 levels.");
     if (const auto fault = faultInPreferences(preferences)) return invalid(*fault);
-    if (sent.base) return outcomeOfEdits(preferences, *sent.base, inPlace());
+    if (sent.base) return readingOfEdits(preferences, *sent.base, inPlace());
     if (areSamePreferences(inPlace(), preferences)) return {Kind::InPlace, false, {}};
-    return outcomeOf(preferences, {});
+    return readingOf(preferences, {});
 } catch (const std::exception& exception) {  // memory has run out
     return {Kind::Failed, false, exception.what()};
 }
 
-Outcome stored(Outcome fresh, const PreferencesStore& store) {
+Reading stored(Reading fresh, const PreferencesStore& store) {
     fresh.keptUnreadable = store.keepUnreadable();
     if (auto reason = store.write(fresh.text); !reason.empty())
         return {Kind::NotStored, fresh.keptUnreadable, std::move(reason)};
@@ -93,28 +93,28 @@ ListReader::~ListReader() {
     _store.removeLeftovers();
 }
 
-void ListReader::read(const Sent& sent, bool mayStore, std::function<void(Outcome)> done) {
+void ListReader::read(const Sent& sent, bool mayStore, std::function<void(Reading)> done) {
     // A file that the daemon would not go by is not in place.
     const auto present = [this] { return decodePropertyList(_store.contents(wire::kMaximumUserInfoBytes).bytes); };
-    const auto reading = [this, sent, mayStore, present] {
-        Outcome outcome = outcomeOf(sent, present);
-        return mayStore && outcome.kind == Kind::Fresh ? stored(std::move(outcome), _store) : outcome;
+    const auto work = [this, sent, mayStore, present] {
+        Reading reading = readingOf(sent, present);
+        return mayStore && reading.kind == Kind::Fresh ? stored(std::move(reading), _store) : reading;
     };
-    begin(reading, std::move(done));
+    begin(work, std::move(done));
 }
 
-void ListReader::readInPlace(std::function<void(Outcome)> done) {
+void ListReader::readInPlace(std::function<void(Reading)> done) {
     begin([this] { return inPlace(_store); }, std::move(done));
 }
 
-Outcome ListReader::inPlace(const PreferencesStore& store) {
+Reading ListReader::inPlace(const PreferencesStore& store) {
     const PreferencesStore::Contents file = store.contents(wire::kMaximumUserInfoBytes);
     if (!file.exists) return {Kind::Absent, false, {}};
     if (!file.fault.empty()) return {Kind::Invalid, false, file.fault};
-    return outcomeOf(Sent{file.bytes, {}}, [] { return Value(); });
+    return readingOf(Sent{file.bytes, {}}, [] { return Value(); });
 }
 
-void ListReader::begin(const std::function<Outcome()>& reading, std::function<void(Outcome)> done) {
+void ListReader::begin(const std::function<Reading()>& work, std::function<void(Reading)> done) {
     _done = std::move(done);
     _file = memfd_create("preferences", MFD_CLOEXEC);
     const pid_t daemon = getpid();
@@ -126,7 +126,7 @@ void ListReader::begin(const std::function<Outcome()>& reading, std::function<vo
         close_range(STDERR_FILENO + 1, static_cast<unsigned>(_file) - 1, 0);
         close_range(static_cast<unsigned>(_file) + 1, UINT_MAX, 0);
         setpriority(PRIO_PROCESS, 0, 10);  // everything else comes first
-        const auto [kind, kept, text, joined] = reading();
+        const auto [kind, kept, text, joined] = work();
         const Head head{kind, kept, text.size()};
         bool written = write(_file, &head, sizeof head) == sizeof head;
         for (const std::string& part : {text, joined})
@@ -151,19 +151,19 @@ void ListReader::begin(const std::function<Outcome()>& reading, std::function<vo
 }
 
 void ListReader::ended(bool orderly) {
-    Outcome outcome{Kind::Failed, false, "The list could not be read."};
+    Reading reading{Kind::Failed, false, "The list could not be read."};
     const off_t size = orderly ? lseek(_file, 0, SEEK_END) : 0;
     if (Head head; size >= static_cast<off_t>(sizeof head)) {
         pread(_file, &head, sizeof head, 0);
-        outcome = {head.kind, head.keptUnreadable, std::string(static_cast<std::size_t>(size) - sizeof head, '\0')};
-        pread(_file, outcome.text.data(), outcome.text.size(), sizeof head);
-        outcome.joined = outcome.text.substr(head.textSize);
-        outcome.text.resize(head.textSize);
+        reading = {head.kind, head.keptUnreadable, std::string(static_cast<std::size_t>(size) - sizeof head, '\0')};
+        pread(_file, reading.text.data(), reading.text.size(), sizeof head);
+        reading.joined = reading.text.substr(head.textSize);
+        reading.text.resize(head.textSize);
     }
     if (_file >= 0) close(std::exchange(_file, -1));
     _child = 0;
     _end.reset();
-    std::exchange(_done, nullptr)(std::move(outcome));
+    std::exchange(_done, nullptr)(std::move(reading));
 }
 
 }  // namespace quorel

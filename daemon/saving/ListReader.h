@@ -17,7 +17,7 @@ namespace quorel {
 /// process if it should fail. It ends with the daemon, so that what the daemon starts with stays in place.
 class ListReader {
 public:
-    struct Outcome {
+    struct Reading {
         enum class Kind { Fresh, Stored, InPlace, Absent, Invalid, NotStored, Failed } kind = Kind::Failed;
         bool keptUnreadable = false;  ///< the file in place could not be read and has a second name now
         std::string text;             ///< Fresh, Stored: the file's bytes; Invalid, NotStored, Failed: why
@@ -37,21 +37,21 @@ public:
     bool isReading() const { return _child > 0; }
     /// Not while it reads. What comes to something else than what is in place is Fresh, or stored where it may be.
     /// Bytes are copied; `done` is called later, and may read the next list.
-    void read(const Sent& sent, bool mayStore, std::function<void(Outcome)> done);
+    void read(const Sent& sent, bool mayStore, std::function<void(Reading)> done);
     /// The same of the file in place: Fresh, however often it is read, or Absent.
-    void readInPlace(std::function<void(Outcome)> done);
+    void readInPlace(std::function<void(Reading)> done);
     /// That at once, in this process.
-    static Outcome inPlace(const PreferencesStore& store);
+    static Reading inPlace(const PreferencesStore& store);
 
 private:
-    void begin(const std::function<Outcome()>& reading, std::function<void(Outcome)> done);
+    void begin(const std::function<Reading()>& work, std::function<void(Reading)> done);
     void ended(bool orderly);
 
     EventLoop& _loop;
     const PreferencesStore& _store;
-    std::function<void(Outcome)> _done;
+    std::function<void(Reading)> _done;
     pid_t _child = 0;
-    int _file = -1;  // where the process writes its outcome
+    int _file = -1;  // where the process writes what it has read
     EventSource _end;
 };
 

@@ -11,7 +11,7 @@ namespace quorel {
 
 namespace {
 
-using Kind = ListReader::Outcome::Kind;
+using Kind = ListReader::Reading::Kind;
 
 /// The reader writes what is the same in the same bytes, and nothing where there is no file.
 std::size_t digestOf(const std::string& bytes) {
@@ -24,9 +24,9 @@ PlanInPlace::PlanInPlace(EventLoop& loop, const std::string& root, Taken taken)
     : _store(root), _taken(std::move(taken)), _reader(loop, _store), _watch(loop, _store.path(), [this] { read(); }) {}
 
 void PlanInPlace::begin() {
-    const ListReader::Outcome outcome = ListReader::inPlace(_store);
-    take(outcome.kind == Kind::Fresh ? outcome.text : std::string());
-    if (outcome.kind == Kind::Invalid || outcome.kind == Kind::Failed) refuse(outcome.text);
+    const ListReader::Reading reading = ListReader::inPlace(_store);
+    adopt(reading.kind == Kind::Fresh ? reading.text : std::string());
+    if (reading.kind == Kind::Invalid || reading.kind == Kind::Failed) refuse(reading.text);
 }
 
 void PlanInPlace::reload() {
@@ -38,7 +38,7 @@ void PlanInPlace::stored(const std::string& bytes) {
     _isOutdated = _reader.isReading();
     // Watching the file may have been quicker.
     if (std::exchange(_fault, {}).empty() && digestOf(bytes) == _digest) return;
-    take(bytes);
+    adopt(bytes);
 }
 
 void PlanInPlace::read() {
@@ -46,22 +46,22 @@ void PlanInPlace::read() {
         _isOutdated = true;
         return;
     }
-    _reader.readInPlace([this](const ListReader::Outcome& outcome) { found(outcome); });
+    _reader.readInPlace([this](const ListReader::Reading& reading) { found(reading); });
 }
 
-void PlanInPlace::found(const ListReader::Outcome& outcome) {
+void PlanInPlace::found(const ListReader::Reading& reading) {
     if (std::exchange(_isOutdated, false)) return read();
     bool anyway = std::exchange(_takesSame, false);
     if (anyway) _fault.clear();  // to be said again
-    if (outcome.kind == Kind::Invalid || outcome.kind == Kind::Failed) return refuse(outcome.text);
+    if (reading.kind == Kind::Invalid || reading.kind == Kind::Failed) return refuse(reading.text);
     anyway = anyway || !std::exchange(_fault, {}).empty();
-    if (!anyway && digestOf(outcome.text) == _digest) return;
-    MOLLog(outcome.kind == Kind::Absent ? "There is no preferences file any more; nothing is planned."
+    if (!anyway && digestOf(reading.text) == _digest) return;
+    MOLLog(reading.kind == Kind::Absent ? "There is no preferences file any more; nothing is planned."
                                         : "The preferences in place are taken over.");
-    take(outcome.text);
+    adopt(reading.text);
 }
 
-void PlanInPlace::take(const std::string& bytes) {
+void PlanInPlace::adopt(const std::string& bytes) {
     _digest = digestOf(bytes);
     _taken(decodePropertyList(bytes));
 }

@@ -31,8 +31,8 @@ public:
 
 private:
     void read();
-    void found(const ListReader::Outcome& outcome);
-    void take(const std::string& bytes);
+    void found(const ListReader::Reading& reading);
+    void adopt(const std::string& bytes);
     void refuse(const std::string& fault);
 
     const PreferencesStore _store;

@@ -1,6 +1,7 @@
 #include "linux/login/LoginSessions.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -8,51 +9,59 @@
 
 namespace quorel {
 
-std::optional<LoginSession> LoginSession::from(sd_bus_message* properties, Instant now) {
+namespace {
+
+/// What logind tells of a session.
+struct Told {
     std::string user, userClass, state, type, seat, terminal, host;
-    bool idle = false;
-    Instant since = 0;
+    bool isActive = false, isIdle = false;
+    Instant idleSince = 0;
+};
+
+constexpr struct {
+    std::string_view name;
+    std::string Told::*member;
+} kTexts[] = {{"Name", &Told::user}, {"Class", &Told::userClass}, {"State", &Told::state},
+              {"Type", &Told::type}, {"TTY", &Told::terminal},    {"RemoteHost", &Told::host}};
+constexpr struct {
+    std::string_view name;
+    bool Told::*member;
+} kFlags[] = {{"Active", &Told::isActive}, {"IdleHint", &Told::isIdle}};
+
+}  // namespace
+
+std::optional<LoginSession> LoginSession::from(sd_bus_message* properties, Instant now) {
+    Told told;
     LoginSession found;
-    const bool complete = logind::readProperties(properties, [&](const std::string& name, const std::string& kind) {
-        if (name == "Name")
-            user = logind::readText(properties);
-        else if (name == "Class")
-            userClass = logind::readText(properties);
-        else if (name == "State")
-            state = logind::readText(properties);
-        else if (name == "Type")
-            type = logind::readText(properties);
-        else if (name == "TTY")
-            terminal = logind::readText(properties);
-        else if (name == "RemoteHost")
-            host = logind::readText(properties);
-        else if (name == "Active")
-            found.isActive = logind::readFlag(properties);
-        else if (name == "IdleHint")
-            idle = logind::readFlag(properties);
+    const bool complete = logind::readProperties(properties, [&](const std::string& name, const std::string& type) {
+        const auto isNamed = [&](const auto& one) { return one.name == name; };
+        if (const auto text = std::ranges::find_if(kTexts, isNamed); text != std::end(kTexts))
+            told.*text->member = logind::readText(properties);
+        else if (const auto flag = std::ranges::find_if(kFlags, isNamed); flag != std::end(kFlags))
+            told.*flag->member = logind::readFlag(properties);
         else if (name == "IdleSinceHint")
-            since = static_cast<Instant>(logind::readNumber(properties) / 1'000'000);
-        else if (name == "User" && kind == "(uo)")
+            told.idleSince = static_cast<Instant>(logind::readNumber(properties) / 1'000'000);
+        else if (name == "User" && type == "(uo)")
             sd_bus_message_read(properties, "(uo)", &found.userId, nullptr);
-        else if (name == "Seat" && kind == "(so)") {
-            const char* id = nullptr;
-            if (sd_bus_message_read(properties, "(so)", &id, nullptr) > 0) seat = id;
-        }
+        else if (const char* id = nullptr;
+                 name == "Seat" && type == "(so)" && sd_bus_message_read(properties, "(so)", &id, nullptr) > 0)
+            told.seat = id;
     });
     if (!complete) return {};
 
-    const bool isUsers = userClass == "user" || userClass.starts_with("user-");
-    found.counts = isUsers && !userClass.ends_with("-incomplete") && state != "closing";
-    const std::string place = !host.empty() ? host : !terminal.empty() ? terminal : seat;
-    found.terminal = terminal;
-    found.session.name = place.empty() ? user : user + " (" + place + ")";
-    found.session.isGraphical = type == "x11" || type == "wayland" || type == "mir";
+    const bool isUsers = told.userClass == "user" || told.userClass.starts_with("user-");
+    found.counts = isUsers && !told.userClass.ends_with("-incomplete") && told.state != "closing";
+    found.isActive = told.isActive;
+    const std::string place = !told.host.empty() ? told.host : !told.terminal.empty() ? told.terminal : told.seat;
+    found.terminal = told.terminal;
+    found.session.name = place.empty() ? told.user : told.user + " (" + place + ")";
+    found.session.isGraphical = told.type == "x11" || told.type == "wayland" || told.type == "mir";
     // logind knows a desktop's idleness when it is told, and a terminal's by when it was last read. Where it knows
     // neither, as with most remote log-ins, the time is missing.
-    if (found.session.isGraphical && !idle)
+    if (found.session.isGraphical && !told.isIdle)
         found.session.hintIdle = 0;
-    else if (since > 0)
-        found.session.hintIdle = std::max<Seconds>(0, now - since);
+    else if (told.idleSince > 0)
+        found.session.hintIdle = std::max<Seconds>(0, now - told.idleSince);
     return found;
 }
 
