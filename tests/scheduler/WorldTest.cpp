@@ -7,6 +7,7 @@
 #include <iostream>
 #include <map>
 #include <random>
+#include <set>
 
 #include "tests/scheduler/VirtualWorld.h"
 
@@ -226,7 +227,9 @@ private:
         const Seconds ahead = isSet ? 0 : chance(2) ? number(400) - 200 : number(19'000) - 9'500;
         note("off, and ahead by " + std::to_string(ahead));
         _trustedAt = 0;
-        w.off(20 + number(chance(2) ? 300 : int(40 * kHour)), chance(2), ahead);
+        const Seconds lasts = 20 + number(chance(2) ? 300 : int(40 * kHour));
+        _lastWakeUp -= w.now.boot + lasts * 1000;  // the boot clock begins anew
+        w.off(lasts, chance(2), ahead);
         _ahead = ahead;
         if (_isAmbiguous || w.scheduler) takeOver();
         if (!isSet && w.scheduler && w.scheduler->isClockBehind()) _trustedAt = w.now.boot + 600'000;
@@ -323,7 +326,7 @@ private:
             _pending.clear();
         }
         if (!outcome.due) return;
-        if (outcome.code == outcome::kWithdrawn && outcome.due > now) return;
+        if (outcome.code == outcome::kWithdrawn && outcome.due > _world.stored["Watermark"].integer()) return;
         if (outcome.code == outcome::kClockCorrected) return;  // it may come again, or lies behind
         const std::int64_t count = outcome.code == outcome::kMissed ? outcome.arguments["Count"].integer() : 1;
         if (count > 1) return heardMany(outcome, count);
@@ -343,16 +346,15 @@ private:
         });
     }
     /// Two Schedules of one action, which the clock's leap or a zone brings together.
-    bool areSeveral(const Key& key) const {
-        int several = 0;
+    bool areSeveral(const Key& key) {
+        std::set<std::uint64_t>& some = _opened[key];
         for (const auto* agenda : {&_agenda, &_former}) {
-            int here = 0;
-            if (*agenda)
-                (*agenda)->visit(key.first - 1, key.first,
-                                 [&](const Occurrence& one) { here += one.schedule->action == key.second; });
-            several = std::max(several, here);
+            if (!*agenda) continue;
+            (*agenda)->visit(key.first - 1, key.first, [&](const Occurrence& one) {
+                if (one.schedule->action == key.second) some.insert(one.schedule->digest);
+            });
         }
-        return several > 1;
+        return some.size() > 1;
     }
     void heardMany(const Outcome& last, std::int64_t count) {
         std::vector<Instant> some;
@@ -373,6 +375,9 @@ private:
     }
     /// What has been taken up, is accounted for.
     void saved(const Value& before, const Value& after) {
+        for (const Value& open : after["Open"].array())
+            _opened[{open["Due"].integer(), open["Action"].text()}].insert(
+                std::stoull(open["Digest"].text(), nullptr, 16));
         const Array &old = before["Outcomes"].array(), &all = after["Outcomes"].array();
         std::size_t gone = 0;
         while (!std::equal(old.begin() + std::ptrdiff_t(gone), old.end(), all.begin(),
@@ -445,6 +450,7 @@ private:
     std::int64_t _trustedAt = 0;
     Seconds _ahead = 0;
     std::map<Key, std::pair<std::string, std::string>> _told;  ///< the code, and in which boot
+    std::map<Key, std::set<std::uint64_t>> _opened;            ///< the Schedules that had it open
     std::map<Key, Instant> _postponed;
     std::vector<std::pair<Instant, Instant>> _pending;
     Instant _mark = 0;
