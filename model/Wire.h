@@ -35,6 +35,7 @@ inline constexpr const char* kPostEdits = "PostEdits";
 inline constexpr std::string_view kNothingStored = "Nothing Stored";
 
 inline constexpr const char* kBusy = "com.quorel.Error.Busy";
+inline constexpr const char* kCannotTry = "com.quorel.Error.CannotTry";
 inline constexpr const char* kFailed = "com.quorel.Error.Failed";
 inline constexpr const char* kInvalidPreferences = "com.quorel.Error.InvalidPreferences";
 inline constexpr const char* kNoSuchOccurrence = "com.quorel.Error.NoSuchOccurrence";
@@ -53,6 +54,9 @@ inline constexpr const char* kOutcomes = "Outcomes";
 inline constexpr const char* kStatus = "Status";
 inline constexpr const char* kSkip = "Skip";
 inline constexpr const char* kPostpone = "Postpone";
+inline constexpr const char* kUnskip = "Unskip";
+inline constexpr const char* kPostponeBy = "PostponeBy";
+inline constexpr const char* kTry = "Try";
 inline constexpr const char* kModules = "Modules";
 inline constexpr const char* kChanged = "Changed";
 /// The longest answers.
@@ -176,6 +180,14 @@ inline constexpr std::string_view kSleepKind = "kind";   ///< of sleep: there is
 inline constexpr std::string_view kDenied = "denied";    ///< a kind of sleep that the system does not offer now
 
 }  // namespace schedule_fault
+
+/// Why there is no trial, beside what makes a Schedule never run.
+namespace trial_fault {
+
+inline constexpr std::string_view kWakeUp = "wake-up";  ///< cannot be tried
+inline constexpr std::string_view kNotNow = "not-now";  ///< see Scheduler::tryNow
+
+}  // namespace trial_fault
 
 /// Why an alarm is not to be had.
 namespace alarm_fault {

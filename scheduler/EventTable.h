@@ -25,6 +25,7 @@ enum class Event {
     kAgentComes,  ///< actions can run for a user for whom they could not before
     kLastActionEnds,
     kSkip,
+    kUnskip,  ///< a skip is taken back
     kPostpone,
     kWokenInBag,  ///< by our alarm, lid closed, no external power
 };
@@ -63,7 +64,8 @@ enum class Fate {
     kWaitsIfIdle,   ///< a warned "only when idle" one waits
     kLooksAtOnce,   ///< what waits for an action does
     kSkipped,       ///< until its minute
-    kPostponed,     ///< fifteen minutes from its time or from now
+    kPlannedAnew,   ///< with a full warning, while its minute lies ahead
+    kPostponed,     ///< by as much as was asked for, from its time or from now
     kRefused,       ///< not allowed, or too late
     kLetsSleep,     ///< ends: the computer may fall asleep
     kReckonedAnew,  ///< until when it stays awake, by the clock as it is now; ends where that is no time of its own
@@ -119,6 +121,8 @@ inline constexpr EventRow kRows[] = {
                               kLooksAtOnce, kStays, kStays, kStays},
     {Event::kSkip,            kSkipped, kStays, kSkipped, kSkipped, kSkipped,
                               kSkipped, kRefused, kRefused, kLetsSleep},
+    {Event::kUnskip,          kRefused, kPlannedAnew, kRefused, kRefused, kRefused,
+                              kRefused, kRefused, kRefused, kRefused},
     {Event::kPostpone,        kPostponed, kRefused, kPostponed, kPostponed, kRefused,
                               kPostponed, kRefused, kRefused, kRefused},
     {Event::kWokenInBag,      kLidClosed, kStays, kLidClosed, kLidClosed, kLidClosed,
@@ -158,7 +162,8 @@ constexpr Fate fateOf(Event event, Step step) {
             break;
     }
     if (event == Event::kTimeComes) return Fate::kForgotten;
-    return event == Event::kSkip || event == Event::kPostpone ? Fate::kRefused : Fate::kStays;
+    const bool isAsked = event == Event::kSkip || event == Event::kUnskip || event == Event::kPostpone;
+    return isAsked ? Fate::kRefused : Fate::kStays;
 }
 
 }  // namespace quorel

@@ -37,7 +37,10 @@ inline constexpr Seconds kLongestWriting = 5 * kMinute;
 /// How long, awake, the word that it is back may take. Other programs can hold the going up for half a minute.
 inline constexpr Seconds kLongestSilence = 90;
 
+/// Where no other is asked for, and within what.
 inline constexpr Seconds kPostponement = 15 * kMinute;
+inline constexpr Seconds kLeastPostponement = kMinute;
+inline constexpr Seconds kMostPostponement = 12 * kHour;
 /// How much people may set aside, and how far ahead.
 inline constexpr std::size_t kMostOpen = 500;
 inline constexpr Seconds kFurthest = 366 * kDay;

@@ -157,6 +157,12 @@ ListReading readScheduleList(const Value& list, const Actions& actions, const De
     return result;
 }
 
+std::shared_ptr<const ScheduleReading> asTrial(ScheduleReading schedule) {
+    schedule.isTrial = true;
+    schedule.digest = ~schedule.digest;
+    return std::make_shared<const ScheduleReading>(std::move(schedule));
+}
+
 std::string Occurrence::token() const {
     std::string digits;
     for (int shift = 60; shift >= 0; shift -= 4) digits += "0123456789abcdef"[schedule->digest >> shift & 15];

@@ -30,7 +30,8 @@ struct ScheduleReading {
     bool restarts = false;     ///< a shut-down that starts the computer again
     Seconds idle = 0;          ///< only when nobody has used the computer that long; 0: always
     Seconds makeUp = 0;        ///< how late a missed one may still run; 0: not at all
-    std::uint64_t digest = 0;  ///< of time, action and parameters
+    bool isTrial = false;      ///< see asTrial
+    std::uint64_t digest = 0;  ///< of time, action and parameters; of a trial the inverse
 
     bool isPower() const { return kind == ActionKind::kShutDown || kind == ActionKind::kSleep; }
 };
@@ -50,5 +51,9 @@ struct ListReading {
 
 /// Reads whatever stands under "Schedule Array"; anything but an array is an empty list.
 ListReading readScheduleList(const Value& list, const Actions& actions, const DeniedKinds& denied = {});
+
+/// The same, to be tried once, of no list. The plan may have it at that very second, so that it goes by a digest of its
+/// own.
+std::shared_ptr<const ScheduleReading> asTrial(ScheduleReading schedule);
 
 }  // namespace quorel

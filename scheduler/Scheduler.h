@@ -15,6 +15,7 @@
 #include "scheduler/EventTable.h"
 #include "scheduler/Occurrence.h"
 #include "scheduler/Outcome.h"
+#include "scheduler/Rules.h"
 #include "scheduler/State.h"
 #include "scheduler/Wakefulness.h"
 #include "scheduler/WallClock.h"
@@ -87,8 +88,18 @@ public:
     /// "Not this time", said by `by`; false when there is no such occurrence any more. Repeating it changes nothing.
     /// Not from inside a call of the world.
     bool skip(Now now, const std::string& token, const std::string& by);
-    /// Fifteen minutes on from its time or from now, whichever is later. As skip.
-    bool postpone(Now now, const std::string& token, const std::string& by);
+    /// A skip taken back, while its minute lies ahead. As skip.
+    bool unskip(Now now, const std::string& token, const std::string& by);
+    /// So much on from its time or from now, whichever is later; brought to a minute at least and twelve hours at most.
+    /// As skip.
+    bool postpone(Now now, const std::string& token, const std::string& by, Seconds length = rules::kPostponement);
+    /// A Schedule, as a list has it, once and now, as if this were its minute: announced, and held up by what holds
+    /// others up. Its place in the list, its days and whether it is enabled do not matter.
+    struct Trial {
+        std::string token;       ///< of the occurrence
+        std::string_view fault;  ///< why there is none: as a list's faults, or one of `wire::trial_fault`
+    };
+    Trial tryNow(Now now, const Value& schedule);
 
     /// When `tick` must be called at the latest; nothing: not before something else happens.
     std::optional<Instant> nextCall() const;
@@ -109,7 +120,7 @@ private:
     struct Happening {
         Event event;
         Instant at = 0;                            ///< a wake-up's time
-        Seconds by = 0;                            ///< so much the clock was set
+        Seconds by = 0;                            ///< so much the clock was set, or it is postponed
         const OpenOccurrence* newcomer = nullptr;  ///< the sleep or shut-down that comes into course
         std::string who = {};                      ///< has used the computer, or decided
     };
@@ -135,8 +146,8 @@ private:
     void befallInTime(OpenOccurrence& open, Fate fate, const Happening& what);
     void befallInCourse(OpenOccurrence& open, Fate fate, const Happening& what);
     void befallByClock(OpenOccurrence& open, Fate fate, Seconds by);
-    void setAside(OpenOccurrence& open, Step step, const std::string& by);
-    bool decide(Now now, const std::string& token, Event event, const std::string& by);
+    void setAside(OpenOccurrence& open, const Happening& what);
+    bool decide(Now now, const std::string& token, const Happening& what);
 
     // What is planned.
     void takeList(const Value& list);
@@ -161,7 +172,7 @@ private:
     OpenOccurrence* asking(Ticket ticket);
     const OpenOccurrence* openOne(std::string_view token) const;
     std::optional<Occurrence> plannedOne(std::string_view token) const;
-    OpenOccurrence* named(std::string_view token);
+    OpenOccurrence* named(std::string_view token, Event event);
     void remove(const OpenOccurrence& open);
     void finish(OpenOccurrence& open, std::string_view code, Dictionary arguments = {});
     std::optional<Instant> nextOf(const OpenOccurrence& open) const;

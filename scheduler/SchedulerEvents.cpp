@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "model/PlainText.h"
+#include "model/Schedule.h"
 #include "model/Wire.h"
 #include "scheduler/Rules.h"
 #include "scheduler/Scheduler.h"
@@ -34,7 +35,11 @@ bool Scheduler::befall(OpenOccurrence& open, const Happening& what) {
             return false;
         case Fate::kSkipped:
         case Fate::kPostponed:
-            setAside(open, fate == Fate::kSkipped ? Step::kSkipped : Step::kPostponed, what.who);
+            setAside(open, what);
+            break;
+        case Fate::kPlannedAnew:
+            if (one.due <= now()) return false;
+            remove(open);
             break;
         case Fate::kGivenUpForNext:
             if (one.schedule->idle == 0 && what.newcomer->occurrence.schedule->idle > 0) return false;
@@ -170,34 +175,57 @@ void Scheduler::befallByClock(OpenOccurrence& open, Fate fate, Seconds by) {
 }
 
 /// "Not this time", or later.
-void Scheduler::setAside(OpenOccurrence& open, Step step, const std::string& by) {
-    const bool skips = step == Step::kSkipped;
-    open.at = skips ? open.occurrence.due : std::max(open.at, now()) + rules::kPostponement;
+void Scheduler::setAside(OpenOccurrence& open, const Happening& what) {
+    const bool skips = what.event == Event::kSkip;
+    const Seconds length = std::clamp(what.by, rules::kLeastPostponement, rules::kMostPostponement);
+    open.at = skips ? open.occurrence.due : std::max(open.at, now()) + length;
     open.course.reset();
-    open.step = step;
-    open.by = plainText(by);
+    open.step = skips ? Step::kSkipped : Step::kPostponed;
+    open.by = plainText(what.who);
     _changed = true;
 }
 
-bool Scheduler::decide(Now now, const std::string& token, Event event, const std::string& by) {
+bool Scheduler::decide(Now now, const std::string& token, const Happening& what) {
     bool done = false;
     if (_working) return done;
     take(now, [&] {
-        OpenOccurrence* const open = named(token);
-        done = open && fateOf(event, open->step) != Fate::kRefused;
+        OpenOccurrence* const open = named(token, what.event);
+        done = open && fateOf(what.event, open->step) != Fate::kRefused;
         // A token from before a postponement asks for that one again.
-        if (!done || (event == Event::kPostpone && token != open->token())) return;
-        befall(*open, {.event = event, .who = by});
+        if (!done || (what.event == Event::kPostpone && token != open->token())) return;
+        done = befall(*open, what);
     });
     return done;
 }
 
 bool Scheduler::skip(Now now, const std::string& token, const std::string& by) {
-    return decide(now, token, Event::kSkip, by);
+    return decide(now, token, {.event = Event::kSkip, .who = by});
 }
 
-bool Scheduler::postpone(Now now, const std::string& token, const std::string& by) {
-    return decide(now, token, Event::kPostpone, by);
+bool Scheduler::unskip(Now now, const std::string& token, const std::string& by) {
+    return decide(now, token, {.event = Event::kUnskip, .who = by});
+}
+
+bool Scheduler::postpone(Now now, const std::string& token, const std::string& by, Seconds length) {
+    return decide(now, token, {.event = Event::kPostpone, .by = length, .who = by});
+}
+
+Scheduler::Trial Scheduler::tryNow(Now now, const Value& schedule) {
+    Trial trial{{}, wire::trial_fault::kNotNow};
+    if (_working) return trial;
+    take(now, [&] {
+        if (!_hasBegun || _wakefulness.isBetween() || _open.size() >= rules::kMostOpen) return;
+        const ListReading reading =
+            readScheduleList(Array{schedule.with(schedule_keys::kIsEnabled, true)}, _world.actions);
+        if (!reading.faults.empty()) trial.fault = reading.faults.front().reason;
+        if (reading.schedules.empty()) return;
+        const Occurrence one{this->now(), asTrial(*reading.schedules.front()), 0};
+        if (one.schedule->kind == ActionKind::kWakeUp) trial.fault = wire::trial_fault::kWakeUp;
+        if (one.schedule->kind == ActionKind::kWakeUp || find(one)) return;
+        trial = {one.token(), {}};
+        run(open(one, one.due));
+    });
+    return trial;
 }
 
 bool Scheduler::knows(const std::string& token) const {

@@ -145,12 +145,16 @@ void Scheduler::wakeUp(OpenOccurrence& open) {
     finish(open, _wakefulness.wasWoken() ? outcome::kWokeUp : started ? outcome::kStarted : outcome::kAwakeAlready);
 }
 
-/// On the wall clock, as it is now, of the day on which it is due, or of the next.
+/// On the wall clock, as it is now, of the day on which it is due, or of the next. A trial begins at any time of day.
 Instant Scheduler::endOf(const Occurrence& one) const {
-    const int until = one.schedule->until;
-    const bool isNextDay = until <= one.schedule->hour * 60 + one.schedule->minute;
-    const LocalDate date = _world.calendar.dateOf(one.due) + std::chrono::days(isNextDay ? 1 : 0);
-    return _world.calendar.instantOf(date, until / 60, until % 60).value_or(one.due + kDay);
+    const ScheduleReading& schedule = *one.schedule;
+    const LocalDate date = _world.calendar.dateOf(one.due);
+    const auto endOn = [&](LocalDate day) {
+        return _world.calendar.instantOf(day, schedule.until / 60, schedule.until % 60).value_or(one.due + kDay);
+    };
+    const bool isNextDay =
+        schedule.isTrial ? endOn(date) <= one.due : schedule.until <= schedule.hour * 60 + schedule.minute;
+    return endOn(isNextDay ? date + std::chrono::days(1) : date);
 }
 
 /// However late: while time is left it holds for that.
@@ -285,7 +289,8 @@ void Scheduler::withdraw() {
     for (auto each = _open.begin(); each != _open.end();) {
         OpenOccurrence& open = *each++;
         const Occurrence& one = open.occurrence;
-        if (!_agenda->scheduleOf(one.schedule->digest, one.weekday)) befall(open, {Event::kScheduleGone});
+        if (!one.schedule->isTrial && !_agenda->scheduleOf(one.schedule->digest, one.weekday))
+            befall(open, {Event::kScheduleGone});
     }
 }
 
@@ -309,9 +314,11 @@ std::optional<Occurrence> Scheduler::plannedOne(std::string_view token) const {
     return found;
 }
 
-/// The open occurrence of that token, opened now if it was only planned; null when there is none.
-OpenOccurrence* Scheduler::named(std::string_view token) {
+/// The open occurrence of that token, opened now if it was only planned and the event is one for such; null when there
+/// is none.
+OpenOccurrence* Scheduler::named(std::string_view token, Event event) {
     if (const OpenOccurrence* found = openOne(token)) return const_cast<OpenOccurrence*>(found);
+    if (fateOf(event, Step::kPlanned) == Fate::kRefused) return nullptr;
     const std::optional<Occurrence> planned = plannedOne(token);
     return planned ? &open(*planned, planned->due) : nullptr;
 }

@@ -124,8 +124,16 @@ bool SchedulerHost::skip(const std::string& token, const std::string& by) {
     return tell([&](Now now) { return _scheduler.skip(now, token, by); });
 }
 
-bool SchedulerHost::postpone(const std::string& token, const std::string& by) {
-    return tell([&](Now now) { return _scheduler.postpone(now, token, by); });
+bool SchedulerHost::postpone(const std::string& token, const std::string& by, Seconds length) {
+    return tell([&](Now now) { return _scheduler.postpone(now, token, by, length); });
+}
+
+bool SchedulerHost::unskip(const std::string& token, const std::string& by) {
+    return tell([&](Now now) { return _scheduler.unskip(now, token, by); });
+}
+
+Scheduler::Trial SchedulerHost::tryNow(const Value& schedule) {
+    return tell([&](Now now) { return _scheduler.tryNow(now, schedule); });
 }
 
 void SchedulerHost::ended(const Outcome& outcome) {

@@ -31,7 +31,10 @@ public:
 
     /// As the scheduler's own.
     bool skip(const std::string& token, const std::string& by);
-    bool postpone(const std::string& token, const std::string& by);
+    bool postpone(const std::string& token, const std::string& by) { return postpone(token, by, rules::kPostponement); }
+    bool postpone(const std::string& token, const std::string& by, Seconds length);
+    bool unskip(const std::string& token, const std::string& by);
+    Scheduler::Trial tryNow(const Value& schedule);
 
     const Scheduler& scheduler() const { return _scheduler; }
     const ComputerAlarms& alarms() const { return _alarms; }

@@ -131,6 +131,12 @@ void play(VirtualWorld& w, const std::string& script) {
         if (what == "zone") setenv("TZ", first.c_str(), 1), w.scheduler->zoneChanged(w.now);
         if (what == "skip") says(w.scheduler->skip(w.now, token = w.token(), "ann"));
         if (what == "postpone") says(w.scheduler->postpone(w.now, token = w.token(), "ann"));
+        if (what == "unskip") says(w.scheduler->unskip(w.now, token.empty() ? w.token() : token, "bob"));
+        if (what == "later") says(w.scheduler->postpone(w.now, token = w.token(), "ann", number()));
+        if (what == "try") {
+            const auto trial = w.scheduler->tryNow(w.now, scheduleOf(first));
+            if (!trial.fault.empty()) w.note("not tried: " + std::string(trial.fault));
+        }
         if (what == "skip-again") says(w.scheduler->skip(w.now, token, "bob"));
         if (what == "postpone-again") says(w.scheduler->postpone(w.now, token, "bob"));
         if (what == "skip-name")
@@ -433,6 +439,15 @@ const Row kRows[] = {
      "12:05:30 find Plain3; 12:05:40 start Late; 12:05:50 ran Late 11:30 MadeUp; 12:34:30 gave-up Sleep 12:04 action 30 com.quorel.plugin.Plain3; "
      "13:00 skipped Plain 13:00 ann; 13:25 start Plain2"},
 
+    // Tried now.
+    {"an action, and none that wakes up or makes no sense", "from 11:00; try Plain@12:00; try WakeUp@12:00; try Nothing@12:00; save; until 11:01",
+     "11:00 start Plain; 11:00 not tried: wake-up; 11:00 not tried: action; 11:00:10 ran Plain 11:00"},
+    {"beside the plan's own of that very second; staying awake until the next such time",
+     "from 11:59 Plain@12:00; until 12:00; try Plain@12:00; try StayAwake@8:00/9:00; next; until 1+09:00",
+     "12:00 start Plain; 12:00 start Plain; 12:00 keep awake; 12:00 running; 12:00:10 ran Plain 12:00; 12:00:10 ran Plain 12:00; +1 09:00 kept-awake StayAwake 12:00; +1 09:00 let sleep"},
+    {"a sleep, announced and held up as any other", "apt; from 11:00; try Sleep@23:00; try Sleep@23:00; until 11:02:30; free; wake 12:00; until 11:30",
+     "11:00 not tried: not-now; 11:03 warn, for 11:04; 11:04 suspend; 12:00 awake; 12:00 slept Sleep 11:00"},
+
     // What cannot be stored.
     {"is not begun", "full; from 11:59 Plain@12:00 ShutDown@12:01; until 12:01:12; space; until 12:02:30",
      "12:01:20 start Plain; 12:01:30 ran Plain 12:00; 12:01:30 warn, for 12:02:30; 12:02:30 shut down; 12:02:30 shut-down ShutDown 12:01"},
@@ -444,6 +459,13 @@ const Row kRows[] = {
     {"beforehand, twice, and over a restart", "from 11:00 Plain@12:00; skip; skip-again; down 0; next; until 12:01; skip-again",
      "11:00 skipped; 12:00 skipped Plain 12:00 ann; 12:01 no such"},
     {"while warned", "from 22:59 Sleep@23:00; skip; until 23:30", "22:59 warn, for 23:00; 23:00 skipped Sleep 23:00 ann"},
+    {"a skip taken back: planned anew, with a full warning", "from 22:50 Sleep@23:00; skip; until 22:59:30; unskip; until 23:00:29",
+     "22:59:30 warn, for 23:00:30"},
+    {"but not when its minute has passed, nor where nothing is skipped", "from 11:59 Plain@12:00; unskip; skip; until 12:00; unskip", "11:59 no such; 12:00 skipped Plain 12:00 ann; 12:00 no such"},
+    {"a wake-up that is to come after all takes its alarm, and what it displaces", "from 6:00 WakeUp@7:00 Sleep@7:00; skip; until 6:59:30; unskip; alarms; until 7:00",
+     "06:59 warn, for 07:00; 06:59:30 alarms 07:00, none; 07:00 overtaken Sleep 07:00 next; 07:00 awake-already WakeUp 07:00; 07:00 keep awake"},
+    {"postponed by as much as is asked for, a minute to twelve hours", "from 11:00 Plain@12:00; later 1; later 3600; later 99999999; next; until 1+01:01:10",
+     "11:00 postponed; +1 01:01 start Plain; +1 01:01:10 ran Plain 12:00"},
     {"postponed while warned, and again; the same button twice is once",
      "from 22:59 Sleep@23:00; postpone; postpone-again; until 23:14:10; postpone; until 23:29:10",
      "22:59 warn, for 23:00; 23:14 warn, for 23:15; 23:29 warn, for 23:30"},

@@ -107,7 +107,7 @@ private:
     void happenNow() {
         VirtualWorld& w = _world;
         const std::vector<Upcoming> upcoming = w.scheduler->upcoming(4);
-        switch (number(22)) {
+        switch (number(24)) {
             case 0:
             case 1:
                 return sleep();
@@ -155,6 +155,14 @@ private:
                 w.full = !_isCalm && !w.full;
                 _wasFull = _wasFull || w.full;
                 return;
+            case 18:
+                if (upcoming.empty()) return;
+                note("unskip");
+                w.scheduler->unskip(w.now, oneOf(upcoming).token, "ann");
+                return;
+            case 19:
+                note("try now");
+                return tryOne(_all[static_cast<std::size_t>(number(static_cast<int>(_all.size())))]);
             default:
                 return;
         }
@@ -277,8 +285,12 @@ private:
         if (upcoming.empty()) return;
         note("postpone");
         const Upcoming& one = oneOf(upcoming);
-        if (_world.scheduler->postpone(_world.now, one.token, "ann"))
+        if (_world.scheduler->postpone(_world.now, one.token, "ann", 60 * number(40)))
             _postponed[{one.due, one.schedule->action}] = _world.now.instant() + 366 * kDay;
+    }
+    void tryOne(const Value& schedule) {
+        if (_world.scheduler->tryNow(_world.now, schedule).fault.empty())
+            _opened[{_world.now.instant(), schedule["Action Type"].text()}].insert(0);  // by another name
     }
     void setClock() {
         static constexpr Seconds kSteps[] = {1, 30, 100, 150, 3600, 10'799, 10'800, 86'400};
