@@ -55,7 +55,9 @@ ExitStatus showNext(const CommandLine& line);
 ExitStatus showLog(const CommandLine& line);
 ExitStatus showModules(const CommandLine& line);
 ExitStatus skip(const CommandLine& line);
+ExitStatus unskip(const CommandLine& line);
 ExitStatus postpone(const CommandLine& line);
+ExitStatus trySchedule(const CommandLine& line);
 
 /// For the completion of shells: what may stand in place of the last argument, a line each.
 ExitStatus complete(const CommandLine& line);

@@ -35,9 +35,21 @@ DaemonClient::Answer DaemonClient::ask(const char* method, std::optional<unsigne
     return call(message.get(), kPatience);
 }
 
-DaemonClient::Answer DaemonClient::change(const char* method, const std::string& token) {
+DaemonClient::Answer DaemonClient::change(const char* method, const std::string& token,
+                                          std::optional<std::int64_t> seconds) {
     const auto message = _daemon.newCall(wire::scheduler::kPath, wire::scheduler::kInterface, method);
     if (message && sd_bus_message_append(message.get(), "s", token.c_str()) < 0) return {Failure::kNotSent, {}, {}, {}};
+    if (message && seconds) sd_bus_message_append(message.get(), "x", *seconds);
+    const PasswordAgent agent;
+    sd_bus_message_set_allow_interactive_authorization(message.get(), true);
+    return call(message.get(), kPatienceWithPeople);
+}
+
+DaemonClient::Answer DaemonClient::tryNow(const Value& schedule) {
+    const auto bytes = encodePropertyList(schedule);
+    const auto message = _daemon.newCall(wire::scheduler::kPath, wire::scheduler::kInterface, wire::scheduler::kTry);
+    if (message && (!bytes || sd_bus_message_append_array(message.get(), 'y', bytes->data(), bytes->size()) < 0))
+        return {Failure::kNotSent, {}, {}, {}};
     const PasswordAgent agent;
     sd_bus_message_set_allow_interactive_authorization(message.get(), true);
     return call(message.get(), kPatienceWithPeople);

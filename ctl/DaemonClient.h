@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -33,7 +34,9 @@ public:
     /// A method that tells something: at most so many of it, where that is given.
     Answer ask(const char* method, std::optional<unsigned> most = {});
     /// A method that changes something about an occurrence. Somebody may be asked for a password, which takes minutes.
-    Answer change(const char* method, const std::string& token);
+    Answer change(const char* method, const std::string& token, std::optional<std::int64_t> seconds = {});
+    /// Has a Schedule carried out once, now. As above.
+    Answer tryNow(const Value& schedule);
 
     /// Has preferences stored that were made of `base`. Somebody may be asked for a password. The value says what was
     /// joined with what others have stored.

@@ -34,14 +34,16 @@ Occurrences::Occurrences(const std::string& root, DaemonClient& daemon, unsigned
     }
 }
 
-Value Occurrences::meant(const std::string& name) const {
+Value Occurrences::meant(const std::string& name, bool isSkipped) const {
     const auto number = numberIn(name, _plan.schedules().size());
     for (const Value& one : _upcoming) {
         const bool isNamed =
             number ? one[keys::kNumber].integer() == *number : name.empty() || one[keys::kToken].text() == name;
-        if (isNamed && (one[keys::kToken].text() == name || one[keys::kStep].text() != wire::step::kSkipped))
+        if (isNamed &&
+            (one[keys::kToken].text() == name || (one[keys::kStep].text() == wire::step::kSkipped) == isSkipped))
             return one;
     }
+    if (isSkipped && (number || name.empty())) return {};
     const std::string token = number ? _forecast.token(*number - 1, std::time(nullptr)) : name;
     return token.empty() ? Value() : Value(Dictionary{{keys::kToken, token}});
 }

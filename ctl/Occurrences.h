@@ -25,7 +25,7 @@ public:
 
     /// What is named by its number, its token, or nothing: the next one, those left out that were skipped already or
     /// are not to be had. Absent where there is none; `token` alone is there of one that is too far ahead to be told.
-    Value meant(const std::string& name) const;
+    Value meant(const std::string& name, bool isSkipped = false) const;
     /// " Next: …", of the Schedule of that number, after an instant.
     std::string nextSentence(std::int64_t number, Instant after) const;
 

@@ -1,16 +1,28 @@
 // Saying no, later, and what else is said of single occurrences.
 
+#include <systemd/sd-login.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <functional>
+#include <iostream>
+#include <optional>
 
 #include "ctl/Commands.h"
 #include "ctl/Failures.h"
 #include "ctl/JsonOutput.h"
 #include "ctl/Occurrences.h"
 #include "ctl/Page.h"
+#include "ctl/Plan.h"
 #include "ctl/ScheduleText.h"
+#include "ctl/Selection.h"
 #include "model/Dictionary.h"
+#include "model/Schedule.h"
 #include "model/Wire.h"
+#include "scheduler/Instant.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
 
@@ -24,18 +36,21 @@ using Failure = DaemonClient::Failure;
 
 /// Calls a method about the occurrence that the first argument names. `said` makes the line that tells of it.
 ExitStatus sayOf(const CommandLine& line, const char* method,
-                 const std::function<std::string(const Occurrences& before, const Value& one)>& said) {
+                 const std::function<std::string(const Occurrences& before, const Value& one)>& said,
+                 std::optional<Seconds> length = {}) {
     if (line.arguments.size() > 1) return misused(translated("Too many arguments."));
     DaemonClient daemon;
     const std::string name = line.arguments.empty() ? std::string() : line.arguments[0];
+    const bool undoes = method == std::string_view(wire::scheduler::kUnskip);
     const Occurrences before(line.root, daemon, wire::scheduler::kMostUpcoming);
     if (before.answer().failure != Failure::kNone) return fail(before.answer());
-    const Value one = before.meant(name);
+    const Value one = before.meant(name, undoes);
     if (one.isAbsent())
-        return notFound(name.empty()
+        return notFound(undoes ? translated("Nothing of the kind was skipped.")
+                        : name.empty()
                             ? translated("Nothing is planned.")
                             : translated("There is no such occurrence. \"quorelctl next\" shows what there is."));
-    const Answer answer = daemon.change(method, one[keys::kToken].text());
+    const Answer answer = daemon.change(method, one[keys::kToken].text(), length);
     if (answer.failure != Failure::kNone) return fail(answer);
     const Page page;
     if (line.json) page.line(jsonOutput(one.dictionary()));
@@ -54,6 +69,39 @@ Instant newTimeOf(const Value& postponed, const std::string& root) {
     return 0;
 }
 
+/// Of "30m", "1h", "1h30m" or "90min".
+std::optional<Seconds> lengthIn(const std::string& text) {
+    Seconds length = 0;
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        Seconds number = 0;
+        const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number);
+        rest.remove_prefix(static_cast<std::size_t>(end - rest.data()));
+        const std::string_view unit = rest.substr(0, rest.find_first_of("0123456789"));
+        rest.remove_prefix(unit.size());
+        const bool isHours = unit == "h", isMinutes = unit == "m" || unit == "min";
+        if (error != std::errc() || number < 1 || number > 1000 || (!isHours && !isMinutes)) return {};
+        length += number * (isHours ? kHour : kMinute);
+    }
+    return length > 0 ? std::optional(length) : std::nullopt;
+}
+
+/// Also behind sudo, which keeps the variable to itself.
+bool isRemote() {
+    char* session = nullptr;
+    if (std::getenv("SSH_CONNECTION")) return true;
+    const bool isRemote = sd_pid_get_session(0, &session) >= 0 && sd_session_is_remote(session) > 0;
+    std::free(session);
+    return isRemote;
+}
+
+bool agreed() {
+    if (isatty(STDIN_FILENO) == 0) return false;
+    std::fprintf(stderr, "%s ", translated("This ends a remote session. Go on? [y/N]"));
+    std::string answer;
+    return std::getline(std::cin, answer) && (answer == "y" || answer == "Y" || answer == "o" || answer == "O");
+}
+
 }  // namespace
 
 ExitStatus skip(const CommandLine& line) {
@@ -64,12 +112,50 @@ ExitStatus skip(const CommandLine& line) {
     });
 }
 
+ExitStatus unskip(const CommandLine& line) {
+    return sayOf(line, wire::scheduler::kUnskip, [](const Occurrences&, const Value& one) {
+        const Instant due = one[keys::kDue].integer();
+        return filled(translated("Planned again: {1}, {2}."), {actionName(one), comingText(due, std::time(nullptr))});
+    });
+}
+
 ExitStatus postpone(const CommandLine& line) {
-    return sayOf(line, wire::scheduler::kPostpone, [&line](const Occurrences&, const Value& one) {
+    CommandLine named = line;
+    const auto length = line.arguments.empty() ? std::nullopt : lengthIn(line.arguments.back());
+    if (length) named.arguments.pop_back();
+    if (line.arguments.size() > 1 && !length)
+        return misused(
+            filled(translated("\"{1}\" is no length of time; such are 30m, 1h, 1h30m."), {line.arguments.back()}));
+    const char* method = length ? wire::scheduler::kPostponeBy : wire::scheduler::kPostpone;
+    const auto said = [&line](const Occurrences&, const Value& one) {
         const Instant now = std::time(nullptr), at = newTimeOf(one, line.root);
         return filled(translated("Postponed: {1}, from {2} to {3}."),
                       {actionName(one), whenText(one[keys::kAt].integer(), now), at != 0 ? comingText(at, now) : "?"});
-    });
+    };
+    return sayOf(named, method, said, length);
+}
+
+ExitStatus trySchedule(const CommandLine& line) {
+    const Plan plan(line.root);
+    ExitStatus status = ExitStatus::kDone;
+    const auto chosen = chosenSchedules(plan, line.arguments, status);
+    if (status != ExitStatus::kDone) return status;
+    if (chosen.size() > 1) return misused(translated("One at a time, please."));
+    const Value& schedule = plan.schedules()[chosen.front()];
+    const std::string& type = schedule[schedule_keys::kActionType].text();
+    const bool endsSession = type == schedule_keys::kSleepType || type == schedule_keys::kShutDownType;
+    if (endsSession && isRemote() && !line.isFlagged && !agreed()) {
+        complain(translated("Not tried: over a remote log-in this takes a \"y\", or --yes."));
+        return ExitStatus::kFailed;
+    }
+    const Answer answer = DaemonClient().tryNow(schedule);
+    if (answer.failure != Failure::kNone) return fail(answer);
+    const Page page;
+    if (line.json) page.line(jsonOutput(Dictionary{{"Tried", static_cast<std::int64_t>(chosen.front() + 1)}}));
+    if (!line.json)
+        page.line(filled(translated("Tried {1}: {2}. \"quorelctl log\" says what becomes of it."),
+                         {std::to_string(chosen.front() + 1), summaryOf(schedule, plan.actions())}));
+    return ExitStatus::kDone;
 }
 
 }  // namespace quorel

@@ -69,6 +69,8 @@ constexpr Text kFaults[] = {
     {wire::schedule_fault::kUntil, marked("the time of day at which it ends is none, or that at which it begins")},
     {wire::schedule_fault::kSleepKind, marked("there is no such kind of sleep")},
     {wire::schedule_fault::kDenied, marked("this computer does not have that kind of sleep")},
+    {wire::trial_fault::kWakeUp, marked("a wake-up is not tried")},
+    {wire::trial_fault::kNotNow, marked("not at this moment")},
 };
 
 /// The outcomes that say all without arguments.
@@ -253,6 +255,7 @@ std::string refusalText(const std::string& error, const std::string& text) {
         return translated("There is no such occurrence any more. \"quorelctl next\" shows what there is.");
     if (error == wire::kNotAuthorized) return translated("This is not permitted without an administrator.");
     if (error == wire::kTooManyChanges) return translated("More than ten changes a minute are not taken.");
+    if (error == wire::kCannotTry) return filled(translated("Not tried: {1}."), {textOrCode(kFaults, plainText(text))});
     return filled(translated("The daemon refused: {1}"), {plainText(text.empty() ? error : text)});
 }
 

@@ -10,7 +10,9 @@
 #include "linux/bus/BusValues.h"
 #include "linux/login/Users.h"
 #include "model/PlainText.h"
+#include "model/PropertyList.h"
 #include "model/Wire.h"
+#include "scheduler/Rules.h"
 
 namespace quorel {
 
@@ -53,6 +55,14 @@ Value valueOf(const ScheduleFault& fault) {
                       {keys::kReason, fault.reason}};
 }
 
+constexpr std::size_t kMostOfASchedule = std::size_t{64} * 1024;
+
+std::string tokenOf(sd_bus_message* call) {
+    const char* token = "";
+    sd_bus_message_read(call, "s", &token);
+    return token;
+}
+
 /// How many the caller wants, within the longest answer.
 std::size_t wanted(sd_bus_message* call, unsigned most) {
     std::uint32_t number = 0;
@@ -85,8 +95,14 @@ SchedulerInterface::SchedulerInterface(Callers& callers, SchedulerHost& host, co
                                 &SchedulerInterface::read<&SchedulerInterface::modules>, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kSkip, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT, &SchedulerInterface::skip,
                                 kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kUnskip, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT, &SchedulerInterface::unskip,
+                                kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kPostpone, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT,
                                 &SchedulerInterface::postpone, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kPostponeBy, SD_BUS_ARGS("s", token, "x", seconds), SD_BUS_NO_RESULT,
+                                &SchedulerInterface::postpone, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kTry, SD_BUS_ARGS("ay", schedule), SD_BUS_NO_RESULT, &SchedulerInterface::tryNow,
+                                kOpen),
         SD_BUS_SIGNAL_WITH_ARGS(names::kChanged, SD_BUS_NO_ARGS, 0),
         SD_BUS_VTABLE_END};
     _object = addObject(callers.connection(), names::kPath, names::kInterface, kMembers, this);
@@ -138,36 +154,80 @@ int SchedulerInterface::modules(sd_bus_message* call) const {
 }
 
 int SchedulerInterface::skip(sd_bus_message* call, void* self, sd_bus_error* error) {
-    return static_cast<SchedulerInterface*>(self)->begin(call, {kSkipAction, &SchedulerHost::skip}, error);
+    auto& scheduler = *static_cast<SchedulerInterface*>(self);
+    const std::string token = tokenOf(call);
+    const auto make = [&host = scheduler._host, token](const std::string& by) { return host.skip(token, by); };
+    return scheduler.begin(call, {kSkipAction, token, make}, error);
+}
+
+int SchedulerInterface::unskip(sd_bus_message* call, void* self, sd_bus_error* error) {
+    auto& scheduler = *static_cast<SchedulerInterface*>(self);
+    const std::string token = tokenOf(call);
+    const auto make = [&host = scheduler._host, token](const std::string& by) { return host.unskip(token, by); };
+    const auto open = scheduler._host.scheduler().upcoming(rules::kMostOpen);
+    const auto skipped = std::ranges::find(open, token, &Upcoming::token);
+    return scheduler.begin(call, {kSkipAction, token, make, skipped == open.end() ? "" : skipped->by}, error);
 }
 
 int SchedulerInterface::postpone(sd_bus_message* call, void* self, sd_bus_error* error) {
-    return static_cast<SchedulerInterface*>(self)->begin(call, {kPostponeAction, &SchedulerHost::postpone}, error);
+    auto& scheduler = *static_cast<SchedulerInterface*>(self);
+    const std::string token = tokenOf(call);
+    std::int64_t length = rules::kPostponement;
+    sd_bus_message_read(call, "x", &length);  // where it is said
+    const auto make = [&host = scheduler._host, token, length](const std::string& by) {
+        return host.postpone(token, by, length);
+    };
+    return scheduler.begin(call, {kPostponeAction, token, make}, error);
 }
 
-int SchedulerInterface::begin(sd_bus_message* call, Change change, sd_bus_error* error) {
-    const char* token = "";
-    sd_bus_message_read(call, "s", &token);
-    if (!_host.scheduler().knows(token)) return sd_bus_error_set(error, wire::kNoSuchOccurrence, kGone);
+int SchedulerInterface::tryNow(sd_bus_message* call, void* self, sd_bus_error* error) {
+    auto& scheduler = *static_cast<SchedulerInterface*>(self);
+    const void* bytes = nullptr;
+    std::size_t size = 0;
+    sd_bus_message_read_array(call, 'y', &bytes, &size);
+    if (size > kMostOfASchedule) return sd_bus_error_set(error, wire::kCannotTry, "It takes more than 64 KiB.");
     const bool interaction = sd_bus_message_get_allow_interactive_authorization(call) > 0;
-    _callers.hold(call, [this, change, token = std::string(token), interaction](HeldCall& held) {
-        ask(held, change, token, interaction);
+    const std::string schedule(static_cast<const char*>(bytes), size);
+    scheduler._callers.hold(call, [&scheduler, schedule, interaction](HeldCall& held) {
+        // Nothing of it is looked at before that is allowed.
+        scheduler.ask(held, kModifyPreferencesAction, interaction,
+                      [&scheduler, &held, schedule] { scheduler.tryNow(held, schedule); });
     });
     return 1;
 }
 
-void SchedulerInterface::ask(HeldCall& call, Change change, const std::string& token, bool interaction) {
+void SchedulerInterface::tryNow(HeldCall& call, const std::string& schedule) {
+    const Scheduler::Trial trial = _host.tryNow(decodePropertyList(schedule, kMostOfASchedule));
+    if (!trial.fault.empty()) return call.refuse(wire::kCannotTry, std::string(trial.fault));
+    MOLLog("Occurrence %s: tried by user %u.", trial.token.c_str(), call.user());
+    call.accept();
+}
+
+int SchedulerInterface::begin(sd_bus_message* call, Change wanted, sd_bus_error* error) {
+    if (!_host.scheduler().knows(wanted.token)) return sd_bus_error_set(error, wire::kNoSuchOccurrence, kGone);
+    const bool interaction = sd_bus_message_get_allow_interactive_authorization(call) > 0;
+    _callers.hold(call, [this, wanted = std::move(wanted), interaction](HeldCall& held) {
+        const bool isFree = !wanted.free.empty() && wanted.free == nameOfUser(held.user());
+        const auto permitted = [this, &held, wanted] { change(held, wanted); };
+        ask(held, isFree ? nullptr : wanted.action, interaction, permitted);
+    });
+    return 1;
+}
+
+/// Without an action nobody is asked.
+void SchedulerInterface::ask(HeldCall& call, const char* action, bool interaction, std::function<void()> permitted) {
     if (!_limit.admit(call.user(), std::chrono::steady_clock::now()))
         return call.refuse(wire::kTooManyChanges, "More than ten changes a minute are not taken.");
-    call.ask(change.action, interaction, [this, &call, change, token](Verdict verdict) {
+    if (!action) return permitted();
+    call.ask(action, interaction, [&call, permitted = std::move(permitted)](Verdict verdict) {
         if (verdict != Verdict::Allowed) return call.refuse(wire::kNotAuthorized, textOf(verdict));
-        permitted(call, change, token);
+        permitted();
     });
 }
 
-void SchedulerInterface::permitted(HeldCall& call, Change change, const std::string& token) {
-    if (!(_host.*change.make)(token, nameOfUser(call.user()))) return call.refuse(wire::kNoSuchOccurrence, kGone);
-    MOLLog("Occurrence %s: %s by user %u.", token.c_str(), change.action, call.user());
+void SchedulerInterface::change(HeldCall& call, const Change& wanted) {
+    if (!wanted.make(nameOfUser(call.user()))) return call.refuse(wire::kNoSuchOccurrence, kGone);
+    MOLLog("Occurrence %s: %s by user %u.", wanted.token.c_str(), wanted.action, call.user());
     call.accept();
 }
 

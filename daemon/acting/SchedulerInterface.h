@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "daemon/UserLimit.h"
@@ -22,10 +23,12 @@ public:
     void changed();
 
 private:
-    /// A way to say no, and what polkit calls it.
+    /// What is said of an occurrence, and what polkit calls it.
     struct Change {
         const char* action;
-        bool (SchedulerHost::*make)(const std::string& token, const std::string& by);
+        std::string token;
+        std::function<bool(const std::string& by)> make;
+        std::string free = {};  ///< a user who need not ask
     };
 
     template <auto kAnswer>
@@ -35,11 +38,14 @@ private:
     int status(sd_bus_message* call) const;
     int modules(sd_bus_message* call) const;
     static int skip(sd_bus_message* call, void* self, sd_bus_error* error);
+    static int unskip(sd_bus_message* call, void* self, sd_bus_error* error);
     static int postpone(sd_bus_message* call, void* self, sd_bus_error* error);
+    static int tryNow(sd_bus_message* call, void* self, sd_bus_error* error);
 
     int begin(sd_bus_message* call, Change change, sd_bus_error* error);
-    void ask(HeldCall& call, Change change, const std::string& token, bool interaction);
-    void permitted(HeldCall& call, Change change, const std::string& token);
+    void ask(HeldCall& call, const char* action, bool interaction, std::function<void()> permitted);
+    void change(HeldCall& call, const Change& change);
+    void tryNow(HeldCall& call, const std::string& schedule);
 
     Callers& _callers;
     SchedulerHost& _host;

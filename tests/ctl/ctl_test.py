@@ -190,16 +190,21 @@ class CtlTest(CtlCase):
         self.refused(1, "not permitted", "postpone", first, user=NOBODY)
         self.assertEqual(self.told("skip", "1", user=NOBODY),
                          "Skipped: Sleep, Mon 2027-03-01 23:15. Next: Tue 2027-03-02 23:15.\n")
+        self.assertIn("Planned again: Sleep", self.told("unskip", "1", user=NOBODY))
+        self.refused(4, "Nothing of the kind", "unskip", "1")
         self.told("skip", first)
-        self.assertIn("skipped by nobody\n", self.told("next"))
+        self.assertIn("skipped by root\n", self.told("next"))
         self.assertEqual(self.told("postpone", second),
                          "Postponed: Sleep, from Mon 2027-03-01 23:30 to Mon 2027-03-01 23:45.\n")
         self.told("postpone", second)  # is that very postponement again
         self.assertIn("postponed by root, planned for 23:30\n", self.told("next"))
         self.assertEqual(self.next()[1]["atSeconds"], AT + 45 * 60)
+        self.refused(1, "not permitted", "try", "2", user=NOBODY)
+        self.assertIn("Tried 2: Sleep", self.told("try", "2"))
+        self.refused(1, "Not tried: not at this moment.", "try", "2")
         self.refused(4, "no such occurrence", "skip", "1-2-3")
         self.refused(2, "not in UTF-8", "skip", b"\xff")
-        for _ in range(7):
+        for _ in range(5):
             self.told("skip", first)
         self.refused(1, "ten changes", "skip", first)
         self.told("skip", first, user=NOBODY)

@@ -289,8 +289,8 @@ private:
             _postponed[{one.due, one.schedule->action}] = _world.now.instant() + 366 * kDay;
     }
     void tryOne(const Value& schedule) {
-        if (_world.scheduler->tryNow(_world.now, schedule).fault.empty())
-            _opened[{_world.now.instant(), schedule["Action Type"].text()}].insert(0);  // by another name
+        _opened[{_world.now.instant(), schedule["Action Type"].text()}].insert(0);  // by another name than the plan's
+        _world.scheduler->tryNow(_world.now, schedule);
     }
     void setClock() {
         static constexpr Seconds kSteps[] = {1, 30, 100, 150, 3600, 10'799, 10'800, 86'400};
