@@ -8,6 +8,7 @@
 #include "model/Dictionary.h"
 #include "model/Wire.h"
 #include "words/Language.h"
+#include "words/WhenText.h"
 
 namespace quorel {
 

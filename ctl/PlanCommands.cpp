@@ -22,6 +22,7 @@
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
+#include "words/WhenText.h"
 
 namespace quorel {
 

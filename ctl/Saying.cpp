@@ -25,6 +25,7 @@
 #include "scheduler/Instant.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
+#include "words/WhenText.h"
 
 namespace quorel {
 

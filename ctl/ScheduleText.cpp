@@ -2,7 +2,6 @@
 
 #include <array>
 #include <bit>
-#include <chrono>
 #include <cstring>
 #include <ctime>
 
@@ -42,36 +41,12 @@ constexpr Sentence kSentences[] = {
     {text_fault::kText, marked("\"{1}\" is not in UTF-8, or has control characters.")},
 };
 
-std::tm localTime(Instant instant) {
-    const std::time_t time = instant;
-    std::tm local{};
-    localtime_r(&time, &local);
-    return local;
-}
-
-/// Days since an unimportant one, of the wall clock.
-std::int64_t dayNumber(Instant instant) {
-    const std::tm local = localTime(instant);
-    return std::chrono::sys_days(std::chrono::year(local.tm_year + 1900) / (local.tm_mon + 1) / local.tm_mday)
-        .time_since_epoch()
-        .count();
-}
-
 /// "Mon", in the user's language; 0 is Monday.
 std::string dayName(std::size_t day) {
     std::tm date{};
     date.tm_wday = static_cast<int>((day + 1) % 7);
     std::array<char, 32> text{};
     return {text.data(), std::strftime(text.data(), text.size(), "%a", &date)};
-}
-
-std::string inText(Seconds seconds) {
-    const Seconds minutes = (seconds + 30) / kMinute;
-    const std::string hours = std::to_string(minutes / 60), rest = std::to_string(minutes % 60);
-    if (minutes < 1) return translated("in less than a minute");
-    if (minutes < 60) return filled(translated("in {1} min"), {rest});
-    return minutes % 60 == 0 ? filled(translated("in {1} h"), {hours})
-                             : filled(translated("in {1} h {2} min"), {hours, rest});
 }
 
 }  // namespace
@@ -123,18 +98,6 @@ std::string summaryOf(const Value& schedule, const ActionWords& actions) {
     const std::string detail = detailOf(schedule, actions);
     return nameOfAction(schedule, actions) + ", " + daysText(daysOf(schedule)) + " " + timeOf(schedule) +
            (detail.empty() ? "" : ", " + detail);
-}
-
-std::string whenText(Instant at, Instant now) {
-    const std::int64_t days = dayNumber(at) - dayNumber(now);
-    if (days == 0) return filled(translated("today {1}"), {timeText(at)});
-    if (days == 1) return filled(translated("tomorrow {1}"), {timeText(at)});
-    return momentText(at);
-}
-
-std::string comingText(Instant at, Instant now) {
-    const std::string when = whenText(at, now);
-    return at - now < 24 * kHour ? when + ", " + inText(at - now) : when;
 }
 
 std::string sentenceOf(const TextFault& fault) {

@@ -3,70 +3,21 @@
 #include "model/Wire.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
+#include "words/StatusText.h"
 
 namespace quorel {
 
-namespace {
-
 namespace keys = wire::keys;
 
-std::string alarmText(const Value& alarm) {
-    const std::string fault = alarm[keys::kFault].text();
-    const Value& at = alarm[keys::kAt];
-    if (fault == wire::alarm_fault::kMoved)
-        return filled(translated("{1}, but would come {2}: the hardware's clock was set"),
-                      {momentText(at.integer()), momentText(alarm[keys::kOthers].integer())});
-    std::string why;
-    if (fault == wire::alarm_fault::kNoClock) why = translated("this computer has no clock with an alarm");
-    if (fault == wire::alarm_fault::kOff) why = translated("this daemon sets none, it works below a folder of its own");
-    if (fault == wire::alarm_fault::kForbidden) why = translated("the daemon may not set alarms");
-    if (fault == wire::alarm_fault::kPast) why = translated("it was too late to set it");
-    if (fault == wire::alarm_fault::kTooFar)
-        why = translated("it is further ahead than this computer's clock can be set");
-    if (fault == wire::alarm_fault::kGone) why = translated("another program has taken it away");
-    if (fault == wire::alarm_fault::kTaken) {
-        why = filled(translated("another program's earlier alarm stays, for {1}"),
-                     {momentText(alarm[keys::kOthers].integer())});
-    }
-    if (!fault.empty() && why.empty()) {
-        const std::string& reason = alarm[keys::kReason].text();
-        why = filled(translated("it could not be set: {1}"), {reason.empty() ? fault : reason});
-    }
-    if (why.empty()) return at.isInteger() ? momentText(at.integer()) : translated("none is needed");
-    if (!at.isInteger()) return filled(translated("cannot be set: {1}"), {why});
-    return filled(translated("{1}, but is not set: {2}"), {momentText(at.integer()), why});
-}
-
-/// An alarm that is wanted, and is not to be had.
-bool isMissing(const Value& alarm) {
-    return alarm[keys::kAt].isPresent() && alarm[keys::kFault].isPresent();
-}
-
-bool acts(const Value& status) {
-    return status[keys::kActs].intValue() != 0;
-}
-
-}  // namespace
-
 bool isWell(const Value& status) {
-    const bool runs = acts(status) && status[keys::kClock].isAbsent() && status[keys::kFaults].array().empty();
+    const bool runs =
+        status[keys::kActs].intValue() != 0 && status[keys::kClock].isAbsent() && status[keys::kFaults].array().empty();
     const bool keeps = status[keys::kPlanFault].isAbsent() && status[keys::kStateFault].isAbsent();
     return runs && keeps && !isMissing(status[keys::kWakeAlarm]) && !isMissing(status[keys::kStartupAlarm]);
 }
 
-std::vector<std::pair<std::string, std::string>> statusFields(const Value& status, const Array& upcoming,
-                                                              const Value& last) {
-    std::vector<std::pair<std::string, std::string>> fields;
-    if (!acts(status))
-        fields.emplace_back(translated("Acts:"), translated("no: nothing of this computer is asked or touched"));
-    if (const Value& fault = status[keys::kPlanFault]; fault.isPresent())
-        fields.emplace_back(translated("Plan:"),
-                            filled(translated("the file in place is not used: {1}"), {fault.text()}));
-    if (const Value& fault = status[keys::kStateFault]; fault.isPresent())
-        fields.emplace_back(translated("State:"), filled(translated("cannot be kept: {1}"), {fault.text()}));
-    if (status[keys::kClock].isPresent())
-        fields.emplace_back(translated("Clock:"),
-                            translated("behind; nothing runs until it is set, or for ten minutes"));
+std::vector<StatusField> statusFields(const Value& status, const Array& upcoming, const Value& last) {
+    std::vector<StatusField> fields = troubles(status);
     if (upcoming.empty()) fields.emplace_back(translated("Next:"), translated("nothing is planned"));
     // Whatever is under way or was changed, and two that simply come.
     int planned = 0;

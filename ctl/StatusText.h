@@ -1,10 +1,9 @@
 #pragma once
 
-#include <string>
-#include <utility>
 #include <vector>
 
 #include "model/Value.h"
+#include "words/StatusText.h"
 
 namespace quorel {
 
@@ -12,7 +11,6 @@ namespace quorel {
 bool isWell(const Value& status);
 /// How things stand: names, and what they stand for. `upcoming` as Upcoming() tells it, with
 /// "Number" where the plan has them; `last` is the last outcome, absent where there is none.
-std::vector<std::pair<std::string, std::string>> statusFields(const Value& status, const Array& upcoming,
-                                                              const Value& last);
+std::vector<StatusField> statusFields(const Value& status, const Array& upcoming, const Value& last);
 
 }  // namespace quorel

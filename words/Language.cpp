@@ -39,7 +39,7 @@ std::string formatted(const std::string& format, Instant instant) {
 const char* shortTime() {
     const std::string_view whole = nl_langinfo(T_FMT);
     for (const char* half : {"%r", "%I", "%l", "%p"})
-        if (whole.find(half) != std::string_view::npos) return "%I:%M %p";
+        if (whole.find(half) != std::string_view::npos) return "%-I:%M %p";
     return "%H:%M";
 }
 

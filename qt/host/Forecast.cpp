@@ -19,9 +19,6 @@ class AnyAction : public Actions {
     void find(const Occurrence&) override {}
 };
 
-constexpr Seconds kSoon = kHour;
-constexpr int kDaysByName = 7;
-
 }  // namespace
 
 Forecast::Answer Forecast::of(const Value& schedule) const {
@@ -31,21 +28,6 @@ Forecast::Answer Forecast::of(const Value& schedule) const {
     const auto next = Agenda(_calendar, reading.schedules).after(std::time(nullptr), 1);
     if (next.empty()) return {.at = {}, .fault = translated("no day is chosen")};
     return {.at = next.front().due, .fault = {}};
-}
-
-std::string nearText(Instant at, Instant now) {
-    const SystemCalendar calendar;
-    const auto days = (calendar.dateOf(at) - calendar.dateOf(now)).count();
-    const std::string time = timeText(at);
-    if (days == 0 && at > now && at - now < kSoon)
-        return filled(translated("today {1}, in {2} min"), {time, std::to_string((at - now + 59) / 60)});
-    if (days == 0) return filled(translated("today {1}"), {time});
-    if (days == 1) return filled(translated("tomorrow {1}"), {time});
-    if (days > 1 && days < kDaysByName) {
-        const std::string moment = momentText(at);  // its first word is the day's name
-        return filled(translated("{1} {2}"), {moment.substr(0, moment.find(' ')), time});
-    }
-    return momentText(at);
 }
 
 }  // namespace quorel::qt

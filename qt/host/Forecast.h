@@ -21,7 +21,4 @@ private:
     SystemCalendar _calendar;
 };
 
-/// "today 23:15", "tomorrow 06:45", "Mon 06:45", or with the date when that is further ahead.
-std::string nearText(Instant at, Instant now);
-
 }  // namespace quorel::qt

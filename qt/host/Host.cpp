@@ -12,6 +12,7 @@
 #include "qt/host/SaveText.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
+#include "words/WhenText.h"
 
 namespace quorel::qt {
 
@@ -35,6 +36,11 @@ Host::Host(const Parts& parts)
     window.firstPainted = [this] { select(); };
     window.mayClose = [this] { return mayClose(); };
     window.list->schedules().noteOf = [this](int row) { return noteOf(row); };
+    const auto text = [this](const char* key) {
+        return qString(_parts.bundle->localizedStringForKeyValueTable(key, "", ""));
+    };
+    window.list->schedules().wakesText = text("reveille l'ordinateur");
+    window.list->schedules().startsText = text("demarre l'ordinateur");
     window.sheet->changed = [this] { showForecast(); };
     _parts.application.main = std::make_shared<Window>(&window);
 
@@ -277,25 +283,20 @@ RowNote Host::noteOf(int row) const {
     const Forecast::Answer answer = _forecast.of(schedules[static_cast<std::size_t>(row)]);
     if (answer.isOff) return {qString(translated("off")), {}};
     if (!answer.at) return {qString(translated("never")), qString(answer.fault)};
-    return {qString(nearText(*answer.at, std::time(nullptr))), {}};
+    return {qString(whenText(*answer.at, std::time(nullptr))), {}};
 }
 
 void Host::showForecast() {
     const Forecast::Answer answer = _forecast.of(_parts.window.sheet->timeAndDays());
     if (!answer.at) return _parts.window.sheet->showNext(qString(answer.fault), true);
-    _parts.window.sheet->showNext(qString(filled(translated("Next: {1}"), {nearText(*answer.at, std::time(nullptr))})),
-                                  false);
+    _parts.window.sheet->showNext(
+        qString(filled(translated("Next: {1}"), {comingText(*answer.at, std::time(nullptr))})), false);
 }
 
 void Host::showPlan() {
-    constexpr std::size_t kAtAGlance = 3, kAll = 500;
     SettingsWindow& window = _parts.window;
-    window.next->show();
-    const bool all = window.showAll->isChecked();
-    window.happened->show(_parts.plan.outcomes(), all ? kAll : kAtAGlance);
-    const int line = window.happened->sizeHintForRow(0), frame = 2 * window.happened->frameWidth();
-    window.happened->setMinimumHeight(std::max(line, 0) * (all ? 5 : 1) + frame);
-    window.happened->setMaximumHeight(std::max(line, 0) * (all ? 12 : 3) + frame);
+    window.next->show(_parts.plan.isThere(), _parts.plan.upcoming(), _parts.plan.status());
+    window.showHappened(_parts.plan.outcomes());
     window.list->schedules().refreshNotes();
 }
 

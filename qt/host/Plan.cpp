@@ -51,15 +51,16 @@ void Plan::fetch() {
         _again = true;
         return;
     }
-    _missing = 2;
+    _missing = 3;
     read(wire::scheduler::kUpcoming, kMostUpcoming, _upcoming);
     read(wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes, _outcomes);
+    read(wire::scheduler::kStatus, std::nullopt, _status);
 }
 
-void Plan::read(const char* method, unsigned most, Value& into) {
+void Plan::read(const char* method, std::optional<unsigned> most, Value& into) {
     const auto call =
         newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
-    sd_bus_message_append(call.get(), "u", most);
+    if (most) sd_bus_message_append(call.get(), "u", *most);
     sd_bus_message_set_auto_start(call.get(), false);
     send(method, call, kPatience, [this, &into](sd_bus_message* reply) {
         const bool answered = !errorOf(reply);

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "linux/bus/Bus.h"
@@ -10,8 +11,8 @@
 
 namespace quorel::qt {
 
-/// The daemon's side of what the window shows: what comes next and what happened. Fetched by calls to the
-/// daemon's name, again whenever a signal says that it may be worth it. The thread of the loop.
+/// The daemon's side of what the window shows: what comes next, what happened, and how things stand. Fetched by calls
+/// to the daemon's name, again whenever a signal says that it may be worth it. The thread of the loop.
 class Plan {
 public:
     /// An error's name and text; both empty where it was done.
@@ -22,6 +23,7 @@ public:
 
     bool isThere() const { return _isThere; }
     const Array& upcoming() const { return _upcoming.array(); }
+    const Value& status() const { return _status; }
     const Array& outcomes() const { return _outcomes.array(); }  ///< oldest first
 
     void fetch();
@@ -29,7 +31,7 @@ public:
     void change(const char* method, const std::string& token, Done done);
 
 private:
-    void read(const char* method, unsigned most, Value& into);
+    void read(const char* method, std::optional<unsigned> most, Value& into);
     void send(const std::string& key, const BusMessagePointer& call, std::chrono::seconds limit,
               std::function<void(sd_bus_message*)> replied);
     void fetched();
@@ -42,7 +44,7 @@ private:
     int _missing = 0;
     bool _again = false;
     bool _isThere = false;
-    Value _upcoming, _outcomes;
+    Value _upcoming, _outcomes, _status;
 };
 
 }  // namespace quorel::qt

@@ -2,10 +2,14 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QTime>
 
 #include "qt/list/ScheduleModel.h"
+#include "qt/toolkit/Colours.h"
+#include "qt/toolkit/Services.h"
 
 namespace quorel::qt {
 
@@ -17,11 +21,6 @@ QColor faded(const QPalette& palette, double share = 0.62) {
     const QColor& base = palette.color(QPalette::Base);
     const auto mix = [share](int a, int b) { return static_cast<int>(a * share + b * (1 - share)); };
     return {mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue())};
-}
-
-/// A colour for what is wrong that can be read on the theme's ground.
-QColor faultColour(const QPalette& palette) {
-    return palette.color(QPalette::Base).lightness() < 128 ? QColor(255, 138, 128) : QColor(176, 32, 22);
 }
 
 void paintSwitch(QPainter& painter, const QStyleOptionViewItem& option, bool on, bool enabled) {
@@ -153,10 +152,12 @@ bool ScheduleDelegate::editorEvent(QEvent* event, QAbstractItemModel* model, con
 
 int columnWidth(const QFontMetrics& font, int column) {
     const int em = font.height();
-    if (column == kSwitchColumn) return em * 3;
-    if (column == kTimeColumn) return em * 5;
+    if (column == kSwitchColumn) return em * 11 / 4;
     if (column == kActionColumn) return em * 10;
-    return column == kNextColumn ? em * 9 : em * 2;
+    if (column != kTimeColumn && column != kNextColumn) return em * 7 / 4;
+    const QString longest = QLocale().toString(QTime(22, 58), shortTimeFormat());
+    const int time = font.horizontalAdvance(longest);
+    return column == kTimeColumn ? time * 8 / 5 + em : time + em * 5;
 }
 
 int rowHeight(const QFontMetrics& font) {

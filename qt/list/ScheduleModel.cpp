@@ -86,6 +86,19 @@ QVariant ScheduleModel::textOf(const QModelIndex& index) const {
     return noteOf(index.row()).next;
 }
 
+/// What it does, and what it needs of the computer where that does not say it.
+QString ScheduleModel::lineOf(const QModelIndex& index) const {
+    const Value value = valueAt(index);
+    QStringList parts = {qString(value[summary::kAction].text())};
+    const auto add = [&](const char* need, const QString& text) {
+        if (value[need].intValue() != 0 && !parts.first().contains(text, Qt::CaseInsensitive)) parts.append(text);
+    };
+    add(summary::kWakeUp, wakesText);
+    add(summary::kStartup, startsText);
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(", "));
+}
+
 /// A row's parts, each on its own, as a screen reader speaks them.
 QString ScheduleModel::spokenText(const QModelIndex& index) const {
     const auto state = [&] { return valueAt(index).intValue() != 0 ? translated("on") : translated("off"); };
@@ -114,7 +127,7 @@ QVariant ScheduleModel::data(const QModelIndex& index, int role) const {
         case Qt::ToolTipRole:
             return spokenText(index);
         case kLineRole:
-            return qString(valueAt(index)[summary::kAction].text());
+            return lineOf(index);
         case kFaultRole:
             return noteOf ? noteOf(index.row()).fault : QString();
         case kOnRole:

@@ -58,10 +58,12 @@ public:
 
     TableViewDataSource* source = nullptr;
     std::function<RowNote(int row)> noteOf;
+    QString wakesText, startsText;  ///< "wakes the computer up", "turns the computer on"
 
 private:
     Value valueAt(const QModelIndex& index) const;
     QVariant textOf(const QModelIndex& index) const;
+    QString lineOf(const QModelIndex& index) const;
     QString spokenText(const QModelIndex& index) const;
 
     std::vector<std::shared_ptr<TableColumn>> _columns;  ///< flag, summary, seven days

@@ -14,6 +14,7 @@
 #include "model/Schedule.h"
 #include "qt/list/ScheduleTable.h"
 #include "qt/sheet/DayButton.h"
+#include "qt/toolkit/Colours.h"
 #include "qt/toolkit/Services.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
@@ -41,6 +42,7 @@ EditSheet::EditSheet(QWidget* parent)
     _time->setAccessibleName(qString(translated("Time")));
     _time->setDisplayFormat(shortTimeFormat());
     _time->setWrapping(true);
+    _noOptions->setFixedHeight(0);
     _noOptions->hide();
 
     auto* const days = new QHBoxLayout;
@@ -55,8 +57,10 @@ EditSheet::EditSheet(QWidget* parent)
 
     auto* const form = new QFormLayout;
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-    form->addRow(qString(translated("What")), _action);
-    form->addRow(QString(), _options);
+    auto* const what = new QVBoxLayout;  // options that are none take no place
+    what->addWidget(_action, 0, Qt::AlignLeft);
+    what->addWidget(_options);
+    form->addRow(qString(translated("What")), what);
     form->addRow(qString(translated("When")), _time);
     form->addRow(qString(translated("Days")), days);
     form->addRow(qString(translated("Computer")), _wakes);
@@ -100,9 +104,7 @@ void EditSheet::reject() {
 
 void EditSheet::showNext(const QString& text, bool isFault) {
     QPalette palette = this->palette();
-    if (isFault)
-        palette.setColor(QPalette::WindowText, palette.color(QPalette::Window).lightness() < 128 ? QColor(255, 138, 128)
-                                                                                                 : QColor(176, 32, 22));
+    if (isFault) palette.setColor(QPalette::WindowText, faultColour(palette));
     _next->setPalette(palette);
     _next->setText(text);
 }

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "model/Wire.h"
+#include "qt/toolkit/Colours.h"
 #include "qt/toolkit/Text.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
@@ -45,7 +46,6 @@ HappenedList::HappenedList(QWidget* parent) : QTreeWidget(parent) {
 
 void HappenedList::show(const Array& outcomes, std::size_t most) {
     clear();
-    const bool isDark = palette().color(QPalette::Base).lightness() < 128;
     for (auto one = outcomes.rbegin(); one != outcomes.rend() && most > 0; ++one, --most) {
         const Sort sort = sortOf((*one)[keys::kCode].text());
         const Instant due = (*one)[keys::kDue].integer();
@@ -62,8 +62,7 @@ void HappenedList::show(const Array& outcomes, std::size_t most) {
         item->setData(0, Qt::AccessibleTextRole, qString(spoken));
         item->setToolTip(3, qString(sentence));
         if (sort != kFailed) continue;
-        for (const int column : {0, 3})
-            item->setForeground(column, isDark ? QColor(255, 138, 128) : QColor(176, 32, 22));
+        for (const int column : {0, 3}) item->setForeground(column, faultColour(palette()));
     }
     if (topLevelItemCount() == 0) {
         auto* const item = new QTreeWidgetItem(this, {qString(translated("Nothing has happened yet."))});

@@ -7,10 +7,12 @@
 #include <ctime>
 
 #include "model/Wire.h"
-#include "qt/host/Forecast.h"
+#include "qt/toolkit/Colours.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
+#include "words/StatusText.h"
+#include "words/WhenText.h"
 
 namespace quorel::qt {
 
@@ -25,11 +27,53 @@ bool isAhead(const Value& one) {
            !one[keys::kToken].text().empty();
 }
 
-std::string lineOf(const Value& one) {
+/// Whether the computer is kept awake by it.
+bool keepsAwake(const Value& one) {
+    return one[keys::kStep].text() == wire::step::kRunning && one[keys::kUntil].isPresent();
+}
+
+QString lineOf(const Value& one, std::string (*when)(Instant, Instant)) {
     const std::string line =
-        filled(translated("{1} {2}"), {actionName(one), nearText(one[keys::kAt].integer(), std::time(nullptr))});
+        filled(translated("{1}, {2}"), {actionName(one), when(one[keys::kAt].integer(), std::time(nullptr))});
     const std::string step = stepText(one);
-    return step.empty() ? line : filled(translated("{1} ({2})"), {line, step});
+    return qString(step.empty() ? line : filled(translated("{1} ({2})"), {line, step}));
+}
+
+/// What is under way or changed, and the first that follows what comes next.
+QString followingText(const Array& upcoming, const Value* next) {
+    QStringList lines;
+    for (const Value& one : upcoming) {
+        if (&one == next || (isAhead(one) && !lines.empty())) continue;
+        lines.append(keepsAwake(one) ? qString(filled(translated("{1}: {2}"), {actionName(one), stepText(one)}))
+                                     : lineOf(one, whenText));
+        if (lines.size() == 2) break;
+    }
+    if (lines.isEmpty()) return {};
+    return qString(filled(translated("Then: {1}"), {stdString(lines.join(QStringLiteral(" · ")))}));
+}
+
+QStringList troublesOf(const Value& status) {
+    QStringList lines;
+    const auto add = [&](const std::string& what, const std::string& text) {
+        lines.append(qString(what + " " + text));
+    };
+    for (const auto& [what, text] : troubles(status)) add(what, text);
+    if (status[keys::kActs].intValue() == 0) return lines;  // which says why there are no alarms, too
+    if (isMissing(status[keys::kWakeAlarm])) add(translated("Wake-up alarm:"), alarmText(status[keys::kWakeAlarm]));
+    if (isMissing(status[keys::kStartupAlarm]))
+        add(translated("Start-up alarm:"), alarmText(status[keys::kStartupAlarm]));
+    return lines;
+}
+
+/// That the alarms are set, where they are.
+QString alarmsText(const Value& status) {
+    const auto isSet = [&](std::string_view key) {
+        return status[key][keys::kAt].isPresent() && status[key][keys::kFault].isAbsent();
+    };
+    const bool wakes = isSet(keys::kWakeAlarm), starts = isSet(keys::kStartupAlarm);
+    if (wakes && starts) return qString(translated("The alarms for waking up and for starting up are set."));
+    if (wakes) return qString(translated("The alarm for waking up is set."));
+    return starts ? qString(translated("The alarm for starting up is set.")) : QString();
 }
 
 }  // namespace
@@ -40,55 +84,64 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
       _failed(std::move(failed)),
       _title(makeLabel(this, Weight::kTitle)),
       _line(makeLabel(this, Weight::kSmall)),
-      _postpone(new QPushButton(qString(translated("Postpone 15 minutes")), this)),
-      _skip(new QPushButton(qString(translated("Skip")), this)) {
-    for (QLabel* label : {_title, _line}) {
+      _troubles(makeLabel(this, Weight::kSmall)),
+      _letSleep{new QPushButton(qString(translated("Let it sleep")), this), {}},
+      _postpone{new QPushButton(qString(translated("Postpone 15 minutes")), this), {}},
+      _skip{new QPushButton(qString(translated("Skip")), this), {}} {
+    auto* const texts = new QVBoxLayout;
+    for (QLabel* label : {_title, _line, _troubles}) {
         label->setWordWrap(true);
         label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        texts->addWidget(label);
     }
-    auto* const texts = new QVBoxLayout;
-    texts->addWidget(_title);
-    texts->addWidget(_line);
     auto* const whole = new QHBoxLayout(this);
     whole->addLayout(texts, 1);
-    whole->addWidget(_postpone);
-    whole->addWidget(_skip);
-    connect(_postpone, &QPushButton::clicked, this, [this] { change(wire::scheduler::kPostpone); });
-    connect(_skip, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip); });
+    for (const Choice* choice : {&_letSleep, &_postpone, &_skip}) whole->addWidget(choice->button);
+    connect(_letSleep.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _letSleep); });
+    connect(_postpone.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kPostpone, _postpone); });
+    connect(_skip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _skip); });
 }
 
-void NextCard::show() {
-    const Array& upcoming = _plan.upcoming();
-    const auto next = std::ranges::find_if(upcoming, isAhead);
-    const bool isThere = next != upcoming.end();
-    _token = isThere ? (*next)[keys::kToken].text() : std::string();
-    for (QPushButton* button : {_postpone, _skip}) {
-        button->setVisible(isThere);
-        button->setAccessibleDescription(isThere ? qString(lineOf(*next)) : QString());
-    }
-    if (!_plan.isThere()) {
+void NextCard::show(bool isThere, const Array& upcoming, const Value& status) {
+    const auto first = [&](bool (*fits)(const Value&)) {
+        const auto found = std::ranges::find_if(upcoming, fits);
+        return found == upcoming.end() ? nullptr : &*found;
+    };
+    const Value* const next = first(isAhead);
+    offer(_letSleep, first(keepsAwake));
+    offer(_postpone, next);
+    offer(_skip, next);
+    if (!isThere) {
         _title->setText(qString(translated("The daemon is not running.")));
         _line->setText(qString(translated("Nothing of this plan happens until it runs.")));
-        return;
+        return showTroubles({});
     }
-    if (!isThere) _title->setText(qString(translated("Nothing is planned.")));
-    if (isThere) _title->setText(qString(filled(translated("Next: {1}"), {lineOf(*next)})));
-    QStringList lines;
-    for (const Value& one : upcoming) {
-        const bool changed = !isAhead(one);
-        if (!isThere || &one != &*next) {
-            if (changed || lines.empty()) lines.append(qString(lineOf(one)));
-        }
-        if (lines.size() == 2) break;
-    }
-    _line->setText(lines.isEmpty()
-                       ? QString()
-                       : qString(filled(translated("Then: {1}"), {stdString(lines.join(QStringLiteral(" · ")))})));
+    _title->setText(next ? qString(filled(translated("Next: {1}"), {stdString(lineOf(*next, comingText))}))
+                         : qString(translated("Nothing is planned.")));
+    QStringList lines = {followingText(upcoming, next), alarmsText(status)};
+    lines.removeAll(QString());
+    _line->setText(lines.join(QLatin1Char('\n')));
+    _line->setVisible(!lines.isEmpty());
+    showTroubles(troublesOf(status));
 }
 
-void NextCard::change(const char* method) {
-    if (_token.empty()) return;
-    _plan.change(method, _token, [this](const std::string& error, const std::string& text) {
+void NextCard::showTroubles(const QStringList& troubles) {
+    QPalette colours = palette();
+    for (const auto role : {QPalette::WindowText, QPalette::Text}) colours.setColor(role, faultColour(colours));
+    _troubles->setPalette(colours);
+    _troubles->setText(troubles.join(QLatin1Char('\n')));
+    _troubles->setVisible(!troubles.isEmpty());
+}
+
+void NextCard::offer(Choice& choice, const Value* occurrence) {
+    choice.token = occurrence ? (*occurrence)[keys::kToken].text() : std::string();
+    choice.button->setVisible(!choice.token.empty());
+    choice.button->setAccessibleDescription(occurrence ? lineOf(*occurrence, whenText) : QString());
+}
+
+void NextCard::change(const char* method, const Choice& choice) {
+    if (choice.token.empty()) return;
+    _plan.change(method, choice.token, [this](const std::string& error, const std::string& text) {
         _failed(error.empty() ? QString() : qString(refusalText(error, text)));
     });
 }

@@ -10,24 +10,30 @@ class QPushButton;
 
 namespace quorel::qt {
 
-/// What comes next, what follows, and what can be said to it.
+/// What comes next, what follows, what stands against it, and what can be said to it.
 class NextCard : public Card {
 public:
     NextCard(QWidget* parent, Plan& plan, std::function<void(const QString& failure)> failed);
 
-    /// The plan has changed, or a minute has passed.
-    void show();
+    /// What the daemon told last, or that it is not there. Again when a minute has passed.
+    void show(bool isThere, const Array& upcoming, const Value& status);
 
 private:
-    void change(const char* method);
+    /// A button, and the token of the occurrence that it is about; hidden without one.
+    struct Choice {
+        QPushButton* button;
+        std::string token;
+    };
+    void offer(Choice& choice, const Value* occurrence);
+    void change(const char* method, const Choice& choice);
+    void showTroubles(const QStringList& troubles);
 
     Plan& _plan;
     const std::function<void(const QString&)> _failed;
     QLabel* const _title;
     QLabel* const _line;
-    QPushButton* const _postpone;
-    QPushButton* const _skip;
-    std::string _token;  ///< of what the buttons speak of
+    QLabel* const _troubles;
+    Choice _letSleep, _postpone, _skip;
 };
 
 }  // namespace quorel::qt

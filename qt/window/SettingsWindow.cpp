@@ -7,7 +7,9 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
+#include "model/Wire.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
 
@@ -65,7 +67,7 @@ SettingsWindow::SettingsWindow(Plan& plan, const QString& copyright, const QStri
     layOut();
     colourBars();
     setMinimumSize(560, 380);
-    resize(fontMetrics().height() * 42, fontMetrics().height() * 36);
+    resize(fontMetrics().height() * 46, fontMetrics().height() * 40);
     list->setFocus();
 }
 
@@ -142,6 +144,25 @@ void SettingsWindow::suggest(bool suggests) {
     auto* const dim = suggests ? new QGraphicsOpacityEffect(list->viewport()) : nullptr;
     if (dim) dim->setOpacity(0.55);
     list->viewport()->setGraphicsEffect(dim);
+}
+
+void SettingsWindow::showHappened(const Array& outcomes) {
+    constexpr std::size_t kAtAGlance = 3;
+    happened->show(outcomes, showAll->isChecked() ? wire::scheduler::kMostOutcomes : kAtAGlance);
+    sizeHappened();
+}
+
+/// The list of Schedules needs the place more.
+void SettingsWindow::sizeHappened() {
+    const int line = std::max(happened->sizeHintForRow(0), fontMetrics().height());
+    const int most = showAll->isChecked() ? height() / line / 3 : height() < 30 * line ? 1 : 3;
+    happened->setFixedHeight(std::clamp(happened->topLevelItemCount(), 1, std::max(most, 1)) * line +
+                             2 * happened->frameWidth());
+}
+
+void SettingsWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    sizeHappened();
 }
 
 void SettingsWindow::paintEvent(QPaintEvent* event) {

@@ -47,6 +47,9 @@ public:
     /// Nothing is stored: the list is a suggestion.
     void suggest(bool suggests);
 
+    /// What became of the plan, the last of it or all.
+    void showHappened(const Array& outcomes);
+
     std::function<void()> firstPainted;
     std::function<bool()> mayClose;
 
@@ -54,10 +57,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void layOut();
     void colourBars();
+    void sizeHappened();
     bool _wasPainted = false;
 };
 

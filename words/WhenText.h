@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "scheduler/Instant.h"
+
+namespace quorel {
+
+// An instant to come, as somebody says it who stands at `now`.
+
+/// "today 23:15", "tomorrow 07:00", "Mon 07:00" within a week, and otherwise as momentText.
+std::string whenText(Instant at, Instant now);
+/// The same with ", in 5 h 31 min" where that is within a day.
+std::string comingText(Instant at, Instant now);
+
+}  // namespace quorel
