@@ -153,12 +153,10 @@ void ListReader::begin(const std::function<Reading()>& work, std::function<void(
 void ListReader::ended(bool orderly) {
     Reading reading{Kind::Failed, false, "The list could not be read."};
     const off_t size = orderly ? lseek(_file, 0, SEEK_END) : 0;
-    if (Head head; size >= static_cast<off_t>(sizeof head)) {
-        pread(_file, &head, sizeof head, 0);
-        reading = {head.kind, head.keptUnreadable, std::string(static_cast<std::size_t>(size) - sizeof head, '\0')};
-        pread(_file, reading.text.data(), reading.text.size(), sizeof head);
-        reading.joined = reading.text.substr(head.textSize);
-        reading.text.resize(head.textSize);
+    if (Head head; size >= static_cast<off_t>(sizeof head) && pread(_file, &head, sizeof head, 0) == sizeof head) {
+        std::string text(static_cast<std::size_t>(size) - sizeof head, '\0');
+        if (pread(_file, text.data(), text.size(), sizeof head) == static_cast<ssize_t>(text.size()))
+            reading = {head.kind, head.keptUnreadable, text.substr(0, head.textSize), text.substr(head.textSize)};
     }
     if (_file >= 0) close(std::exchange(_file, -1));
     _child = 0;
