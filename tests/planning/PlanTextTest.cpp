@@ -238,9 +238,9 @@ private:
     }
 
     std::string text() {
-        static constexpr const char* kParts[] = {"a", " ",    "\n",  "\t",    "\r",   "'",      "\"", "\\",
-                                                 "$", "#",    "=",   "--",    "é",    "😀",      "{",  "}",
-                                                 ",", "7:00", "mon", "$real", "\x7F", "/bin/x", "yes"};
+        static constexpr const char* kParts[] = {"a", " ",    "\n",  "\t",    "\r",     "'",          "\"", "\\",
+                                                 "$", "#",    "=",   "--",    "\u00E9", "\U0001F600", "{",  "}",
+                                                 ",", "7:00", "mon", "$real", "\x7F",   "/bin/x",     "yes"};
         std::string result;
         for (int count = upTo(3); count > 0; --count) result += oneOf(kParts);
         return result;
