@@ -1,9 +1,16 @@
 """A loopback update feed that answers as told."""
 import http.server
+import os
 import plistlib
 import ssl
 import subprocess
 import threading
+
+
+def installed_version():
+    """What the product calls itself: the newest entry of the package's changelog."""
+    with open(f"{os.path.dirname(os.path.abspath(__file__))}/../debian/changelog", encoding="utf-8") as file:
+        return file.readline().split("(")[1].split(")")[0]
 
 
 def record(version="9.0", page="https://example.org/download", **more):

@@ -13,7 +13,7 @@ import dbus
 import dbus.lowlevel
 
 from fake_browser import FakeBrowser
-from feed_server import FeedServer, certificate, record
+from feed_server import FeedServer, certificate, installed_version, record
 from notifications import NOTIFICATIONS, NotificationServer, eventually
 from private_system import SECONDS, PrivateSystem
 
@@ -21,7 +21,7 @@ AGENT = os.path.abspath(sys.argv[1])
 NAME = "com.quorel.UserAgent"
 PATH, INTERFACE = "/com/quorel/Communication", "com.quorel.Communication1"
 PREFERENCES = "Library/Preferences/com.quorel.plist"
-INSTALLED = "1.0.0"
+INSTALLED = installed_version()
 DAY = 24 * 60 * 60
 UP_TO_DATE, NEWER, UNREACHABLE = (f"Quorel: {what}" for what in (
     "Up to date", "New version available", "Update check failed"))

@@ -4,7 +4,7 @@ import signal
 
 from pane_case import PaneCase, main, preferences, schedule, wait_for
 from fake_browser import FakeBrowser
-from feed_server import FeedServer, record
+from feed_server import FeedServer, installed_version, record
 
 CYCLE = 10  # seconds between two looks at the programs
 SILENCE = 1  # seconds for which a program that hangs is waited for
@@ -108,7 +108,7 @@ class UpdateTest(StatusCase):
         before = self.display.picture(button)
         screen.click(button)
         self.wait_sheet()
-        screen.wait(value="version 1.0.0 (1)")
+        screen.wait(value=f"version {installed_version()} (1)")
         # It must not look pressed for as long as the sheet is there.
         wait_for(lambda: self.display.picture(button) == before, "the button stays down", 5)
 

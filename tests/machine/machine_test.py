@@ -1,6 +1,7 @@
-"""The package on a machine that never saw it: what its installation, use, upgrade, removal and purge do there.
+"""The packages on a machine that never saw them: what their installation, use, upgrade, removal and purge do there.
 
-machine_test.py IMAGE PAYLOAD: the payload holds the package and two higher versions of it below upgrade/.
+machine_test.py IMAGE PAYLOAD: the payload holds the packages, two higher versions of them below upgrade/, and single.deb,
+an older one with all that they have.
 Each case goes on where the one before it left the machine, and puts right what it needs itself.
 """
 import base64
@@ -17,7 +18,11 @@ from machine import Machine
 
 IMAGE, PAYLOAD = sys.argv[1:3]
 README = f"{os.path.dirname(os.path.abspath(__file__))}/../../README.md"
+with open(README, encoding="utf-8") as text:
+    INSTALL = f"cd /root && {re.search('^sudo apt install .*$', text.read(), re.MULTILINE).group()} < /dev/null"
 DOCS = f"{os.path.dirname(README)}/docs"
+PACKAGES = "quorel quorel-daemon quorel-gnustep quorel-settings"
+AUTOSTART = "/etc/xdg/autostart/quorel-agent.desktop"
 FILE = "/Library/Preferences/com.quorel.plist"
 
 # A log-in by PAM, of a session that starts what desktops start by itself.
@@ -102,14 +107,12 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(guest.ask("systemctl is-active quorel-daemon")[1], "inactive", command)
 
     def test_01_installs_as_the_readme_says(self):
-        with open(README) as file:
-            command = re.search("^sudo apt install .*$", file.read(), re.MULTILINE).group()
-        guest.run(f"cd /root && {command} < /dev/null")
+        guest.run(INSTALL)
         self.is_up_without_complaint()
         said = guest.run("journalctl -q -b -o cat -u quorel-daemon _COMM=quorel-daemon")
         self.assertEqual(said, "The daemon serves.")
         guest.run("systemd-analyze security --threshold=20 quorel-daemon")  # an exposure of 2.0
-        self.assertEqual(guest.run("dpkg --verify quorel"), "")
+        self.assertEqual(guest.run(f"dpkg --verify {PACKAGES}"), "")
         self.assertEqual(guest.run(anna(PING)), "b true")
         self.assertIn("com.quorel.Communication1",
                       guest.run(anna("busctl introspect com.quorel.Daemon /com/quorel/Communication")))
@@ -244,6 +247,11 @@ class PackageTest(unittest.TestCase):
         guest.run(anna(f"{command} > /dev/null 2>&1 &"))
         guest.wait("grep -q Quorel.prefPane/Quorel$ /proc/$(pgrep -f ^SystemPreferences)/maps")
 
+    def test_07a_settings_window_opens(self):
+        guest.run(anna("quorel-settings > /dev/null 2>&1 &"))
+        guest.wait(anna("busctl --user status com.quorel.Settings"))
+        guest.run("pkill -x quorel-settings")
+
     def test_08_pane_looks_for_the_daemon_and_starts_nothing(self):
         guest.run("systemctl stop quorel-daemon")
         look = "type='method_call',member='GetNameOwner',arg0='com.quorel.Daemon'"
@@ -307,7 +315,7 @@ class PackageTest(unittest.TestCase):
     def test_09_upgrade_renews_the_daemon_and_leaves_the_rest(self):
         daemon, agent = guest.run(DAEMON), guest.run(AGENT)
         guest.run(f"mkdir -p '{BEFORE}/My Own.vxplugin'")
-        guest.run("dpkg --install /payload/upgrade/1.deb")
+        guest.run("dpkg --install /payload/upgrade/1/*.deb")
         guest.run(f"test ! -e {BEFORE} && rmdir '/usr/lib/quorel/modules/My Own.vxplugin'")
         guest.wait(f"{DAEMON} | grep -vx -e 0 -e {daemon}")
         self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
@@ -320,7 +328,7 @@ class PackageTest(unittest.TestCase):
         guest.run("systemctl disable --now quorel-daemon")
         for caller in (PING, anna(PING), save()):
             self.is_refused_and_stays_down(caller)
-        guest.run("dpkg --install /payload/upgrade/2.deb")
+        guest.run("dpkg --install /payload/upgrade/2/*.deb")
         self.is_refused_and_stays_down(PING)
         guest.run("systemctl enable --now quorel-daemon")
         self.assertEqual(guest.run(anna(PING)), "b true")
@@ -329,7 +337,7 @@ class PackageTest(unittest.TestCase):
         changed = {"Show In Menu Bar": 0, "Schedule Array": [schedule("WakeUp", 18, 30, **{"Needs Startup": 1})]}
         guest.run(save(**changed))
         guest.wait(f"cat {ALARM} | grep .")
-        guest.run("systemctl stop desk; cd / && apt-get remove -y quorel 2>&1")
+        guest.run("systemctl stop desk; cd / && apt-get remove -y quorel-daemon 2>&1")
         self.assertEqual(guest.run(f"cat {ALARM}"), "")
         left = guest.run(f"{FILES} | comm -13 /var/tmp/before - | grep -v -e ^/etc/ -e ^/var/lib/dpkg/ -e "
                          "^/var/lib/systemd/deb-systemd-")
@@ -337,8 +345,25 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(left.split(), ["/Library", os.path.dirname(FILE), FILE, state, f"{state}/state.plist"])
         self.assertEqual(self.stored(), preferences(**changed))
 
-    def test_12_purge_leaves_nothing(self):
-        guest.run("apt-get purge -y quorel 2>&1")
+    def test_12_single_package_becomes_several_and_what_was_edited_stays(self):
+        guest.run("dpkg --install /payload/single.deb")
+        guest.run(save(**{"Show In Menu Bar": 0}))
+        guest.run(f"echo '# edited' >> {AUTOSTART}")
+        daemon = guest.run(DAEMON)
+        self.assertNotEqual(guest.ask("dpkg --install /payload/quorel-daemon_*.deb")[0], 0)
+        guest.run(INSTALL)
+        guest.wait(f"{DAEMON} | grep -vx -e 0 -e {daemon}")
+        self.assertEqual(self.stored(), preferences(**{"Show In Menu Bar": 0}))
+        self.assertEqual(guest.run(f"dpkg --verify {PACKAGES}").split()[1:], ["c", AUTOSTART])
+        self.assertEqual(guest.run(f"tail -1 {AUTOSTART}"), "# edited")
+
+    def test_13_each_goes_alone_and_the_last_leaves_nothing(self):
+        for package in ("quorel", "quorel-gnustep", "quorel-settings"):
+            guest.run(f"apt-get purge -y {package} 2>&1")
+        self.assertEqual(guest.run(PING), "b true")
+        self.assertEqual(guest.run("dpkg --verify quorel-daemon").split()[1:], ["c", AUTOSTART])
+        guest.run("dpkg --install /payload/quorel-settings_*.deb")
+        guest.run("apt-get purge -y quorel-daemon quorel-settings 2>&1")
         guest.run("rm /etc/systemd/system/desk.service; systemctl daemon-reload")
         self.assertEqual(guest.run(f"{FILES} | comm -13 /var/tmp/before -"), "")
 
