@@ -1,9 +1,9 @@
 #include "agent/tray/TrayContent.h"
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
+#include "model/Upcoming.h"
 #include "model/Wire.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
@@ -27,13 +27,6 @@ std::string lineOf(const Value& upcoming) {
         filled(translated("{1}, {2}"), {nameOf(upcoming), momentText(upcoming[keys::kAt].integer())});
     const std::string step = stepText(upcoming);
     return step.empty() ? line : filled(translated("{1} ({2})"), {line, step});
-}
-
-/// Whether there is something to be said to it: it is not left out already, and has not begun.
-bool isAhead(const Value& upcoming) {
-    const std::string_view step = upcoming[keys::kStep].text();
-    return step != wire::step::kSkipped && step != wire::step::kRunning && step != wire::step::kActing &&
-           !upcoming[keys::kToken].text().empty();
 }
 
 void addLine(TrayContent& content, std::string text) {
@@ -60,14 +53,14 @@ TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone) {
     for (std::size_t i = 0; i < std::min(upcoming.size(), kMostOccurrences); ++i) {
         const Value& one = upcoming[i];
         addLine(content, lineOf(one));
-        if (!isAhead(one)) continue;
+        if (!canBeSkipped(one)) continue;
         const std::string token = one[keys::kToken].text();
         if (mayPostpone)
             addChoice(content, kIndent + std::string(translated("Postpone 15 minutes")),
                       {TrayContent::Choice::kPostpone, token});
         if (maySkip) addChoice(content, kIndent + std::string(translated("Skip")), {TrayContent::Choice::kSkip, token});
     }
-    const auto next = std::ranges::find_if(upcoming, isAhead);
+    const auto next = std::ranges::find_if(upcoming, canBeSkipped);
     content.title = next == upcoming.end() ? content.menu.front().text : lineOf(*next);
     addRest(content);
     return content;

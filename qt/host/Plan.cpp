@@ -42,6 +42,10 @@ Plan::Plan(EventLoop& loop, std::function<void()> changed)
     _hints = watchSignals(_bus.get(), daemon,
                           std::string("member='Changed',interface='") + wire::scheduler::kInterface + "'",
                           [this](sd_bus_message*) { fetch(); });
+    _kinds.emplace(_bus.get(), [this](const DeniedKinds& denied) {
+        if (denied != std::exchange(_denied, denied)) _changed();
+    });
+    _kinds->ask();
     fetch();
 }
 
@@ -87,11 +91,12 @@ void Plan::fetched() {
     _changed();
 }
 
-void Plan::change(const char* method, const std::string& token, Done done) {
+void Plan::change(const char* method, const std::string& token, std::optional<Seconds> by, Done done) {
     if (!_bus) return;
     const auto call =
         newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
     sd_bus_message_append(call.get(), "s", token.c_str());
+    if (by) sd_bus_message_append(call.get(), "x", *by);
     sd_bus_message_set_allow_interactive_authorization(call.get(), true);
     send(method + token, call, kPersonsPatience, [this, done = std::move(done)](sd_bus_message* reply) {
         const BusError error = errorOf(reply);

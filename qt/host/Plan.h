@@ -7,7 +7,9 @@
 #include <string>
 
 #include "linux/bus/Bus.h"
+#include "linux/login/SleepKinds.h"
 #include "model/Value.h"
+#include "scheduler/Instant.h"
 
 namespace quorel::qt {
 
@@ -24,11 +26,13 @@ public:
     bool isThere() const { return _isThere; }
     const Array& upcoming() const { return _upcoming.array(); }
     const Value& status() const { return _status; }
+    const DeniedKinds& deniedKinds() const { return _denied; }   ///< of sleep, as the system says
     const Array& outcomes() const { return _outcomes.array(); }  ///< oldest first
 
     void fetch();
-    /// Calls one of the daemon's methods, which asks polkit and with it a person; `done` is called later, once.
-    void change(const char* method, const std::string& token, Done done);
+    /// Calls one of the daemon's methods, with seconds where it takes them. It asks polkit and with it a person; `done`
+    /// is called later, once.
+    void change(const char* method, const std::string& token, std::optional<Seconds> by, Done done);
 
 private:
     void read(const char* method, std::optional<unsigned> most, Value& into);
@@ -44,6 +48,8 @@ private:
     int _missing = 0;
     bool _again = false;
     bool _isThere = false;
+    DeniedKinds _denied;
+    std::optional<SleepKinds> _kinds;
     Value _upcoming, _outcomes, _status;
 };
 

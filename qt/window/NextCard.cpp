@@ -2,10 +2,12 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <algorithm>
 #include <ctime>
 
+#include "model/Upcoming.h"
 #include "model/Wire.h"
 #include "qt/toolkit/Colours.h"
 #include "qt/toolkit/Text.h"
@@ -20,18 +22,6 @@ namespace {
 
 namespace keys = wire::keys;
 
-/// Whether there is something to be said to it: it is not left out already, and has not begun.
-bool isAhead(const Value& one) {
-    const std::string_view step = one[keys::kStep].text();
-    return step != wire::step::kSkipped && step != wire::step::kRunning && step != wire::step::kActing &&
-           !one[keys::kToken].text().empty();
-}
-
-/// Whether the computer is kept awake by it.
-bool keepsAwake(const Value& one) {
-    return one[keys::kStep].text() == wire::step::kRunning && one[keys::kUntil].isPresent();
-}
-
 QString lineOf(const Value& one, std::string (*when)(Instant, Instant)) {
     const std::string line =
         filled(translated("{1}, {2}"), {actionName(one), when(one[keys::kAt].integer(), std::time(nullptr))});
@@ -43,7 +33,7 @@ QString lineOf(const Value& one, std::string (*when)(Instant, Instant)) {
 QString followingText(const Array& upcoming, const Value* next) {
     QStringList lines;
     for (const Value& one : upcoming) {
-        if (&one == next || (isAhead(one) && !lines.empty())) continue;
+        if (&one == next || (canBeSkipped(one) && !lines.empty())) continue;
         lines.append(keepsAwake(one) ? qString(filled(translated("{1}: {2}"), {actionName(one), stepText(one)}))
                                      : lineOf(one, whenText));
         if (lines.size() == 2) break;
@@ -86,7 +76,8 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
       _line(makeLabel(this, Weight::kSmall)),
       _troubles(makeLabel(this, Weight::kSmall)),
       _letSleep{new QPushButton(qString(translated("Let it sleep")), this), {}},
-      _postpone{new QPushButton(qString(translated("Postpone 15 minutes")), this), {}},
+      _unskip{new QPushButton(qString(translated("Undo skip")), this), {}},
+      _postpone{new QPushButton(qString(translated("Postpone")), this), {}},
       _skip{new QPushButton(qString(translated("Skip")), this), {}} {
     auto* const texts = new QVBoxLayout;
     for (QLabel* label : {_title, _line, _troubles}) {
@@ -96,9 +87,17 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
     }
     auto* const whole = new QHBoxLayout(this);
     whole->addLayout(texts, 1);
-    for (const Choice* choice : {&_letSleep, &_postpone, &_skip}) whole->addWidget(choice->button);
+    for (const Choice* choice : {&_letSleep, &_unskip, &_postpone, &_skip}) whole->addWidget(choice->button);
+    auto* const lengths = new QMenu(_postpone.button);
+    const auto length = [&](const char* text, Seconds seconds) {
+        connect(lengths->addAction(qString(text)), &QAction::triggered, this,
+                [this, seconds] { change(wire::scheduler::kPostponeBy, _postpone, seconds); });
+    };
+    length(translated("15 minutes"), 15 * kMinute);
+    length(translated("1 hour"), kHour);
+    _postpone.button->setMenu(lengths);
     connect(_letSleep.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _letSleep); });
-    connect(_postpone.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kPostpone, _postpone); });
+    connect(_unskip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kUnskip, _unskip); });
     connect(_skip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _skip); });
 }
 
@@ -107,8 +106,9 @@ void NextCard::show(bool isThere, const Array& upcoming, const Value& status) {
         const auto found = std::ranges::find_if(upcoming, fits);
         return found == upcoming.end() ? nullptr : &*found;
     };
-    const Value* const next = first(isAhead);
+    const Value* const next = first(canBeSkipped);
     offer(_letSleep, first(keepsAwake));
+    offer(_unskip, first(isSkipped));
     offer(_postpone, next);
     offer(_skip, next);
     if (!isThere) {
@@ -139,9 +139,9 @@ void NextCard::offer(Choice& choice, const Value* occurrence) {
     choice.button->setAccessibleDescription(occurrence ? lineOf(*occurrence, whenText) : QString());
 }
 
-void NextCard::change(const char* method, const Choice& choice) {
+void NextCard::change(const char* method, const Choice& choice, std::optional<Seconds> by) {
     if (choice.token.empty()) return;
-    _plan.change(method, choice.token, [this](const std::string& error, const std::string& text) {
+    _plan.change(method, choice.token, by, [this](const std::string& error, const std::string& text) {
         _failed(error.empty() ? QString() : qString(refusalText(error, text)));
     });
 }

@@ -25,7 +25,7 @@ private:
         std::string token;
     };
     void offer(Choice& choice, const Value* occurrence);
-    void change(const char* method, const Choice& choice);
+    void change(const char* method, const Choice& choice, std::optional<Seconds> by = {});
     void showTroubles(const QStringList& troubles);
 
     Plan& _plan;
@@ -33,7 +33,7 @@ private:
     QLabel* const _title;
     QLabel* const _line;
     QLabel* const _troubles;
-    Choice _letSleep, _postpone, _skip;
+    Choice _letSleep, _unskip, _postpone, _skip;
 };
 
 }  // namespace quorel::qt
