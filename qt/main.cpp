@@ -140,6 +140,7 @@ int run(int argc, char** argv) {
                std::make_shared<Bundle>(resources, options.modules, parts.bundles, parts.forms), parts.center,
                options.root + std::string(preferences::kFile)});
     shown = &host;
+    parts.forms.changed = window.sheet->changed;
     first = &window;
     leaveOnSignals(host);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &window, [&host] { host.leave(); });

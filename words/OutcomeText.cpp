@@ -259,10 +259,14 @@ std::string refusalText(const std::string& error, const std::string& text) {
     return filled(translated("The daemon refused: {1}"), {plainText(text.empty() ? error : text)});
 }
 
+std::string faultReasonText(const std::string& reason) {
+    return textOrCode(kFaults, reason);
+}
+
 std::string faultText(const Value& fault) {
     return filled(translated("schedule {1} ({2}) never runs: {3}"),
                   {std::to_string(fault[keys::kNumber].integer()), actionName(fault),
-                   textOrCode(kFaults, plain(fault, keys::kReason))});
+                   faultReasonText(plain(fault, keys::kReason))});
 }
 
 }  // namespace quorel

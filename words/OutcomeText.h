@@ -21,7 +21,9 @@ std::string outcomeLine(const Value& outcome);
 std::string stepText(const Value& upcoming);
 /// Why the daemon did not skip or postpone: an error's name on the bus, and what it says.
 std::string refusalText(const std::string& error, const std::string& text);
-/// Why a Schedule never runs: "Schedule 3 (Sleep) never runs: …".
+/// Why a Schedule never runs, by a `wire::schedule_fault`: "there is no such action".
+std::string faultReasonText(const std::string& reason);
+/// With which Schedule it is: "Schedule 3 (Sleep) never runs: …".
 std::string faultText(const Value& fault);
 
 }  // namespace quorel

@@ -7,6 +7,7 @@
 #include "scheduler/Agenda.h"
 #include "scheduler/ScheduleReading.h"
 #include "words/Language.h"
+#include "words/OutcomeText.h"
 
 namespace quorel::qt {
 
@@ -21,13 +22,22 @@ class AnyAction : public Actions {
 
 }  // namespace
 
-Forecast::Answer Forecast::of(const Value& schedule) const {
-    if (schedule[schedule_keys::kIsEnabled].intValue() == 0) return {.at = {}, .fault = {}, .isOff = true};
-    const ListReading reading = readScheduleList(Array{schedule}, AnyAction());
-    if (reading.schedules.empty()) return {.at = {}, .fault = translated("there is no such time")};
+Forecast::Answer Forecast::of(const Value& schedule, const DeniedKinds& denied) const {
+    Answer answer;
+    answer.isOff = schedule[schedule_keys::kIsEnabled].intValue() == 0;
+    if (answer.isOff) return answer;
+    const ListReading reading = readScheduleList(Array{schedule}, AnyAction(), denied);
+    if (!reading.faults.empty()) {
+        answer.reason = reading.faults.front().reason;
+        answer.fault = faultReasonText(answer.reason);
+    }
+    if (reading.schedules.empty()) return answer;
     const auto next = Agenda(_calendar, reading.schedules).after(std::time(nullptr), 1);
-    if (next.empty()) return {.at = {}, .fault = translated("no day is chosen")};
-    return {.at = next.front().due, .fault = {}};
+    if (!next.empty())
+        answer.at = next.front().due;
+    else
+        answer.reason = kNoDay, answer.fault = translated("no day is chosen");
+    return answer;
 }
 
 }  // namespace quorel::qt

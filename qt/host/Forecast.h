@@ -12,10 +12,14 @@ class Forecast {
 public:
     struct Answer {
         std::optional<Instant> at;  ///< nothing: never
-        std::string fault;          ///< why it never comes, or empty where it is only switched off
+        std::string reason;         ///< of a fault, as `wire::schedule_fault` has it, or kNoDay
+        std::string fault;          ///< why it never comes, or will not do; empty where it is only switched off
         bool isOff = false;
     };
-    Answer of(const Value& schedule) const;
+    inline static constexpr std::string_view kNoDay = "days";
+
+    /// `denied`: kinds of sleep that this computer does not have.
+    Answer of(const Value& schedule, const DeniedKinds& denied) const;
 
 private:
     SystemCalendar _calendar;

@@ -86,7 +86,7 @@ void Host::connectControls() {
         showLock();
         caughtUp();
     });
-    on(window.add, [this] { addSchedule(); });
+    on(window.add, [this] { runSheet(true); });
     on(window.edit, [this] { editSelected(); });
     on(window.remove, [this] { removeSelected(); });
     on(window.undo, [this] { undoRemoval(); });
@@ -201,9 +201,16 @@ void Host::caughtUp() {
     if (_isStale && _isSelected && !isBusy() && !_controller->hasEdits()) reread();
 }
 
-void Host::addSchedule() {
-    _parts.window.sheet->prepare(true);
-    _controller->configurator()->addSchedule(_controller->outlets.applyButton.get());
+/// Returns when the sheet has been closed. Its action's parameters are the module's, which a row that is asked for its
+/// line would change: the list shows what it showed until then.
+void Host::runSheet(bool adding) {
+    _parts.window.sheet->prepare(adding);
+    _parts.window.list->hold(true);
+    if (adding)
+        _controller->configurator()->addSchedule(_controller->outlets.applyButton.get());
+    else
+        _controller->configurator()->editSchedule(nullptr);
+    _parts.window.list->hold(false);
     showList();
     caughtUp();
 }
@@ -211,10 +218,7 @@ void Host::addSchedule() {
 void Host::editSelected() {
     const auto& configurator = *_controller->configurator();
     if (configurator.isLocked() || configurator.outlets.tableView->selectedRow() < 0) return;
-    _parts.window.sheet->prepare(false);
-    _controller->configurator()->editSchedule(nullptr);
-    showList();
-    caughtUp();
+    runSheet(false);
 }
 
 void Host::removeSelected() {
@@ -280,17 +284,18 @@ void Host::showList() {
 RowNote Host::noteOf(int row) const {
     const Array& schedules = _controller->configurator()->scheduleArray();
     if (row < 0 || static_cast<std::size_t>(row) >= schedules.size()) return {};
-    const Forecast::Answer answer = _forecast.of(schedules[static_cast<std::size_t>(row)]);
+    const Value& schedule = schedules[static_cast<std::size_t>(row)];
+    const Forecast::Answer answer = _forecast.of(schedule, _parts.plan.deniedKinds());
     if (answer.isOff) return {qString(translated("off")), {}};
-    if (!answer.at) return {qString(translated("never")), qString(answer.fault)};
-    return {qString(whenText(*answer.at, std::time(nullptr))), {}};
+    return {qString(answer.at ? whenText(*answer.at, std::time(nullptr)) : translated("never")), qString(answer.fault)};
 }
 
 void Host::showForecast() {
-    const Forecast::Answer answer = _forecast.of(_parts.window.sheet->timeAndDays());
-    if (!answer.at) return _parts.window.sheet->showNext(qString(answer.fault), true);
-    _parts.window.sheet->showNext(
-        qString(filled(translated("Next: {1}"), {comingText(*answer.at, std::time(nullptr))})), false);
+    EditSheet& sheet = *_parts.window.sheet;
+    const Forecast::Answer answer = _forecast.of(sheet.schedule(), _parts.plan.deniedKinds());
+    sheet.showFault(answer.reason, qString(answer.fault));
+    const std::string when = answer.at ? comingText(*answer.at, std::time(nullptr)) : translated("never");
+    sheet.showNext(qString(filled(translated("Next: {1}"), {when})));
 }
 
 void Host::showPlan() {

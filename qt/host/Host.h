@@ -49,7 +49,7 @@ private:
     void fileChanged();
     void caughtUp();
     void editSelected();
-    void addSchedule();
+    void runSheet(bool adding);
     void removeSelected();
     void undoRemoval();
     void useOwn();

@@ -74,7 +74,18 @@ const TableColumn& ScheduleModel::columnAt(int shown) const {
     return *_columns[isDay(shown) ? static_cast<std::size_t>(shown - kFirstDayColumn + 2) : 1];
 }
 
+void ScheduleModel::hold(int first, int last) {
+    std::map<int, Value> held;
+    for (int row = std::max(first, 0); row <= std::min(last, _rows - 1); ++row)
+        held[row] = valueAt(index(row, kActionColumn));
+    _held = std::move(held);
+}
+
 Value ScheduleModel::valueAt(const QModelIndex& index) const {
+    if (_held && columnAt(index.column()).identifier() == schedule_keys::kInfos) {
+        const auto found = _held->find(index.row());
+        return found == _held->end() ? Value() : found->second;
+    }
     return source->tableViewObjectValueForTableColumnRow(columnAt(index.column()), index.row());
 }
 

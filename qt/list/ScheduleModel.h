@@ -2,7 +2,9 @@
 
 #include <QAbstractTableModel>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,6 +46,10 @@ public:
     /// Times of what comes next have passed.
     void refreshNotes();
 
+    /// Keeps the summaries of these rows, the only ones that are shown until they are released.
+    void hold(int first, int last);
+    void release() { _held.reset(); }
+
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -68,6 +74,7 @@ private:
 
     std::vector<std::shared_ptr<TableColumn>> _columns;  ///< flag, summary, seven days
     int _rows = 0;
+    std::optional<std::map<int, Value>> _held;
 };
 
 /// As the user's language names it: "Mon", "Monday", "M".

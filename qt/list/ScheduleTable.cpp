@@ -70,6 +70,13 @@ void ScheduleList::setRowsHigh() {
     }
 }
 
+void ScheduleList::hold(bool holds) {
+    const int last = rowAt(viewport()->height() - 1);
+    if (holds) _model.hold(rowAt(0), last < 0 ? _model.rowCount() - 1 : last);
+    if (!holds) _model.release();
+    viewport()->update();
+}
+
 void ScheduleList::changeEvent(QEvent* event) {
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) setRowsHigh();

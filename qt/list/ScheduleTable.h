@@ -19,6 +19,8 @@ public:
     const ScheduleDelegate& drawing() const { return _drawing; }
     bool isDragging() const { return _isDragging; }
     void setRowsHigh();
+    /// Shows what the rows in sight say now, and asks the source for no summary meanwhile.
+    void hold(bool holds);
 
     TableViewDelegate* tableDelegate = nullptr;
     std::function<void()> doubleAction;  ///< a double click, or Return

@@ -12,9 +12,10 @@
 
 #include "model/Dictionary.h"
 #include "model/Schedule.h"
+#include "qt/host/Forecast.h"
 #include "qt/list/ScheduleTable.h"
 #include "qt/sheet/DayButton.h"
-#include "qt/toolkit/Colours.h"
+#include "qt/sheet/OptionForm.h"
 #include "qt/toolkit/Services.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
@@ -30,6 +31,8 @@ EditSheet::EditSheet(QWidget* parent)
       _everyDay(new QPushButton(qString(translated("Every day")), this)),
       _wakes(new QCheckBox(qString(translated("Wake the computer up")), this)),
       _starts(new QCheckBox(qString(translated("Turn the computer on")), this)),
+      _daysFault(faultLine(this)),
+      _fault(faultLine(this)),
       _next(new QLabel(this)),
       _save(new QPushButton(this)),
       _title(new QLabel(this)) {
@@ -63,6 +66,7 @@ EditSheet::EditSheet(QWidget* parent)
     form->addRow(qString(translated("What")), what);
     form->addRow(qString(translated("When")), _time);
     form->addRow(qString(translated("Days")), days);
+    form->addRow(QString(), _daysFault);
     form->addRow(qString(translated("Computer")), _wakes);
     form->addRow(QString(), _starts);
 
@@ -79,6 +83,7 @@ EditSheet::EditSheet(QWidget* parent)
     auto* const whole = new QVBoxLayout(this);
     whole->addWidget(_title);
     whole->addLayout(form);
+    whole->addWidget(_fault);
     whole->addWidget(_next);
     whole->addStretch();
     whole->addWidget(buttons);
@@ -102,19 +107,40 @@ void EditSheet::reject() {
     if (_owner) _owner->closeEditSheet(nullptr);
 }
 
-void EditSheet::showNext(const QString& text, bool isFault) {
-    QPalette palette = this->palette();
-    if (isFault) palette.setColor(QPalette::WindowText, faultColour(palette));
-    _next->setPalette(palette);
+void EditSheet::showNext(const QString& text) {
     _next->setText(text);
 }
 
-Value EditSheet::timeAndDays() const {
+void EditSheet::showFault(const std::string& reason, const QString& text) {
+    OptionForm* const options = form();
+    const bool isOptions = options && options->showFault(reason, text);
+    for (QLabel* label : {_daysFault, _fault}) {
+        const bool isDays = reason == Forecast::kNoDay;
+        const bool fits = !isOptions && isDays == (label == _daysFault);
+        label->setText(fits ? text : QString());
+        label->setVisible(!label->text().isEmpty());
+    }
+    adjustSize();
+}
+
+OptionForm* EditSheet::form() const {
+    for (QObject* const child : _options->children()) {
+        auto* const options = dynamic_cast<OptionForm*>(child);
+        if (options && !options->isHidden()) return options;
+    }
+    return nullptr;
+}
+
+Value EditSheet::schedule() const {
     Dictionary schedule{{schedule_keys::kIsEnabled, 1},
                         {schedule_keys::kActionHour, _time->time().hour()},
                         {schedule_keys::kActionMinute, _time->time().minute()}};
     for (std::size_t day = 0; day < _days.size(); ++day)
         schedule.set(schedule_keys::kActiveOnDays[day], _days[day]->isChecked() ? 1 : 0);
+    const auto action = _owner->pluginNames().find(stdString(_action->currentText()));
+    if (action != _owner->pluginNames().end()) schedule.set(schedule_keys::kActionType, action->second);
+    if (const OptionForm* const options = form())
+        schedule.set(schedule_keys::kActionParameters, options->taken(Value(Dictionary())));
     return schedule;
 }
 

@@ -16,6 +16,8 @@ class QTimeEdit;
 
 namespace quorel::qt {
 
+class OptionForm;
+
 /// The sheet on which a Schedule is edited: its controls, connected to the configurator's operations.
 class EditSheet : public QDialog {
 public:
@@ -23,12 +25,14 @@ public:
 
     /// Fills the owner's outlets of the sheet and connects the controls.
     void connectTo(VXConfigurator& owner);
-    /// What the controls say, as a Schedule of no action: for telling when it comes next.
-    Value timeAndDays() const;
+    /// What the controls say, for telling when it comes next and what is wrong with it.
+    Value schedule() const;
 
     /// Called after every change of a control, with the sheet as it stands then.
     std::function<void()> changed;
-    void showNext(const QString& text, bool isFault);
+    void showNext(const QString& text);
+    /// Under the field that it is about, as Forecast::Answer has it; none where the text is empty.
+    void showFault(const std::string& reason, const QString& text);
 
     void reject() override;  ///< Escape, or the window's own button: cancels
     void prepare(bool adding);
@@ -37,6 +41,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    OptionForm* form() const;
+
     QComboBox* const _action;
     QWidget* const _options;
     QLabel* const _noOptions;
@@ -45,6 +51,8 @@ private:
     QPushButton* const _everyDay;
     QCheckBox* const _wakes;
     QCheckBox* const _starts;
+    QLabel* const _daysFault;
+    QLabel* const _fault;  ///< of no field
     QLabel* const _next;
     QPushButton* const _save;
     QLabel* const _title;

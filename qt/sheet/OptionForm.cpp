@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -12,7 +13,10 @@
 #include <QSpinBox>
 #include <QTimeEdit>
 
+#include "model/ActionParameters.h"
 #include "model/TimeOfDay.h"
+#include "model/Wire.h"
+#include "qt/toolkit/Colours.h"
 #include "qt/toolkit/Services.h"
 #include "qt/toolkit/Text.h"
 #include "qt/toolkit/Views.h"
@@ -21,8 +25,21 @@
 
 namespace quorel::qt {
 
+QLabel* faultLine(QWidget* parent) {
+    QLabel* const line = makeLabel(parent, Weight::kSmall);
+    QPalette colours = parent->palette();
+    colours.setColor(QPalette::WindowText, faultColour(colours));
+    line->setPalette(colours);
+    line->setWordWrap(true);
+    line->hide();
+    return line;
+}
+
 OptionForm::OptionForm(const ActionDescription& description, std::string_view language, std::function<void()> changed)
-    : _description(description), _language(language), _changed(std::move(changed)) {
+    : _description(description), _language(language), _changed([this, changed = std::move(changed)] {
+          checkFiles();
+          changed();
+      }) {
     auto* const form = new QFormLayout(this);
     form->setContentsMargins(0, 0, 0, 0);
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
@@ -54,6 +71,7 @@ void OptionForm::add(QFormLayout& form, const Option& option) {
         form.addRow(label, field.row);
         if (auto* const buddy = qobject_cast<QLabel*>(form.labelForField(field.row))) buddy->setBuddy(field.control);
     }
+    form.addRow(QString(), field.fault);
     if (help.isEmpty()) return;
     auto* const line = makeLabel(this, Weight::kSmall, help);
     line->setWordWrap(true);
@@ -85,7 +103,11 @@ OptionForm::Field OptionForm::flag(const Option& option) {
         enableDependent();
         _changed();
     });
-    return {option, box, box, [box](const Value& value) { box->setChecked(value.intValue() != 0); },
+    return {option,
+            box,
+            box,
+            faultLine(this),
+            [box](const Value& value) { box->setChecked(value.intValue() != 0); },
             [box] { return Value(box->isChecked()); }};
 }
 
@@ -94,7 +116,10 @@ OptionForm::Field OptionForm::number(const Option& option) {
     box->setRange(option.least, option.most);
     if (const QString unit = say(option.unit); !unit.isEmpty()) box->setSuffix(QLatin1Char(' ') + unit);
     connect(box, qOverload<int>(&QSpinBox::valueChanged), this, _changed);
-    return {option, box, box,
+    return {option,
+            box,
+            box,
+            faultLine(this),
             [box](const Value& value) {
                 const QSignalBlocker quiet(box);
                 box->setValue(value.intValue());
@@ -120,7 +145,11 @@ OptionForm::Field OptionForm::text(const Option& option) {
             if (!file.isEmpty()) _changed();
         });
     }
-    return {option, line, row, [line](const Value& value) { line->setText(qString(value.text())); },
+    return {option,
+            line,
+            row,
+            faultLine(this),
+            [line](const Value& value) { line->setText(qString(value.text())); },
             [line] { return Value(stdString(line->text())); }};
 }
 
@@ -130,7 +159,10 @@ OptionForm::Field OptionForm::lines(const Option& option) {
     box->setTabChangesFocus(true);
     box->setFixedHeight(box->fontMetrics().lineSpacing() * kLines + 2 * box->frameWidth() + 8);
     connect(box, &QPlainTextEdit::textChanged, this, _changed);
-    return {option, box, box,
+    return {option,
+            box,
+            box,
+            faultLine(this),
             [box](const Value& value) {
                 const QSignalBlocker quiet(box);
                 box->setPlainText(qString(value.text()));
@@ -142,7 +174,11 @@ OptionForm::Field OptionForm::choice(const Option& option) {
     auto* const box = new QComboBox(this);
     for (const Choice& one : option.choices) box->addItem(say(one.names), qString(one.value));
     connect(box, qOverload<int>(&QComboBox::activated), this, _changed);
-    return {option, box, box, [box](const Value& value) { box->setCurrentIndex(box->findData(qString(value.text()))); },
+    return {option,
+            box,
+            box,
+            faultLine(this),
+            [box](const Value& value) { box->setCurrentIndex(box->findData(qString(value.text()))); },
             [box] { return Value(stdString(box->currentData().toString())); }};
 }
 
@@ -151,7 +187,10 @@ OptionForm::Field OptionForm::time(const Option& option) {
     box->setDisplayFormat(shortTimeFormat());
     box->setWrapping(true);
     connect(box, &QTimeEdit::timeChanged, this, _changed);
-    return {option, box, box,
+    return {option,
+            box,
+            box,
+            faultLine(this),
             [box](const Value& value) {
                 const QSignalBlocker quiet(box);
                 const int minute = minuteOfDay(value.text()).value_or(0);
@@ -163,6 +202,33 @@ OptionForm::Field OptionForm::time(const Option& option) {
 void OptionForm::show(const Value& parameters) {
     for (const Field& field : _fields) field.set(parameters[field.option.key]);
     enableDependent();
+    checkFiles();
+}
+
+bool OptionForm::showFault(const std::string& reason, const QString& text) {
+    const bool isKind = reason == wire::schedule_fault::kDenied || reason == wire::schedule_fault::kSleepKind;
+    const bool isUntil = reason == wire::schedule_fault::kUntil;
+    bool isShown = false;
+    for (const Field& field : _fields) {
+        if (field.option.isFile) continue;
+        const bool fits = (isKind && field.option.key == parameters::kSleepKind) ||
+                          (isUntil && field.option.key == parameters::kUntil);
+        field.fault->setText(fits ? text : QString());
+        field.fault->setVisible(fits);
+        isShown = isShown || fits;
+    }
+    return isShown;
+}
+
+/// A path that leads nowhere is told, and taken all the same: a disk may come later.
+void OptionForm::checkFiles() {
+    for (const Field& field : _fields) {
+        if (!field.option.isFile) continue;
+        const QString path = qString(field.get().text());
+        const bool isMissing = path.startsWith(QLatin1Char('/')) && !QFileInfo::exists(path);
+        field.fault->setText(isMissing ? qString(translated("there is no such file")) : QString());
+        field.fault->setVisible(isMissing);
+    }
 }
 
 Value OptionForm::taken(const Value& parameters) const {

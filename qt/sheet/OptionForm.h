@@ -9,8 +9,12 @@
 #include "configurator/VXDescribedPlugIn.h"
 
 class QFormLayout;
+class QLabel;
 
 namespace quorel::qt {
+
+/// A line for what is wrong with what stands above it; hidden as long as it says nothing.
+QLabel* faultLine(QWidget* parent);
 
 /// The options of an action as controls, made from its description; what is wrong with the description, where it is not
 /// sound. Main thread.
@@ -23,12 +27,16 @@ public:
     void show(const Value& parameters);
     /// These parameters with what the controls say.
     Value taken(const Value& parameters) const;
+    /// Shows what is wrong with an option below it, by the `wire::schedule_fault`; an empty text takes that away. False
+    /// for one that is about none of these options.
+    bool showFault(const std::string& reason, const QString& text);
 
 private:
     struct Field {
         const Option& option;
         QWidget* control;
         QWidget* row;  ///< with what stands around the control
+        QLabel* fault;
         std::function<void(const Value&)> set;
         std::function<Value()> get;
     };
@@ -41,6 +49,7 @@ private:
     Field time(const Option& option);
     void add(QFormLayout& form, const Option& option);
     void enableDependent();
+    void checkFiles();
     QString say(const Dictionary& texts) const;
 
     const ActionDescription _description;

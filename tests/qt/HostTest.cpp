@@ -135,6 +135,20 @@ TEST_F(HostTest, ShowsWhatOthersHaveStoredUnlessItIsEdited) {
     EXPECT_EQ(hours(), "1 2 ");
 }
 
+TEST_F(HostTest, ARowThatIsPaintedChangesNothingOfTheSheet) {
+    Value preferences = plan({7, 8});
+    Array list = preferences[preferences::kScheduleArray].array();
+    for (std::size_t row = 0; row < list.size(); ++row)
+        list[row] = list[row].with(schedule_keys::kActionParameters, Dictionary{{"Own", static_cast<int>(row)}});
+    store(preferences.with(preferences::kScheduleArray, list));
+    open();
+    select(0);
+    saveSheet();
+    window.edit->click();
+    const Array& after = host.controller().configurator()->scheduleArray();
+    EXPECT_EQ(after[0][schedule_keys::kActionParameters]["Own"].intValue(), 0);
+}
+
 TEST_F(HostTest, NothingStoredIsASuggestion) {
     memory.files.files.clear();
     open();
@@ -151,10 +165,7 @@ TEST_F(HostTest, NothingStoredIsASuggestion) {
 TEST_F(HostTest, AnOwnBeginningTakesThePlaceOfTheSuggestion) {
     memory.files.files.clear();
     open();
-    QTimer::singleShot(0, &window, [&] {
-        for (auto* const button : window.sheet->findChildren<QPushButton*>())
-            if (button->text() == QLatin1String("Save")) button->click();
-    });
+    saveSheet();
     window.makeOwn->click();
     EXPECT_EQ(hours(), "23 ");
     EXPECT_TRUE(window.apply->isEnabled());

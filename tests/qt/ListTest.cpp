@@ -61,7 +61,7 @@ TEST_F(ListTest, SaysWhenEachComesAndWhyNot) {
     };
     EXPECT_EQ(said(0, Qt::DisplayRole), "off");
     EXPECT_EQ(said(1, Qt::DisplayRole), "never");
-    EXPECT_EQ(said(1, qt::ScheduleModel::kFaultRole), "there is no such time");
+    EXPECT_EQ(said(1, qt::ScheduleModel::kFaultRole), "its hour is not between 0 and 23");
     EXPECT_EQ(said(2, qt::ScheduleModel::kFaultRole), "no day is chosen");
 }
 

@@ -91,6 +91,15 @@ protected:
         });
     }
 
+    /// Paints the list and saves, in the sheet that is opened next.
+    void saveSheet() {
+        QTimer::singleShot(0, &window, [this] {
+            window.list->viewport()->repaint();
+            for (auto* const button : window.sheet->findChildren<QAbstractButton*>())
+                if (button->text() == QLatin1String("Save")) button->click();
+        });
+    }
+
     headless::HeadlessPlatform memory;
     FakeCommunicationCenter center;
     FakeUpdateChecker checker;
