@@ -4,8 +4,8 @@
 #include <system_error>
 #include <utility>
 
-#include "agent/Settings.h"
 #include "kit/MOLLog.h"
+#include "linux/SettingsEntry.h"
 #include "linux/pane/Browser.h"
 #include "model/Preferences.h"
 #include "model/Wire.h"
@@ -49,7 +49,7 @@ Agent::Agent(Options options)
       _actions(_bus.get(), [this](const auto&... report) { _daemon.reportAction(report...); }),
       _tray(_loop, {[this](const std::string& token) { _daemon.skip(token, logRefusal); },
                     [this](const std::string& token) { _daemon.postpone(token, logRefusal); },
-                    [this] { checkByHand(); }, openSettings}),
+                    [this] { checkByHand(); }, [] { return settingsEntry().has_value(); }, [] { openSettings(); }}),
       _watch(_loop, [this] { tellIdle(0); }),
       _endpoint(_bus.get(), [this](const auto& notification, const auto& answer) { received(notification, answer); }) {
     _loop.endOn({SIGTERM, SIGINT});

@@ -31,6 +31,7 @@ constexpr Command kCommands[] = {
     {"log", "[COUNT]", marked("what became of the last occurrences; -f goes on telling"), showLog, "-f"},
     {"modules", "", marked("the actions that there are; --check FOLDER looks at one before it is installed"),
      showModules, "--check", "f"},
+    {"settings", "", marked("opens the settings window, or else the pane, in this desktop"), showSettings},
 };
 
 }  // namespace

@@ -59,6 +59,9 @@ ExitStatus unskip(const CommandLine& line);
 ExitStatus postpone(const CommandLine& line);
 ExitStatus trySchedule(const CommandLine& line);
 
+// What changes it with a mouse.
+ExitStatus showSettings(const CommandLine& line);
+
 /// For the completion of shells: what may stand in place of the last argument, a line each.
 ExitStatus complete(const CommandLine& line);
 

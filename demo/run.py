@@ -57,6 +57,14 @@ def follow(application, path, told):
                 told()
 
 
+def write_entry(system, command):
+    """What the tray and notifications open."""
+    os.makedirs(f"{system.place}/share/applications")
+    with open(f"{system.place}/share/applications/com.quorel.Settings.desktop", "w", encoding="utf-8") as file:
+        file.write(f"[Desktop Entry]\nExec={command}\n")
+    system.variables["XDG_DATA_DIRS"] = f"{system.place}/share:/usr/local/share:/usr/share"
+
+
 class Window:
     """The settings window as a process of its own."""
 
@@ -136,13 +144,14 @@ def show(build, user, face, place, path, ends):
     root, home = f"{place}/root", f"{place}/settings"
     as_user = {"user": user.pw_uid, "group": user.pw_gid, "extra_groups": []}
     feed = FeedServer(ends)
-    feed.answers["/latest.plist"] = record("1.1", "https://example.org/quorel")  # a version that nobody has
+    feed.answers["/latest.plist"] = record("99", "https://example.org/quorel")  # a version that nobody has
     feed_address = feed.url("/latest.plist")
     system = PrivateSystem()
     ends.callback(system.close)
     system.start_session_bus()
     system.start_polkit(polkit_rule("yes", user.pw_name))
     install_modules(build, root)
+    write_entry(system, f"{build}/qt/quorel-settings --root '{root}' --feed {feed_address}")
     system.start_daemon(f"{build}/daemon/quorel-daemon", root)
     system.start_agent(f"{build}/agent/quorel-agent", root, "--feed", feed_address, **as_user)
     environment = dict(system.environment(), HOME=user.pw_dir)

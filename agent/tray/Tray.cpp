@@ -7,23 +7,25 @@
 
 namespace quorel {
 
-Tray::Tray(EventLoop& loop, Choices choices) : _loop(loop), _choices(std::move(choices)) {}
+Tray::Tray(EventLoop& loop, Choices choices)
+    : _loop(loop), _choices(std::move(choices)), _content(trayContentWithoutDaemon(_choices.hasSettings())) {}
 
 void Tray::show(bool on) try {
     if (on == _item.has_value()) return;
     if (!on) return _item.reset();
-    _item.emplace(_loop, _choices.openSettings, [this](int number) { choose(number); });
+    _item.emplace(_loop, _choices.hasSettings() ? _choices.openSettings : nullptr,
+                  [this](int number) { choose(number); });
     display();
 } catch (const std::system_error& error) {
     MOLLog("%s", error.what());
 }
 
 void Tray::update(const Array& upcoming, bool maySkip, bool mayPostpone) {
-    setContent(trayContent(upcoming, maySkip, mayPostpone));
+    setContent(trayContent(upcoming, maySkip, mayPostpone, _choices.hasSettings()));
 }
 
 void Tray::daemonHasGone() {
-    setContent(trayContentWithoutDaemon());
+    setContent(trayContentWithoutDaemon(_choices.hasSettings()));
 }
 
 void Tray::setContent(TrayContent content) {

@@ -18,6 +18,7 @@ public:
         std::function<void(const std::string& token)> skip;
         std::function<void(const std::string& token)> postpone;
         std::function<void()> checkUpdates;
+        std::function<bool()> hasSettings;  ///< whether there are any to be opened
         std::function<void()> openSettings;
     };
     /// Hidden at first, and without a daemon.
@@ -36,7 +37,7 @@ private:
 
     EventLoop& _loop;
     const Choices _choices;
-    TrayContent _content = trayContentWithoutDaemon();
+    TrayContent _content;
     std::optional<TrayItem> _item;
 };
 

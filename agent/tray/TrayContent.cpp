@@ -38,16 +38,16 @@ void addChoice(TrayContent& content, std::string text, TrayContent::Choice choic
     content.menu.push_back({std::move(text), static_cast<int>(content.choices.size())});
 }
 
-/// What is always in the menu.
-void addRest(TrayContent& content) {
+/// What is in the menu whatever is planned.
+void addRest(TrayContent& content, bool hasSettings) {
     content.menu.emplace_back();
     addChoice(content, translated("Check for Updates"), {TrayContent::Choice::kCheckUpdates});
-    addChoice(content, translated("Open Settings"), {TrayContent::Choice::kOpenSettings});
+    if (hasSettings) addChoice(content, translated("Open Settings"), {TrayContent::Choice::kOpenSettings});
 }
 
 }  // namespace
 
-TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone) {
+TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone, bool hasSettings) {
     TrayContent content;
     if (upcoming.empty()) addLine(content, translated("Nothing is planned."));
     for (std::size_t i = 0; i < std::min(upcoming.size(), kMostOccurrences); ++i) {
@@ -62,14 +62,14 @@ TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone) {
     }
     const auto next = std::ranges::find_if(upcoming, canBeSkipped);
     content.title = next == upcoming.end() ? content.menu.front().text : lineOf(*next);
-    addRest(content);
+    addRest(content, hasSettings);
     return content;
 }
 
-TrayContent trayContentWithoutDaemon() {
+TrayContent trayContentWithoutDaemon(bool hasSettings) {
     TrayContent content{translated("The daemon is not running."), {}, {}};
     addLine(content, content.title);
-    addRest(content);
+    addRest(content, hasSettings);
     return content;
 }
 

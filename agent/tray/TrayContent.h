@@ -23,7 +23,7 @@ struct TrayContent {
 };
 
 /// Of what the daemon's `Upcoming` told, in which strangers' texts may stand.
-TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone);
-TrayContent trayContentWithoutDaemon();
+TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone, bool hasSettings);
+TrayContent trayContentWithoutDaemon(bool hasSettings);
 
 }  // namespace quorel

@@ -64,15 +64,16 @@ struct TrayItemMethods {
     static int window(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*, sd_bus_error*) {
         return sd_bus_message_append(reply, "i", 0);
     }
-    static int isMenu(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*, sd_bus_error*) {
-        return sd_bus_message_append(reply, "b", 0);
+    static int isMenu(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* self,
+                      sd_bus_error*) {
+        return sd_bus_message_append(reply, "b", item(self)._activated ? 0 : 1);
     }
     static int menu(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*, sd_bus_error*) {
         return sd_bus_message_append(reply, "o", TrayMenu::kPath);
     }
 
     static int activate(sd_bus_message* call, void* self, sd_bus_error*) {
-        item(self)._activated();
+        if (item(self)._activated) item(self)._activated();
         return sd_bus_reply_method_return(call, "");
     }
     static int nothing(sd_bus_message* call, void*, sd_bus_error*) { return sd_bus_reply_method_return(call, ""); }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
+#include "linux/SettingsEntry.h"
 #include "model/PlainText.h"
 #include "words/Language.h"
 
@@ -14,8 +15,8 @@ namespace {
 
 constexpr const char* kService = "org.freedesktop.Notifications";
 constexpr const char* kPath = "/org/freedesktop/Notifications";
-constexpr const char* kDesktopEntry = "quorel";  // the visible program: desktops list nothing else in their settings
-constexpr std::chrono::seconds kPatience{10};    // the server may have to be started first
+constexpr const char* kOpen = "default";       // by the desktops' rules, what a click on the message means
+constexpr std::chrono::seconds kPatience{10};  // the server may have to be started first
 constexpr std::int32_t kServersOwnDuration = -1;
 constexpr std::int32_t kWithoutEnd = 0;
 constexpr std::uint8_t kNormal = 1;
@@ -96,11 +97,15 @@ void Notifier::capabilitiesKnown(sd_bus_message* reply) {
     const auto message = newCall(_bus, kService, kPath, kService, "Notify");
     sd_bus_message_append(message.get(), "susss", "Quorel", _id, _message->icon.c_str(),
                           plainLine(filled(translated("Quorel: {1}"), {_message->title})).c_str(), body.c_str());
+    const auto settings = settingsEntry();
     sd_bus_message_open_container(message.get(), 'a', "s");
+    if (buttons && settings) sd_bus_message_append(message.get(), "ss", kOpen, translated("Open Settings"));
     for (const Message::Button& button : _message->buttons)
         if (buttons) sd_bus_message_append(message.get(), "ss", button.key.c_str(), button.label.c_str());
     sd_bus_message_close_container(message.get());
-    sd_bus_message_append(message.get(), "a{sv}i", 2, "desktop-entry", "s", kDesktopEntry, "urgency", "y",
+    // The visible program: desktops list nothing else in their settings.
+    const std::string entry = settings ? settings->name : "quorel";
+    sd_bus_message_append(message.get(), "a{sv}i", 2, "desktop-entry", "s", entry.c_str(), "urgency", "y",
                           _message->isUrgent ? kCritical : kNormal,
                           _message->isUrgent ? kWithoutEnd : kServersOwnDuration);
     call(message, &Notifier::shown);
@@ -131,6 +136,7 @@ void Notifier::invoked(sd_bus_message* signal) {
     if (!isAboutOurs(signal) || sd_bus_message_read(signal, "s", &key) <= 0 || !_message) return;
     const std::string pressed = key;
     _isDone = true;
+    if (pressed == kOpen) openSettings();
     for (const Message::Button& button : _message->buttons)
         if (button.key == pressed) return _pressed(pressed);
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "linux/SettingsEntry.h"
 #include "model/ActionParameters.h"
 #include "model/PlainText.h"
 #include "modules/Program.h"
@@ -50,10 +51,12 @@ void show(const std::string& title, const std::string& text) {
     while (sd_bus_message_read(reply, "s", &capability) > 0)
         markup = markup || std::string_view(capability) == "body-markup";
 
+    const auto settings = quorel::settingsEntry();
+    const std::string entry = settings ? settings->name : "quorel";
     const std::string body = markup ? quorel::escapedMarkup(text) : text;
     check(sd_bus_call_method(bus, kService, kPath, kService, "Notify", &error, nullptr, "susssasa{sv}i", "Quorel",
-                             std::uint32_t{0}, "", title.c_str(), body.c_str(), 0, 1, "desktop-entry", "s", "quorel",
-                             kUntilItIsSeen),
+                             std::uint32_t{0}, "", title.c_str(), body.c_str(), 0, 1, "desktop-entry", "s",
+                             entry.c_str(), kUntilItIsSeen),
           &error);
 }
 

@@ -24,7 +24,7 @@ TEST(TrayContent, SaysUnderEachOccurrenceWhatCanBeDoneWithIt) {
         Array upcoming;
         for (const char* step : steps)
             upcoming.emplace_back(Dictionary{{"Step", step}, {"Token", std::to_string(upcoming.size())}});
-        const TrayContent content = trayContent(upcoming, maySkip, mayPostpone);
+        const TrayContent content = trayContent(upcoming, maySkip, mayPostpone, true);
         std::string found;
         for (const MenuItem& item : content.menu) {
             if (item.text.empty()) break;
@@ -37,6 +37,9 @@ TEST(TrayContent, SaysUnderEachOccurrenceWhatCanBeDoneWithIt) {
         }
         EXPECT_EQ(found, lines);
     }
+    for (const bool hasSettings : {false, true})
+        EXPECT_EQ(trayContentWithoutDaemon(hasSettings).choices.back().what == TrayContent::Choice::kOpenSettings,
+                  hasSettings);
 }
 
 }  // namespace

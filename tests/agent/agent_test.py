@@ -38,7 +38,7 @@ class AgentTest(unittest.TestCase):
         self.browser = FakeBrowser(place)
         self.state = f"{place}/state/quorel/last-update-check"
         os.makedirs(f"{place}/root/Library/Preferences")
-        self.system.variables.update(PATH=self.browser.path, LC_ALL="C.UTF-8", LANGUAGE="")
+        self.system.variables.update(PATH=self.browser.path, XDG_DATA_DIRS=f"{place}/share", LC_ALL="C.UTF-8", LANGUAGE="")
         self.set_preferences(0)
 
     def connect(self):
@@ -109,6 +109,21 @@ class AgentTest(unittest.TestCase):
                 eventually("the user is told", lambda: notifications.shown)
                 self.assertEqual(notifications.shown, [(replaces, title, body, actions)])
                 self.assertEqual(len(self.feed.requests), 1)
+
+    def test_click_opens_the_settings(self):
+        place = self.system.place
+        os.makedirs(f"{place}/share/applications")
+        with open(f"{place}/share/applications/com.quorel.Settings.desktop", "w") as file:
+            file.write(f"[Desktop Entry]\nExec=touch '{place}/opened'\n")
+        self.feed.answers["/"] = record(INSTALLED)
+        notifications = self.show_notifications()
+        notifications.entry = "com.quorel.Settings"
+        self.start_agent()
+        self.ask()
+        eventually("the user is told", lambda: notifications.shown)
+        self.assertEqual(notifications.shown[0][3], ["default", "Open Settings"])
+        notifications.press("default")
+        eventually("they open", lambda: os.path.exists(f"{place}/opened"))
 
     def test_speaks_the_servers_language_and_the_users(self):
         self.feed.answers["/"] = record("9.0<b>&", "https://example.org/?a=1&b=2")

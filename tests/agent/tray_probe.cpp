@@ -30,7 +30,7 @@ int main() {
     EventLoop loop;
     Tray tray(loop, {[&](const std::string& token) { say("skip " + token); },
                      [&](const std::string& token) { say("postpone " + token); }, [&] { say("check"); },
-                     [&] { say("settings"); }});
+                     [] { return true; }, [&] { say("settings"); }});
     const auto input = whenReadable(loop, 0, [&] {
         std::string line;
         if (!std::getline(std::cin, line)) return loop.end(0);

@@ -168,6 +168,8 @@ class TrayTest(unittest.TestCase):
         self.configure("root/Library/Preferences/com.quorel.plist", plistlib.dumps({
             "Show In Menu Bar": 1, "Check Updates": 0, "Check Updates Frequency": 0, "Prefs Version": 0,
             "Enable Network Administration": 0, "Schedule Array": [schedule(SLEEP, "23:15")]}).decode())
+        self.configure("share/applications/quorel.desktop", "[Desktop Entry]\nExec=true\n")
+        self.system.variables["XDG_DATA_DIRS"] = f"{self.home}/share:/usr/local/share:/usr/share"
         self.system.start_daemon(DAEMON, root, log="daemon.txt")
         self.system.start_agent(AGENT, root, log="agent.txt")
         self.system.start(["lxqt-panel"], log="panel.txt")

@@ -51,7 +51,8 @@ class TimeControl : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         [[NSApplication sharedApplication] finishLaunching];
-        class_replaceMethod([GSCurrentServer() class], @selector(beep), reinterpret_cast<IMP>(countBeep), "v@:");
+        class_replaceMethod([GSCurrentServer() class], @selector(beep),
+                            reinterpret_cast<IMP>(reinterpret_cast<void (*)()>(countBeep)), "v@:");
     }
 
     TimeControl() {

@@ -293,6 +293,17 @@ class CtlTest(CtlCase):
         self.daemon.send_signal(signal.SIGSTOP)
         self.refused(1, "does not answer", "status")
 
+    def test_opens_the_window_or_else_the_pane(self):
+        place = self.system.place
+        self.system.variables.update(XDG_DATA_DIRS=f"{place}/share", DISPLAY=":7")
+        os.makedirs(f"{place}/share/applications")
+        self.refused(1, "Neither the settings window nor the pane", "settings")
+        for name in ("quorel", "com.quorel.Settings"):
+            with open(f"{place}/share/applications/{name}.desktop", "w") as file:
+                file.write(f"[Desktop Entry]\nExec=touch '{place}/{name}'\n")
+            self.assertEqual(self.told("settings"), "")
+            wait_until(lambda path=f"{place}/{name}": os.path.exists(path), f"{name} is started")
+
     def test_wrong_command_lines(self):
         for arguments in (["sleep"], ["next", "0"], ["next", "101"], ["log", "x"], ["next", "1", "2"], ["skip", "1", "2"],
                           ["status", "1"], ["--other"], [FORGERY]):

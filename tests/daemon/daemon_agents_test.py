@@ -56,7 +56,7 @@ class IdleMonitor(dbus.service.Object):
 
 class AgentsTest(ActingCase):
     def start(self, *schedules, **script):
-        self.system.variables.update(LANG="C.UTF-8")
+        self.system.variables.update(LANG="C.UTF-8", XDG_DATA_DIRS="/nowhere")
         self.system.start_polkit(RULE)
         self.begin(*schedules, **script)
 

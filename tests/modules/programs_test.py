@@ -19,7 +19,8 @@ class ProgramsTest(unittest.TestCase):
         self.addCleanup(self.system.close)
         self.place = self.system.place
         self.browser = FakeBrowser(self.place)
-        self.system.variables.update(PATH=self.browser.path, HOME=self.place, XDG_DATA_HOME=self.place, LC_ALL="C.UTF-8")
+        self.system.variables.update(PATH=self.browser.path, HOME=self.place, XDG_DATA_HOME=self.place, XDG_DATA_DIRS="/nowhere",
+                                     LC_ALL="C.UTF-8")
 
     def run_with(self, program, parameters):
         """The exit status and what was said."""

@@ -22,6 +22,7 @@ def eventually(what, condition):
 class NotificationServer(dbus.service.Object):
     def __init__(self, connection):
         self.capabilities = ("actions", "body", "body-markup")
+        self.entry = "quorel"  # where neither face is installed
         self.shown = []   # whatever came, in its order
         self.screen = {}  # what is seen now, by number: title, body, actions, urgency, duration
         self.name = dbus.service.BusName(NOTIFICATIONS, connection)
@@ -39,7 +40,7 @@ class NotificationServer(dbus.service.Object):
     @dbus.service.method(NOTIFICATIONS, in_signature="susssasa{sv}i", out_signature="u",
                          sender_keyword="sender")
     def Notify(self, program, replaces, icon, title, body, actions, hints, duration, sender):
-        assert hints["desktop-entry"] == "quorel"  # or desktops would not list it
+        assert hints["desktop-entry"] == self.entry  # or desktops would not list it
         self.client = sender
         actions = [str(action) for action in actions]
         self.shown.append((int(replaces), str(title), str(body), actions))
