@@ -59,8 +59,7 @@ class FeedServer:
                 self.send_response(status)
                 for name, value in fields.items():
                     self.send_header(name, value)
-                if "Location" not in fields:
-                    self.send_header("Content-Length", str(len(body)))
+                self.send_header("Content-Length", str(len(body)))
                 self.end_headers()
                 self.wfile.write(body)
 

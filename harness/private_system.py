@@ -122,6 +122,16 @@ class PrivateSystem:
         return dict(os.environ, **self.variables,
                     **{names[kind]: address for kind, address in self.addresses.items()})
 
+    def in_language(self, language):
+        """Variables with which programs speak it ("" is English), with dates as in the locale C.UTF-8, in which newer
+        libraries do not translate."""
+        locales = f"{self.place}/locales"
+        if not os.path.exists(locales):
+            os.mkdir(locales)
+            subprocess.run(["localedef", "-i", "en_US", "-f", "UTF-8", f"{locales}/en_US.UTF-8"], check=True)
+        return {"LANGUAGE": language, "LOCPATH": locales, "LC_ALL": "", "LC_CTYPE": "C.UTF-8", "LC_TIME": "C.UTF-8",
+                "LC_MESSAGES": "en_US.UTF-8"}
+
     def connect(self, kind="system"):
         return dbus.bus.BusConnection(self.addresses[kind])
 

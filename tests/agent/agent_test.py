@@ -137,7 +137,7 @@ class AgentTest(unittest.TestCase):
                  ["https://example.org/?a=1&b=2", "Télécharger"])):
             with self.subTest(capabilities):
                 notifications.capabilities = capabilities
-                self.system.variables["LANGUAGE"] = language
+                self.system.variables.update(self.system.in_language(language))
                 agent = self.start_agent()
                 self.ask()
                 eventually("the user is told", lambda: notifications.shown)

@@ -47,7 +47,8 @@ class CtlCase(unittest.TestCase):
         self.daemon = self.system.start([STEPPING_DAEMON, self.clocks, self.root], name=NAME, stderr=subprocess.DEVNULL)
 
     def run_ctl(self, *arguments, language="", user=0, stdout=subprocess.PIPE):
-        environment = dict(self.system.environment(), LC_ALL="C.UTF-8", LANGUAGE=language, TERM="xterm")
+        environment = dict(self.system.environment(), LC_ALL="C.UTF-8", LANGUAGE="", TERM="xterm")
+        environment.update(self.system.in_language(language) if language else {})
         environment.update(self.environment)
         process = subprocess.Popen([QUORELCTL, f"--root={self.root}", *arguments], env=environment, user=user, stdout=stdout,
                                    stderr=subprocess.PIPE, text=True)
