@@ -170,7 +170,7 @@ bool Host::saveBy(void (VXPrefPaneController::*how)()) {
     const std::optional<EditsAnswer> answer = _parts.center.takeLastSave();
     if (!answer || answer->isHandled) {
         const Value joined = answer ? answer->joined : Value();
-        _parts.window.notice(joinedText(joined, configurator.scheduleArray(), _parts.window.list->schedules()));
+        _parts.window.notice(joinedText(joined, list, configurator.scheduleArray(), _parts.window.list->schedules()));
         return true;
     }
     configurator.setScheduleArray(Value(list));
@@ -204,6 +204,7 @@ void Host::caughtUp() {
 /// Returns when the sheet has been closed. Its action's parameters are the module's, which a row that is asked for its
 /// line would change: the list shows what it showed until then.
 void Host::runSheet(bool adding) {
+    const int before = _parts.window.list->schedules().rowCount();
     _parts.window.sheet->prepare(adding);
     _parts.window.list->hold(true);
     if (adding)
@@ -211,6 +212,8 @@ void Host::runSheet(bool adding) {
     else
         _controller->configurator()->editSchedule(nullptr);
     _parts.window.list->hold(false);
+    ScheduleModel& rows = _parts.window.list->schedules();
+    if (rows.rowCount() > before) _parts.window.list->setCurrentIndex(rows.index(before, kTimeColumn));
     showList();
     caughtUp();
 }

@@ -30,9 +30,15 @@ std::string lineOf(const Value& schedule, const Array& schedules, const Schedule
 
 }  // namespace
 
-QString joinedText(const Value& joined, const Array& schedules, const ScheduleModel& rows) {
+QString joinedText(const Value& joined, Array sent, const Array& schedules, const ScheduleModel& rows) {
     QStringList lines;
-    if (const std::int64_t others = joined[wire::keys::kOthers].integer(); others > 0) {
+    std::int64_t others = 0;
+    for (const Value& one : schedules) {
+        const auto own = std::ranges::find(sent, one);
+        if (own == sent.end()) ++others;
+        if (own != sent.end()) sent.erase(own);
+    }
+    if (others > 0 && joined[wire::keys::kOthers].integer() > 0) {
         const char* const text =
             translatedCount("Others have stored {1} schedule meanwhile; it is in the list, too.",
                             "Others have stored {1} schedules meanwhile; they are in the list, too.", others);

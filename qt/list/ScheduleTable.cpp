@@ -161,11 +161,12 @@ void ScheduleList::startDrag(Qt::DropActions) {
     _isDragging = true;
     auto* const data = new QMimeData;
     data->setData(QString::fromLatin1(kMimeType), {});
-    QDrag drag(this);
-    drag.setMimeData(data);
+    auto* const drag = new QDrag(this);  // the toolkit deletes it
+    drag->setMimeData(data);
     const QRect picture(0, rowViewportPosition(row), viewport()->width(), rowHeight(row));
-    drag.setPixmap(viewport()->grab(picture));
-    drag.exec(Qt::MoveAction);
+    drag->setPixmap(viewport()->grab(picture));
+    drag->setHotSpot(viewport()->mapFromGlobal(QCursor::pos()) - picture.topLeft());
+    drag->exec(Qt::MoveAction);
     _isDragging = false;
     _draggedRow = _gap = -1;
     viewport()->update();

@@ -89,8 +89,21 @@ EditSheet::EditSheet(QWidget* parent)
     whole->addWidget(buttons);
 }
 
+/// An action's options come between the action and the time, whenever they were made.
+void EditSheet::orderTabs() {
+    QWidget* last = _action;
+    if (const OptionForm* const options = form()) {
+        for (QWidget* const control : options->controls()) {
+            setTabOrder(last, control);
+            last = control;
+        }
+    }
+    setTabOrder(last, _time);
+}
+
 void EditSheet::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
+    orderTabs();
     if (changed) changed();
 }
 
@@ -168,7 +181,7 @@ void EditSheet::connectTo(VXConfigurator& owner) {
     };
     connect(_action, qOverload<int>(&QComboBox::activated), this, [this, tell] {
         _owner->selectActionType(_owner->outlets.popUpType.get());
-        adjustSize();
+        orderTabs();
         tell();
     });
     for (const auto& button : outlets.activeOn) {

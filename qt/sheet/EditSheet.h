@@ -42,6 +42,7 @@ protected:
 
 private:
     OptionForm* form() const;
+    void orderTabs();
 
     QComboBox* const _action;
     QWidget* const _options;

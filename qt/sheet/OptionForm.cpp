@@ -25,6 +25,12 @@
 
 namespace quorel::qt {
 
+namespace {
+
+constexpr int kLongHelp = 22;  ///< times the height of a line: beyond that, it is broken
+
+}  // namespace
+
 QLabel* faultLine(QWidget* parent) {
     QLabel* const line = makeLabel(parent, Weight::kSmall);
     QPalette colours = parent->palette();
@@ -74,8 +80,7 @@ void OptionForm::add(QFormLayout& form, const Option& option) {
     form.addRow(QString(), field.fault);
     if (help.isEmpty()) return;
     auto* const line = makeLabel(this, Weight::kSmall, help);
-    line->setWordWrap(true);
-    line->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::MinimumExpanding);
+    line->setWordWrap(line->sizeHint().width() > line->fontMetrics().height() * kLongHelp);
     form.addRow(QString(), line);
 }
 
@@ -203,6 +208,16 @@ void OptionForm::show(const Value& parameters) {
     for (const Field& field : _fields) field.set(parameters[field.option.key]);
     enableDependent();
     checkFiles();
+}
+
+std::vector<QWidget*> OptionForm::controls() const {
+    std::vector<QWidget*> controls;
+    for (const Field& field : _fields) {
+        controls.push_back(field.control);
+        if (field.row == field.control) continue;
+        for (auto* const button : field.row->findChildren<QPushButton*>()) controls.push_back(button);
+    }
+    return controls;
 }
 
 bool OptionForm::showFault(const std::string& reason, const QString& text) {

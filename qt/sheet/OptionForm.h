@@ -27,6 +27,8 @@ public:
     void show(const Value& parameters);
     /// These parameters with what the controls say.
     Value taken(const Value& parameters) const;
+    /// Those that take the focus, from top to bottom.
+    std::vector<QWidget*> controls() const;
     /// Shows what is wrong with an option below it, by the `wire::schedule_fault`; an empty text takes that away. False
     /// for one that is about none of these options.
     bool showFault(const std::string& reason, const QString& text);

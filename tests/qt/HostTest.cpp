@@ -97,7 +97,7 @@ TEST_F(HostTest, SaysWhatASaveWasJoinedWith) {
     press(Qt::Key_Delete);
     window.apply->click();
     const QString told = window.noticeText->text();
-    EXPECT_TRUE(told.startsWith(QStringLiteral("Others have stored 1 schedule")) &&
+    EXPECT_TRUE(told.startsWith(QStringLiteral("Others have stored 2 schedules")) &&
                 told.contains(QStringLiteral("both stay:\n  10:00")))
         << told.toStdString();
 }
