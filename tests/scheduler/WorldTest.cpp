@@ -319,7 +319,7 @@ private:
     }
 
     // What must hold.
-    void heard(const Value& told) {
+    void heard(const Value& told, Instant watermark) {
         const Outcome outcome{told["Code"].text(), told["At"].integer(), told["Due"].integer(), told["Action"].text(),
                               told["Arguments"].dictionary()};
         const Instant now = outcome.at;  // it may have been stored later
@@ -327,7 +327,8 @@ private:
             // What has run may come again after a correction; where the clock was ahead, what has run before this boot
             // and what was only told. What is remembered as done may not.
             const std::int64_t by = outcome.arguments["By"].integer();
-            const bool isGreat = std::abs(by) >= 10'800 || by == 0;
+            // Several steps may come to a great one.
+            const bool isGreat = std::abs(by) >= 10'800 || by == 0 || watermark - now >= 10'800;
             std::erase_if(_told, [&](const auto& one) {
                 const auto& [code, boot] = one.second;
                 const bool comesAgain = isGreat || code == outcome::kMissed || boot != _world.bootId;
@@ -343,7 +344,8 @@ private:
         const std::int64_t count = outcome.code == outcome::kMissed ? outcome.arguments["Count"].integer() : 1;
         if (count > 1) return heardMany(outcome, count);
         const Key key(outcome.due, outcome.action);
-        if (_told.contains(key) && !areSeveral(key)) fail("told twice: " + _told[key].first + " and " + outcome.code);
+        if (_told.contains(key) && !areSeveral(key))
+            fail("told twice: " + VirtualWorld::clock(outcome.due) + " " + _told[key].first + " and " + outcome.code);
         _told[key] = {outcome.code, _world.bootId};
         const bool isWakeUp = outcome.code == outcome::kWokeUp || outcome.code == outcome::kStarted ||
                               outcome.code == outcome::kAwakeAlready;
@@ -395,7 +397,7 @@ private:
         while (!std::equal(old.begin() + std::ptrdiff_t(gone), old.end(), all.begin(),
                            all.end() - std::ptrdiff_t(all.size() + gone - old.size())))
             ++gone;
-        for (std::size_t i = old.size() - gone; i < all.size(); ++i) heard(all[i]);
+        for (std::size_t i = old.size() - gone; i < all.size(); ++i) heard(all[i], before["Watermark"].integer());
         const Instant from = std::max(_mark, before["Watermark"].integer());
         if (before.isAbsent() || !_agenda || std::exchange(_wasFull, false)) return;
         _pending.emplace_back(from, after["Watermark"].integer());
