@@ -61,6 +61,7 @@ void Scheduler::settle() {
         afterSleep({});
     }
     takeUp();
+    if (_outlivesList) withdraw();
     reachAll();
     if (_saved || _zoneChanged) {
         takeOverSaved();

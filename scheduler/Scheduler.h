@@ -209,6 +209,7 @@ private:
     Instant _watermark = 0;         ///< everything up to here has been taken up
     std::vector<Occurrence> _next;  ///< those of the first minute after it
     std::list<OpenOccurrence> _open;
+    bool _outlivesList = false;  ///< some of them, or did when the list was taken over
     Array _outcomes;
     std::string _bootId;
 

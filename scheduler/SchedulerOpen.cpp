@@ -284,13 +284,15 @@ std::string Scheduler::runningAction() const {
     return {};
 }
 
-/// What the list no longer brings forth ends. What the system is doing goes on.
+/// What the list no longer brings forth ends. What the system is doing goes on, but waits for nothing afterwards.
 void Scheduler::withdraw() {
+    _outlivesList = false;
     for (auto each = _open.begin(); each != _open.end();) {
         OpenOccurrence& open = *each++;
         const Occurrence& one = open.occurrence;
-        if (!one.schedule->isTrial && !_agenda->scheduleOf(one.schedule->digest, one.weekday))
-            befall(open, {Event::kScheduleGone});
+        if (one.schedule->isTrial || _agenda->scheduleOf(one.schedule->digest, one.weekday)) continue;
+        _outlivesList = true;
+        befall(open, {Event::kScheduleGone});
     }
 }
 

@@ -342,6 +342,8 @@ const Row kRows[] = {
     // Lists and zones.
     {"saved in its own minute: next time", "from 11:50; until 12:00:20; save Plain@12:00; until 1+12:00", "+1 12:00 start Plain"},
     {"what the old one had due comes first", "from 11:50 Plain@12:00; pass 600; save", "12:00 start Plain"},
+    {"withdrawn while it runs: it waits for nobody afterwards", "lonely; from 11:50 Late@12:00; until 12:00:05; save Plain@13:00; until 12:30",
+     "12:00 start Late; 12:00:10 withdrawn Late 12:00"},
     {"withdrawn while warned", "from 22:59 Sleep@23:00; save WakeUp@7:00; until 23:30",
      "22:59 warn, for 23:00; 22:59 withdrawn Sleep 23:00"},
     {"the same Schedule written otherwise stays, while it waits",

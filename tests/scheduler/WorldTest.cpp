@@ -319,7 +319,7 @@ private:
     }
 
     // What must hold.
-    void heard(const Value& told, Instant watermark) {
+    void heard(const Value& told, const Value& before) {
         const Outcome outcome{told["Code"].text(), told["At"].integer(), told["Due"].integer(), told["Action"].text(),
                               told["Arguments"].dictionary()};
         const Instant now = outcome.at;  // it may have been stored later
@@ -328,11 +328,11 @@ private:
             // and what was only told. What is remembered as done may not.
             const std::int64_t by = outcome.arguments["By"].integer();
             // Several steps may come to a great one.
-            const bool isGreat = std::abs(by) >= 10'800 || by == 0 || watermark - now >= 10'800;
+            const bool isGreat = std::abs(by) >= 10'800 || by == 0 || before["Watermark"].integer() - now >= 10'800;
             std::erase_if(_told, [&](const auto& one) {
                 const auto& [code, boot] = one.second;
                 const bool comesAgain = isGreat || code == outcome::kMissed || boot != _world.bootId;
-                return one.first.first > now && comesAgain && !isDone(one.first);
+                return one.first.first > now && comesAgain && !isDone(before, one.first);
             });
             if (isGreat) _lastWakeUp = -kDay * 1000;
             _mark = now;
@@ -353,8 +353,8 @@ private:
         _lastWakeUp = _world.now.boot;
         _lastWakeUpDue = std::max(outcome.due, now - 60);
     }
-    bool isDone(const Key& key) const {
-        return std::ranges::any_of(_world.stored["Open"].array(), [&](const Value& open) {
+    static bool isDone(const Value& state, const Key& key) {
+        return std::ranges::any_of(state["Open"].array(), [&](const Value& open) {
             return open["Step"].text() == "done" && open["Due"].integer() == key.first &&
                    open["Action"].text() == key.second;
         });
@@ -397,7 +397,7 @@ private:
         while (!std::equal(old.begin() + std::ptrdiff_t(gone), old.end(), all.begin(),
                            all.end() - std::ptrdiff_t(all.size() + gone - old.size())))
             ++gone;
-        for (std::size_t i = old.size() - gone; i < all.size(); ++i) heard(all[i], before["Watermark"].integer());
+        for (std::size_t i = old.size() - gone; i < all.size(); ++i) heard(all[i], before);
         const Instant from = std::max(_mark, before["Watermark"].integer());
         if (before.isAbsent() || !_agenda || std::exchange(_wasFull, false)) return;
         _pending.emplace_back(from, after["Watermark"].integer());
