@@ -113,10 +113,10 @@ void Agent::startCheck() try {
     _succeeded = false;
     _check = std::thread([this] {
         _succeeded = _checker.updateLatestVersionDictionary();
-        _checkEnded.wake();
+        _checkEnded.give();
     });
 } catch (const std::system_error&) {  // the system has no thread to give
-    _checkEnded.wake();
+    _checkEnded.give();
 }
 
 void Agent::checkEnded() {

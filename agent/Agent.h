@@ -59,7 +59,7 @@ private:
 
     EventLoop _loop;
     LoopTimer _nextCheck;
-    const Wakeup _checkEnded;
+    const Nudge _checkEnded;
     const BusConnection _bus;
     Notifier _notifier;
     IdleMeter _idleMeter;

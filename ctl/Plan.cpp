@@ -32,7 +32,7 @@ const Dictionary& defaults() {
     return preferences;
 }
 
-Value fitToBeStored(const Value& stored) {
+Value withDefaults(const Value& stored) {
     Value result = defaults();
     for (std::size_t i = 0; i < defaults().size(); ++i) {
         const std::string& key = defaults().keyAt(i);
@@ -56,7 +56,7 @@ Plan::Plan(const std::string& root) : _actions(readActions(root)) {
     struct stat status {};
     _nothingStored = stored.isAbsent();
     _isUnreadable = _nothingStored && lstat((root + std::string(preferences::kFile)).c_str(), &status) == 0;
-    _preferences = fitToBeStored(stored);
+    _preferences = withDefaults(stored);
 }
 
 const Array& Plan::schedules() const {

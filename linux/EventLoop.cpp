@@ -109,21 +109,21 @@ EventSource onSignal(EventLoop& loop, int signal, std::function<void()> received
     return owning(source, std::move(callback));
 }
 
-Wakeup::Wakeup(EventLoop& loop, std::function<void()> woken) : _file(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+Nudge::Nudge(EventLoop& loop, std::function<void()> nudged) : _file(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     check(_file < 0 ? -errno : 0, "no wake-up call");
-    _source = whenReadable(loop, _file, [this, woken = std::move(woken)] {
+    _source = whenReadable(loop, _file, [this, nudged = std::move(nudged)] {
         std::uint64_t count;
         [[maybe_unused]] const auto size = read(_file, &count, sizeof count);
-        woken();
+        nudged();
     });
 }
 
-Wakeup::~Wakeup() {
+Nudge::~Nudge() {
     _source.reset();
     close(_file);
 }
 
-void Wakeup::wake() const {
+void Nudge::give() const {
     const std::uint64_t one = 1;
     [[maybe_unused]] const auto size = write(_file, &one, sizeof one);
 }

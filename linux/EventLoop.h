@@ -60,14 +60,14 @@ EventSource whenReadable(EventLoop& loop, int file, std::function<void()> readab
 EventSource onSignal(EventLoop& loop, int signal, std::function<void()> received);
 
 /// How another thread gets something called on the loop's.
-class Wakeup {
+class Nudge {
 public:
-    Wakeup(EventLoop& loop, std::function<void()> woken);
-    ~Wakeup();
-    Wakeup(const Wakeup&) = delete;
+    Nudge(EventLoop& loop, std::function<void()> nudged);
+    ~Nudge();
+    Nudge(const Nudge&) = delete;
 
     /// Any thread. Several in a row may be followed by one call alone.
-    void wake() const;
+    void give() const;
 
 private:
     const int _file;

@@ -41,7 +41,7 @@ enum class Fate {
     kNobodyCame,        ///< ends, not started
     kNextMove,          ///< of its course
     kGivenUpIfSoon,     ///< a sleep within ten minutes gives way to the wake-up
-    kGivenUpForWakeUp,  ///< a sleep or shut-down gives way, unless its minute is the wake-up's or later
+    kGivenUpForWakeUp,  ///< a sleep up to the wake-up's minute gives way, and a shut-down from before it
     kGivenUpForNext,    ///< gives way to the next sleep or shut-down; a firm one makes an "only when idle" one end
     kNewcomerEnds,
     kSleepOvertaken,  ///< a sleep ends: the computer sleeps without it

@@ -159,6 +159,7 @@ ListReading readScheduleList(const Value& list, const Actions& actions, const De
 
 std::shared_ptr<const ScheduleReading> asTrial(ScheduleReading schedule) {
     schedule.isTrial = true;
+    schedule.makeUp = 0;
     schedule.digest = ~schedule.digest;
     return std::make_shared<const ScheduleReading>(std::move(schedule));
 }

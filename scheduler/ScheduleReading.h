@@ -53,7 +53,7 @@ struct ListReading {
 ListReading readScheduleList(const Value& list, const Actions& actions, const DeniedKinds& denied = {});
 
 /// The same, to be tried once, of no list. The plan may have it at that very second, so that it goes by a digest of its
-/// own.
+/// own. Whoever tries it waits for it: it is not made up for.
 std::shared_ptr<const ScheduleReading> asTrial(ScheduleReading schedule);
 
 }  // namespace quorel

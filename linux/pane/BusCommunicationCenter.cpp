@@ -73,13 +73,13 @@ public:
         });
     }
     ~OwnEnd() {
-        _stop.wake();
+        _stop.give();
         _thread.join();
     }
 
 private:
     EventLoop _loop;
-    const Wakeup _stop;
+    const Nudge _stop;
     const BusConnection _bus;
     const BusEndpoint _endpoint;
     std::thread _thread;

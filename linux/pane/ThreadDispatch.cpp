@@ -86,7 +86,7 @@ private:
     std::mutex _mutex;
     std::condition_variable _turnEnded;
     std::deque<Block> _pending;
-    bool _busy = false;  // somebody has the turn
+    bool _busy = false;  // some thread has the turn to run blocks
 };
 
 }  // namespace

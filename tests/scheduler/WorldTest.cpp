@@ -266,7 +266,7 @@ private:
         for (const Upcoming& one : _world.scheduler->upcoming(90)) {
             if (one.due > _world.now.instant() + 3 * kDay) continue;
             const Column column = rowOf(one.step).column;
-            if (column == Column::kInCourse || column == Column::kActing) continue;
+            if (column == Column::kInCourse || column == Column::kActing || one.schedule->isTrial) continue;
             all.push_back(one.token + " " + std::string(nameOf(one.step)) + " " + one.by);
         }
         std::ranges::sort(all);
