@@ -39,6 +39,7 @@ void Scheduler::take(Now now, std::function<void()> event) {
 void Scheduler::observe(Now now) {
     const std::optional<WallClock::Change> change = _clock.observe(now, _former ? _former->watermark : _watermark);
     _wakefulness.observe(now);
+    if (_clock.wasSet()) _wakefulness.rewriteAlarms();  // the hardware's clock has not moved
     if (!change) return;
     _changed = true;
     _lateness = outcome::kCauseClock;
@@ -142,7 +143,10 @@ void Scheduler::start(Now now, const Value& list, const Value& stored, const std
 }
 
 void Scheduler::listSaved(Now now, const Value& list) {
-    take(now, [this, list] { _saved = list; });
+    take(now, [this, list] {
+        _saved = list;
+        _changed = true;
+    });
 }
 
 void Scheduler::zoneChanged(Now now) {

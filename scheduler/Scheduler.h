@@ -162,7 +162,7 @@ private:
     void reportMissed(const Occurrence& last, std::int64_t count);
     std::string_view causeOf(Instant due) const;
     bool isWakeUpNear() const;
-    std::optional<Instant> earliest(bool ScheduleReading::*flag,
+    std::optional<Instant> earliest(const Agenda& agenda, bool ScheduleReading::*flag,
                                     const std::function<Instant(const ScheduleReading&, Instant)>& alarm) const;
     void arm();
 

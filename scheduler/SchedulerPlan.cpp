@@ -151,18 +151,23 @@ bool Scheduler::isWakeUpNear() const {
 }
 
 void Scheduler::arm() {
+    // A list that waits to be taken over already has the computer woken and started, should it sleep or be off first.
+    std::optional<Agenda> saved;
+    if (_saved) saved.emplace(_world.calendar, readScheduleList(*_saved, _world.actions, _denied).schedules);
+    const Agenda& agenda = saved ? *saved : *_agenda;
     const std::optional<Instant> wake =
-        earliest(&ScheduleReading::wakes, [&](const ScheduleReading& schedule, Instant at) {
+        earliest(agenda, &ScheduleReading::wakes, [&](const ScheduleReading& schedule, Instant at) {
             const Seconds early = schedule.kind == ActionKind::kModule ? rules::kWakeEarly : 0;
             return std::max(at - early, now() + rules::kNearestAlarm);
         });
-    const std::optional<Instant> startup = earliest(&ScheduleReading::starts, [&](const ScheduleReading&, Instant at) {
-        return at - rules::kStartEarly > now() ? at - rules::kStartEarly : at;
-    });
+    const std::optional<Instant> startup =
+        earliest(agenda, &ScheduleReading::starts, [&](const ScheduleReading&, Instant at) {
+            return at - rules::kStartEarly > now() ? at - rules::kStartEarly : at;
+        });
     _wakefulness.arm(wake, startup);
 }
 
-std::optional<Instant> Scheduler::earliest(bool ScheduleReading::*flag,
+std::optional<Instant> Scheduler::earliest(const Agenda& agenda, bool ScheduleReading::*flag,
                                            const std::function<Instant(const ScheduleReading&, Instant)>& alarm) const {
     std::optional<Instant> best;
     const auto consider = [&](const ScheduleReading& schedule, Instant at) {
@@ -171,12 +176,13 @@ std::optional<Instant> Scheduler::earliest(bool ScheduleReading::*flag,
         best = std::min(best.value_or(wanted), wanted);
     };
     for (const OpenOccurrence& open : _open) {
-        if (rowOf(open.step).armsAlarms && (*open.occurrence.schedule).*flag)
-            consider(*open.occurrence.schedule, open.at);
+        const ScheduleReading& schedule = *open.occurrence.schedule;
+        const bool stays = agenda.scheduleOf(schedule.digest, open.occurrence.weekday) != nullptr;
+        if (stays && rowOf(open.step).armsAlarms && schedule.*flag) consider(schedule, open.at);
     }
     const auto wanted = [&](const ScheduleReading& schedule) { return schedule.*flag; };
     std::optional<Instant> minute;
-    for (const Occurrence& one : _agenda->after(std::max(_watermark, now()), 1 + _open.size(), wanted, true)) {
+    for (const Occurrence& one : agenda.after(std::max(_watermark, now()), 1 + _open.size(), wanted, true)) {
         if (find(one)) continue;
         if (minute && one.due > *minute) break;
         minute = one.due;

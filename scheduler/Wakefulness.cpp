@@ -36,7 +36,6 @@ Seconds Wakefulness::longestSilence() const {
 }
 
 void Wakefulness::clockSet(Seconds by) {
-    _rewrite = true;
     if (_back) _back->clockMoved(now() - by, by);
 }
 

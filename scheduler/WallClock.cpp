@@ -24,8 +24,8 @@ std::optional<WallClock::Change> WallClock::observe(Now now, Instant watermark) 
     _now = now;
     _watermark = watermark;
     const std::int64_t moved = now.wall - now.boot - _offset;
-    const bool isSet = std::abs(moved) >= rules::kLeastSet;
-    if (isSet) _offset += moved;
+    _wasSet = std::abs(moved) >= rules::kLeastSet;
+    if (_wasSet) _offset += moved;
     if (_doubtUntil) {
         if (now.synchronised || now.boot >= *_doubtUntil || (_wasBehind && !isBehind())) {
             _doubtUntil.reset();
@@ -33,7 +33,7 @@ std::optional<WallClock::Change> WallClock::observe(Now now, Instant watermark) 
         }
         return {};
     }
-    if (!isSet) return {};
+    if (!_wasSet) return {};
     const Seconds by = (moved + (moved < 0 ? -rules::kLeastSet : rules::kLeastSet)) / 1000;
     const bool isYoung = now.boot < rules::kYoung * 1000;
     // Set back more than once, it may be as far behind as by one great step.

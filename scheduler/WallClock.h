@@ -25,6 +25,8 @@ public:
     void settled() { _waited = 0; }
 
     bool isTrusted() const { return !_doubtUntil; }
+    /// Since it was last read.
+    bool wasSet() const { return _wasSet; }
     /// Hours behind what is known to have been.
     bool isBehind() const;
     Seconds behindBy() const { return _watermark - now(); }
@@ -47,6 +49,7 @@ private:
     std::int64_t _startedAt = 0;              ///< boot clock
     std::optional<std::int64_t> _doubtUntil;  ///< boot clock
     bool _wasBehind = false;
+    bool _wasSet = false;
     Seconds _waited = 0;  ///< for the clock, just now
 };
 

@@ -415,6 +415,9 @@ const Row kRows[] = {
      "07:00 started WakeUp 07:00; 07:00 keep awake"},
     {"the kernel up after the minute", "from 6:00 WakeUp@7:00/start; unset; off 3650; until 7:02", "07:01:30 started WakeUp 07:00; 07:01:30 keep awake"},
     {"down again in the first minute", "from 6:00 WakeUp@7:00/start; unset; off 600; goes-down; alarms", "06:10 alarms 07:00, 06:58"},
+    {"set in the first minute: the start-up alarm stands right at once", "from 6:00 WakeUp@7:00/start; unset; off 600; set 600; alarms", "06:20 alarms 07:00, 06:58"},
+    {"saved in the first minute: the alarms are already those of the new list",
+     "from 6:00 WakeUp@7:00/start; unset; off 600; save WakeUp@8:00/start; alarms; goes-down; alarms", "06:10 alarms 08:00, 07:58; 06:10 alarms 08:00, 07:58"},
     {"a sleep of before the boot does not run", "from 22:50 Sleep@23:00; off 660; until 23:05", "23:01 missed Sleep 23:00 off 1"},
 
     // Restarts.

@@ -122,6 +122,7 @@ public:
     }
     void setClock(Seconds by) {
         now.wall += by * 1000;
+        if (startupAlarm) *startupAlarm += by;  // the hardware's clock is not set
         if (scheduler) scheduler->tick(now);
     }
     /// Sleeps by whatever cause, until the alarm or `wakenAt`. Out of hibernation another alarm wakes it.
