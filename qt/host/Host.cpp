@@ -39,6 +39,8 @@ Host::Host(const Parts& parts)
     const auto text = [this](const char* key) {
         return qString(_parts.bundle->localizedStringForKeyValueTable(key, "", ""));
     };
+    window.daemonLight->setAccessibleName(text("Demon"));
+    window.agentLight->setAccessibleName(text("User Agent"));
     window.list->schedules().wakesText = text("reveille l'ordinateur");
     window.list->schedules().startsText = text("demarre l'ordinateur");
     window.sheet->changed = [this] { showForecast(); };

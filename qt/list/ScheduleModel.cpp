@@ -121,7 +121,9 @@ QString ScheduleModel::spokenText(const QModelIndex& index) const {
     if (index.column() == kActionColumn) {
         const QString line = index.data(kLineRole).toString();
         const QString fault = index.data(kFaultRole).toString();
-        return QStringList({textOf(index).toString(), line, fault}).join(QStringLiteral(", "));
+        QStringList parts = {textOf(index).toString(), line, fault};
+        parts.removeAll(QString());
+        return parts.join(QStringLiteral(", "));
     }
     return textOf(index).toString();
 }

@@ -64,6 +64,7 @@ EditSheet::EditSheet(QWidget* parent)
     what->addWidget(_action, 0, Qt::AlignLeft);
     what->addWidget(_options);
     form->addRow(qString(translated("What")), what);
+    qobject_cast<QLabel*>(form->labelForField(what))->setBuddy(_action);
     form->addRow(qString(translated("When")), _time);
     form->addRow(qString(translated("Days")), days);
     form->addRow(QString(), _daysFault);

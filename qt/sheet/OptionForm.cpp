@@ -68,7 +68,7 @@ void OptionForm::add(QFormLayout& form, const Option& option) {
     const QString label = say(option.label), unit = say(option.unit), help = say(option.help);
     _fields.push_back(fieldOf(option));
     const Field& field = _fields.back();
-    field.control->setAccessibleName(unit.isEmpty() ? label : label + QLatin1Char(' ') + unit);
+    field.control->setAccessibleName(label.contains(unit) ? label : label + QLatin1Char(' ') + unit);
     field.control->setAccessibleDescription(help);
     field.control->setToolTip(help);
     if (option.kind == OptionKind::kFlag) {

@@ -55,7 +55,7 @@ void HappenedList::show(const Array& outcomes, std::size_t most) {
                                                          : sort == kFailed ? "✗"
                                                                            : "–"),
                                        qString(momentText(due != 0 ? due : (*one)[keys::kAt].integer())),
-                                       due != 0 ? qString(actionName(*one)) : QString(), qString(sentence)});
+                                       due != 0 ? qString(actionName(*one)) : QStringLiteral("–"), qString(sentence)});
         const char* const spoken = sort == kWell     ? translated("done")
                                    : sort == kFailed ? translated("failed")
                                                      : translated("not done");
@@ -67,6 +67,8 @@ void HappenedList::show(const Array& outcomes, std::size_t most) {
     if (topLevelItemCount() == 0) {
         auto* const item = new QTreeWidgetItem(this, {qString(translated("Nothing has happened yet."))});
         item->setDisabled(true);
+        for (int column = 1; column < columnCount(); ++column)
+            item->setData(column, Qt::AccessibleTextRole, item->text(0));
         item->setFirstColumnSpanned(true);
     }
 }

@@ -79,6 +79,7 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
       _unskip{new QPushButton(qString(translated("Undo skip")), this), {}},
       _postpone{new QPushButton(qString(translated("Postpone")), this), {}},
       _skip{new QPushButton(qString(translated("Skip")), this), {}} {
+    setAccessibleName(qString(translated("Next")));
     auto* const texts = new QVBoxLayout;
     for (QLabel* label : {_title, _line, _troubles}) {
         label->setWordWrap(true);

@@ -83,6 +83,9 @@ void SettingsWindow::layOut() {
         whole->addWidget(bar);
     }
     noticeText->setWordWrap(true);
+    lockBar->setAccessibleName(qString(translated("Changing the plan takes an administrator.")));
+    noticeBar->setAccessibleName(qString(translated("Message")));
+    suggestion->setAccessibleName(qString(translated("A suggestion to start with")));
     whole->addWidget(next);
 
     auto* const heading = new QHBoxLayout;
