@@ -17,6 +17,7 @@ inline constexpr std::string_view kUserAgentMustCheckUpdates = "UserAgentMustChe
 inline constexpr const char* kModifyPreferencesAction = "com.quorel.modify-preferences";
 /// Those that saying "not this time" and "later" to what is planned take.
 inline constexpr const char* kSkipAction = "com.quorel.skip";
+inline constexpr const char* kPauseAction = "com.quorel.pause";
 inline constexpr const char* kPostponeAction = "com.quorel.postpone";
 
 /// What travels between the product's programs; docs/protocol.md tells the whole of it.
@@ -35,10 +36,12 @@ inline constexpr const char* kPostEdits = "PostEdits";
 inline constexpr std::string_view kNothingStored = "Nothing Stored";
 
 inline constexpr const char* kBusy = "com.quorel.Error.Busy";
+inline constexpr const char* kCannotPause = "com.quorel.Error.CannotPause";
 inline constexpr const char* kCannotTry = "com.quorel.Error.CannotTry";
 inline constexpr const char* kFailed = "com.quorel.Error.Failed";
 inline constexpr const char* kInvalidPreferences = "com.quorel.Error.InvalidPreferences";
 inline constexpr const char* kNoSuchOccurrence = "com.quorel.Error.NoSuchOccurrence";
+inline constexpr const char* kNoSuchPause = "com.quorel.Error.NoSuchPause";
 inline constexpr const char* kNotAuthorized = "com.quorel.Error.NotAuthorized";
 inline constexpr const char* kStorageFailed = "com.quorel.Error.StorageFailed";
 inline constexpr const char* kTooManyChanges = "com.quorel.Error.TooManyChanges";
@@ -57,6 +60,9 @@ inline constexpr const char* kPostpone = "Postpone";
 inline constexpr const char* kUnskip = "Unskip";
 inline constexpr const char* kPostponeBy = "PostponeBy";
 inline constexpr const char* kTry = "Try";
+inline constexpr const char* kPauses = "Pauses";
+inline constexpr const char* kPause = "Pause";
+inline constexpr const char* kResume = "Resume";
 inline constexpr const char* kModules = "Modules";
 inline constexpr const char* kChanged = "Changed";
 /// The longest answers.
@@ -97,6 +103,8 @@ inline constexpr std::string_view kBy = "By";
 inline constexpr std::string_view kHold = "Hold";
 inline constexpr std::string_view kWho = "Who";
 inline constexpr std::string_view kWhy = "Why";
+inline constexpr std::string_view kFrom = "From";
+inline constexpr std::string_view kNext = "Next";
 inline constexpr std::string_view kUntil = "Until";
 inline constexpr std::string_view kSeconds = "Seconds";
 inline constexpr std::string_view kMinutes = "Minutes";
@@ -187,7 +195,19 @@ namespace trial_fault {
 inline constexpr std::string_view kWakeUp = "wake-up";  ///< cannot be tried
 inline constexpr std::string_view kNotNow = "not-now";  ///< see Scheduler::tryNow
 
+inline constexpr std::string_view kPaused = "paused";  ///< nothing is carried out now
+
 }  // namespace trial_fault
+
+/// Why there is no pause.
+namespace pause_fault {
+
+inline constexpr std::string_view kPast = "past";         ///< it would end before it begins, or has ended
+inline constexpr std::string_view kTooFar = "too-far";    ///< it would end more than 366 days ahead
+inline constexpr std::string_view kTooMany = "too-many";  ///< there are sixteen others
+inline constexpr std::string_view kNotNow = trial_fault::kNotNow;
+
+}  // namespace pause_fault
 
 /// Why an alarm is not to be had.
 namespace alarm_fault {
@@ -240,6 +260,7 @@ inline constexpr std::string_view kClockCorrected = "clock-corrected";  ///< ope
 inline constexpr std::string_view kCorrection = "correction";      ///< By: seconds; 0 where it is not known
 inline constexpr std::string_view kStateLost = "state-lost";       ///< the stored state could not be read
 inline constexpr std::string_view kClockBehind = "clock-behind";   ///< nothing runs yet. By: seconds
+inline constexpr std::string_view kPaused = "paused";              ///< over. Count, From, Until, By
 inline constexpr std::string_view kBackToSleep = "back-to-sleep";  ///< woken for nothing; asked to sleep again
 inline constexpr std::string_view kCannotRun = "cannot-run";       ///< Number: place in the list; Reason. Not stored
 

@@ -24,6 +24,7 @@ enum class Event {
     kInput,
     kAgentComes,  ///< actions can run for a user for whom they could not before
     kLastActionEnds,
+    kPaused,  ///< a pause has begun, or goes on
     kSkip,
     kUnskip,  ///< a skip is taken back
     kPostpone,
@@ -58,14 +59,16 @@ enum class Fate {
     kSecondsGoOn,          ///< what is measured goes on as it was
     kPlannedAgain,         ///< more than a minute ahead: planned or postponed, as before its course; else seconds go on
     kEndsUnlessAhead,
-    kCorrected,     ///< ends
-    kWithdrawn,     ///< ends
-    kMakeUpSoon,    ///< in ten seconds
-    kWaitsIfIdle,   ///< a warned "only when idle" one waits
-    kLooksAtOnce,   ///< what waits for an action does
-    kSkipped,       ///< until its minute
-    kPlannedAnew,   ///< with a full warning, while its minute lies ahead
-    kPostponed,     ///< by as much as was asked for, from its time or from now
+    kCorrected,    ///< ends
+    kWithdrawn,    ///< ends
+    kMakeUpSoon,   ///< in ten seconds
+    kWaitsIfIdle,  ///< a warned "only when idle" one waits
+    kLooksAtOnce,  ///< what waits for an action does
+    kSkipped,      ///< until its minute
+    kPlannedAnew,  ///< with a full warning, while its minute lies ahead
+    kPostponed,    ///< by as much as was asked for, from its time or from now
+    kPaused,       ///< ends, and counts in the pause
+    kPausedIfWithin,
     kRefused,       ///< not allowed, or too late
     kLetsSleep,     ///< ends: the computer may fall asleep
     kReckonedAnew,  ///< until when it stays awake, by the clock as it is now; ends where that is no time of its own
@@ -119,6 +122,8 @@ inline constexpr EventRow kRows[] = {
                               kStays, kStays, kStays, kStays},
     {Event::kLastActionEnds,  kStays, kStays, kStays, kStays, kStays,
                               kLooksAtOnce, kStays, kStays, kStays},
+    {Event::kPaused,          kStays, kPausedIfWithin, kPausedIfWithin, kPausedIfWithin, kPausedIfWithin,
+                              kPaused, kStays, kStays, kStays},
     {Event::kSkip,            kSkipped, kStays, kSkipped, kSkipped, kSkipped,
                               kSkipped, kRefused, kRefused, kLetsSleep},
     {Event::kUnskip,          kRefused, kPlannedAnew, kRefused, kRefused, kRefused,

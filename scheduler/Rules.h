@@ -44,6 +44,9 @@ inline constexpr Seconds kMostPostponement = 12 * kHour;
 /// How much people may set aside, and how far ahead.
 inline constexpr std::size_t kMostOpen = 500;
 inline constexpr Seconds kFurthest = 366 * kDay;
+inline constexpr std::size_t kMostPauses = 16;
+/// The hour at which "until tomorrow" ends.
+inline constexpr int kMorning = 5;
 
 /// A clock set by as much is corrected; by less it is taken for a change of summer time or the like.
 inline constexpr Seconds kCorrection = 3 * kHour;

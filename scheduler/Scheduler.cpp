@@ -61,9 +61,12 @@ void Scheduler::settle() {
         happen({Event::kGoesToSleep});
         afterSleep({});
     }
+    pauseOpen();
     takeUp();
     if (_outlivesList) withdraw();
     reachAll();
+    pauseOpen();  // what the system has refused, to be tried again
+    endPauses();
     if (_saved || _zoneChanged) {
         takeOverSaved();
         takeUp();
@@ -71,8 +74,9 @@ void Scheduler::settle() {
     const auto isRunning = [](const OpenOccurrence& open) {
         return open.step == Step::kRunning && open.occurrence.schedule->wakes;
     };
-    _wakefulness.settle(std::ranges::any_of(_open, isRunning),
-                        std::ranges::find(_open, Step::kStayingAwake, &OpenOccurrence::step) != _open.end());
+    _wakefulness.settle(
+        std::ranges::any_of(_open, isRunning),
+        std::ranges::find(_open, Step::kStayingAwake, &OpenOccurrence::step) != _open.end() && !_pauses.around(now()));
     _clock.settled();
     _lateness = outcome::kCauseLate;
 }
@@ -258,6 +262,7 @@ std::optional<Instant> Scheduler::nextCall() const {
         const Occurrence* power = nextPower();
         if (power && !find(*power)) consider(power->due - warningOf(*power->schedule));
         for (const OpenOccurrence& open : _open) consider(nextOf(open));
+        consider(_pauses.next(now()));
     }
     if (earliest) earliest = std::max(*earliest, now() + 1);
     return earliest;

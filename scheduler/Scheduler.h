@@ -15,6 +15,7 @@
 #include "scheduler/EventTable.h"
 #include "scheduler/Occurrence.h"
 #include "scheduler/Outcome.h"
+#include "scheduler/Pauses.h"
 #include "scheduler/Rules.h"
 #include "scheduler/State.h"
 #include "scheduler/Wakefulness.h"
@@ -101,6 +102,12 @@ public:
     };
     Trial tryNow(Now now, const Value& schedule);
 
+    /// What is due within it is not carried out; its number is told when it is over. As skip.
+    Pauses::Answer pause(Now now, const Pause& wanted);
+    /// The pause that began or begins then is no more; false when there is none. As skip.
+    bool resume(Now now, Instant from);
+    const Pauses& pauses() const { return _pauses; }
+
     /// When `tick` must be called at the latest; nothing: not before something else happens.
     std::optional<Instant> nextCall() const;
     /// What is open and what comes next, by time; at most `most`.
@@ -156,6 +163,8 @@ private:
     void planAnew();
     const Occurrence* firstOf(ActionKind kind) const;
     const Occurrence* nextPower() const;
+    std::vector<Occurrence> coming(const Agenda& agenda, std::size_t most, const Agenda::Wanted& wanted = nullptr,
+                                   bool wholeMinutes = false) const;
     void takeUp();
     void takeUpMinute();
     void takeUpMissed();
@@ -175,6 +184,13 @@ private:
     OpenOccurrence* named(std::string_view token, Event event);
     void remove(const OpenOccurrence& open);
     void finish(OpenOccurrence& open, std::string_view code, Dictionary arguments = {});
+    void close(OpenOccurrence& open, bool isToStay);
+    bool isPaused(Instant at) const { return _pauses.around(at) || _pauses.around(now()); }
+    void countPaused(Instant at) { _pauses.count(_pauses.around(at) ? at : now()); }
+    void paused(OpenOccurrence& open);
+    void pauseOpen();
+    void endPauses();
+    void pauseEnded(const Pause& pause, Instant until);
     std::optional<Instant> nextOf(const OpenOccurrence& open) const;
     void reachAll();
     void missed(OpenOccurrence& open);
@@ -210,6 +226,7 @@ private:
     std::vector<Occurrence> _next;  ///< those of the first minute after it
     std::list<OpenOccurrence> _open;
     bool _outlivesList = false;  ///< some of them, or did when the list was taken over
+    Pauses _pauses;
     Array _outcomes;
     std::string _bootId;
 

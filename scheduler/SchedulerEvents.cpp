@@ -45,6 +45,12 @@ bool Scheduler::befall(OpenOccurrence& open, const Happening& what) {
             if (one.schedule->idle == 0 && what.newcomer->occurrence.schedule->idle > 0) return false;
             move(open, open.course->giveUp(now()));
             break;
+        case Fate::kPaused:
+            paused(open);
+            break;
+        case Fate::kPausedIfWithin:
+            if (_pauses.around(open.at)) paused(open);
+            break;
         case Fate::kWithdrawn:
             tell(outcome::kWithdrawn, &one);
             remove(open);
@@ -82,10 +88,13 @@ void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& w
         case Fate::kForgotten:
             return remove(open);
         case Fate::kSkippedForGood:
+            if (_pauses.around(open.at)) return paused(open);
             return finish(open, outcome::kSkipped, {{keys::kBy, open.by}});
         case Fate::kRuns:
+            if (isPaused(open.at)) return paused(open);
             return _clock.isLate(open.at) ? missed(open) : run(open);
         case Fate::kRunsWhileItMay:
+            if (isPaused(open.at)) return paused(open);
             if (open.madeUp && now() - one.due > one.schedule->makeUp + rules::kBeforeMakeUp) return missed(open);
             return run(open);
         case Fate::kSoonWhileItMay:
@@ -94,6 +103,7 @@ void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& w
         case Fate::kNobodyCame:
             return finish(open, outcome::kNotStarted, {{keys::kReason, outcome::kNobody}});
         case Fate::kMakeUpSoon:
+            if (isPaused(now())) return;
             return makeUp(open, rules::kAfterArrival);
         case Fate::kGivenUpIfSoon:
             if (!open.isSleep() || open.at > what.at + rules::kClearOfSleep) return;
@@ -214,7 +224,9 @@ Scheduler::Trial Scheduler::tryNow(Now now, const Value& schedule) {
     Trial trial{{}, wire::trial_fault::kNotNow};
     if (_working) return trial;
     take(now, [&] {
-        if (!_hasBegun || _wakefulness.isBetween() || _open.size() >= rules::kMostOpen) return;
+        if (_pauses.around(this->now())) trial.fault = wire::trial_fault::kPaused;
+        if (_pauses.around(this->now()) || !_hasBegun || _wakefulness.isBetween() || _open.size() >= rules::kMostOpen)
+            return;
         const ListReading reading =
             readScheduleList(Array{schedule.with(schedule_keys::kIsEnabled, true)}, _world.actions);
         if (!reading.faults.empty()) trial.fault = reading.faults.front().reason;

@@ -56,10 +56,61 @@ void Scheduler::remove(const OpenOccurrence& open) {
 /// clock is ahead, so that it is not taken up again.
 void Scheduler::finish(OpenOccurrence& open, std::string_view code, Dictionary arguments) {
     tell(code, &open.occurrence, std::move(arguments));
-    const bool mayBeAhead = now() < _clock.youngUntil() && code != outcome::kMissed;
+    close(open, code != outcome::kMissed);
+}
+
+void Scheduler::close(OpenOccurrence& open, bool isToStay) {
+    const bool mayBeAhead = isToStay && now() < _clock.youngUntil();
     if (open.occurrence.due <= _watermark && !mayBeAhead) return remove(open);
     open.step = Step::kDone;
     open.course.reset();
+    _changed = true;
+}
+
+/// It counts in the pause, and is not told by itself.
+void Scheduler::paused(OpenOccurrence& open) {
+    countPaused(open.at);
+    close(open, true);
+}
+
+Pauses::Answer Scheduler::pause(Now now, const Pause& wanted) {
+    Pauses::Answer answer{{}, wire::pause_fault::kNotNow};
+    if (_working) return answer;
+    take(now, [&] {
+        Pause pause = completed(wanted, this->now(), _world.calendar);
+        pause.by = plainText(pause.by);
+        answer = _pauses.add(this->now(), std::move(pause));
+        _changed = true;
+    });
+    return answer;
+}
+
+bool Scheduler::resume(Now now, Instant from) {
+    bool ended = false;
+    if (_working) return ended;
+    tick(now);  // what was due in it by now counts
+    take(now, [&] {
+        const std::optional<Pause> pause = _pauses.remove(from);
+        ended = pause.has_value();
+        if (pause) pauseEnded(*pause, std::min(this->now(), pause->until));
+    });
+    return ended;
+}
+
+void Scheduler::pauseOpen() {
+    if (_pauses.around(now())) happen({Event::kPaused});
+}
+
+void Scheduler::endPauses() {
+    while (const std::optional<Pause> pause = _pauses.over(now())) pauseEnded(*pause, pause->until);
+}
+
+void Scheduler::pauseEnded(const Pause& pause, Instant until) {
+    _changed = true;
+    happen({Event::kAgentComes});  // perhaps within it
+    if (pause.count == 0) return;
+    tell(outcome::kPaused, nullptr,
+         {{keys::kCount, pause.count}, {keys::kFrom, pause.from}, {keys::kUntil, until}, {keys::kBy, pause.by}});
 }
 
 std::optional<Instant> Scheduler::nextOf(const OpenOccurrence& open) const {
@@ -93,6 +144,7 @@ void Scheduler::reachAll() {
 
 void Scheduler::missed(OpenOccurrence& open) {
     const Occurrence& one = open.occurrence;
+    if (_pauses.around(open.at)) return paused(open);
     if (one.schedule->kind == ActionKind::kStayAwake && endOf(one) > now()) return stayAwake(open);
     if (!open.madeUp && isWorthwhile(one)) return makeUp(open, rules::kBeforeMakeUp);
     finish(open, outcome::kMissed, {{keys::kCount, 1}, {keys::kCause, causeOf(open.at)}});
@@ -237,7 +289,7 @@ void Scheduler::move(OpenOccurrence& open, const PowerCourse::Move& move) {
 void Scheduler::openWokenFor() {
     std::vector<Occurrence> found;
     _agenda->visit(std::max(_watermark, now() - rules::kGrace), now() + kMinute, [&](const Occurrence& one) {
-        if (one.schedule->wakes && !find(one)) found.push_back(one);
+        if (one.schedule->wakes && !find(one) && !_pauses.around(one.due)) found.push_back(one);
     });
     for (const Occurrence& one : found) open(one, one.due);
 }

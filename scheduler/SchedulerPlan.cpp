@@ -51,6 +51,7 @@ const Occurrence* Scheduler::firstOf(ActionKind kind) const {
 
 /// The one shut-down, or else the one sleep, of the next minute; no sleep in the minute of a wake-up.
 const Occurrence* Scheduler::nextPower() const {
+    if (!_next.empty() && _pauses.around(_next.front().due)) return nullptr;
     if (const Occurrence* shutDown = firstOf(ActionKind::kShutDown)) return shutDown;
     return firstOf(ActionKind::kWakeUp) ? nullptr : firstOf(ActionKind::kSleep);
 }
@@ -78,7 +79,9 @@ void Scheduler::takeUpMinute() {
     std::vector<Occurrence> others;
     std::ranges::remove_copy_if(_next, std::back_inserter(others), [&](const Occurrence& one) { return find(one); });
     for (const Occurrence& one : others) {
-        if (one.schedule->isPower() && one.due < _clock.bootInstant()) {
+        if (isPaused(one.due)) {
+            countPaused(one.due);
+        } else if (one.schedule->isPower() && one.due < _clock.bootInstant()) {
             reportMissed(one, 1);
         } else if (!one.schedule->isPower() || (power && one.isSameAs(*power))) {
             run(open(one, one.due));
@@ -101,6 +104,7 @@ void Scheduler::takeUpMissed() {
     _watermark = _clock.lateUpTo();
     _agenda->visit(from, _watermark, [&](const Occurrence& one) {
         if (find(one)) return;
+        if (_pauses.around(one.due)) return _pauses.count(one.due);
         Missed& missed = all[one.schedule.get()];
         const bool later = missed.count == 0 || one.due > missed.last.due;
         const Occurrence& earlier = later ? missed.last : one;
@@ -142,10 +146,10 @@ bool Scheduler::isWakeUpNear() const {
     const Instant end = now() + rules::kSoonAwake - 1;
     bool isNear = std::ranges::any_of(_open, [&](const OpenOccurrence& open) {
         const bool wakes = open.occurrence.schedule->kind == ActionKind::kWakeUp;
-        return wakes && open.step == Step::kPostponed && open.at <= end;
+        return wakes && open.step == Step::kPostponed && open.at <= end && !_pauses.around(open.at);
     });
     _agenda->visit(std::max(_watermark, now()), end, [&](const Occurrence& one) {
-        isNear = isNear || (one.schedule->kind == ActionKind::kWakeUp && !find(one));
+        isNear = isNear || (one.schedule->kind == ActionKind::kWakeUp && !find(one) && !_pauses.around(one.due));
     });
     return isNear;
 }
@@ -178,11 +182,12 @@ std::optional<Instant> Scheduler::earliest(const Agenda& agenda, bool ScheduleRe
     for (const OpenOccurrence& open : _open) {
         const ScheduleReading& schedule = *open.occurrence.schedule;
         const bool stays = agenda.scheduleOf(schedule.digest, open.occurrence.weekday) != nullptr;
-        if (stays && rowOf(open.step).armsAlarms && schedule.*flag) consider(schedule, open.at);
+        if (stays && rowOf(open.step).armsAlarms && !_pauses.around(open.at) && schedule.*flag)
+            consider(schedule, open.at);
     }
     const auto wanted = [&](const ScheduleReading& schedule) { return schedule.*flag; };
     std::optional<Instant> minute;
-    for (const Occurrence& one : agenda.after(std::max(_watermark, now()), 1 + _open.size(), wanted, true)) {
+    for (const Occurrence& one : coming(agenda, 1 + _open.size(), wanted, true)) {
         if (find(one)) continue;
         if (minute && one.due > *minute) break;
         minute = one.due;
@@ -191,17 +196,35 @@ std::optional<Instant> Scheduler::earliest(const Agenda& agenda, bool ScheduleRe
     return best;
 }
 
+/// What is planned, as Agenda::after has it, but for what a pause leaves out.
+std::vector<Occurrence> Scheduler::coming(const Agenda& agenda, std::size_t most, const Agenda::Wanted& wanted,
+                                          bool wholeMinutes) const {
+    std::vector<Occurrence> result;
+    Instant from = std::max(_watermark, now());
+    while (result.size() < most) {
+        if (const Pause* pause = _pauses.around(from + 1)) from = pause->until - 1;
+        const std::vector<Occurrence> some = agenda.after(from, most - result.size(), wanted, wholeMinutes);
+        const auto cut = std::ranges::find_if(some, [&](const Occurrence& one) { return _pauses.around(one.due); });
+        result.insert(result.end(), some.begin(), cut);
+        if (cut == some.end()) break;
+        from = cut->due - 1;
+    }
+    return result;
+}
+
 std::vector<Upcoming> Scheduler::upcoming(std::size_t most) const {
     std::vector<Upcoming> result;
     for (const OpenOccurrence& open : _open) {
-        if (open.step == Step::kDone) continue;
+        const bool waits = rowOf(open.step).armsAlarms || open.step == Step::kStayingAwake;
+        const bool isPaused = waits && _pauses.around(open.step == Step::kStayingAwake ? now() : open.at);
+        if (open.step == Step::kDone || isPaused) continue;
         const Occurrence& one = open.occurrence;
         const bool stays = open.step == Step::kStayingAwake;
         const Instant at = open.course ? open.course->at() : stays ? one.due : open.at;
         const Hold hold = open.step == Step::kWaiting && open.course ? open.course->hold() : Hold{};
         result.push_back({open.token(), one.due, at, one.schedule, open.step, stays ? open.at : 0, open.by, hold});
     }
-    for (const Occurrence& one : _agenda->after(std::max(_watermark, now()), most + _open.size())) {
+    for (const Occurrence& one : coming(*_agenda, most + _open.size())) {
         if (!find(one)) result.push_back({one.token(), one.due, one.due, one.schedule, Step::kPlanned, 0, {}, {}});
     }
     std::stable_sort(result.begin(), result.end(), [](const Upcoming& a, const Upcoming& b) { return a.at < b.at; });

@@ -8,7 +8,8 @@ namespace quorel {
 
 StoredState Scheduler::state() const {
     // Until the clock is to be trusted that run counts from which all will go on.
-    StoredState state{_watermark, _wakefulness.awakeUntil(), _bootId, _clock.read().asleep(), {}, _outcomes};
+    StoredState state{_watermark, _wakefulness.awakeUntil(), _bootId, _clock.read().asleep(), {}, _pauses.all(),
+                      _outcomes};
     if (_former) {
         state.awakeUntil = _former->awakeUntil;
         state.bootId = _former->bootId;
@@ -37,6 +38,7 @@ StoredState Scheduler::state() const {
 void Scheduler::restore(const StoredState& state) {
     _watermark = state.watermark;
     _outcomes = state.outcomes;
+    _pauses.restore(state.pauses);
     for (const StoredState::Open& stored : state.open) {
         auto schedule = _agenda->scheduleOf(stored.digest, stored.weekday);
         if (!schedule) {

@@ -7,6 +7,7 @@
 
 #include "model/Dictionary.h"
 #include "model/Schedule.h"
+#include "scheduler/Rules.h"
 
 namespace quorel {
 
@@ -98,8 +99,12 @@ Value StoredState::value() const {
                                    {"Held Since", one.waited.heldSince},
                                    {"By Use", one.waited.byUse}});
     }
-    return Dictionary{{"Version", kVersion}, {"Watermark", watermark},   {"Awake Until", awakeUntil}, {"Boot", bootId},
-                      {"Slept", slept},      {"Open", std::move(opens)}, {"Outcomes", outcomes}};
+    Array paused;
+    for (const Pause& one : pauses)
+        paused.push_back(Dictionary{{"From", one.from}, {"Until", one.until}, {"By", one.by}, {"Count", one.count}});
+    return Dictionary{
+        {"Version", kVersion}, {"Watermark", watermark},   {"Awake Until", awakeUntil},   {"Boot", bootId},
+        {"Slept", slept},      {"Open", std::move(opens)}, {"Pauses", std::move(paused)}, {"Outcomes", outcomes}};
 }
 
 std::optional<StoredState> StoredState::from(const Value& value) {
@@ -114,6 +119,11 @@ std::optional<StoredState> StoredState::from(const Value& value) {
         Reader inner{one};
         state.open.push_back(openFrom(inner));
         reader.good = reader.good && inner.good;
+    }
+    for (const Value& one : value["Pauses"].array()) {
+        Reader inner{one};
+        state.pauses.push_back({inner.number("From"), inner.number("Until"), inner.text("By"), inner.number("Count")});
+        reader.good = reader.good && inner.good && state.pauses.size() <= rules::kMostPauses;
     }
     if (!reader.good) return std::nullopt;
     for (const Value& one : value["Outcomes"].array()) {

@@ -6,6 +6,7 @@
 
 #include "model/Value.h"
 #include "scheduler/Occurrence.h"
+#include "scheduler/Pauses.h"
 #include "scheduler/PowerCourse.h"
 
 namespace quorel {
@@ -48,6 +49,7 @@ struct StoredState {
     std::string bootId;
     std::int64_t slept = 0;  ///< time spent asleep since boot, in milliseconds
     std::vector<Open> open;
+    std::vector<Pause> pauses;
     Array outcomes;  ///< as Outcome::value has them
 
     Value value() const;

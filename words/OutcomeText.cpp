@@ -71,6 +71,14 @@ constexpr Text kFaults[] = {
     {wire::schedule_fault::kDenied, marked("this computer does not have that kind of sleep")},
     {wire::trial_fault::kWakeUp, marked("a wake-up is not tried")},
     {wire::trial_fault::kNotNow, marked("not at this moment")},
+    {wire::trial_fault::kPaused, marked("there is a pause")},
+};
+
+constexpr Text kPauseFaults[] = {
+    {wire::pause_fault::kPast, marked("it would end before it begins, or has ended already")},
+    {wire::pause_fault::kTooFar, marked("it may end 366 days ahead at most")},
+    {wire::pause_fault::kTooMany, marked("sixteen others are set")},
+    {wire::pause_fault::kNotNow, marked("not at this moment")},
 };
 
 /// The outcomes that say all without arguments.
@@ -164,6 +172,13 @@ std::string keptAwakeText(const Value& arguments) {
     return filled(translated("kept awake until {1}, when {2} let it sleep"), {until, by});
 }
 
+std::string pausedText(const Value& arguments) {
+    const std::int64_t count = arguments[keys::kCount].integer();
+    return filled(translated("paused from {2} to {3} by {4}: {1} left out"),
+                  {std::to_string(count), momentText(arguments[keys::kFrom].integer()),
+                   momentText(arguments[keys::kUntil].integer()), plain(arguments, keys::kBy)});
+}
+
 }  // namespace
 
 std::string actionName(const std::string& actionType, bool restarts) {
@@ -216,6 +231,7 @@ std::string outcomeText(const Value& outcome) {
         return notDone(action, joined(translated("refused"), reason));
     }
     if (code == kCorrection) return correctionText(arguments[keys::kBy].integer());
+    if (code == kPaused) return pausedText(arguments);
     if (code == kClockBehind)
         return filled(translated("the clock is {1} behind; nothing runs until it is set, or for ten minutes"),
                       {durationText(arguments[keys::kBy].integer())});
@@ -250,11 +266,21 @@ std::string stepText(const Value& upcoming) {
     return step;
 }
 
+std::string pauseText(const Value& pause, Instant now) {
+    const Instant from = pause[keys::kFrom].integer();
+    const std::string until = momentText(pause[keys::kUntil].integer()), by = plain(pause, keys::kBy);
+    if (from <= now) return filled(translated("Paused until {1}, by {2}"), {until, by});
+    return filled(translated("To be paused from {1} to {2}, by {3}"), {momentText(from), until, by});
+}
+
 std::string refusalText(const std::string& error, const std::string& text) {
     if (error == wire::kNoSuchOccurrence)
         return translated("There is no such occurrence any more. \"quorelctl next\" shows what there is.");
     if (error == wire::kNotAuthorized) return translated("This is not permitted without an administrator.");
     if (error == wire::kTooManyChanges) return translated("More than ten changes a minute are not taken.");
+    if (error == wire::kNoSuchPause) return translated("There is no such pause any more.");
+    if (error == wire::kCannotPause)
+        return filled(translated("Not paused: {1}."), {textOrCode(kPauseFaults, plainText(text))});
     if (error == wire::kCannotTry) return filled(translated("Not tried: {1}."), {textOrCode(kFaults, plainText(text))});
     return filled(translated("The daemon refused: {1}"), {plainText(text.empty() ? error : text)});
 }

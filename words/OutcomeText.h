@@ -3,6 +3,7 @@
 #include <string>
 
 #include "model/Value.h"
+#include "scheduler/Instant.h"
 
 namespace quorel {
 
@@ -19,6 +20,8 @@ std::string outcomeText(const Value& outcome);
 std::string outcomeLine(const Value& outcome);
 /// What there is to say of an occurrence to come: "held up: rsync: copying". Empty for one that is only planned.
 std::string stepText(const Value& upcoming);
+/// Of one that is set: "Paused until Tue 2027-03-02 05:00, by ann".
+std::string pauseText(const Value& pause, Instant now);
 /// Why the daemon did not skip or postpone: an error's name on the bus, and what it says.
 std::string refusalText(const std::string& error, const std::string& text);
 /// Why a Schedule never runs, by a `wire::schedule_fault`: "there is no such action".

@@ -136,6 +136,26 @@ Scheduler::Trial SchedulerHost::tryNow(const Value& schedule) {
     return tell([&](Now now) { return _scheduler.tryNow(now, schedule); });
 }
 
+Pauses::Answer SchedulerHost::pause(const Pause& wanted) {
+    return tell([&](Now now) { return _scheduler.pause(now, wanted); });
+}
+
+bool SchedulerHost::resume(Instant from) {
+    return tell([&](Now now) { return _scheduler.resume(now, from); });
+}
+
+Pause SchedulerHost::completed(const Pause& wanted) const {
+    return quorel::completed(wanted, _clocks.now().instant(), _calendar);
+}
+
+bool SchedulerHost::isBrief(const Pause& pause) const {
+    return quorel::isBrief(pause, _clocks.now().instant(), _calendar);
+}
+
+std::string_view SchedulerHost::faultOf(const Pause& pause) const {
+    return _scheduler.pauses().faultOf(_clocks.now().instant(), pause);
+}
+
 void SchedulerHost::ended(const Outcome& outcome) {
     std::vector<std::string> names;
     std::vector<std::pair<std::string_view, std::string>> fields = {{"QUOREL_CODE", outcome.code}};

@@ -35,6 +35,12 @@ public:
     bool postpone(const std::string& token, const std::string& by, Seconds length);
     bool unskip(const std::string& token, const std::string& by);
     Scheduler::Trial tryNow(const Value& schedule);
+    Pauses::Answer pause(const Pause& wanted);
+    bool resume(Instant from);
+    /// See Pauses.h.
+    Pause completed(const Pause& wanted) const;
+    bool isBrief(const Pause& pause) const;
+    std::string_view faultOf(const Pause& pause) const;
 
     const Scheduler& scheduler() const { return _scheduler; }
     const ComputerAlarms& alarms() const { return _alarms; }

@@ -1,16 +1,12 @@
 #include "daemon/acting/SchedulerInterface.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <optional>
 
 #include "ProductVersion.h"
-#include "kit/MOLLog.h"
 #include "linux/bus/BusValues.h"
-#include "linux/login/Users.h"
 #include "model/PlainText.h"
-#include "model/PropertyList.h"
 #include "model/Wire.h"
 #include "scheduler/Rules.h"
 
@@ -20,8 +16,6 @@ namespace {
 
 namespace keys = wire::keys;
 namespace names = wire::scheduler;
-
-constexpr const char* kGone = "There is no such occurrence any more.";
 
 Value valueOf(const Upcoming& upcoming) {
     Dictionary value{{keys::kToken, upcoming.token},
@@ -40,6 +34,11 @@ Value valueOf(const Upcoming& upcoming) {
     return value;
 }
 
+Value valueOf(const Pause& pause) {
+    return Dictionary{
+        {keys::kFrom, pause.from}, {keys::kUntil, pause.until}, {keys::kBy, pause.by}, {keys::kCount, pause.count}};
+}
+
 Value valueOf(std::optional<Instant> armed, const ComputerAlarms::Obstacle& obstacle) {
     Dictionary value;
     if (armed) value.set(keys::kAt, *armed);
@@ -53,14 +52,6 @@ Value valueOf(const ScheduleFault& fault) {
     return Dictionary{{keys::kNumber, static_cast<std::int64_t>(fault.number)},
                       {keys::kAction, plainText(fault.action)},
                       {keys::kReason, fault.reason}};
-}
-
-constexpr std::size_t kMostOfASchedule = std::size_t{64} * 1024;
-
-std::string tokenOf(sd_bus_message* call) {
-    const char* token = "";
-    sd_bus_message_read(call, "s", &token);
-    return token;
 }
 
 /// How many the caller wants, within the longest answer.
@@ -102,6 +93,12 @@ SchedulerInterface::SchedulerInterface(Callers& callers, SchedulerHost& host, co
         SD_BUS_METHOD_WITH_ARGS(names::kPostponeBy, SD_BUS_ARGS("s", token, "x", seconds), SD_BUS_NO_RESULT,
                                 &SchedulerInterface::postpone, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kTry, SD_BUS_ARGS("ay", schedule), SD_BUS_NO_RESULT, &SchedulerInterface::tryNow,
+                                kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kPauses, SD_BUS_NO_ARGS, SD_BUS_RESULT("aa{sv}", pauses),
+                                &SchedulerInterface::read<&SchedulerInterface::pauses>, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kPause, SD_BUS_ARGS("x", from, "x", until), SD_BUS_RESULT("a{sv}", pause),
+                                &SchedulerInterface::pause, kOpen),
+        SD_BUS_METHOD_WITH_ARGS(names::kResume, SD_BUS_ARGS("x", from), SD_BUS_NO_RESULT, &SchedulerInterface::resume,
                                 kOpen),
         SD_BUS_SIGNAL_WITH_ARGS(names::kChanged, SD_BUS_NO_ARGS, 0),
         SD_BUS_VTABLE_END};
@@ -147,88 +144,25 @@ int SchedulerInterface::status(sd_bus_message* call) const {
     return replyDictionary(call, status);
 }
 
+int SchedulerInterface::pauses(sd_bus_message* call) const {
+    Array pauses;
+    for (const Pause& one : _host.scheduler().pauses().all()) pauses.push_back(valueOf(one));
+    return replyDictionaries(call, pauses);
+}
+
+/// With what comes first when it is over.
+Dictionary SchedulerInterface::answerOf(const Pause& pause) const {
+    Dictionary answer = valueOf(pause).dictionary();
+    const std::vector<Upcoming> open = _host.scheduler().upcoming(rules::kMostOpen);
+    const auto next = std::ranges::find_if(open, [&](const Upcoming& one) { return one.at >= pause.until; });
+    if (next != open.end()) answer.set(keys::kNext, _host.named(valueOf(*next)));
+    return answer;
+}
+
 int SchedulerInterface::modules(sd_bus_message* call) const {
     Array modules;
     for (const ActionDescription& one : _host.modules().modules()) modules.push_back(one.value());
     return replyDictionaries(call, modules);
-}
-
-int SchedulerInterface::skip(sd_bus_message* call, void* self, sd_bus_error* error) {
-    auto& scheduler = *static_cast<SchedulerInterface*>(self);
-    const std::string token = tokenOf(call);
-    const auto make = [&host = scheduler._host, token](const std::string& by) { return host.skip(token, by); };
-    return scheduler.begin(call, {kSkipAction, token, make}, error);
-}
-
-int SchedulerInterface::unskip(sd_bus_message* call, void* self, sd_bus_error* error) {
-    auto& scheduler = *static_cast<SchedulerInterface*>(self);
-    const std::string token = tokenOf(call);
-    const auto make = [&host = scheduler._host, token](const std::string& by) { return host.unskip(token, by); };
-    const auto open = scheduler._host.scheduler().upcoming(rules::kMostOpen);
-    const auto skipped = std::ranges::find(open, token, &Upcoming::token);
-    return scheduler.begin(call, {kSkipAction, token, make, skipped == open.end() ? "" : skipped->by}, error);
-}
-
-int SchedulerInterface::postpone(sd_bus_message* call, void* self, sd_bus_error* error) {
-    auto& scheduler = *static_cast<SchedulerInterface*>(self);
-    const std::string token = tokenOf(call);
-    std::int64_t length = rules::kPostponement;
-    sd_bus_message_read(call, "x", &length);  // where it is said
-    const auto make = [&host = scheduler._host, token, length](const std::string& by) {
-        return host.postpone(token, by, length);
-    };
-    return scheduler.begin(call, {kPostponeAction, token, make}, error);
-}
-
-int SchedulerInterface::tryNow(sd_bus_message* call, void* self, sd_bus_error* error) {
-    auto& scheduler = *static_cast<SchedulerInterface*>(self);
-    const void* bytes = nullptr;
-    std::size_t size = 0;
-    sd_bus_message_read_array(call, 'y', &bytes, &size);
-    if (size > kMostOfASchedule) return sd_bus_error_set(error, wire::kCannotTry, "It takes more than 64 KiB.");
-    const bool interaction = sd_bus_message_get_allow_interactive_authorization(call) > 0;
-    const std::string schedule(static_cast<const char*>(bytes), size);
-    scheduler._callers.hold(call, [&scheduler, schedule, interaction](HeldCall& held) {
-        // Nothing of it is looked at before that is allowed.
-        scheduler.ask(held, kModifyPreferencesAction, interaction,
-                      [&scheduler, &held, schedule] { scheduler.tryNow(held, schedule); });
-    });
-    return 1;
-}
-
-void SchedulerInterface::tryNow(HeldCall& call, const std::string& schedule) {
-    const Scheduler::Trial trial = _host.tryNow(decodePropertyList(schedule, kMostOfASchedule));
-    if (!trial.fault.empty()) return call.refuse(wire::kCannotTry, std::string(trial.fault));
-    MOLLog("Occurrence %s: tried by user %u.", trial.token.c_str(), call.user());
-    call.accept();
-}
-
-int SchedulerInterface::begin(sd_bus_message* call, Change wanted, sd_bus_error* error) {
-    if (!_host.scheduler().knows(wanted.token)) return sd_bus_error_set(error, wire::kNoSuchOccurrence, kGone);
-    const bool interaction = sd_bus_message_get_allow_interactive_authorization(call) > 0;
-    _callers.hold(call, [this, wanted = std::move(wanted), interaction](HeldCall& held) {
-        const bool isFree = !wanted.free.empty() && wanted.free == nameOfUser(held.user());
-        const auto permitted = [this, &held, wanted] { change(held, wanted); };
-        ask(held, isFree ? nullptr : wanted.action, interaction, permitted);
-    });
-    return 1;
-}
-
-/// Without an action nobody is asked.
-void SchedulerInterface::ask(HeldCall& call, const char* action, bool interaction, std::function<void()> permitted) {
-    if (!_limit.admit(call.user(), std::chrono::steady_clock::now()))
-        return call.refuse(wire::kTooManyChanges, "More than ten changes a minute are not taken.");
-    if (!action) return permitted();
-    call.ask(action, interaction, [&call, permitted = std::move(permitted)](Verdict verdict) {
-        if (verdict != Verdict::Allowed) return call.refuse(wire::kNotAuthorized, textOf(verdict));
-        permitted();
-    });
-}
-
-void SchedulerInterface::change(HeldCall& call, const Change& wanted) {
-    if (!wanted.make(nameOfUser(call.user()))) return call.refuse(wire::kNoSuchOccurrence, kGone);
-    MOLLog("Occurrence %s: %s by user %u.", wanted.token.c_str(), wanted.action, call.user());
-    call.accept();
 }
 
 }  // namespace quorel

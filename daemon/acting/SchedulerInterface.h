@@ -11,8 +11,9 @@
 
 namespace quorel {
 
-/// The scheduler on the bus: what comes next, what became of it, how things stand, for everybody to read; and two ways
-/// to say no, for whom polkit lets. docs/protocol.md has the whole of it. The thread of the loop that serves the bus.
+/// The scheduler on the bus: what comes next, what became of it, how things stand, for everybody to read; and what
+/// people say to it, whom polkit lets. docs/protocol.md has the whole of it. The thread of the loop that serves the
+/// bus.
 class SchedulerInterface {
 public:
     /// What it is given must outlive it. Throws std::runtime_error.
@@ -23,12 +24,18 @@ public:
     void changed();
 
 private:
-    /// What is said of an occurrence, and what polkit calls it.
+    /// What polkit is asked for, unless the caller is `free`, and what happens then.
+    struct Request {
+        const char* right;
+        std::function<void(HeldCall& call)> permitted;
+        std::string free = {};  ///< a user's name
+    };
+    /// What is said of an occurrence; false from `make` where it has gone.
     struct Change {
-        const char* action;
+        const char* right;
         std::string token;
-        std::function<bool(const std::string& by)> make;
-        std::string free = {};  ///< a user who need not ask
+        std::function<bool(SchedulerHost& host, const std::string& token, const std::string& by)> make;
+        std::string free = {};
     };
 
     template <auto kAnswer>
@@ -37,15 +44,17 @@ private:
     int outcomes(sd_bus_message* call) const;
     int status(sd_bus_message* call) const;
     int modules(sd_bus_message* call) const;
+    int pauses(sd_bus_message* call) const;
     static int skip(sd_bus_message* call, void* self, sd_bus_error* error);
     static int unskip(sd_bus_message* call, void* self, sd_bus_error* error);
     static int postpone(sd_bus_message* call, void* self, sd_bus_error* error);
     static int tryNow(sd_bus_message* call, void* self, sd_bus_error* error);
+    static int pause(sd_bus_message* call, void* self, sd_bus_error* error);
+    static int resume(sd_bus_message* call, void* self, sd_bus_error* error);
 
-    int begin(sd_bus_message* call, Change change, sd_bus_error* error);
-    void ask(HeldCall& call, const char* action, bool interaction, std::function<void()> permitted);
-    void change(HeldCall& call, const Change& change);
-    void tryNow(HeldCall& call, const std::string& schedule);
+    int change(sd_bus_message* call, const Change& wanted, sd_bus_error* error);
+    int begin(sd_bus_message* call, const Request& request);
+    Dictionary answerOf(const Pause& pause) const;
 
     Callers& _callers;
     SchedulerHost& _host;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "kit/MOLLog.h"
+#include "linux/bus/BusValues.h"
 #include "model/PlainText.h"
 #include "model/Wire.h"
 
@@ -21,6 +22,9 @@ struct BusAnswer::State {
         if (sd_bus_message_is_method_call(_message.get(), nullptr, wire::kPostEdits) > 0)
             sd_bus_message_append_array(reply, 'y', content.data(), content.size());
         sd_bus_send(sd_bus_message_get_bus(_message.get()), reply, nullptr);
+    }
+    void accept(const Dictionary& content) {
+        if (!std::exchange(_answered, true)) replyDictionary(_message.get(), content);
     }
     void refuse(const char* errorName, const char* text) {
         const sd_bus_error error = SD_BUS_ERROR_MAKE_CONST(errorName, text);
@@ -47,6 +51,10 @@ int readBytes(sd_bus_message* message, std::string_view& bytes) {
 BusAnswer::BusAnswer(sd_bus_message* call) : _state(std::make_shared<State>(call)) {}
 
 void BusAnswer::accept(std::string_view content) const {
+    _state->accept(content);
+}
+
+void BusAnswer::accept(const Dictionary& content) const {
     _state->accept(content);
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "linux/bus/Bus.h"
+#include "model/Dictionary.h"
 
 namespace quorel {
 
@@ -27,6 +28,8 @@ public:
     explicit BusAnswer(sd_bus_message* call);
     /// `content`: bytes that the answer to edits brings; others bring nothing.
     void accept(std::string_view content = {}) const;
+    /// Of a method that answers with a dictionary.
+    void accept(const Dictionary& content) const;
     void refuse(const char* errorName, const std::string& text) const;
 
 private:

@@ -51,6 +51,11 @@ void HeldCall::accept(std::string_view content) {
     _callers.end(*this);
 }
 
+void HeldCall::accept(const Dictionary& content) {
+    _answer.accept(content);
+    _callers.end(*this);
+}
+
 void HeldCall::refuse(const char* errorName, const std::string& text) {
     _answer.refuse(errorName, text);
     _callers.end(*this);

@@ -41,6 +41,7 @@ public:
 
     // Either is the end of the call: it has gone when they return.
     void accept(std::string_view content = {});
+    void accept(const Dictionary& content);
     void refuse(const char* errorName, const std::string& text);
 
 private:

@@ -137,6 +137,19 @@ void play(VirtualWorld& w, const std::string& script) {
             const auto trial = w.scheduler->tryNow(w.now, scheduleOf(first));
             if (!trial.fault.empty()) w.note("not tried: " + std::string(trial.fault));
         }
+        if (what == "pause") {
+            const auto time = [&](std::size_t i) { return i < rest.size() ? timeOf(rest[i]) : 0; };
+            const auto answer = w.scheduler->pause(w.now, {.from = time(0), .until = time(1), .by = "ann"});
+            if (!answer.fault.empty()) w.note("no pause: " + std::string(answer.fault));
+        }
+        if (what == "pauses") {
+            std::string told = "pauses";
+            for (const Pause& one : w.scheduler->pauses().all())
+                told += " " + VirtualWorld::clock(one.from) + "-" + VirtualWorld::clock(one.until) + "=" +
+                        std::to_string(one.count);
+            w.note(told);
+        }
+        if (what == "resume") says(w.scheduler->resume(w.now, timeOf(first)));
         if (what == "skip-again") says(w.scheduler->skip(w.now, token, "bob"));
         if (what == "postpone-again") says(w.scheduler->postpone(w.now, token, "bob"));
         if (what == "skip-name")
@@ -452,6 +465,31 @@ const Row kRows[] = {
      "12:00 start Plain; 12:00 start Plain; 12:00 keep awake; 12:00 running; 12:00:10 ran Plain 12:00; 12:00:10 ran Plain 12:00; +1 09:00 kept-awake StayAwake 12:00; +1 09:00 let sleep"},
     {"a sleep, announced and held up as any other", "apt; from 11:00; try Sleep@23:00; try Sleep@23:00; until 11:02:30; free; wake 12:00; until 11:30",
      "11:00 not tried: not-now; 11:03 warn, for 11:04; 11:04 suspend; 12:00 awake; 12:00 slept Sleep 11:00"},
+
+    // Pauses.
+    {"nothing in it, and one entry of how many", "from 11:00 Plain@12:00 Late@13:00 Sleep@14:00 WakeUp@15:00 Plain1@16:00; pause 12:00 16:00; alarms; until 15:59; pauses; until 16:00:10",
+     "11:00 alarms +1 15:00, none; 15:59 pauses 12:00-16:00=4; 16:00 start Plain1; 16:00 paused ann 4; 16:00:10 ran Plain1 16:00"},
+    {"until tomorrow at five; none that ends before it begins, too far ahead, or a seventeenth; joined where they meet",
+     "from 11:00; pause; pauses; pause 12:00 12:00; pause 12:00 367+12:00; pause 1+04:00 1+06:00; pause 2+00:00 2+01:00; pause 2+01:00 2+02:00; pauses; resume 11:00; resume 11:00; "
+     "pause 3+00:00 3+01:00; pause 3+02:00 3+03:00; pause 3+04:00 3+05:00; pause 3+06:00 3+07:00; pause 3+08:00 3+09:00; pause 3+10:00 3+11:00; pause 3+12:00 3+13:00; "
+     "pause 4+00:00 4+01:00; pause 4+02:00 4+03:00; pause 4+04:00 4+05:00; pause 4+06:00 4+07:00; pause 4+08:00 4+09:00; pause 4+10:00 4+11:00; pause 4+12:00 4+13:00; pause 4+14:00 4+15:00; "
+     "pause 5+00:00 5+01:00",
+     "11:00 pauses 11:00-+1 05:00=0; 11:00 no pause: past; 11:00 no pause: too-far; 11:00 pauses 11:00-+1 06:00=0 +2 00:00-+2 02:00=0; 11:00 no such; 11:00 no pause: too-many"},
+    {"what is in course ends, what was asked for does not", "apt; from 22:50 Sleep@23:00; until 23:05; pause; down 5; free; until 1+05:00; log",
+     "+1 05:00 paused ann 1; +1 05:00 told paused"},
+    {"what runs goes on; nothing of the warning minute comes into course", "long; from 11:59 Plain@12:00 Sleep@12:30; until 12:05; pause 12:30 12:40; until 13:00",
+     "12:00 start Plain; 12:40 paused ann 1; 13:00 ran Plain 12:00"},
+    {"a skipped one ends and counts, a postponed one within it, too; the end itself is not within",
+     "from 11:00 Plain@12:00 Plain1@12:30 Plain2@13:00; skip; until 12:01; skip; pause 12:10 13:00; until 12:11; pauses; until 13:00:10",
+     "12:00 skipped Plain 12:00 ann; 12:11 pauses 12:10-13:00=1; 13:00 start Plain2; 13:00 paused ann 1; 13:00:10 ran Plain2 13:00"},
+    {"ended early: what is due in a minute is announced in full", "from 11:00 Plain@11:30 Sleep@12:00; pause; until 11:59:40; resume 11:00; until 12:00:30",
+     "11:59:40 paused ann 1; 11:59:40 warn, for 12:00:40"},
+    {"slept or off through it: paused, and only what was due beside it missed", "from 11:00 Plain@11:30 Plain@12:30 Late@12:50 Plain@13:30; pause 12:00 13:00; wake 14:00; sleep 14:00",
+     "14:00 awake; 14:00 missed Plain 11:30 asleep 1; 14:00 missed Plain 13:30 asleep 1; 14:00 paused ann 2"},
+    {"staying awake is let go until it ends", "from 9:00 StayAwake@10:00/17:00; until 11:00; pause 11:00 12:00; until 11:01; down 5; until 17:00",
+     "10:00 keep awake; 11:00 let sleep; 12:00 keep awake; 17:00 kept-awake StayAwake 10:00; 17:00 let sleep"},
+    {"what waits for somebody waits on where it may still run afterwards", "lonely; from 10:59 Late@11:00; until 11:01; pause 11:01 11:30; until 11:02; company; until 11:31",
+     "11:00 start Late; 11:30:10 start Late; 11:30:20 ran Late 11:00 MadeUp"},
 
     // What cannot be stored.
     {"is not begun", "full; from 11:59 Plain@12:00 ShutDown@12:01; until 12:01:12; space; until 12:02:30",

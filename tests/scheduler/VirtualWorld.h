@@ -251,7 +251,8 @@ private:
             const std::string& key = outcome.arguments.keyAt(i);
             const Value& value = outcome.arguments.valueAt(i);
             if (value.isText() && !value.text().empty()) line += " " + value.text();
-            if (value.isInteger() && key != "Seconds" && key != "Until") line += " " + std::to_string(value.integer());
+            const bool isTime = key == "Seconds" || key == "From" || key == "Until";
+            if (value.isInteger() && !isTime) line += " " + std::to_string(value.integer());
             if (value.isBoolean() && value.intValue()) line += " " + key;
         }
         note(line);

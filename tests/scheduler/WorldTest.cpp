@@ -107,7 +107,7 @@ private:
     void happenNow() {
         VirtualWorld& w = _world;
         const std::vector<Upcoming> upcoming = w.scheduler->upcoming(4);
-        switch (number(24)) {
+        switch (number(26)) {
             case 0:
             case 1:
                 return sleep();
@@ -163,6 +163,13 @@ private:
             case 19:
                 note("try now");
                 return tryOne(_all[static_cast<std::size_t>(number(static_cast<int>(_all.size())))]);
+            case 20:
+                return pause();
+            case 21:
+                if (w.scheduler->pauses().all().empty()) return;
+                note("resume");
+                w.scheduler->resume(w.now, w.scheduler->pauses().all().front().from);
+                return;
             default:
                 return;
         }
@@ -266,12 +273,14 @@ private:
         for (const Upcoming& one : _world.scheduler->upcoming(90)) {
             if (one.due > _world.now.instant() + 3 * kDay) continue;
             const Column column = rowOf(one.step).column;
-            if (column == Column::kInCourse || column == Column::kActing || one.schedule->isTrial) continue;
+            if (column == Column::kInCourse || column == Column::kActing || isTrial(one.token)) continue;
             all.push_back(one.token + " " + std::string(nameOf(one.step)) + " " + one.by);
         }
         std::ranges::sort(all);
         return all;
     }
+    /// A restart withdraws them.
+    bool isTrial(const std::string& token) const { return _trials.contains(token.substr(0, token.find('-', 20))); }
     void save() {
         if (chance(4)) add();
         const bool now = isSettled() && !_isAmbiguous;
@@ -290,7 +299,13 @@ private:
     }
     void tryOne(const Value& schedule) {
         _opened[{_world.now.instant(), schedule["Action Type"].text()}].insert(0);  // by another name than the plan's
-        _world.scheduler->tryNow(_world.now, schedule);
+        _trials.insert(_world.scheduler->tryNow(_world.now, schedule).token);
+    }
+    void pause() {
+        const Instant from = _world.now.instant() + (chance(2) ? 0 : 60 * number(600));
+        const Instant until = from + 60 * (1 + number(chance(3) ? 2000 : 90));
+        note("pause from " + VirtualWorld::clock(from) + " until " + VirtualWorld::clock(until));
+        _world.scheduler->pause(_world.now, {.from = from, .until = until, .by = "ann"});
     }
     void setClock() {
         static constexpr Seconds kSteps[] = {1, 30, 100, 150, 3600, 10'799, 10'800, 86'400};
@@ -338,6 +353,7 @@ private:
             _mark = now;
             _pending.clear();
         }
+        if (outcome.code == outcome::kPaused) _countBefore += outcome.arguments["Count"].integer();
         if (!outcome.due) return;
         if (outcome.code == outcome::kWithdrawn && outcome.due > _world.stored["Watermark"].integer()) return;
         if (outcome.code == outcome::kClockCorrected) return;  // it may come again, or lies behind
@@ -411,12 +427,22 @@ private:
                 };
                 if (_told.contains({one.due, one.schedule->action})) return;
                 if (std::ranges::any_of(_world.stored["Open"].array(), isIt)) return;
+                if (isCounted({one.due, one.schedule->action})) return;
                 fail("not accounted for: " + one.schedule->action + " " + VirtualWorld::clock(one.due));
             });
         }
     }
+    /// Pauses do not tell what was due within them, but how many.
+    bool isCounted(const Key& key) {
+        std::int64_t count = _countBefore;
+        for (const Value& pause : _world.stored["Pauses"].array()) count += pause["Count"].integer();
+        if (static_cast<std::int64_t>(_counted.size()) < count) _counted.insert(key);
+        return _counted.contains(key);
+    }
     void acted(const std::string& what, const Occurrence* one) {
         const Instant now = _world.now.instant();
+        for (const Pause& pause : _world.scheduler->pauses().all())
+            if (pause.from < now && now < pause.until) fail("within a pause: " + what);
         if (one) {
             const Key key(one->due, one->schedule->action);
             if (_isCalm && now < one->due) fail("early: " + what);
@@ -466,6 +492,9 @@ private:
     std::map<Key, std::pair<std::string, std::string>> _told;  ///< the code, and in which boot
     std::map<Key, std::set<std::uint64_t>> _opened;            ///< the Schedules that had it open
     std::map<Key, Instant> _postponed;
+    std::set<std::string> _trials;
+    std::set<Key> _counted;         ///< by pauses
+    std::int64_t _countBefore = 0;  ///< by those that are over
     std::vector<std::pair<Instant, Instant>> _pending;
     Instant _mark = 0;
     std::int64_t _lastWakeUp = -kDay * 1000;
