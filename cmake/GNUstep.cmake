@@ -2,6 +2,7 @@
 #
 #   quorel_gnustep                interface library: how Objective-C++ is compiled and what AppKit code links to
 #   quorel_bundle(name ...)       a loadable bundle in the layout that NSBundle looks for
+#   QUOREL_BUNDLES                where the settings application looks for panes, below the prefix
 #
 # Clang compiles the Objective-C++, against the runtime of gcc: g++ has neither fast enumeration nor @autoreleasepool.
 
@@ -12,8 +13,16 @@ execute_process(COMMAND ${GNUSTEP_CONFIG} --gui-libs OUTPUT_VARIABLE gui_libs OU
                 COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND gcc -print-file-name=include OUTPUT_VARIABLE gcc_include OUTPUT_STRIP_TRAILING_WHITESPACE
                 COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${GNUSTEP_CONFIG} --variable=GNUSTEP_SYSTEM_LIBRARY OUTPUT_VARIABLE system_library
+                OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(objc_flags UNIX_COMMAND "${objc_flags}")
 separate_arguments(gui_libs UNIX_COMMAND "${gui_libs}")
+
+# The system's own lie deeper on some systems, by the processor's name; what is installed elsewhere never does.
+set(QUOREL_BUNDLES lib/GNUstep/Bundles)
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  string(REGEX REPLACE "^/usr/" "" QUOREL_BUNDLES ${system_library}/Bundles)
+endif()
 
 # Warnings, optimisation and dependency files are this project's own affair; -fexec-charset is unknown to clang.
 set(objc_includes ${objc_flags})

@@ -13,7 +13,7 @@ import time
 
 from private_system import wait_until as wait_for
 
-APPLICATION = "/usr/lib/GNUstep/Applications/SystemPreferences.app/SystemPreferences"
+APPLICATION = os.path.realpath("/usr/bin/SystemPreferences")  # in its bundle
 CONFIG = "/etc/GNUstep/GNUstep.conf"
 
 

@@ -4,7 +4,6 @@
 Says "ready" once registered and "asked ACTION" for each question; "later" answers when it gets SIGUSR1. Answering
 without a password is root's privilege.
 """
-import os
 import signal
 import sys
 
@@ -32,8 +31,8 @@ class Agent(dbus.service.Object):
         print("asked", action, flush=True)
 
         def answer():
-            self.authority.AuthenticationAgentResponse2(dbus.UInt32(os.getuid()), cookie, identities[0],
-                                                        reply_handler=done, error_handler=failed)
+            # The newer call wants the agent's user, whom older polkits take from the agent and newer ones from the process.
+            self.authority.AuthenticationAgentResponse(cookie, identities[0], reply_handler=done, error_handler=failed)
             return GLib.SOURCE_REMOVE
 
         if self.manner == "answer":
