@@ -30,7 +30,8 @@ struct Command {
     const char* does;       ///< to be translated
     ExitStatus (*run)(const CommandLine& line);
     const char* flag = "";   ///< of its own, besides --json: "--dry-run"
-    const char* takes = "";  ///< what its arguments are, for completion: 'n' Schedules, 'w' words of one, 'f' a file
+    const char* takes = "";  ///< what its arguments are, for completion: 'n' Schedules, 'w' words of one, 'f' a file,
+                             ///< 'p' when, 'r' a pause
 };
 
 /// In the order in which help shows them.
@@ -58,6 +59,8 @@ ExitStatus skip(const CommandLine& line);
 ExitStatus unskip(const CommandLine& line);
 ExitStatus postpone(const CommandLine& line);
 ExitStatus trySchedule(const CommandLine& line);
+ExitStatus pausePlan(const CommandLine& line);
+ExitStatus resumePlan(const CommandLine& line);
 
 // What changes it with a mouse.
 ExitStatus showSettings(const CommandLine& line);

@@ -56,7 +56,9 @@ Words candidates(const CommandLine& line) {
     const Words before(name + 1, typed.end() - 1);
     if (*command->flag) words.emplace_back(command->flag);
     if (takes == "f") words.emplace_back("/files");  // the shell knows them
-    if (takes.empty() || takes == "f") return words;
+    if (takes == "p") words.insert(words.end(), {"until", "tomorrow", "mon", "tue", "wed", "thu", "fri", "sat", "sun"});
+    if (takes == "r") words.emplace_back("all");
+    if (takes != "w" && !takes.starts_with('n')) return words;
     const Plan plan(line.root);
     const bool isNumber = takes[0] == 'n' && (takes == "n" || before.empty());
     for (std::size_t i = 1; isNumber && i <= plan.schedules().size(); ++i) words.push_back(std::to_string(i));

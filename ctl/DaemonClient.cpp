@@ -37,19 +37,32 @@ DaemonClient::Answer DaemonClient::ask(const char* method, std::optional<unsigne
 
 DaemonClient::Answer DaemonClient::change(const char* method, const std::string& token,
                                           std::optional<std::int64_t> seconds) {
-    const auto message = _daemon.newCall(wire::scheduler::kPath, wire::scheduler::kInterface, method);
-    if (message && sd_bus_message_append(message.get(), "s", token.c_str()) < 0) return {Failure::kNotSent, {}, {}, {}};
-    if (message && seconds) sd_bus_message_append(message.get(), "x", *seconds);
-    const PasswordAgent agent;
-    sd_bus_message_set_allow_interactive_authorization(message.get(), true);
-    return call(message.get(), kPatienceWithPeople);
+    return say(method, [&](sd_bus_message* message) {
+        const int result = sd_bus_message_append(message, "s", token.c_str());
+        return result >= 0 && seconds ? sd_bus_message_append(message, "x", *seconds) : result;
+    });
 }
 
 DaemonClient::Answer DaemonClient::tryNow(const Value& schedule) {
     const auto bytes = encodePropertyList(schedule);
-    const auto message = _daemon.newCall(wire::scheduler::kPath, wire::scheduler::kInterface, wire::scheduler::kTry);
-    if (message && (!bytes || sd_bus_message_append_array(message.get(), 'y', bytes->data(), bytes->size()) < 0))
-        return {Failure::kNotSent, {}, {}, {}};
+    return say(wire::scheduler::kTry, [&](sd_bus_message* message) {
+        return bytes ? sd_bus_message_append_array(message, 'y', bytes->data(), bytes->size()) : -1;
+    });
+}
+
+DaemonClient::Answer DaemonClient::pause(std::int64_t from, std::int64_t until) {
+    return say(wire::scheduler::kPause,
+               [&](sd_bus_message* message) { return sd_bus_message_append(message, "xx", from, until); });
+}
+
+DaemonClient::Answer DaemonClient::resume(std::int64_t from) {
+    return say(wire::scheduler::kResume,
+               [&](sd_bus_message* message) { return sd_bus_message_append(message, "x", from); });
+}
+
+DaemonClient::Answer DaemonClient::say(const char* method, const std::function<int(sd_bus_message*)>& append) {
+    const auto message = _daemon.newCall(wire::scheduler::kPath, wire::scheduler::kInterface, method);
+    if (message && append(message.get()) < 0) return {Failure::kNotSent, {}, {}, {}};
     const PasswordAgent agent;
     sd_bus_message_set_allow_interactive_authorization(message.get(), true);
     return call(message.get(), kPatienceWithPeople);

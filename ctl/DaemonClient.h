@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -37,12 +38,16 @@ public:
     Answer change(const char* method, const std::string& token, std::optional<std::int64_t> seconds = {});
     /// Has a Schedule carried out once, now. As above.
     Answer tryNow(const Value& schedule);
+    /// See Scheduler1. The value is the pause that is set.
+    Answer pause(std::int64_t from, std::int64_t until);
+    Answer resume(std::int64_t from);
 
     /// Has preferences stored that were made of `base`. Somebody may be asked for a password. The value says what was
     /// joined with what others have stored.
     Answer save(const Value& preferences, const Value& base);
 
 private:
+    Answer say(const char* method, const std::function<int(sd_bus_message*)>& append);
     Answer call(sd_bus_message* message, std::chrono::seconds patience);
 
     BusPeer _daemon;

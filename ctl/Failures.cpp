@@ -39,7 +39,8 @@ ExitStatus fail(const DaemonClient::Answer& answer) {
                          answer.error == SD_BUS_ERROR_UNKNOWN_INTERFACE || answer.error == SD_BUS_ERROR_UNKNOWN_METHOD;
     complain(isOther ? translated("The daemon that is running is of another version.")
                      : refusalText(answer.error, answer.text));
-    return answer.error == wire::kNoSuchOccurrence ? ExitStatus::kNotFound : ExitStatus::kFailed;
+    const bool isGone = answer.error == wire::kNoSuchOccurrence || answer.error == wire::kNoSuchPause;
+    return isGone ? ExitStatus::kNotFound : ExitStatus::kFailed;
 }
 
 ExitStatus misused(const std::string& text) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 
+#include "model/Wire.h"
 #include "scheduler/Agenda.h"
 
 namespace quorel {
@@ -37,7 +38,13 @@ std::optional<std::uint64_t> digestIn(const std::string& token) {
 
 }  // namespace
 
-Forecast::Forecast(const Array& schedules, const ActionWords& actions) : _entries(read(schedules, actions)) {}
+Forecast::Forecast(const Array& schedules, const ActionWords& actions, const Array& pauses)
+    : _entries(read(schedules, actions)) {
+    std::vector<Pause> all;
+    for (const Value& one : pauses)
+        all.push_back({.from = one[wire::keys::kFrom].integer(), .until = one[wire::keys::kUntil].integer()});
+    _pauses.restore(std::move(all));
+}
 
 std::vector<Forecast::Entry> Forecast::read(const Array& schedules, const ActionWords& actions) {
     const KnownActions known(actions);
@@ -55,17 +62,26 @@ std::vector<Forecast::Entry> Forecast::read(const Array& schedules, const Action
     return entries;
 }
 
-std::optional<Instant> Forecast::next(std::size_t index, Instant now) const {
+std::optional<Occurrence> Forecast::after(std::size_t index, Instant instant) const {
     const auto& reading = _entries[index].reading;
     if (!reading) return {};
-    const auto found = Agenda(_calendar, {reading}).after(now, 1);
-    return found.empty() ? std::nullopt : std::optional(found.front().due);
+    const Agenda agenda(_calendar, {reading});
+    while (true) {
+        const auto found = agenda.after(instant, 1);
+        const Pause* pause = found.empty() ? nullptr : _pauses.around(found.front().due);
+        if (!pause) return found.empty() ? std::nullopt : std::optional(found.front());
+        instant = pause->until - 1;
+    }
+}
+
+std::optional<Instant> Forecast::next(std::size_t index, Instant now) const {
+    const auto found = after(index, now);
+    return found ? std::optional(found->due) : std::nullopt;
 }
 
 std::string Forecast::token(std::size_t index, Instant now) const {
-    const auto& reading = _entries[index].reading;
-    const auto found = reading ? Agenda(_calendar, {reading}).after(now, 1) : std::vector<Occurrence>();
-    return found.empty() ? std::string() : found.front().token();
+    const auto found = after(index, now);
+    return found ? found->token() : std::string();
 }
 
 std::optional<ScheduleFault> Forecast::fault(std::size_t index) const {

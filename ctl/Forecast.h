@@ -8,14 +8,17 @@
 #include "linux/time/SystemCalendar.h"
 #include "model/Value.h"
 #include "planning/ActionWords.h"
-#include "scheduler/ScheduleReading.h"
+#include "scheduler/Occurrence.h"
+#include "scheduler/Pauses.h"
 
 namespace quorel {
 
-/// When the Schedules of a list come next, by the list alone: what was skipped, postponed or paused, the daemon knows.
+/// When the Schedules of a list come next, by the list and the pauses alone: what was skipped or postponed, the daemon
+/// knows.
 class Forecast {
 public:
-    Forecast(const Array& schedules, const ActionWords& actions);
+    /// The pauses as the daemon tells them.
+    Forecast(const Array& schedules, const ActionWords& actions, const Array& pauses);
 
     /// By its place in the list, from 0: the next after an instant. Nothing where it never comes.
     std::optional<Instant> next(std::size_t index, Instant now) const;
@@ -32,10 +35,12 @@ private:
         std::shared_ptr<const ScheduleReading> reading;  // null where it never comes
         std::optional<ScheduleFault> fault;
     };
+    std::optional<Occurrence> after(std::size_t index, Instant instant) const;
     static std::vector<Entry> read(const Array& schedules, const ActionWords& actions);
 
     SystemCalendar _calendar;
     std::vector<Entry> _entries;
+    Pauses _pauses;
 };
 
 }  // namespace quorel

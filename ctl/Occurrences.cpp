@@ -8,6 +8,7 @@
 #include "model/Dictionary.h"
 #include "model/Wire.h"
 #include "words/Language.h"
+#include "words/OutcomeText.h"
 #include "words/WhenText.h"
 
 namespace quorel {
@@ -24,9 +25,19 @@ DaemonClient::Answer askForList(DaemonClient& daemon, const char* method, std::o
     return answer;
 }
 
+std::vector<std::string> pauseLines(const Array& pauses) {
+    std::vector<std::string> lines;
+    for (const Value& one : pauses) {
+        const std::string number = pauses.size() > 1 ? std::to_string(lines.size() + 1) + "  " : std::string();
+        lines.push_back(number + pauseText(one, std::time(nullptr)));
+    }
+    return lines;
+}
+
 Occurrences::Occurrences(const std::string& root, DaemonClient& daemon, unsigned most)
     : _plan(root),
-      _forecast(_plan.schedules(), _plan.actions()),
+      _pauses(askForList(daemon, wire::scheduler::kPauses).value.array()),
+      _forecast(_plan.schedules(), _plan.actions(), _pauses),
       _answer(askForList(daemon, wire::scheduler::kUpcoming, most)) {
     if (_answer.failure != DaemonClient::Failure::kNone) return;
     for (const Value& one : _answer.value.array()) {

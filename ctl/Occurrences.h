@@ -3,6 +3,7 @@
 #include <ctime>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "ctl/DaemonClient.h"
 #include "ctl/Forecast.h"
@@ -13,6 +14,9 @@ namespace quorel {
 /// A list of dictionaries that the daemon tells, made sure to be one.
 DaemonClient::Answer askForList(DaemonClient& daemon, const char* method, std::optional<unsigned> most = {});
 
+/// A line of each pause that is set; with their numbers where there are several.
+std::vector<std::string> pauseLines(const Array& pauses);
+
 /// What comes next, as the daemon tells it, with the numbers that the plan's list has.
 class Occurrences {
 public:
@@ -21,6 +25,7 @@ public:
     const DaemonClient::Answer& answer() const { return _answer; }
     /// Each with "Number", where the plan still has its Schedule.
     const Array& upcoming() const { return _upcoming; }
+    const Array& pauses() const { return _pauses; }
     const Plan& plan() const { return _plan; }
 
     /// What is named by its number, its token, or nothing: the next one, those left out that were skipped already or
@@ -31,6 +36,7 @@ public:
 
 private:
     Plan _plan;
+    Array _pauses;
     Forecast _forecast;
     DaemonClient::Answer _answer;
     Array _upcoming;

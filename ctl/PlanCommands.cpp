@@ -10,6 +10,7 @@
 #include "ctl/FilePaths.h"
 #include "ctl/Forecast.h"
 #include "ctl/JsonOutput.h"
+#include "ctl/Occurrences.h"
 #include "ctl/Page.h"
 #include "ctl/Plan.h"
 #include "ctl/ScheduleText.h"
@@ -38,6 +39,12 @@ std::string faultSentence(const ScheduleFault& fault) {
     return faultText(Dictionary{{keys::kNumber, static_cast<std::int64_t>(fault.number)},
                                 {keys::kAction, fault.action},
                                 {keys::kReason, fault.reason}});
+}
+
+/// Those that the daemon tells; none where it does not run.
+Array pausesNow() {
+    DaemonClient daemon;
+    return askForList(daemon, wire::scheduler::kPauses).value.array();
 }
 
 /// " Next: today 23:15, in 5 h 31 min." Or why not.
@@ -126,7 +133,7 @@ ExitStatus store(const Plan& plan, Array schedules, const std::vector<std::size_
     if (answer.failure != DaemonClient::Failure::kNone) return fail(answer);
     tellJoined(answer.value, plan.actions());
     const Plan stored(line.root);
-    const Forecast forecast(stored.schedules(), stored.actions());
+    const Forecast forecast(stored.schedules(), stored.actions(), pausesNow());
     const Page page;
     Array values;
     for (const Value& schedule : told) {
@@ -163,7 +170,8 @@ ExitStatus listPlan(const CommandLine& line) {
     if (!line.arguments.empty()) return misused(translated("Too many arguments."));
     const Plan plan(line.root);
     const Page page;
-    const Forecast forecast(plan.schedules(), plan.actions());
+    const Array pauses = pausesNow();
+    const Forecast forecast(plan.schedules(), plan.actions(), pauses);
     if (plan.isUnreadable()) complain(translated("The plan in place cannot be read."));
     Array values;
     std::vector<std::vector<std::string>> rows;
@@ -189,12 +197,14 @@ ExitStatus listPlan(const CommandLine& line) {
         if (fault) rows.push_back({faultSentence(*fault)});
     }
     if (line.json) {
-        page.line(jsonOutput(Dictionary{{"Schedules", values}}));
+        page.line(jsonOutput(Dictionary{{"Schedules", values}, {wire::scheduler::kPauses, pauses}}));
     } else if (rows.empty()) {
         page.line(translated("The plan is empty. \"quorelctl add sleep 23:15 mon-fri\" adds to it."));
     } else {
         page.table(std::move(rows));
     }
+    if (!line.json)
+        for (const std::string& one : pauseLines(pauses)) page.line(one);
     return ExitStatus::kDone;
 }
 

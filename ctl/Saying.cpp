@@ -3,7 +3,6 @@
 #include <systemd/sd-login.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -22,6 +21,7 @@
 #include "model/Dictionary.h"
 #include "model/Schedule.h"
 #include "model/Wire.h"
+#include "planning/TimeWords.h"
 #include "scheduler/Instant.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
@@ -70,23 +70,6 @@ Instant newTimeOf(const Value& postponed, const std::string& root) {
     return 0;
 }
 
-/// Of "30m", "1h", "1h30m" or "90min".
-std::optional<Seconds> lengthIn(const std::string& text) {
-    Seconds length = 0;
-    std::string_view rest = text;
-    while (!rest.empty()) {
-        Seconds number = 0;
-        const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number);
-        rest.remove_prefix(static_cast<std::size_t>(end - rest.data()));
-        const std::string_view unit = rest.substr(0, rest.find_first_of("0123456789"));
-        rest.remove_prefix(unit.size());
-        const bool isHours = unit == "h", isMinutes = unit == "m" || unit == "min";
-        if (error != std::errc() || number < 1 || number > 1000 || (!isHours && !isMinutes)) return {};
-        length += number * (isHours ? kHour : kMinute);
-    }
-    return length > 0 ? std::optional(length) : std::nullopt;
-}
-
 /// Also behind sudo, which keeps the variable to itself.
 bool isRemote() {
     char* session = nullptr;
@@ -122,7 +105,7 @@ ExitStatus unskip(const CommandLine& line) {
 
 ExitStatus postpone(const CommandLine& line) {
     CommandLine named = line;
-    const auto length = line.arguments.empty() ? std::nullopt : lengthIn(line.arguments.back());
+    const auto length = line.arguments.empty() ? std::nullopt : lengthOfWord(line.arguments.back());
     if (length) named.arguments.pop_back();
     if (line.arguments.size() > 1 && !length)
         return misused(
@@ -133,7 +116,7 @@ ExitStatus postpone(const CommandLine& line) {
         return filled(translated("Postponed: {1}, from {2} to {3}."),
                       {actionName(one), whenText(one[keys::kAt].integer(), now), at != 0 ? comingText(at, now) : "?"});
     };
-    return sayOf(named, method, said, length);
+    return sayOf(named, method, said, length ? std::optional(*length * kMinute) : std::nullopt);
 }
 
 ExitStatus trySchedule(const CommandLine& line) {

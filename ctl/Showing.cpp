@@ -96,12 +96,14 @@ ExitStatus showStatus(const CommandLine& line) {
     const bool well = isWell(status.value);
     if (line.json) {
         Value told = status.value.with("Running", true).with("Upcoming", next.upcoming());
+        told = told.with(wire::scheduler::kPauses, next.pauses());
         if (!outcomes.empty()) told = told.with("Last", outcomes.back());
         page.line(jsonOutput(told.dictionary()));
     } else {
         page.headline(well ? Colour::kGood : Colour::kWarning, true,
                       filled(translated("quorel-daemon {1} is running"), {status.value[keys::kVersion].text()}));
-        auto fields = statusFields(status.value, next.upcoming(), outcomes.empty() ? Value() : outcomes.back());
+        auto fields =
+            statusFields(status.value, next.upcoming(), next.pauses(), outcomes.empty() ? Value() : outcomes.back());
         if (isAgentMissing())
             fields.emplace_back(translated("Agent:"), translated("none in this session; \"systemctl --user start "
                                                                  "quorel-agent\" starts it"));
@@ -124,8 +126,10 @@ ExitStatus showNext(const CommandLine& line) {
                         actionName(one), one[keys::kToken].text()});
         if (const std::string step = stepText(one); !step.empty()) rows.push_back({step});
     }
+    if (!line.json)
+        for (const std::string& one : pauseLines(next.pauses())) page.line(one);
     if (line.json) {
-        page.line(jsonOutput(Dictionary{{"Upcoming", next.upcoming()}}));
+        page.line(jsonOutput(Dictionary{{"Upcoming", next.upcoming()}, {wire::scheduler::kPauses, next.pauses()}}));
     } else if (rows.empty()) {
         page.line(translated("Nothing is planned."));
     } else {

@@ -1,5 +1,7 @@
 #include "ctl/StatusText.h"
 
+#include <ctime>
+
 #include "model/Wire.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
@@ -16,8 +18,10 @@ bool isWell(const Value& status) {
     return runs && keeps && !isMissing(status[keys::kWakeAlarm]) && !isMissing(status[keys::kStartupAlarm]);
 }
 
-std::vector<StatusField> statusFields(const Value& status, const Array& upcoming, const Value& last) {
+std::vector<StatusField> statusFields(const Value& status, const Array& upcoming, const Array& pauses,
+                                      const Value& last) {
     std::vector<StatusField> fields = troubles(status);
+    for (const Value& pause : pauses) fields.emplace_back(translated("Pause:"), pauseText(pause, std::time(nullptr)));
     if (upcoming.empty()) fields.emplace_back(translated("Next:"), translated("nothing is planned"));
     // Whatever is under way or was changed, and two that simply come.
     int planned = 0;

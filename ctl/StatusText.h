@@ -11,6 +11,7 @@ namespace quorel {
 bool isWell(const Value& status);
 /// How things stand: names, and what they stand for. `upcoming` as Upcoming() tells it, with
 /// "Number" where the plan has them; `last` is the last outcome, absent where there is none.
-std::vector<StatusField> statusFields(const Value& status, const Array& upcoming, const Value& last);
+std::vector<StatusField> statusFields(const Value& status, const Array& upcoming, const Array& pauses,
+                                      const Value& last);
 
 }  // namespace quorel

@@ -81,6 +81,21 @@ std::optional<int> minuteOfWord(std::string_view typed) {
     return 60 * *hour + minute;
 }
 
+std::optional<int> lengthOfWord(std::string_view typed) {
+    constexpr int kMost = 1'000'000;
+    const std::string word = lowered(typed);
+    int length = 0;
+    for (std::string_view rest = word; !rest.empty();) {
+        const auto number = takeNumber(rest);
+        const std::string_view unit = rest.substr(0, rest.find_first_of("0123456789"));
+        rest.remove_prefix(unit.size());
+        const bool isHours = unit == "h", isMinutes = unit == "m" || unit == "min";
+        if (!number || *number < 1 || *number > 1000 || (!isHours && !isMinutes) || length > kMost) return {};
+        length += *number * (isHours ? 60 : 1);
+    }
+    return length > 0 ? std::optional(length) : std::nullopt;
+}
+
 std::optional<DaySet> daysOfWord(std::string_view typed) {
     const std::string word = lowered(typed);
     DaySet days = 0;

@@ -11,6 +11,9 @@ namespace quorel {
 /// Minutes since midnight: "23:15", "7.30", "7h30", "7h", "0730", "7pm", "7:30 pm" in one word, "noon", "midnight".
 std::optional<int> minuteOfWord(std::string_view word);
 
+/// Minutes of a length: "30m", "90min", "1h", "1h30m".
+std::optional<int> lengthOfWord(std::string_view word);
+
 /// Days of the week: bit 0 is Monday.
 using DaySet = unsigned;
 inline constexpr DaySet kAllDays = 0x7F;

@@ -73,6 +73,9 @@ SENTENCES = (
      "ce qui était enregistré des planifications est illisible ; repris à neuf"),
     ("clock-behind", "", {"By": 86400}, "the clock is 24 hours behind; nothing runs until it is set, or for ten minutes",
      "l’horloge retarde de 24 heures ; rien ne se fait avant qu’elle soit réglée, dix minutes au plus"),
+    ("paused", "", {"Count": 3, "From": AT, "Until": AT + 3600, "By": "bob"},
+     "paused from Mon 2027-03-01 23:00 to Tue 2027-03-02 00:00 by bob: 3 left out",
+     "suspendu du Mon 2027-03-01 23:00 au Tue 2027-03-02 00:00 par bob : 3 sans effet"),
     ("back-to-sleep", "", {}, "woken for nothing; put back to sleep", "réveillé pour rien ; remis en veille"),
     (FORGERY, SLEEP, {}, SHOWN, SHOWN),
     # Of other kinds than they should be.
@@ -85,7 +88,7 @@ class StandIn:
     """Answers in the daemon's name, each method with what it is told: arguments, each behind its type."""
 
     def __init__(self, system):
-        self.answers = {}
+        self.answers = {"Pauses": [("aa{sv}", dbus.Array([], "a{sv}"))]}
         self.bus = system.connect()
         self.bus.add_message_filter(self.answer)
         self.bus.request_name(NAME)
@@ -199,15 +202,38 @@ class CtlTest(CtlCase):
         self.told("postpone", second)  # is that very postponement again
         self.assertIn("postponed by root, planned for 23:30\n", self.told("next"))
         self.assertEqual(self.next()[1]["atSeconds"], AT + 45 * 60)
+        self.refused(2, "no length of time", "postpone", "2", "soon")
+        self.assertIn("to Tue 2027-03-02 01:15", self.told("postpone", "2", "1h30m"))
         self.refused(1, "not permitted", "try", "2", user=NOBODY)
         self.assertIn("Tried 2: Sleep", self.told("try", "2"))
         self.refused(1, "Not tried: not at this moment.", "try", "2")
         self.refused(4, "no such occurrence", "skip", "1-2-3")
         self.refused(2, "not in UTF-8", "skip", b"\xff")
-        for _ in range(5):
+        for _ in range(4):
             self.told("skip", first)
         self.refused(1, "ten changes", "skip", first)
         self.told("skip", first, user=NOBODY)
+
+    def test_pauses(self):
+        self.system.start_polkit(LET_NOBODY.format("pause"))
+        self.start_daemon(schedule(SLEEP, "23:15"))
+        self.assertEqual(self.told("pause", user=NOBODY),
+                         "Paused until Tue 2027-03-02 05:00. First after that: Sleep, Tue 2027-03-02 23:15.\n")
+        self.assertEqual(self.next()[0]["dueSeconds"], AT + 15 * 60 + 24 * 3600)
+        self.refused(1, "not permitted", "pause", "until", "2027-03-02", "6:00", user=NOBODY)
+        self.refused(1, "not permitted", "pause", "2027-03-02..2027-03-03", user=NOBODY)
+        self.assertEqual(self.told("pause", "2027-03-05..2027-03-07", "noon"),
+                         "To be paused from Fri 2027-03-05 00:00 until Sun 2027-03-07 12:00. "
+                         "First after that: Sleep, Mon 2027-03-08 23:15.\n")
+        self.refused(1, "not permitted", "resume", "2", user=NOBODY)
+        for command in ("next", "list", "status"):
+            self.assertIn("to Tue 2027-03-02 05:00, by nobody", self.run_ctl(command)[1])
+            self.assertEqual(len(json.loads(self.run_ctl(command, "--json")[1])["pauses"]), 2)
+        self.refused(1, "366 days", "pause", "until", "2029-01-01")
+        self.refused(2, "Until when?", "pause", "until", "2027-02-30")
+        self.assertEqual(self.told("resume", "1", user=NOBODY), "The pause is over. Next: Sleep, Mon 2027-03-01 23:15.\n")
+        self.told("resume", "all")
+        self.refused(4, "Nothing is paused", "resume")
 
     def test_tells_sentences(self):
         stand_in = StandIn(self.system)

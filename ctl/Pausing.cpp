@@ -1,0 +1,132 @@
+// Pauses: setting them, and ending them.
+#include <algorithm>
+#include <ctime>
+#include <optional>
+
+#include "ctl/Commands.h"
+#include "ctl/Failures.h"
+#include "ctl/JsonOutput.h"
+#include "ctl/Moment.h"
+#include "ctl/Occurrences.h"
+#include "ctl/Page.h"
+#include "ctl/Selection.h"
+#include "linux/time/SystemCalendar.h"
+#include "model/Dictionary.h"
+#include "model/Wire.h"
+#include "planning/TimeWords.h"
+#include "scheduler/Rules.h"
+#include "words/Language.h"
+#include "words/OutcomeText.h"
+#include "words/WhenText.h"
+
+namespace quorel {
+
+namespace {
+
+namespace keys = wire::keys;
+using Answer = DaemonClient::Answer;
+using Failure = DaemonClient::Failure;
+
+constexpr int kMorning = rules::kMorning * 60;
+
+/// 0 as on the wire.
+struct Span {
+    Instant from = 0;
+    Instant until = 0;
+};
+
+/// Of "until fri 18:00", "2h", "24h", "fri..sun", or nothing. Nothing where it is not understood.
+std::optional<Span> spanOf(const std::vector<std::string>& arguments, Instant now) {
+    Span span;
+    std::string text;
+    for (const std::string& word : arguments) text += (text.empty() ? "" : " ") + word;
+    if (text.empty()) return span;
+    const SystemCalendar calendar;
+    const std::size_t dots = text.find("..");
+    const bool isUntil = arguments[0] == "until";
+    const auto length = lengthOfWord(text);
+    if (length) return Span{0, now + *length * kMinute};
+    if (!isUntil && dots == std::string::npos) return {};
+    const std::string from = isUntil ? "" : text.substr(0, dots);
+    const std::string until = isUntil ? text.substr(std::string("until").size()) : text.substr(dots + 2);
+    const auto begins = from.empty() ? now : momentOf(from, now, 0, calendar);
+    if (!begins) return {};
+    if (*begins > now) span.from = *begins;
+    if (until.empty() && !isUntil) return span;
+    const auto ends = momentOf(until, std::max(*begins, now), kMorning, calendar);
+    if (!ends) return {};
+    span.until = *ends;
+    return span;
+}
+
+/// The one that the argument means: by its number, or the one around now, or the only one. Absent otherwise.
+Value chosenPause(const Array& pauses, const std::string& name) {
+    const Instant now = std::time(nullptr);
+    if (const auto number = numberIn(name, pauses.size())) return pauses[*number - 1];
+    if (!name.empty()) return {};
+    if (pauses.size() == 1 || (!pauses.empty() && pauses.front()[keys::kFrom].integer() <= now)) return pauses.front();
+    return {};
+}
+
+}  // namespace
+
+ExitStatus pausePlan(const CommandLine& line) {
+    const Instant now = std::time(nullptr);
+    const auto span = spanOf(line.arguments, now);
+    if (!span)
+        return misused(
+            translated("Until when? As \"until 18:00\", \"until fri\", \"2h\", or "
+                       "\"2026-12-24..2027-01-02 12:00\"."));
+    const Answer answer = DaemonClient().pause(span->from, span->until);
+    if (answer.failure != Failure::kNone) return fail(answer);
+    const Page page;
+    if (line.json) {
+        page.line(jsonOutput(answer.value.dictionary()));
+        return ExitStatus::kDone;
+    }
+    const std::string until = comingText(answer.value[keys::kUntil].integer(), now);
+    const Value& next = answer.value[keys::kNext];
+    std::string text = filled(translated("Paused until {1}."), {until});
+    if (span->from != 0 && answer.value[keys::kFrom].integer() > now)
+        text = filled(translated("To be paused from {1} until {2}."),
+                      {whenText(answer.value[keys::kFrom].integer(), now), until});
+    text.append(" ").append(next.isAbsent() ? std::string(translated("Nothing is planned after that."))
+                                            : filled(translated("First after that: {1}, {2}."),
+                                                     {actionName(next), whenText(next[keys::kAt].integer(), now)}));
+    page.line(text);
+    return ExitStatus::kDone;
+}
+
+ExitStatus resumePlan(const CommandLine& line) {
+    if (line.arguments.size() > 1) return misused(translated("Too many arguments."));
+    const std::string name = line.arguments.empty() ? std::string() : line.arguments[0];
+    DaemonClient daemon;
+    const Answer told = askForList(daemon, wire::scheduler::kPauses);
+    if (told.failure != Failure::kNone) return fail(told);
+    const Array& pauses = told.value.array();
+    Array ended = pauses;
+    if (pauses.empty()) return notFound(translated("Nothing is paused."));
+    if (name != "all") ended = {chosenPause(pauses, name)};
+    if (ended.front().isAbsent()) {
+        std::string lines;
+        for (const std::string& one : pauseLines(pauses)) lines += "\n  " + one;
+        return notFound(translated("Which one? Give its number, or \"all\":") + lines);
+    }
+    for (const Value& one : ended) {
+        const Answer answer = DaemonClient().resume(one[keys::kFrom].integer());
+        if (answer.failure != Failure::kNone) return fail(answer);
+    }
+    const Page page;
+    if (line.json) page.line(jsonOutput(Dictionary{{"Ended", ended}}));
+    const Occurrences after(line.root, daemon, 1);
+    const Value next = after.upcoming().empty() ? Value() : after.upcoming().front();
+    const Instant now = std::time(nullptr);
+    std::string text = ended.size() == 1 ? translated("The pause is over.") : translated("The pauses are over.");
+    if (next.isPresent())
+        text +=
+            " " + filled(translated("Next: {1}, {2}."), {actionName(next), comingText(next[keys::kAt].integer(), now)});
+    if (!line.json) page.line(text);
+    return ExitStatus::kDone;
+}
+
+}  // namespace quorel
