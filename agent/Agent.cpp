@@ -47,9 +47,8 @@ Agent::Agent(Options options)
       _daemon(_loop, {[this] { daemonChanged(); }, [this](std::int64_t question) { tellIdle(question); }}),
       _warnings(_loop, _bus.get(), _daemon),
       _actions(_bus.get(), [this](const auto&... report) { _daemon.reportAction(report...); }),
-      _tray(_loop, {[this](const std::string& token) { _daemon.skip(token, logRefusal); },
-                    [this](const std::string& token) { _daemon.postpone(token, logRefusal); },
-                    [this] { checkByHand(); }, [] { return settingsEntry().has_value(); }, [] { openSettings(); }}),
+      _tray(_loop, {[this](const TrayContent::Choice& choice) { say(choice); }, [this] { checkByHand(); },
+                    [] { return settingsEntry().has_value(); }, [] { openSettings(); }}),
       _watch(_loop, [this] { tellIdle(0); }),
       _endpoint(_bus.get(), [this](const auto& notification, const auto& answer) { received(notification, answer); }) {
     _loop.endOn({SIGTERM, SIGINT});
@@ -74,10 +73,20 @@ void Agent::daemonChanged() {
     _warnings.update();
     _actions.run(_daemon.actions());
     if (_daemon.isThere())
-        _tray.update(_daemon.upcoming(), _daemon.maySkip(), _daemon.mayPostpone());
+        _tray.update(
+            {_daemon.upcoming(), _daemon.pauses(), _daemon.maySkip(), _daemon.mayPostpone(), _daemon.mayPause()});
     else
         _tray.daemonHasGone();
     if (_daemon.watchesUse() && !_watch.isRunning()) _watch.start(kBetweenMeasurements);
+}
+
+void Agent::say(const TrayContent::Choice& choice) {
+    using Choice = TrayContent::Choice;
+    if (choice.what == Choice::kSkip) _daemon.skip(choice.token, logRefusal);
+    if (choice.what == Choice::kUnskip) _daemon.unskip(choice.token, logRefusal);
+    if (choice.what == Choice::kPostpone) _daemon.postpone(choice.token, logRefusal, choice.length);
+    if (choice.what == Choice::kPause) _daemon.pauseUntilTomorrow(logRefusal);
+    if (choice.what == Choice::kResume) _daemon.resume(choice.from, logRefusal);
 }
 
 void Agent::tellIdle(std::int64_t question) {

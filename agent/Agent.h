@@ -47,6 +47,7 @@ private:
     void startCheck();
     void checkEnded();
     void daemonChanged();
+    void say(const TrayContent::Choice& choice);
     void tellIdle(std::int64_t question);
 
     CurlUpdateChecker _checker;

@@ -94,22 +94,21 @@ void DaemonLink::ownerChanged(bool isThere) {
     _answered = 0;
     _calls.clear();
     _questions.clear();
-    _upcoming = _outcomes = _work = Value();
+    _upcoming = _pauses = _outcomes = _work = Value();
     if (!isThere) return _callbacks.changed();
     registerAgent();
 }
 
 void DaemonLink::registerAgent() {
     if (!_isThere) return;
-    send("register", newCall({wire::agents::kPath, wire::agents::kInterface}, wire::agents::kRegister),
-         [this](sd_bus_message* reply) {
-             const BusError error = errorOf(reply);
-             if (error.name == SD_BUS_ERROR_NAME_HAS_NO_OWNER || error.name == SD_BUS_ERROR_SERVICE_UNKNOWN)
-                 return ownerChanged(false);
-             _isRegistered = !error;
-             if (error) _retry.start(kRetry);
-             fetch();
-         });
+    send("register", newCall(kAgents, wire::agents::kRegister), [this](sd_bus_message* reply) {
+        const BusError error = errorOf(reply);
+        if (error.name == SD_BUS_ERROR_NAME_HAS_NO_OWNER || error.name == SD_BUS_ERROR_SERVICE_UNKNOWN)
+            return ownerChanged(false);
+        _isRegistered = !error;
+        if (error) _retry.start(kRetry);
+        fetch();
+    });
 }
 
 void DaemonLink::fetch() {
@@ -118,23 +117,18 @@ void DaemonLink::fetch() {
         _again = true;
         return;
     }
-    _missing = 5;
-    read(wire::scheduler::kUpcoming, kMostUpcoming, _upcoming);
-    read(wire::scheduler::kOutcomes, kMostOutcomes, _outcomes);
-    read(wire::agents::kWork, std::nullopt, _work);
+    _missing = 7;
+    read(kScheduler, wire::scheduler::kUpcoming, kMostUpcoming, _upcoming);
+    read(kScheduler, wire::scheduler::kPauses, std::nullopt, _pauses);
+    read(kScheduler, wire::scheduler::kOutcomes, kMostOutcomes, _outcomes);
+    _isRegistered ? read(kAgents, wire::agents::kWork, std::nullopt, _work) : fetched();
     askPolkit(kSkipAction, _maySkip);
     askPolkit(kPostponeAction, _mayPostpone);
+    askPolkit(kPauseAction, _mayPause);
 }
 
-void DaemonLink::read(const char* method, std::optional<std::uint32_t> most, Value& into) {
-    const bool isForAgents = !most;
-    if (isForAgents && !_isRegistered) {
-        into = Value();
-        return fetched();
-    }
-    const auto call = newCall(isForAgents ? Interface{wire::agents::kPath, wire::agents::kInterface}
-                                          : Interface{wire::scheduler::kPath, wire::scheduler::kInterface},
-                              method);
+void DaemonLink::read(const Interface& interface, const char* method, std::optional<std::uint32_t> most, Value& into) {
+    const auto call = newCall(interface, method);
     if (most) sd_bus_message_append(call.get(), "u", *most);
     send(method, call, [this, &into](sd_bus_message* reply) {
         if (!errorOf(reply))
@@ -167,32 +161,50 @@ void DaemonLink::fetched() {
 }
 
 void DaemonLink::skip(const std::string& token, Refused refused) {
-    change(wire::scheduler::kSkip, token, std::move(refused));
+    change(wire::scheduler::kSkip, token, std::move(refused),
+           [&](sd_bus_message* call) { sd_bus_message_append(call, "s", token.c_str()); });
 }
 
-void DaemonLink::postpone(const std::string& token, Refused refused) {
-    change(wire::scheduler::kPostpone, token, std::move(refused));
+void DaemonLink::unskip(const std::string& token, Refused refused) {
+    change(wire::scheduler::kUnskip, token, std::move(refused),
+           [&](sd_bus_message* call) { sd_bus_message_append(call, "s", token.c_str()); });
 }
 
-void DaemonLink::change(const char* method, const std::string& token, Refused refused) {
+void DaemonLink::postpone(const std::string& token, Refused refused, Seconds length) {
+    change(wire::scheduler::kPostponeBy, token, std::move(refused),
+           [&](sd_bus_message* call) { sd_bus_message_append(call, "sx", token.c_str(), length); });
+}
+
+void DaemonLink::pauseUntilTomorrow(Refused refused) {
+    change(wire::scheduler::kPause, {}, std::move(refused),
+           [&](sd_bus_message* call) { sd_bus_message_append(call, "xx", std::int64_t{0}, std::int64_t{0}); });
+}
+
+void DaemonLink::resume(Instant from, Refused refused) {
+    change(wire::scheduler::kResume, {}, std::move(refused),
+           [&](sd_bus_message* call) { sd_bus_message_append(call, "x", from); });
+}
+
+void DaemonLink::change(const char* method, const std::string& about, Refused refused,
+                        const std::function<void(sd_bus_message*)>& append) {
     if (!_isThere) return;
-    const auto call = newCall({wire::scheduler::kPath, wire::scheduler::kInterface}, method);
-    sd_bus_message_append(call.get(), "s", token.c_str());
-    send(method + token, call, [refused = std::move(refused)](sd_bus_message* reply) {
+    const auto call = newCall(kScheduler, method);
+    append(call.get());
+    send(method + about, call, [refused = std::move(refused)](sd_bus_message* reply) {
         if (const BusError error = errorOf(reply)) refused(refusalText(error.name, error.message));
     });
 }
 
 void DaemonLink::reportIdle(std::int64_t question, std::optional<Seconds> idle) {
     if (!_isThere) return;
-    const auto call = newCall({wire::agents::kPath, wire::agents::kInterface}, wire::agents::kReportIdle);
+    const auto call = newCall(kAgents, wire::agents::kReportIdle);
     sd_bus_message_append(call.get(), "xx", question, idle.value_or(-1));
     sd_bus_send(_bus.get(), call.get(), nullptr);
 }
 
 void DaemonLink::reportAction(const std::string& token, const std::string& end, int status, const std::string& reason) {
     if (!_isThere) return;
-    const auto call = newCall({wire::agents::kPath, wire::agents::kInterface}, wire::agents::kReportAction);
+    const auto call = newCall(kAgents, wire::agents::kReportAction);
     sd_bus_message_append(call.get(), "ssis", token.c_str(), end.c_str(), status, reason.c_str());
     sd_bus_send(_bus.get(), call.get(), nullptr);
 }

@@ -15,6 +15,7 @@
 #include "model/Dictionary.h"
 #include "model/Wire.h"
 #include "scheduler/Instant.h"
+#include "scheduler/Rules.h"
 
 namespace quorel {
 
@@ -39,16 +40,21 @@ public:
     bool isThere() const { return _isThere; }
     /// As the daemon's methods of these names answer; empty while it is not there.
     const Array& upcoming() const { return _upcoming.array(); }
+    const Array& pauses() const { return _pauses.array(); }
     const Array& outcomes() const { return _outcomes.array(); }  ///< the last few
     const Array& actions() const { return _work[wire::keys::kActions].array(); }
     bool watchesUse() const { return _work[wire::keys::kWatch].intValue() != 0; }
     /// What polkit lets this user do without asking anybody.
     bool maySkip() const { return _maySkip; }
     bool mayPostpone() const { return _mayPostpone; }
+    bool mayPause() const { return _mayPause; }
 
     /// `refused` is called later, if at all; its reason is for the user.
     void skip(const std::string& token, Refused refused);
-    void postpone(const std::string& token, Refused refused);
+    void unskip(const std::string& token, Refused refused);
+    void postpone(const std::string& token, Refused refused, Seconds length = rules::kPostponement);
+    void pauseUntilTomorrow(Refused refused);
+    void resume(Instant from, Refused refused);
     /// Nothing for the seconds: it cannot be told.
     void reportIdle(std::int64_t question, std::optional<Seconds> idle);
     void reportAction(const std::string& token, const std::string& end, int status, const std::string& reason);
@@ -58,14 +64,17 @@ private:
         const char* path;
         const char* name;
     };
+    static constexpr Interface kScheduler{wire::scheduler::kPath, wire::scheduler::kInterface};
+    static constexpr Interface kAgents{wire::agents::kPath, wire::agents::kInterface};
     BusMessagePointer newCall(const Interface& interface, const char* method) const;
     void send(const std::string& key, const BusMessagePointer& call, std::function<void(sd_bus_message*)> replied);
-    void read(const char* method, std::optional<std::uint32_t> most, Value& into);
+    void read(const Interface& interface, const char* method, std::optional<std::uint32_t> most, Value& into);
     void askPolkit(const char* action, bool& allowed);
     void registerAgent();
     void fetch();
     void fetched();
-    void change(const char* method, const std::string& token, Refused refused);
+    void change(const char* method, const std::string& about, Refused refused,
+                const std::function<void(sd_bus_message*)>& append);
     void ownerChanged(bool isThere);
     void watchLogins(EventLoop& loop);
 
@@ -85,9 +94,10 @@ private:
     LoopTimer _retry;          // where another agent of the user is registered, or somebody has not answered
     bool _isThere = false;
     bool _isRegistered = false;
-    Value _upcoming, _outcomes, _work;
+    Value _upcoming, _pauses, _outcomes, _work;
     bool _maySkip = false;
     bool _mayPostpone = false;
+    bool _mayPause = false;
     std::int64_t _answered = 0;  // the last question about idleness
 };
 

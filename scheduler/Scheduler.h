@@ -227,6 +227,7 @@ private:
     std::list<OpenOccurrence> _open;
     bool _outlivesList = false;  ///< some of them, or did when the list was taken over
     Pauses _pauses;
+    bool _wasPaused = false;
     Array _outcomes;
     std::string _bootId;
 

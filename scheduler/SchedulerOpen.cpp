@@ -98,7 +98,9 @@ bool Scheduler::resume(Now now, Instant from) {
 }
 
 void Scheduler::pauseOpen() {
-    if (_pauses.around(now())) happen({Event::kPaused});
+    const bool isPaused = _pauses.around(now()) != nullptr;
+    if (isPaused != std::exchange(_wasPaused, isPaused)) _changed = true;
+    if (isPaused) happen({Event::kPaused});
 }
 
 void Scheduler::endPauses() {

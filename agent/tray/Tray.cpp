@@ -1,5 +1,6 @@
 #include "agent/tray/Tray.h"
 
+#include <ctime>
 #include <system_error>
 #include <utility>
 
@@ -20,8 +21,8 @@ void Tray::show(bool on) try {
     MOLLog("%s", error.what());
 }
 
-void Tray::update(const Array& upcoming, bool maySkip, bool mayPostpone) {
-    setContent(trayContent(upcoming, maySkip, mayPostpone, _choices.hasSettings()));
+void Tray::update(const TrayTold& told) {
+    setContent(trayContent(told, std::time(nullptr), _choices.hasSettings()));
 }
 
 void Tray::daemonHasGone() {
@@ -43,14 +44,12 @@ void Tray::choose(int number) const {
     using Choice = TrayContent::Choice;
     const Choice choice = _content.choices.at(static_cast<std::size_t>(number) - 1);  // what is called may change it
     switch (choice.what) {
-        case Choice::kPostpone:
-            return _choices.postpone(choice.token);
-        case Choice::kSkip:
-            return _choices.skip(choice.token);
         case Choice::kCheckUpdates:
             return _choices.checkUpdates();
         case Choice::kOpenSettings:
             return _choices.openSettings();
+        default:
+            return _choices.say(choice);
     }
 }
 

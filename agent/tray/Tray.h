@@ -15,8 +15,7 @@ class Tray {
 public:
     /// What people choose. None of it may hide the item at once.
     struct Choices {
-        std::function<void(const std::string& token)> skip;
-        std::function<void(const std::string& token)> postpone;
+        std::function<void(const TrayContent::Choice& choice)> say;  ///< to an occurrence or a pause
         std::function<void()> checkUpdates;
         std::function<bool()> hasSettings;  ///< whether there are any to be opened
         std::function<void()> openSettings;
@@ -25,9 +24,8 @@ public:
     Tray(EventLoop& loop, Choices choices);
 
     void show(bool on);
-    /// Takes what the daemon's `Upcoming` told, and what this user may say to it. A panel that shows the menu keeps it
-    /// where nothing has changed.
-    void update(const Array& upcoming, bool maySkip, bool mayPostpone);
+    /// A panel that shows the menu keeps it where nothing has changed.
+    void update(const TrayTold& told);
     void daemonHasGone();
 
 private:

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "linux/time/SystemCalendar.h"
 #include "model/Upcoming.h"
 #include "model/Wire.h"
+#include "scheduler/Pauses.h"
+#include "scheduler/Rules.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
 
@@ -38,6 +41,35 @@ void addChoice(TrayContent& content, std::string text, TrayContent::Choice choic
     content.menu.push_back({std::move(text), static_cast<int>(content.choices.size())});
 }
 
+void addOccurrence(TrayContent& content, const Value& one, const TrayTold& told) {
+    const std::string token = one[keys::kToken].text();
+    const auto add = [&](const char* text, TrayContent::Choice choice) {
+        addChoice(content, kIndent + std::string(text), std::move(choice));
+    };
+    addLine(content, lineOf(one));
+    if (canBeSkipped(one) && told.mayPostpone) {
+        add(translated("Postpone 15 minutes"), {TrayContent::Choice::kPostpone, token, rules::kPostponement});
+        add(translated("Postpone 1 hour"), {TrayContent::Choice::kPostpone, token, kHour});
+    }
+    if (!told.maySkip) return;
+    if (canBeSkipped(one)) add(translated("Skip"), {TrayContent::Choice::kSkip, token});
+    if (isSkipped(one)) add(translated("Undo skip"), {TrayContent::Choice::kUnskip, token});
+    if (keepsAwake(one)) add(translated("Let it sleep"), {TrayContent::Choice::kSkip, token});
+}
+
+/// Ending one that is no brief one is a change of the plan, which is not for the panel.
+void addPause(TrayContent& content, const Value* pause, bool mayPause, Instant now) {
+    if (!mayPause) return;
+    if (pause) {
+        const Instant from = (*pause)[keys::kFrom].integer();
+        if (!isBrief({.from = from, .until = (*pause)[keys::kUntil].integer()}, now, SystemCalendar())) return;
+        content.menu.emplace_back();
+        return addChoice(content, translated("Resume"), {.what = TrayContent::Choice::kResume, .from = from});
+    }
+    content.menu.emplace_back();
+    addChoice(content, translated("Pause until tomorrow"), {TrayContent::Choice::kPause});
+}
+
 /// What is in the menu whatever is planned.
 void addRest(TrayContent& content, bool hasSettings) {
     content.menu.emplace_back();
@@ -47,21 +79,19 @@ void addRest(TrayContent& content, bool hasSettings) {
 
 }  // namespace
 
-TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone, bool hasSettings) {
+TrayContent trayContent(const TrayTold& told, Instant now, bool hasSettings) {
+    const Array& upcoming = told.upcoming;
     TrayContent content;
+    const Value* pause = nullptr;
+    for (const Value& one : told.pauses)
+        if (one[keys::kFrom].integer() <= now && now < one[keys::kUntil].integer()) pause = &one;
+    if (pause) addLine(content, pauseText(*pause, now));
     if (upcoming.empty()) addLine(content, translated("Nothing is planned."));
-    for (std::size_t i = 0; i < std::min(upcoming.size(), kMostOccurrences); ++i) {
-        const Value& one = upcoming[i];
-        addLine(content, lineOf(one));
-        if (!canBeSkipped(one)) continue;
-        const std::string token = one[keys::kToken].text();
-        if (mayPostpone)
-            addChoice(content, kIndent + std::string(translated("Postpone 15 minutes")),
-                      {TrayContent::Choice::kPostpone, token});
-        if (maySkip) addChoice(content, kIndent + std::string(translated("Skip")), {TrayContent::Choice::kSkip, token});
-    }
+    for (std::size_t i = 0; i < std::min(upcoming.size(), kMostOccurrences); ++i)
+        addOccurrence(content, upcoming[i], told);
     const auto next = std::ranges::find_if(upcoming, canBeSkipped);
-    content.title = next == upcoming.end() ? content.menu.front().text : lineOf(*next);
+    content.title = pause || next == upcoming.end() ? content.menu.front().text : lineOf(*next);
+    addPause(content, pause, told.mayPause, now);
     addRest(content, hasSettings);
     return content;
 }

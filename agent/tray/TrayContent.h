@@ -5,14 +5,17 @@
 
 #include "agent/tray/TrayMenu.h"
 #include "model/Value.h"
+#include "scheduler/Instant.h"
 
 namespace quorel {
 
 /// What the item in the panel says, and what each of its lines is about.
 struct TrayContent {
     struct Choice {
-        enum What { kPostpone, kSkip, kCheckUpdates, kOpenSettings } what;
+        enum What { kPostpone, kSkip, kUnskip, kPause, kResume, kCheckUpdates, kOpenSettings } what;
         std::string token = {};  ///< of the occurrence that it is about
+        Seconds length = 0;      ///< so much later
+        Instant from = 0;        ///< the beginning of the pause that it is about
         friend bool operator==(const Choice&, const Choice&) = default;
     };
 
@@ -22,8 +25,15 @@ struct TrayContent {
     friend bool operator==(const TrayContent&, const TrayContent&) = default;
 };
 
-/// Of what the daemon's `Upcoming` told, in which strangers' texts may stand.
-TrayContent trayContent(const Array& upcoming, bool maySkip, bool mayPostpone, bool hasSettings);
+/// What the daemon told, in which strangers' texts may stand, and what this user may say to it.
+struct TrayTold {
+    const Array& upcoming;  ///< as `Upcoming` answers
+    const Array& pauses;    ///< as `Pauses` answers
+    bool maySkip = false;
+    bool mayPostpone = false;
+    bool mayPause = false;  ///< until tomorrow
+};
+TrayContent trayContent(const TrayTold& told, Instant now, bool hasSettings);
 TrayContent trayContentWithoutDaemon(bool hasSettings);
 
 }  // namespace quorel

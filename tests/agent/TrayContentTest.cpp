@@ -8,34 +8,53 @@ namespace quorel {
 namespace {
 
 TEST(TrayContent, SaysUnderEachOccurrenceWhatCanBeDoneWithIt) {
+    using Choice = TrayContent::Choice;
+    constexpr Instant kNow = 1'000'000;
+    const auto pause = [](Instant from, Instant until) { return Dictionary{{"From", from}, {"Until", until}}; };
     const struct {
         std::vector<const char*> steps;  // their tokens are "0", "1", "2", ...
-        bool maySkip;
-        bool mayPostpone;
-        std::string lines;  // "o" is an occurrence, with what is to be done with it and its token
+        Array pauses;
+        bool maySkip, mayPostpone, mayPause;
+        std::string lines;  // "o" is to be read, what can be chosen a letter, with what it is about
     } cases[] = {
-        {{}, true, true, "o"},
-        {{"skipped"}, true, true, "o"},
-        {{"skipped", "waiting", "planned", "planned"}, true, true, "oop1s1op2s2"},
-        {{"running", "acting", "postponed"}, false, true, "ooop2"},
-        {{"make-up", "warned"}, true, false, "os0os1"},
+        {{}, {}, true, true, false, "o"},
+        {{"skipped"}, {}, true, true, true, "o undo0 | pause"},
+        {{"skipped", "waiting", "planned", "planned"},
+         {},
+         true,
+         true,
+         false,
+         "o undo0 o 15min1 1h1 skip1 o 15min2 1h2 skip2"},
+        {{"running", "acting", "postponed"}, {}, false, true, false, "o o o 15min2 1h2"},
+        {{"make-up", "warned"}, {}, true, false, false, "o skip0 o skip1"},
+        {{"kept awake"}, {}, true, true, false, "o skip0"},
+        {{"planned"}, {pause(kNow, kNow + 60)}, true, false, true, "o o skip0 | resume1000000"},
+        {{}, {pause(kNow - 7 * kDay, kNow + 60)}, true, true, true, "o o"},
+        {{}, {pause(kNow + 60, kNow + 90)}, true, true, true, "o | pause"},
     };
-    for (const auto& [steps, maySkip, mayPostpone, lines] : cases) {
+    for (const auto& row : cases) {
         Array upcoming;
-        for (const char* step : steps)
-            upcoming.emplace_back(Dictionary{{"Step", step}, {"Token", std::to_string(upcoming.size())}});
-        const TrayContent content = trayContent(upcoming, maySkip, mayPostpone, true);
+        for (const std::string step : row.steps) {
+            Dictionary one{{"Step", step}, {"Token", std::to_string(upcoming.size())}};
+            if (step == "kept awake") one = {{"Step", "running"}, {"Token", "0"}, {"Until", kNow}};
+            upcoming.emplace_back(one);
+        }
+        const TrayContent content =
+            trayContent({upcoming, row.pauses, row.maySkip, row.mayPostpone, row.mayPause}, kNow, true);
         std::string found;
         for (const MenuItem& item : content.menu) {
-            if (item.text.empty()) break;
-            if (item.choice == 0) {
-                found += 'o';
-                continue;
-            }
-            const TrayContent::Choice& choice = content.choices.at(static_cast<std::size_t>(item.choice) - 1);
-            found += (choice.what == TrayContent::Choice::kSkip ? 's' : 'p') + choice.token;
+            const Choice choice =
+                item.choice == 0 ? Choice{Choice::kCheckUpdates} : content.choices.at(std::size_t(item.choice) - 1);
+            if (item.choice != 0 && choice.what == Choice::kCheckUpdates) break;
+            found += found.empty() ? "" : " ";
+            if (item.choice == 0) found += item.text.empty() ? "|" : "o";
+            if (choice.what == Choice::kPostpone) found += (choice.length == kHour ? "1h" : "15min") + choice.token;
+            if (choice.what == Choice::kSkip) found += "skip" + choice.token;
+            if (choice.what == Choice::kUnskip) found += "undo" + choice.token;
+            if (choice.what == Choice::kPause) found += "pause";
+            if (choice.what == Choice::kResume) found += "resume" + std::to_string(choice.from);
         }
-        EXPECT_EQ(found, lines);
+        EXPECT_EQ(found, row.lines + " |");
     }
     for (const bool hasSettings : {false, true})
         EXPECT_EQ(trayContentWithoutDaemon(hasSettings).choices.back().what == TrayContent::Choice::kOpenSettings,

@@ -28,9 +28,11 @@ int main() {
     speakUsersLanguage();
     const auto say = [](const std::string& words) { std::cout << words << std::endl; };
     EventLoop loop;
-    Tray tray(loop, {[&](const std::string& token) { say("skip " + token); },
-                     [&](const std::string& token) { say("postpone " + token); }, [&] { say("check"); },
-                     [] { return true; }, [&] { say("settings"); }});
+    Tray tray(loop, {[&](const TrayContent::Choice& choice) {
+                         static constexpr const char* kWords[] = {"postpone", "skip", "undo", "pause", "resume"};
+                         say(kWords[choice.what] + (" " + choice.token) + " " + std::to_string(choice.length));
+                     },
+                     [&] { say("check"); }, [] { return true; }, [&] { say("settings"); }});
     const auto input = whenReadable(loop, 0, [&] {
         std::string line;
         if (!std::getline(std::cin, line)) return loop.end(0);
@@ -39,7 +41,7 @@ int main() {
         } else if (line == "gone") {
             tray.daemonHasGone();
         } else {
-            tray.update(occurrencesIn(line), true, true);
+            tray.update({occurrencesIn(line), {}, true, true, true});
         }
         say("done");
     });

@@ -128,15 +128,15 @@ class TrayTest(unittest.TestCase):
         running = self.system.start(panel, log="panel.txt")
         self.wait_for_icon()
         self.assertEqual(self.labels(), [
-            "Sleep, Mon 2026-11-23 23:15 (skipped by alice)",
-            "Back__up, Mon 2026-11-23 23:30", "\u2003Postpone 15 minutes", "\u2003Skip",
-            "Wake up, Mon 2026-11-23 23:45", "\u2003Postpone 15 minutes", "\u2003Skip",
-            "-", "Check for Updates", "Open Settings"])
+            "Sleep, Mon 2026-11-23 23:15 (skipped by alice)", "\u2003Undo skip",
+            "Back__up, Mon 2026-11-23 23:30", "\u2003Postpone 15 minutes", "\u2003Postpone 1 hour", "\u2003Skip",
+            "Wake up, Mon 2026-11-23 23:45", "\u2003Postpone 15 minutes", "\u2003Postpone 1 hour", "\u2003Skip",
+            "-", "Pause until tomorrow", "-", "Check for Updates", "Open Settings"])
         self.click(HEIGHT // 3, HEIGHT // 2)
         self.assertEqual(self.heard(), "settings")
-        self.assertEqual(self.choose(self.open_menu(9)[3]), "skip 2")
+        self.assertEqual(self.choose(self.open_menu(13)[5]), "skip 2 0")
         self.tell(sleep.format("skipped"), backup.format("skipped"), wake.format("planned"), more)
-        self.assertEqual(self.choose(self.open_menu(7)[3]), "postpone 3")
+        self.assertEqual(self.choose(self.open_menu(11)[6]), "postpone 3 3600")
         # The panel restarts.
         self.system.end(running)
         self.system.start(panel, log="panel.txt")
@@ -174,7 +174,7 @@ class TrayTest(unittest.TestCase):
         self.system.start_agent(AGENT, root, log="agent.txt")
         self.system.start(["lxqt-panel"], log="panel.txt")
         self.wait_for_icon()
-        self.click(*self.open_menu(11)[2])
+        self.click(*self.open_menu(15)[3])
         wait_until(lambda: "(skipped by root)" in self.labels()[0], "it is not this time")
 
 
