@@ -27,10 +27,9 @@ DaemonClient::Answer askForList(DaemonClient& daemon, const char* method, std::o
 
 std::vector<std::string> pauseLines(const Array& pauses) {
     std::vector<std::string> lines;
-    for (const Value& one : pauses) {
-        const std::string number = pauses.size() > 1 ? std::to_string(lines.size() + 1) + "  " : std::string();
-        lines.push_back(number + pauseText(one, std::time(nullptr)));
-    }
+    for (const Value& one : pauses)
+        lines.push_back(filled(translated("Pause {1}: {2}"),
+                               {std::to_string(lines.size() + 1), pauseText(one, std::time(nullptr))}));
     return lines;
 }
 

@@ -14,7 +14,7 @@ namespace quorel {
 /// A list of dictionaries that the daemon tells, made sure to be one.
 DaemonClient::Answer askForList(DaemonClient& daemon, const char* method, std::optional<unsigned> most = {});
 
-/// A line of each pause that is set; with their numbers where there are several.
+/// A line of each pause that is set, with its number.
 std::vector<std::string> pauseLines(const Array& pauses);
 
 /// What comes next, as the daemon tells it, with the numbers that the plan's list has.

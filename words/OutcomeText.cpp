@@ -269,8 +269,8 @@ std::string stepText(const Value& upcoming) {
 std::string pauseText(const Value& pause, Instant now) {
     const Instant from = pause[keys::kFrom].integer();
     const std::string until = momentText(pause[keys::kUntil].integer()), by = plain(pause, keys::kBy);
-    if (from <= now) return filled(translated("Paused until {1}, by {2}"), {until, by});
-    return filled(translated("To be paused from {1} to {2}, by {3}"), {momentText(from), until, by});
+    if (from <= now) return filled(translated("until {1}, by {2}"), {until, by});
+    return filled(translated("from {1} to {2}, by {3}"), {momentText(from), until, by});
 }
 
 std::string refusalText(const std::string& error, const std::string& text) {

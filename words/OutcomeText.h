@@ -20,7 +20,7 @@ std::string outcomeText(const Value& outcome);
 std::string outcomeLine(const Value& outcome);
 /// What there is to say of an occurrence to come: "held up: rsync: copying". Empty for one that is only planned.
 std::string stepText(const Value& upcoming);
-/// Of one that is set: "Paused until Tue 2027-03-02 05:00, by ann".
+/// When a pause is: "until Tue 2027-03-02 05:00, by ann".
 std::string pauseText(const Value& pause, Instant now);
 /// Why the daemon did not skip or postpone: an error's name on the bus, and what it says.
 std::string refusalText(const std::string& error, const std::string& text);

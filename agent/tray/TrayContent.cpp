@@ -85,7 +85,7 @@ TrayContent trayContent(const TrayTold& told, Instant now, bool hasSettings) {
     const Value* pause = nullptr;
     for (const Value& one : told.pauses)
         if (one[keys::kFrom].integer() <= now && now < one[keys::kUntil].integer()) pause = &one;
-    if (pause) addLine(content, pauseText(*pause, now));
+    if (pause) addLine(content, filled(translated("Paused {1}"), {pauseText(*pause, now)}));
     if (upcoming.empty()) addLine(content, translated("Nothing is planned."));
     for (std::size_t i = 0; i < std::min(upcoming.size(), kMostOccurrences); ++i)
         addOccurrence(content, upcoming[i], told);

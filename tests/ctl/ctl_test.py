@@ -227,7 +227,7 @@ class CtlTest(CtlCase):
                          "First after that: Sleep, Mon 2027-03-08 23:15.\n")
         self.refused(1, "not permitted", "resume", "2", user=NOBODY)
         for command in ("next", "list", "status"):
-            self.assertIn("to Tue 2027-03-02 05:00, by nobody", self.run_ctl(command)[1])
+            self.assertIn("Tue 2027-03-02 05:00, by nobody", self.run_ctl(command)[1])
             self.assertEqual(len(json.loads(self.run_ctl(command, "--json")[1])["pauses"]), 2)
         self.refused(1, "366 days", "pause", "until", "2029-01-01")
         self.refused(2, "Until when?", "pause", "until", "2027-02-30")
