@@ -305,7 +305,7 @@ void Host::showForecast() {
 
 void Host::showPlan() {
     SettingsWindow& window = _parts.window;
-    window.next->show(_parts.plan.isThere(), _parts.plan.upcoming(), _parts.plan.status());
+    window.next->show();
     window.showHappened(_parts.plan.outcomes());
     window.list->schedules().refreshNotes();
 }

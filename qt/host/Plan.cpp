@@ -55,21 +55,21 @@ void Plan::fetch() {
         _again = true;
         return;
     }
-    _missing = 3;
+    _missing = 4;
     read(wire::scheduler::kUpcoming, kMostUpcoming, _upcoming);
     read(wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes, _outcomes);
     read(wire::scheduler::kStatus, std::nullopt, _status);
+    read(wire::scheduler::kPauses, std::nullopt, _pauses);
 }
 
 void Plan::read(const char* method, std::optional<unsigned> most, Value& into) {
-    const auto call =
-        newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
+    const auto call = newCall(method);
     if (most) sd_bus_message_append(call.get(), "u", *most);
     sd_bus_message_set_auto_start(call.get(), false);
     send(method, call, kPatience, [this, &into](sd_bus_message* reply) {
         const bool answered = !errorOf(reply);
         into = answered ? readValue(reply).value_or(Value()) : Value();
-        _isThere = answered;
+        if (&into == &_upcoming) _isThere = answered;
         fetched();
     });
 }
@@ -91,14 +91,33 @@ void Plan::fetched() {
     _changed();
 }
 
+BusMessagePointer Plan::newCall(const char* method) const {
+    return quorel::newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
+}
+
 void Plan::change(const char* method, const std::string& token, std::optional<Seconds> by, Done done) {
-    if (!_bus) return;
-    const auto call =
-        newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
+    const auto call = newCall(method);
     sd_bus_message_append(call.get(), "s", token.c_str());
     if (by) sd_bus_message_append(call.get(), "x", *by);
+    ask(method + token, call, std::move(done));
+}
+
+void Plan::pause(Done done) {
+    const auto call = newCall(wire::scheduler::kPause);
+    sd_bus_message_append(call.get(), "xx", Instant(0), Instant(0));
+    ask(wire::scheduler::kPause, call, std::move(done));
+}
+
+void Plan::resume(Instant from, Done done) {
+    const auto call = newCall(wire::scheduler::kResume);
+    sd_bus_message_append(call.get(), "x", from);
+    ask(wire::scheduler::kResume, call, std::move(done));
+}
+
+void Plan::ask(const std::string& key, const BusMessagePointer& call, Done done) {
+    if (!call) return;
     sd_bus_message_set_allow_interactive_authorization(call.get(), true);
-    send(method + token, call, kPersonsPatience, [this, done = std::move(done)](sd_bus_message* reply) {
+    send(key, call, kPersonsPatience, [this, done = std::move(done)](sd_bus_message* reply) {
         const BusError error = errorOf(reply);
         done(error.name, error.message);
         fetch();

@@ -26,16 +26,22 @@ public:
     bool isThere() const { return _isThere; }
     const Array& upcoming() const { return _upcoming.array(); }
     const Value& status() const { return _status; }
-    const DeniedKinds& deniedKinds() const { return _denied; }   ///< of sleep, as the system says
+    const DeniedKinds& deniedKinds() const { return _denied; }  ///< of sleep, as the system says
+    const Array& pauses() const { return _pauses.array(); }
     const Array& outcomes() const { return _outcomes.array(); }  ///< oldest first
 
     void fetch();
     /// Calls one of the daemon's methods, with seconds where it takes them. It asks polkit and with it a person; `done`
     /// is called later, once.
     void change(const char* method, const std::string& token, std::optional<Seconds> by, Done done);
+    /// From now until tomorrow morning; the pause that began then is over.
+    void pause(Done done);
+    void resume(Instant from, Done done);
 
 private:
     void read(const char* method, std::optional<unsigned> most, Value& into);
+    BusMessagePointer newCall(const char* method) const;
+    void ask(const std::string& key, const BusMessagePointer& call, Done done);
     void send(const std::string& key, const BusMessagePointer& call, std::chrono::seconds limit,
               std::function<void(sd_bus_message*)> replied);
     void fetched();
@@ -50,7 +56,7 @@ private:
     bool _isThere = false;
     DeniedKinds _denied;
     std::optional<SleepKinds> _kinds;
-    Value _upcoming, _outcomes, _status;
+    Value _upcoming, _outcomes, _status, _pauses;
 };
 
 }  // namespace quorel::qt

@@ -22,10 +22,12 @@ namespace {
 
 namespace keys = wire::keys;
 
-QString lineOf(const Value& one, std::string (*when)(Instant, Instant)) {
-    const std::string line =
-        filled(translated("{1}, {2}"), {actionName(one), when(one[keys::kAt].integer(), std::time(nullptr))});
-    const std::string step = stepText(one);
+std::string occasionOf(const Value& one, std::string (*when)(Instant, Instant)) {
+    return filled(translated("{1}, {2}"), {actionName(one), when(one[keys::kAt].integer(), std::time(nullptr))});
+}
+
+QString lineOf(const Value& one) {
+    const std::string line = occasionOf(one, whenText), step = stepText(one);
     return qString(step.empty() ? line : filled(translated("{1} ({2})"), {line, step}));
 }
 
@@ -35,7 +37,7 @@ QString followingText(const Array& upcoming, const Value* next) {
     for (const Value& one : upcoming) {
         if (&one == next || (canBeSkipped(one) && !lines.empty())) continue;
         lines.append(keepsAwake(one) ? qString(filled(translated("{1}: {2}"), {actionName(one), stepText(one)}))
-                                     : lineOf(one, whenText));
+                                     : lineOf(one));
         if (lines.size() == 2) break;
     }
     if (lines.isEmpty()) return {};
@@ -75,6 +77,7 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
       _title(makeLabel(this, Weight::kTitle)),
       _line(makeLabel(this, Weight::kSmall)),
       _troubles(makeLabel(this, Weight::kSmall)),
+      _pause(new QPushButton(this)),
       _letSleep{new QPushButton(qString(translated("Let it sleep")), this), {}},
       _unskip{new QPushButton(qString(translated("Undo skip")), this), {}},
       _postpone{new QPushButton(qString(translated("Postpone")), this), {}},
@@ -97,12 +100,21 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
     length(translated("15 minutes"), 15 * kMinute);
     length(translated("1 hour"), kHour);
     _postpone.button->setMenu(lengths);
+    whole->addWidget(_pause);
+    connect(_pause, &QPushButton::clicked, this, [this] {
+        if (_pausedFrom)
+            _plan.resume(*_pausedFrom, tellFailure());
+        else
+            _plan.pause(tellFailure());
+    });
     connect(_letSleep.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _letSleep); });
     connect(_unskip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kUnskip, _unskip); });
     connect(_skip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _skip); });
 }
 
-void NextCard::show(bool isThere, const Array& upcoming, const Value& status) {
+void NextCard::show() {
+    const Array& upcoming = _plan.upcoming();
+    const Value& status = _plan.status();
     const auto first = [&](bool (*fits)(const Value&)) {
         const auto found = std::ranges::find_if(upcoming, fits);
         return found == upcoming.end() ? nullptr : &*found;
@@ -112,14 +124,19 @@ void NextCard::show(bool isThere, const Array& upcoming, const Value& status) {
     offer(_unskip, first(isSkipped));
     offer(_postpone, next);
     offer(_skip, next);
-    if (!isThere) {
+    showPause();
+    if (!_plan.isThere()) {
         _title->setText(qString(translated("The daemon is not running.")));
         _line->setText(qString(translated("Nothing of this plan happens until it runs.")));
         return showTroubles({});
     }
-    _title->setText(next ? qString(filled(translated("Next: {1}"), {stdString(lineOf(*next, comingText))}))
+    _title->setText(next ? qString(filled(translated("Next: {1}"), {occasionOf(*next, comingText)}))
                          : qString(translated("Nothing is planned.")));
-    QStringList lines = {followingText(upcoming, next), alarmsText(status)};
+    QStringList lines;
+    if (next) lines.append(qString(stepText(*next)));
+    lines.append(followingText(upcoming, next));
+    for (const Value& pause : _plan.pauses()) lines.append(qString(pauseText(pause, std::time(nullptr))));
+    lines.append(alarmsText(status));
     lines.removeAll(QString());
     _line->setText(lines.join(QLatin1Char('\n')));
     _line->setVisible(!lines.isEmpty());
@@ -137,14 +154,30 @@ void NextCard::showTroubles(const QStringList& troubles) {
 void NextCard::offer(Choice& choice, const Value* occurrence) {
     choice.token = occurrence ? (*occurrence)[keys::kToken].text() : std::string();
     choice.button->setVisible(!choice.token.empty());
-    choice.button->setAccessibleDescription(occurrence ? lineOf(*occurrence, whenText) : QString());
+    choice.button->setAccessibleDescription(occurrence ? lineOf(*occurrence) : QString());
 }
 
 void NextCard::change(const char* method, const Choice& choice, std::optional<Seconds> by) {
     if (choice.token.empty()) return;
-    _plan.change(method, choice.token, by, [this](const std::string& error, const std::string& text) {
+    _plan.change(method, choice.token, by, tellFailure());
+}
+
+Plan::Done NextCard::tellFailure() const {
+    return [this](const std::string& error, const std::string& text) {
         _failed(error.empty() ? QString() : qString(refusalText(error, text)));
-    });
+    };
+}
+
+/// One that has begun is ended; otherwise one begins.
+void NextCard::showPause() {
+    const Instant now = std::time(nullptr);
+    const auto begun =
+        std::ranges::find_if(_plan.pauses(), [now](const Value& pause) { return pause[keys::kFrom].integer() <= now; });
+    _pausedFrom.reset();
+    if (begun != _plan.pauses().end()) _pausedFrom = (*begun)[keys::kFrom].integer();
+    _pause->setText(qString(_pausedFrom ? translated("Resume") : translated("Pause")));
+    _pause->setToolTip(_pausedFrom ? QString() : qString(translated("Nothing happens until tomorrow morning.")));
+    _pause->setVisible(_plan.isThere());
 }
 
 }  // namespace quorel::qt
