@@ -317,6 +317,8 @@ private:
         if (!isSettled() || _isAmbiguous) return;
         _world.scheduler->tick(_world.now);
         checkAccounts();
+        for (const Upcoming& one : _world.scheduler->upcoming(50))
+            _opened[{one.due, one.schedule->action}].insert(one.schedule->digest);
         setenv("TZ", pick(kZones), 1);
         _world.scheduler->zoneChanged(_world.now);
         _calendar.refresh();
@@ -347,7 +349,7 @@ private:
             std::erase_if(_told, [&](const auto& one) {
                 const auto& [code, boot] = one.second;
                 const bool comesAgain = isGreat || code == outcome::kMissed || boot != _world.bootId;
-                return one.first.first > now && comesAgain && !isDone(before, one.first);
+                return one.first.first > now && comesAgain && (_wasFull || !isDone(before, one.first));
             });
             if (isGreat) _lastWakeUp = -kDay * 1000;
             _mark = now;
@@ -355,7 +357,8 @@ private:
         }
         if (outcome.code == outcome::kPaused) _countBefore += outcome.arguments["Count"].integer();
         if (!outcome.due) return;
-        if (outcome.code == outcome::kWithdrawn && outcome.due > _world.stored["Watermark"].integer()) return;
+        if (outcome.code == outcome::kWithdrawn && outcome.due > now && outcome.due > before["Watermark"].integer())
+            return;
         if (outcome.code == outcome::kClockCorrected) return;  // it may come again, or lies behind
         const std::int64_t count = outcome.code == outcome::kMissed ? outcome.arguments["Count"].integer() : 1;
         if (count > 1) return heardMany(outcome, count);
