@@ -344,12 +344,15 @@ private:
             // What has run may come again after a correction; where the clock was ahead, what has run before this boot
             // and what was only told. What is remembered as done may not.
             const std::int64_t by = outcome.arguments["By"].integer();
-            // Several steps may come to a great one.
-            const bool isGreat = std::abs(by) >= 10'800 || by == 0 || before["Watermark"].integer() - now >= 10'800;
+            // Several steps may come to a great one. What was not stored may have been done.
+            const bool isGreat =
+                std::abs(by) >= 10'800 || by == 0 || _wasFull || before["Watermark"].integer() - now >= 10'800;
             std::erase_if(_told, [&](const auto& one) {
                 const auto& [code, boot] = one.second;
                 const bool comesAgain = isGreat || code == outcome::kMissed || boot != _world.bootId;
-                return one.first.first > now && comesAgain && (_wasFull || !isDone(before, one.first));
+                const bool erased = one.first.first > now && comesAgain && (_wasFull || !isDone(before, one.first));
+                if (erased && _wasFull) _perhapsDone.insert(one.first);
+                return erased;
             });
             if (isGreat) _lastWakeUp = -kDay * 1000;
             _mark = now;
@@ -428,7 +431,8 @@ private:
                 const auto isIt = [&](const Value& open) {
                     return open["Due"].integer() == one.due && open["Action"].text() == one.schedule->action;
                 };
-                if (_told.contains({one.due, one.schedule->action})) return;
+                const Key key(one.due, one.schedule->action);
+                if (_told.contains(key) || _perhapsDone.contains(key)) return;
                 if (std::ranges::any_of(_world.stored["Open"].array(), isIt)) return;
                 if (isCounted({one.due, one.schedule->action})) return;
                 fail("not accounted for: " + one.schedule->action + " " + VirtualWorld::clock(one.due));
@@ -494,6 +498,7 @@ private:
     Seconds _ahead = 0;
     std::map<Key, std::pair<std::string, std::string>> _told;  ///< the code, and in which boot
     std::map<Key, std::set<std::uint64_t>> _opened;            ///< the Schedules that had it open
+    std::set<Key> _perhapsDone;
     std::map<Key, Instant> _postponed;
     std::set<std::string> _trials;
     std::set<Key> _counted;         ///< by pauses
