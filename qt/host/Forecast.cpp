@@ -22,21 +22,27 @@ class AnyAction : public Actions {
 
 }  // namespace
 
-Forecast::Answer Forecast::of(const Value& schedule, const DeniedKinds& denied) const {
+Forecast::Answer Forecast::of(const Value& schedule, const Plan& plan) const {
     Answer answer;
     answer.isOff = schedule[schedule_keys::kIsEnabled].intValue() == 0;
     if (answer.isOff) return answer;
-    const ListReading reading = readScheduleList(Array{schedule}, AnyAction(), denied);
+    const ListReading reading = readScheduleList(Array{schedule}, AnyAction(), plan.deniedKinds());
     if (!reading.faults.empty()) {
         answer.reason = reading.faults.front().reason;
         answer.fault = faultReasonText(answer.reason);
     }
     if (reading.schedules.empty()) return answer;
-    const auto next = Agenda(_calendar, reading.schedules).after(std::time(nullptr), 1);
-    if (!next.empty())
-        answer.at = next.front().due;
-    else
-        answer.reason = kNoDay, answer.fault = translated("no day is chosen");
+    const Agenda agenda(_calendar, reading.schedules);
+    const std::string& action = reading.schedules.front()->action;
+    auto next = agenda.after(std::time(nullptr), 1);
+    if (next.empty()) {
+        answer.reason = kNoDay;
+        answer.fault = translated("no day is chosen");
+        return answer;
+    }
+    while (const auto until = next.empty() ? std::nullopt : plan.leftOutUntil(next.front().due, action))
+        next = agenda.after(*until - 1, 1);
+    if (!next.empty()) answer.at = next.front().due;
     return answer;
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "linux/time/SystemCalendar.h"
+#include "qt/host/Plan.h"
 #include "scheduler/World.h"
 
 namespace quorel::qt {
@@ -18,8 +19,8 @@ public:
     };
     inline static constexpr std::string_view kNoDay = "days";
 
-    /// `denied`: kinds of sleep that this computer does not have.
-    Answer of(const Value& schedule, const DeniedKinds& denied) const;
+    /// By what the daemon tells of kinds of sleep, pauses and skips.
+    Answer of(const Value& schedule, const Plan& plan) const;
 
 private:
     SystemCalendar _calendar;

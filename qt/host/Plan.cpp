@@ -1,10 +1,12 @@
 #include "qt/host/Plan.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
 #include "kit/MOLLog.h"
 #include "linux/bus/BusValues.h"
+#include "model/Upcoming.h"
 #include "model/Wire.h"
 
 namespace quorel::qt {
@@ -93,6 +95,18 @@ void Plan::fetched() {
 
 BusMessagePointer Plan::newCall(const char* method) const {
     return quorel::newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
+}
+
+std::optional<Instant> Plan::leftOutUntil(Instant due, const std::string& action) const {
+    namespace keys = wire::keys;
+    for (const Value& pause : pauses()) {
+        const Instant until = pause[keys::kUntil].integer();
+        if (pause[keys::kFrom].integer() <= due && due < until) return until;
+    }
+    const bool isLeftOut = std::ranges::any_of(upcoming(), [&](const Value& one) {
+        return isSkipped(one) && one[keys::kDue].integer() == due && one[keys::kAction].text() == action;
+    });
+    return isLeftOut ? std::optional(due + 1) : std::nullopt;
 }
 
 void Plan::change(const char* method, const std::string& token, std::optional<Seconds> by, Done done) {

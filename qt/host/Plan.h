@@ -30,6 +30,10 @@ public:
     const Array& pauses() const { return _pauses.array(); }
     const Array& outcomes() const { return _outcomes.array(); }  ///< oldest first
 
+    /// What leaves out the occurrence of this action at this instant, a pause or a skip: until then. Nothing where it
+    /// stands.
+    std::optional<Instant> leftOutUntil(Instant due, const std::string& action) const;
+
     void fetch();
     /// Calls one of the daemon's methods, with seconds where it takes them. It asks polkit and with it a person; `done`
     /// is called later, once.

@@ -135,7 +135,8 @@ void NextCard::show() {
     QStringList lines;
     if (next) lines.append(qString(stepText(*next)));
     lines.append(followingText(upcoming, next));
-    for (const Value& pause : _plan.pauses()) lines.append(qString(pauseText(pause, std::time(nullptr))));
+    for (const Value& pause : _plan.pauses())
+        lines.append(qString(translated("Pause:") + (" " + pauseText(pause, std::time(nullptr)))));
     lines.append(alarmsText(status));
     lines.removeAll(QString());
     _line->setText(lines.join(QLatin1Char('\n')));
