@@ -290,7 +290,7 @@ std::string faultReasonText(const std::string& reason) {
 }
 
 std::string faultText(const Value& fault) {
-    return filled(translated("schedule {1} ({2}) never runs: {3}"),
+    return filled(translated("schedule {1} ({2}) does not run: {3}"),
                   {std::to_string(fault[keys::kNumber].integer()), actionName(fault),
                    faultReasonText(plain(fault, keys::kReason))});
 }

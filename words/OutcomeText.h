@@ -26,7 +26,7 @@ std::string pauseText(const Value& pause, Instant now);
 std::string refusalText(const std::string& error, const std::string& text);
 /// Why a Schedule never runs, by a `wire::schedule_fault`: "there is no such action".
 std::string faultReasonText(const std::string& reason);
-/// With which Schedule it is: "Schedule 3 (Sleep) never runs: …".
+/// With which Schedule it is: "Schedule 3 (Sleep) does not run: …".
 std::string faultText(const Value& fault);
 
 }  // namespace quorel

@@ -124,7 +124,7 @@ class CtlTest(CtlCase):
                   f"            Then: Tue 2027-03-02 07:00  Wake up (2)\n"
                   f"   Wake-up alarm: Tue 2027-03-02 07:00, {none}\n"
                   f"  Start-up alarm: Tue 2027-03-02 06:58, {none}\n"
-                  f"           Fault: schedule 3 (Shut down) never runs: its hour is not between 0 and 23\n")
+                  f"           Fault: schedule 3 (Shut down) does not run: its hour is not between 0 and 23\n")
         version = self.told("--version").split()[1]
         self.assertEqual(self.run_ctl("status"), (5, f"● quorel-daemon {version} is running\n{status}", ""))
         self.assertIn("À venir", self.run_ctl(language="fr")[1])

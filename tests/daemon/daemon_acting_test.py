@@ -80,7 +80,7 @@ class ActingTest(ActingCase):
 
     def test_sleeps_in_its_own_way_or_not_at_all(self):
         self.begin(schedule(SLEEP, "23:15", Kind="hibernate"), schedule(SLEEP, "23:30", Kind="system"))
-        self.hear("schedule 2 (Sleep) never runs: this computer does not have that kind of sleep")
+        self.hear("schedule 2 (Sleep) does not run: this computer does not have that kind of sleep")
         self.sleep_at_its_minute()
         self.last("slept")
         self.move_to("23:30")
