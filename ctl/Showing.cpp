@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <thread>
 #include <utility>
 
 #include "ctl/CheckModule.h"
 #include "ctl/Commands.h"
 #include "ctl/Failures.h"
+#include "ctl/Hints.h"
 #include "ctl/JsonOutput.h"
 #include "ctl/ModuleText.h"
 #include "ctl/Occurrences.h"
@@ -34,7 +36,7 @@ using Rows = std::vector<std::vector<std::string>>;
 constexpr unsigned kUsualUpcoming = 5;
 constexpr unsigned kUsualOutcomes = 10;
 constexpr unsigned kInStatus = 10;
-constexpr std::chrono::seconds kLookAgain{1};
+constexpr std::chrono::seconds kBeforeAnotherBus{5};
 
 /// How many are wanted. Nothing where that is no number, which has been said.
 std::optional<unsigned> wanted(const CommandLine& line, unsigned usual, unsigned most) {
@@ -62,16 +64,18 @@ Array newOnes(const Array& before, const Array& now) {
 /// As they come, until the program is ended.
 ExitStatus follow(const CommandLine& line, Array told) {
     const Page page;
+    std::optional<Hints> hints(std::in_place);
     while (true) {
-        std::fflush(stdout);
-        if (std::ferror(stdout) != 0) return ExitStatus::kFailed;  // nobody reads it any more
-        std::this_thread::sleep_for(kLookAgain);
         DaemonClient daemon;
-        Answer answer = askForList(daemon, wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes);
-        if (answer.failure != Failure::kNone) continue;  // it may be starting again
+        const Answer answer = askForList(daemon, wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes);
         for (const Value& one : newOnes(told, answer.value.array()))
             line.json ? page.line(jsonOutput(one.dictionary())) : page.table({logRow(one)});
-        if (!answer.value.array().empty()) told = answer.value.array();
+        if (!answer.value.array().empty()) told = answer.value.array();  // else it may be starting again
+        std::fflush(stdout);
+        if (std::ferror(stdout) != 0) return ExitStatus::kFailed;  // nobody reads it any more
+        if (hints->wait()) continue;
+        std::this_thread::sleep_for(kBeforeAnotherBus);
+        hints.emplace();
     }
 }
 

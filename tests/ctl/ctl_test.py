@@ -6,6 +6,7 @@ import os
 import pty
 import shutil
 import signal
+import subprocess
 import sys
 import time
 import unittest
@@ -14,7 +15,7 @@ import dbus
 import dbus.lowlevel
 
 from ctl_case import NAME, QUORELCTL, CtlCase
-from private_system import wait_until
+from private_system import read_line, wait_until
 from schedules import SHUT_DOWN, SLEEP, WAKE_UP, schedule
 
 NOBODY = 65534
@@ -140,8 +141,10 @@ class CtlTest(CtlCase):
         self.move_to(23, 14)
         wait_until(lambda: self.next()[0]["step"] == "waiting", "it waits")
         self.assertIn("held up: it is not known what speaks against it", self.told("next"))
+        follower = self.system.start([QUORELCTL, f"--root={self.root}", "log", "-f"], stdout=subprocess.PIPE)
         self.move_to(23, 45)
-        wait_until(lambda: "not put to sleep: it is not known" in self.told("log"), "it gives up")
+        self.assertIn("not put to sleep: it is not known", read_line(follower))
+        self.assertIn("not put to sleep: it is not known", self.told("log"))
 
     def test_coloured_and_wrapped_on_a_terminal_alone(self):
         self.start_daemon(schedule(SLEEP, "23:15"))
