@@ -76,7 +76,7 @@ SENTENCES = (
      "l’horloge retarde de 24 heures ; rien ne se fait avant qu’elle soit réglée, dix minutes au plus"),
     ("paused", "", {"Count": 3, "From": AT, "Until": AT + 3600, "By": "bob"},
      "paused from Mon 2027-03-01 23:00 to Tue 2027-03-02 00:00 by bob: 3 left out",
-     "suspendu du Mon 2027-03-01 23:00 au Tue 2027-03-02 00:00 par bob : 3 sans effet"),
+     "suspendu de Mon 2027-03-01 23:00 à Tue 2027-03-02 00:00 par bob : 3 sans effet"),
     ("back-to-sleep", "", {}, "woken for nothing; put back to sleep", "réveillé pour rien ; remis en veille"),
     (FORGERY, SLEEP, {}, SHOWN, SHOWN),
     # Of other kinds than they should be.
