@@ -22,4 +22,10 @@ bool keepsAwake(const Value& upcoming) {
     return upcoming[keys::kStep].text() == wire::step::kRunning && upcoming[keys::kUntil].isPresent();
 }
 
+Value pauseAround(const Array& pauses, std::int64_t instant) {
+    for (const Value& one : pauses)
+        if (one[keys::kFrom].integer() <= instant && instant < one[keys::kUntil].integer()) return one;
+    return {};
+}
+
 }  // namespace quorel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "model/Value.h"
 
 namespace quorel {
@@ -11,5 +13,8 @@ bool canBeSkipped(const Value& upcoming);
 bool isSkipped(const Value& upcoming);
 /// The computer is kept awake by it now; skipped, it lets go.
 bool keepsAwake(const Value& upcoming);
+
+/// The pause that goes on at an instant, of those that the daemon's Pauses() tells. Absent where there is none.
+Value pauseAround(const Array& pauses, std::int64_t instant);
 
 }  // namespace quorel

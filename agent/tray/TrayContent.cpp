@@ -58,11 +58,11 @@ void addOccurrence(TrayContent& content, const Value& one, const TrayTold& told)
 }
 
 /// Ending one that is no brief one is a change of the plan, which is not for the panel.
-void addPause(TrayContent& content, const Value* pause, bool mayPause, Instant now) {
+void addPause(TrayContent& content, const Value& pause, bool mayPause, Instant now) {
     if (!mayPause) return;
-    if (pause) {
-        const Instant from = (*pause)[keys::kFrom].integer();
-        if (!isBrief({.from = from, .until = (*pause)[keys::kUntil].integer()}, now, SystemCalendar())) return;
+    if (pause.isPresent()) {
+        const Instant from = pause[keys::kFrom].integer();
+        if (!isBrief({.from = from, .until = pause[keys::kUntil].integer()}, now, SystemCalendar())) return;
         content.menu.emplace_back();
         return addChoice(content, translated("Resume"), {.what = TrayContent::Choice::kResume, .from = from});
     }
@@ -82,15 +82,13 @@ void addRest(TrayContent& content, bool hasSettings) {
 TrayContent trayContent(const TrayTold& told, Instant now, bool hasSettings) {
     const Array& upcoming = told.upcoming;
     TrayContent content;
-    const Value* pause = nullptr;
-    for (const Value& one : told.pauses)
-        if (one[keys::kFrom].integer() <= now && now < one[keys::kUntil].integer()) pause = &one;
-    if (pause) addLine(content, filled(translated("Paused {1}"), {pauseText(*pause, now)}));
+    const Value pause = pauseAround(told.pauses, now);
+    if (pause.isPresent()) addLine(content, filled(translated("Paused {1}"), {pauseText(pause, now)}));
     if (upcoming.empty()) addLine(content, translated("Nothing is planned."));
     for (std::size_t i = 0; i < std::min(upcoming.size(), kMostOccurrences); ++i)
         addOccurrence(content, upcoming[i], told);
     const auto next = std::ranges::find_if(upcoming, canBeSkipped);
-    content.title = pause || next == upcoming.end() ? content.menu.front().text : lineOf(*next);
+    content.title = pause.isPresent() || next == upcoming.end() ? content.menu.front().text : lineOf(*next);
     addPause(content, pause, told.mayPause, now);
     addRest(content, hasSettings);
     return content;

@@ -11,6 +11,7 @@
 #include "linux/login/Users.h"
 #include "model/PlainText.h"
 #include "model/Schedule.h"
+#include "model/Upcoming.h"
 #include "model/Wire.h"
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
@@ -138,6 +139,10 @@ void Warnings::tellWhy(const Value& occurrence) {
                             ? filled(translated("postponed until {1} by {2}"),
                                      {timeText(next[keys::kAt].integer()), plainText(next[keys::kBy].text())})
                             : stepText(next));
+    const Instant at = occurrence[keys::kAt].integer();
+    const Value pause = pauseAround(_daemon.pauses(), at);
+    if (pause.isPresent() && pause[keys::kBy].text() != own)
+        return tell(occurrence, filled(translated("Paused {1}"), {pauseText(pause, at)}));
     const Array& outcomes = _daemon.outcomes();
     for (auto ended = outcomes.rbegin(); ended != outcomes.rend(); ++ended)
         if (isSame(*ended, occurrence) && (*ended)[keys::kCode].text() == outcome::kSkipped &&

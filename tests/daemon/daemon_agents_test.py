@@ -117,6 +117,15 @@ class AgentsTest(ActingCase):
         self.wait_for(lambda: self.outcomes() == ["skipped"], "skipped")
         self.assertEqual(self.calls("Suspend"), [])
 
+    def test_a_pause_takes_the_warning_away(self):
+        self.start(schedule(SLEEP, "23:15"))
+        _, server = self.log_in(NOBODY)
+        self.reach("23:14", "warned")
+        self.expect(server, warning("23:15"))
+        root = self.caller(0)
+        self.assertEqual(root.call("/com/quorel/Scheduler", SCHEDULER, "Pause", "xx", 0, 0)[0], "")
+        self.expect(server, (PLANNED, "Paused until Tue 2027-03-02 05:00, by root", [], 1, -1))
+
     def test_is_postponed_as_often_as_wanted(self):
         self.start(schedule(SLEEP, "23:15"))
         connection, server = self.log_in(NOBODY)
