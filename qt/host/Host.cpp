@@ -86,6 +86,8 @@ void Host::connectControls() {
     on(window.lockButton, [this] {
         _controller->toggleAuth(_controller->outlets.authButton.get());
         showLock();
+        const bool isLocked = _controller->configurator()->isLocked();
+        _parts.window.notice(isLocked ? qString(translated("It stays locked: permission was not given.")) : QString());
         caughtUp();
     });
     on(window.add, [this] { runSheet(true); });

@@ -27,6 +27,8 @@ TEST_F(HostTest, StaysLockedWhereSomebodyHasToBeAsked) {
     press(Qt::Key_Space);
     press(Qt::Key_Delete);
     EXPECT_EQ(hours(), "7 8 9 ");
+    window.lockButton->click();
+    EXPECT_TRUE(window.noticeBar->isVisible());
     memory.authorization.grantedWhenAsked = true;
     window.lockButton->click();
     EXPECT_FALSE(window.lockBar->isVisible());
