@@ -1,6 +1,6 @@
 // The events, from their coming in to the effects that go out. What an event does to what is open is in
-// SchedulerEvents.cpp, what is planned in SchedulerPlan.cpp, what is open in SchedulerOpen.cpp, what is stored in
-// SchedulerState.cpp.
+// SchedulerEvents.cpp, what is planned in SchedulerPlan.cpp, what is open in SchedulerOpen.cpp, pauses in
+// SchedulerPauses.cpp, what is stored in SchedulerState.cpp.
 #include "scheduler/Scheduler.h"
 
 #include <algorithm>

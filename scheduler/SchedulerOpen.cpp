@@ -67,54 +67,6 @@ void Scheduler::close(OpenOccurrence& open, bool isToStay) {
     _changed = true;
 }
 
-/// It counts in the pause, and is not told by itself.
-void Scheduler::paused(OpenOccurrence& open) {
-    countPaused(open.at);
-    close(open, true);
-}
-
-Pauses::Answer Scheduler::pause(Now now, const Pause& wanted) {
-    Pauses::Answer answer{{}, wire::pause_fault::kNotNow};
-    if (_working) return answer;
-    take(now, [&] {
-        Pause pause = completed(wanted, this->now(), _world.calendar);
-        pause.by = plainText(pause.by);
-        answer = _pauses.add(this->now(), std::move(pause));
-        _changed = true;
-    });
-    return answer;
-}
-
-bool Scheduler::resume(Now now, Instant from) {
-    bool ended = false;
-    if (_working) return ended;
-    tick(now);  // what was due in it by now counts
-    take(now, [&] {
-        const std::optional<Pause> pause = _pauses.remove(from);
-        ended = pause.has_value();
-        if (pause) pauseEnded(*pause, std::min(this->now(), pause->until));
-    });
-    return ended;
-}
-
-void Scheduler::pauseOpen() {
-    const bool isPaused = _pauses.around(now()) != nullptr;
-    if (isPaused != std::exchange(_wasPaused, isPaused)) _changed = true;
-    if (isPaused) happen({Event::kPaused});
-}
-
-void Scheduler::endPauses() {
-    while (const std::optional<Pause> pause = _pauses.over(now())) pauseEnded(*pause, pause->until);
-}
-
-void Scheduler::pauseEnded(const Pause& pause, Instant until) {
-    _changed = true;
-    happen({Event::kAgentComes});  // perhaps within it
-    if (pause.count == 0) return;
-    tell(outcome::kPaused, nullptr,
-         {{keys::kCount, pause.count}, {keys::kFrom, pause.from}, {keys::kUntil, until}, {keys::kBy, pause.by}});
-}
-
 std::optional<Instant> Scheduler::nextOf(const OpenOccurrence& open) const {
     const Occurrence& one = open.occurrence;
     switch (rowOf(open.step).next) {

@@ -196,22 +196,6 @@ std::optional<Instant> Scheduler::earliest(const Agenda& agenda, bool ScheduleRe
     return best;
 }
 
-/// What is planned, as Agenda::after has it, but for what a pause leaves out.
-std::vector<Occurrence> Scheduler::coming(const Agenda& agenda, std::size_t most, const Agenda::Wanted& wanted,
-                                          bool wholeMinutes) const {
-    std::vector<Occurrence> result;
-    Instant from = std::max(_watermark, now());
-    while (result.size() < most) {
-        if (const Pause* pause = _pauses.around(from + 1)) from = pause->until - 1;
-        const std::vector<Occurrence> some = agenda.after(from, most - result.size(), wanted, wholeMinutes);
-        const auto cut = std::ranges::find_if(some, [&](const Occurrence& one) { return _pauses.around(one.due); });
-        result.insert(result.end(), some.begin(), cut);
-        if (cut == some.end()) break;
-        from = cut->due - 1;
-    }
-    return result;
-}
-
 std::vector<Upcoming> Scheduler::upcoming(std::size_t most) const {
     std::vector<Upcoming> result;
     for (const OpenOccurrence& open : _open) {
