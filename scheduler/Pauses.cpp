@@ -48,6 +48,7 @@ Pauses::Answer Pauses::add(Instant now, Pause pause) {
             ++other;
             continue;
         }
+        if (other->from <= pause.from && pause.until <= other->until) pause.by = other->by;  // it stays as it was
         pause.from = std::min(pause.from, other->from);
         pause.until = std::max(pause.until, other->until);
         pause.count += other->count;

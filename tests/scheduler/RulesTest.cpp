@@ -139,7 +139,8 @@ void play(VirtualWorld& w, const std::string& script) {
         }
         if (what == "pause") {
             const auto time = [&](std::size_t i) { return i < rest.size() ? timeOf(rest[i]) : 0; };
-            const auto answer = w.scheduler->pause(w.now, {.from = time(0), .until = time(1), .by = "ann"});
+            const std::string by = rest.size() > 2 ? rest[2] : "ann";
+            const auto answer = w.scheduler->pause(w.now, {.from = time(0), .until = time(1), .by = by});
             if (!answer.fault.empty()) w.note("no pause: " + std::string(answer.fault));
         }
         if (what == "pauses") {
@@ -477,7 +478,7 @@ const Row kRows[] = {
      "11:00 pauses 11:00-+1 05:00=0; 11:00 no pause: past; 11:00 no pause: too-far; 11:00 pauses 11:00-+1 06:00=0 +2 00:00-+2 02:00=0; 11:00 no such; 11:00 no pause: too-many"},
     {"what is in course ends, what was asked for does not", "apt; from 22:50 Sleep@23:00; until 23:05; pause; down 5; free; until 1+05:00; log",
      "+1 05:00 paused ann 1; +1 05:00 told paused"},
-    {"what runs goes on; nothing of the warning minute comes into course", "long; from 11:59 Plain@12:00 Sleep@12:30; until 12:05; pause 12:30 12:40; until 13:00",
+    {"what runs goes on; nothing of the warning minute comes into course", "long; from 11:59 Plain@12:00 Sleep@12:30; until 12:05; pause 12:30 12:40; pause 12:31 12:40 bob; until 13:00",
      "12:00 start Plain; 12:40 paused ann 1; 13:00 ran Plain 12:00"},
     {"a skipped one ends and counts, a postponed one within it, too; the end itself is not within",
      "from 11:00 Plain@12:00 Plain1@12:30 Plain2@13:00; skip; until 12:01; skip; pause 12:10 13:00; until 12:11; pauses; until 13:00:10",
