@@ -23,15 +23,21 @@ systemctl mask getty@tty1 serial-getty@ttyS0 apt-daily.timer apt-daily-upgrade.t
 cd "$(mktemp -d)"
 apt-get download "$(apt-cache depends linux-image-cloud-amd64 | sed -n 's/.*Depends: //p')"
 dpkg-deb -x linux-image-*.deb .
-rm -rf lib/modules/*/kernel/{drivers/{net,infiniband,scsi,gpu},net}
-kernel=$(ls lib/modules)
-mv lib/modules /usr/lib/
+modules=$(find . -path '*lib/modules')  # where this release has them
+rm -rf "$modules"/*/kernel/{drivers/{net,infiniband,scsi,gpu},net}
+kernel=$(ls "$modules")
+mv "$modules" /usr/lib/
 depmod "$kernel"
 mkdir -p initrd/{bin,dev,new,modules}
 cp /bin/busybox initrd/bin/
 number=10
-modprobe --set-version="$kernel" --show-depends --all virtio_pci virtio_blk | awk '!seen[$0]++' |
-  while read -r _ module _; do cp "$module" initrd/modules/$((number++)).ko; done
+modprobe --set-version="$kernel" --show-depends --all virtio_pci virtio_blk ext4 | grep ^insmod | awk '!seen[$0]++' |
+  while read -r _ module _; do
+    case $module in
+      *.xz) busybox unxz -c "$module" ;;
+      *) cat "$module" ;;
+    esac > initrd/modules/$((number++)).ko
+  done
 cat > initrd/init << 'END'
 #!/bin/busybox sh
 busybox mount -t devtmpfs dev /dev
