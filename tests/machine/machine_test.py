@@ -81,6 +81,7 @@ DAEMON = "systemctl show --value -p MainPID quorel-daemon"
 SESSION = "$(loginctl show-user anna --value -p Sessions)"
 AGENT = "pgrep -x quorel-agent"
 ALARM = "/sys/class/rtc/rtc0/wakealarm"
+ON_TERMINAL = " ".join(f"-p Standard{name}=tty" for name in ("Input", "Output", "Error"))
 FILES = ("find / -xdev \\( -path /home -o -path /root -o -path /tmp -o -path /var/tmp -o -path /var/log -o -path "
          "/var/cache -o -path /run -o -path /var/lib/apt \\) -prune -o -print | sort")
 
@@ -158,9 +159,11 @@ class PackageTest(unittest.TestCase):
     def test_05_shuts_down_at_its_minute_and_leaves_the_alarm_set(self):
         # In local time, as beside another system, with two hours between the clocks for who takes it for the world's.
         guest.run("timedatectl set-timezone Europe/Helsinki; timedatectl set-local-rtc 1")
+        guest.run(f"systemd-run -q -p User=anna -p PAMName=login -p TTYPath=/dev/tty6 {ON_TERMINAL} sleep 1h")
         guest.run("date -s '2027-03-01 12:00:50'; hwclock --systohc --localtime")
         guest.run(save(**{"Schedule Array": [schedule("WakeUp", 18, 30, **{"Needs Startup": 1}),
                                              schedule("ShutDown", 12, 2)]}))
+        guest.wait("grep -a 'Quorel: Shutting down at 12:02' /dev/vcs6")
         guest.wait_state("shutdown")
         is_set = guest.cmos(0x0b) & 0x20
         hour, minute, second = (int(f"{guest.cmos(register):x}") for register in (5, 3, 1))
@@ -214,8 +217,7 @@ class PackageTest(unittest.TestCase):
         self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}) + "; systemctl stop ask")
         guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 23, 0)]}))
         token = json.loads(guest.run("quorelctl next --json"))["upcoming"][0]["token"]
-        words = " ".join(f"-p Standard{name}=tty" for name in ("Input", "Output", "Error"))
-        guest.run(f"systemd-run -q --unit=ask -p User=anna -p PAMName=login -p TTYPath=/dev/tty5 {words} "
+        guest.run(f"systemd-run -q --unit=ask -p User=anna -p PAMName=login -p TTYPath=/dev/tty5 {ON_TERMINAL} "
                   f"quorelctl skip {token}")
         guest.wait("grep -a 'AUTHENTICATING FOR com.quorel.skip.*Password' /dev/vcs5")
 
