@@ -9,6 +9,7 @@ import tempfile
 import time
 
 LIMIT = 300  # seconds for what is a matter of some, on a busy computer that emulates another one
+HOOKS = "/usr/lib/systemd/system-sleep"
 LIFE = 2400  # seconds for all; what comes after that fails at once
 
 
@@ -49,6 +50,14 @@ class Machine:
         while self._line(self._deadline(LIMIT)) != "ready":
             pass
         self.run("mkdir -p /payload && mount /dev/vdb /payload && (systemctl is-system-running --wait; true)", LIMIT)
+        self.run(f"mkdir -p {HOOKS} && printf '#!/bin/sh\\n[ $1 = pre ] || echo awake > /dev/ttyS1\\n' > {HOOKS}/probe && "
+                 f"chmod 755 {HOOKS}/probe")
+
+    def wait_awake(self):
+        """Returns when the guest has slept. What is sent before its driver is awake, too, blocks the port for good."""
+        self.wait_state("suspended")
+        while self._line(self._deadline(LIMIT)) != "awake":
+            pass
 
     def start(self):
         """Of a machine that is off."""

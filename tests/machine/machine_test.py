@@ -200,8 +200,7 @@ class PackageTest(unittest.TestCase):
     def test_05c_sleeps_and_wakes_at_the_minute(self):
         guest.run("date -s '2027-03-01 14:58:50'")
         guest.run(save(**{"Schedule Array": [schedule("Sleep", 15, 0), schedule("WakeUp", 15, 2)]}))
-        guest.wait_state("suspended")
-        guest.wait_state("running")
+        guest.wait_awake()
         guest.wait("quorelctl log --json | grep -q woke-up")
         log = {one["code"]: one for one in json.loads(guest.run("quorelctl log --json"))["outcomes"]}
         at = {code: time.gmtime(log[code]["dueSeconds"])[3:5] for code in ("slept", "woke-up")}
