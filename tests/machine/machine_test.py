@@ -78,7 +78,8 @@ def anna(command):
 PING = call("Daemon", "Ping")
 PING_AGENT = anna(call("UserAgent", "Ping", flags="--user --auto-start=no"))
 DAEMON = "systemctl show --value -p MainPID quorel-daemon"
-SESSION = "$(loginctl show-user anna --value -p Sessions)"
+# Where she sits; from systemd 256 on her service manager has one, too.
+SESSION = "$(loginctl list-sessions --no-legend | awk '$3 == \"anna\" && $4 == \"seat0\" { print $1 }')"
 AGENT = "pgrep -x quorel-agent"
 ALARM = "/sys/class/rtc/rtc0/wakealarm"
 ON_TERMINAL = " ".join(f"-p Standard{name}=tty" for name in ("Input", "Output", "Error"))
