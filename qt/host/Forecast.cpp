@@ -22,11 +22,11 @@ class AnyAction : public Actions {
 
 }  // namespace
 
-Forecast::Answer Forecast::of(const Value& schedule, const Plan& plan) const {
+Forecast::Answer Forecast::of(const Value& schedule, const Told& told) const {
     Answer answer;
     answer.isOff = schedule[schedule_keys::kIsEnabled].intValue() == 0;
     if (answer.isOff) return answer;
-    const ListReading reading = readScheduleList(Array{schedule}, AnyAction(), plan.deniedKinds());
+    const ListReading reading = readScheduleList(Array{schedule}, AnyAction(), told.deniedKinds);
     if (!reading.faults.empty()) {
         answer.reason = reading.faults.front().reason;
         answer.fault = faultReasonText(answer.reason);
@@ -40,7 +40,7 @@ Forecast::Answer Forecast::of(const Value& schedule, const Plan& plan) const {
         answer.fault = translated("no day is chosen");
         return answer;
     }
-    while (const auto until = next.empty() ? std::nullopt : plan.leftOutUntil(next.front().due, action))
+    while (const auto until = next.empty() ? std::nullopt : told.leftOutUntil(next.front().due, action))
         next = agenda.after(*until - 1, 1);
     if (!next.empty()) answer.at = next.front().due;
     return answer;

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "linux/time/SystemCalendar.h"
-#include "qt/host/Plan.h"
+#include "qt/host/Told.h"
 #include "scheduler/World.h"
 
 namespace quorel::qt {
@@ -20,7 +20,7 @@ public:
     inline static constexpr std::string_view kNoDay = "days";
 
     /// By what the daemon tells of kinds of sleep, pauses and skips.
-    Answer of(const Value& schedule, const Plan& plan) const;
+    Answer of(const Value& schedule, const Told& told) const;
 
 private:
     SystemCalendar _calendar;

@@ -1,12 +1,10 @@
 #include "qt/host/Plan.h"
 
-#include <algorithm>
 #include <exception>
 #include <utility>
 
 #include "kit/MOLLog.h"
 #include "linux/bus/BusValues.h"
-#include "model/Upcoming.h"
 #include "model/Wire.h"
 
 namespace quorel::qt {
@@ -38,14 +36,14 @@ Plan::Plan(EventLoop& loop, std::function<void()> changed)
     if (!_bus) return;
     const std::string daemon(kDaemonName);
     _owner = watchOwner(_bus.get(), daemon, [this](const std::string& owner) {
-        _isThere = !owner.empty();
+        _told.isThere = !owner.empty();
         fetch();
     });
     _hints = watchSignals(_bus.get(), daemon,
                           std::string("member='Changed',interface='") + wire::scheduler::kInterface + "'",
                           [this](sd_bus_message*) { fetch(); });
     _kinds.emplace(_bus.get(), [this](const DeniedKinds& denied) {
-        if (denied != std::exchange(_denied, denied)) _changed();
+        if (denied != std::exchange(_told.deniedKinds, denied)) _changed();
     });
     _kinds->ask();
     fetch();
@@ -58,10 +56,10 @@ void Plan::fetch() {
         return;
     }
     _missing = 4;
-    read(wire::scheduler::kUpcoming, kMostUpcoming, _upcoming);
-    read(wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes, _outcomes);
-    read(wire::scheduler::kStatus, std::nullopt, _status);
-    read(wire::scheduler::kPauses, std::nullopt, _pauses);
+    read(wire::scheduler::kUpcoming, kMostUpcoming, _told.upcoming);
+    read(wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes, _told.outcomes);
+    read(wire::scheduler::kStatus, std::nullopt, _told.status);
+    read(wire::scheduler::kPauses, std::nullopt, _told.pauses);
 }
 
 void Plan::read(const char* method, std::optional<unsigned> most, Value& into) {
@@ -71,7 +69,7 @@ void Plan::read(const char* method, std::optional<unsigned> most, Value& into) {
     send(method, call, kPatience, [this, &into](sd_bus_message* reply) {
         const bool answered = !errorOf(reply);
         into = answered ? readValue(reply).value_or(Value()) : Value();
-        if (&into == &_upcoming) _isThere = answered;
+        if (&into == &_told.upcoming) _told.isThere = answered;
         fetched();
     });
 }
@@ -95,18 +93,6 @@ void Plan::fetched() {
 
 BusMessagePointer Plan::newCall(const char* method) const {
     return quorel::newCall(_bus.get(), kDaemonName.data(), wire::scheduler::kPath, wire::scheduler::kInterface, method);
-}
-
-std::optional<Instant> Plan::leftOutUntil(Instant due, const std::string& action) const {
-    namespace keys = wire::keys;
-    for (const Value& pause : pauses()) {
-        const Instant until = pause[keys::kUntil].integer();
-        if (pause[keys::kFrom].integer() <= due && due < until) return until;
-    }
-    const bool isLeftOut = std::ranges::any_of(upcoming(), [&](const Value& one) {
-        return isSkipped(one) && one[keys::kDue].integer() == due && one[keys::kAction].text() == action;
-    });
-    return isLeftOut ? std::optional(due + 1) : std::nullopt;
 }
 
 void Plan::change(const char* method, const std::string& token, std::optional<Seconds> by, Done done) {

@@ -8,8 +8,7 @@
 
 #include "linux/bus/Bus.h"
 #include "linux/login/SleepKinds.h"
-#include "model/Value.h"
-#include "scheduler/Instant.h"
+#include "qt/host/Told.h"
 
 namespace quorel::qt {
 
@@ -23,16 +22,7 @@ public:
     Plan(EventLoop& loop, std::function<void()> changed);
     Plan(const Plan&) = delete;
 
-    bool isThere() const { return _isThere; }
-    const Array& upcoming() const { return _upcoming.array(); }
-    const Value& status() const { return _status; }
-    const DeniedKinds& deniedKinds() const { return _denied; }  ///< of sleep, as the system says
-    const Array& pauses() const { return _pauses.array(); }
-    const Array& outcomes() const { return _outcomes.array(); }  ///< oldest first
-
-    /// What leaves out the occurrence of this action at this instant, a pause or a skip: until then. Nothing where it
-    /// stands.
-    std::optional<Instant> leftOutUntil(Instant due, const std::string& action) const;
+    const Told& told() const { return _told; }
 
     void fetch();
     /// Calls one of the daemon's methods, with seconds where it takes them. It asks polkit and with it a person; `done`
@@ -57,10 +47,8 @@ private:
     LoopTimer _pause;
     int _missing = 0;
     bool _again = false;
-    bool _isThere = false;
-    DeniedKinds _denied;
+    Told _told;
     std::optional<SleepKinds> _kinds;
-    Value _upcoming, _outcomes, _status, _pauses;
 };
 
 }  // namespace quorel::qt

@@ -58,7 +58,7 @@ QString joinedText(const Value& joined, Array sent, const Array& schedules, cons
 QString notStoredText(const EditsAnswer& answer) {
     const std::string why =
         answer.error.empty() ? translated("The daemon does not answer.") : refusalText(answer.error, answer.text);
-    return qString(filled(translated("{1} Your changes are kept here, and not stored."), {why}));
+    return qString(why + "\n" + translated("Your changes are kept here, and not stored."));
 }
 
 }  // namespace quorel::qt

@@ -77,11 +77,11 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
       _title(makeLabel(this, Weight::kTitle)),
       _line(makeLabel(this, Weight::kSmall)),
       _troubles(makeLabel(this, Weight::kSmall)),
-      _pause(new QPushButton(this)),
       _letSleep{new QPushButton(qString(translated("Let it sleep")), this), {}},
       _unskip{new QPushButton(qString(translated("Undo skip")), this), {}},
       _postpone{new QPushButton(qString(translated("Postpone")), this), {}},
-      _skip{new QPushButton(qString(translated("Skip")), this), {}} {
+      _skip{new QPushButton(qString(translated("Skip")), this), {}},
+      _pause(new QPushButton(this)) {
     setAccessibleName(qString(translated("Next")));
     auto* const texts = new QVBoxLayout;
     for (QLabel* label : {_title, _line, _troubles}) {
@@ -112,9 +112,8 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
     connect(_skip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _skip); });
 }
 
-void NextCard::show() {
-    const Array& upcoming = _plan.upcoming();
-    const Value& status = _plan.status();
+void NextCard::show(const Told& told) {
+    const Array& upcoming = told.upcoming.array();
     const auto first = [&](bool (*fits)(const Value&)) {
         const auto found = std::ranges::find_if(upcoming, fits);
         return found == upcoming.end() ? nullptr : &*found;
@@ -124,10 +123,11 @@ void NextCard::show() {
     offer(_unskip, first(isSkipped));
     offer(_postpone, next);
     offer(_skip, next);
-    showPause();
-    if (!_plan.isThere()) {
+    showPause(told);
+    if (!told.isThere) {
         _title->setText(qString(translated("The daemon is not running.")));
         _line->setText(qString(translated("Nothing of this plan happens until it runs.")));
+        _line->show();
         return showTroubles({});
     }
     _title->setText(next ? qString(filled(translated("Next: {1}"), {occasionOf(*next, comingText)}))
@@ -135,13 +135,13 @@ void NextCard::show() {
     QStringList lines;
     if (next) lines.append(qString(stepText(*next)));
     lines.append(followingText(upcoming, next));
-    for (const Value& pause : _plan.pauses())
+    for (const Value& pause : told.pauses.array())
         lines.append(qString(translated("Pause:") + (" " + pauseText(pause, std::time(nullptr)))));
-    lines.append(alarmsText(status));
+    lines.append(alarmsText(told.status));
     lines.removeAll(QString());
     _line->setText(lines.join(QLatin1Char('\n')));
     _line->setVisible(!lines.isEmpty());
-    showTroubles(troublesOf(status));
+    showTroubles(troublesOf(told.status));
 }
 
 void NextCard::showTroubles(const QStringList& troubles) {
@@ -170,15 +170,16 @@ Plan::Done NextCard::tellFailure() const {
 }
 
 /// One that has begun is ended; otherwise one begins.
-void NextCard::showPause() {
+void NextCard::showPause(const Told& told) {
+    const Array& pauses = told.pauses.array();
     const Instant now = std::time(nullptr);
     const auto begun =
-        std::ranges::find_if(_plan.pauses(), [now](const Value& pause) { return pause[keys::kFrom].integer() <= now; });
+        std::ranges::find_if(pauses, [now](const Value& pause) { return pause[keys::kFrom].integer() <= now; });
     _pausedFrom.reset();
-    if (begun != _plan.pauses().end()) _pausedFrom = (*begun)[keys::kFrom].integer();
+    if (begun != pauses.end()) _pausedFrom = (*begun)[keys::kFrom].integer();
     _pause->setText(qString(_pausedFrom ? translated("Resume") : translated("Pause")));
     _pause->setToolTip(_pausedFrom ? QString() : qString(translated("Nothing happens until tomorrow morning.")));
-    _pause->setVisible(_plan.isThere());
+    _pause->setVisible(told.isThere);
 }
 
 }  // namespace quorel::qt

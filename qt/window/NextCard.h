@@ -16,7 +16,7 @@ public:
     NextCard(QWidget* parent, Plan& plan, std::function<void(const QString& failure)> failed);
 
     /// What the daemon told last, or that it is not there. Again when a minute has passed.
-    void show();
+    void show(const Told& told);
 
 private:
     /// A button, and the token of the occurrence that it is about; hidden without one.
@@ -26,7 +26,7 @@ private:
     };
     void offer(Choice& choice, const Value* occurrence);
     void change(const char* method, const Choice& choice, std::optional<Seconds> by = {});
-    void showPause();
+    void showPause(const Told& told);
     Plan::Done tellFailure() const;
     void showTroubles(const QStringList& troubles);
 
@@ -35,9 +35,9 @@ private:
     QLabel* const _title;
     QLabel* const _line;
     QLabel* const _troubles;
+    Choice _letSleep, _unskip, _postpone, _skip;
     QPushButton* const _pause;
     std::optional<Instant> _pausedFrom;  ///< the pause that the button ends; nothing: it begins one
-    Choice _letSleep, _unskip, _postpone, _skip;
 };
 
 }  // namespace quorel::qt

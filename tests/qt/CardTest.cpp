@@ -1,0 +1,59 @@
+#include <QLabel>
+#include <QPushButton>
+#include <ctime>
+
+#include "model/Wire.h"
+#include "tests/qt/WindowTest.h"
+
+namespace quorel::test {
+namespace {
+
+namespace keys = wire::keys;
+using CardTest = WindowTest;
+
+Value sleepIn(Seconds seconds, std::string_view step) {
+    const Instant at = std::time(nullptr) + seconds;
+    return Dictionary{{keys::kToken, std::to_string(at)},
+                      {keys::kDue, at},
+                      {keys::kAt, at},
+                      {keys::kAction, schedule_keys::kSleepType},
+                      {keys::kStep, step}};
+}
+
+/// What can be said to it, and what it says.
+TEST_F(CardTest, OffersWhatCanBeDoneWithWhatComes) {
+    open();
+    qt::Told told;
+    const auto offers = [&](const qt::Told& what) {
+        window.next->show(what);
+        QStringList texts;
+        for (auto* const button : window.next->findChildren<QPushButton*>())
+            if (button->isVisible()) texts.append(button->text());
+        return texts.join(QLatin1Char(' ')).toStdString();
+    };
+    const auto says = [&](const char* text) {
+        for (auto* const label : window.next->findChildren<QLabel*>())
+            if (label->isVisible() && label->text().contains(QLatin1String(text))) return true;
+        return false;
+    };
+    EXPECT_EQ(offers(told), "");
+    EXPECT_TRUE(says("is not running") && says("until it runs"));
+    told.isThere = true;
+    told.status =
+        Dictionary{{keys::kActs, 1}, {keys::kWakeAlarm, Dictionary{{keys::kAt, 1}, {keys::kFault, "no-clock"}}}};
+    EXPECT_EQ(offers(told), "Pause");
+    EXPECT_TRUE(says("Nothing is planned") && says("no clock with an alarm"));
+    const Value kept = sleepIn(-60, wire::step::kRunning).with(keys::kUntil, std::time(nullptr) + 60);
+    told.upcoming = Array{kept, sleepIn(600, wire::step::kSkipped), sleepIn(1200, wire::step::kPlanned)};
+    EXPECT_EQ(offers(told), "Let it sleep Undo skip Postpone Skip Pause");
+    EXPECT_TRUE(says("kept awake until") && says("in 20 min"));
+    const Value& skipped = told.upcoming.array()[1];
+    EXPECT_EQ(told.leftOutUntil(skipped[keys::kDue].integer(), std::string(schedule_keys::kSleepType)),
+              skipped[keys::kDue].integer() + 1);
+    told.pauses = Array{Dictionary{{keys::kFrom, 1}, {keys::kUntil, std::time(nullptr) + 60}}};
+    EXPECT_EQ(offers(told), "Let it sleep Undo skip Postpone Skip Resume");
+    EXPECT_TRUE(says("Pause: until"));
+}
+
+}  // namespace
+}  // namespace quorel::test
