@@ -93,6 +93,7 @@ class AdministratorTest(LockCase):
         self.open_pane(unlocked=False)
         self.assert_unlocked()
         self.toggle()
+        self.assert_locked()
         self.application.close()
         self.open_pane(unlocked=False)
         self.assert_locked()
