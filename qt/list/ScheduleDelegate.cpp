@@ -10,6 +10,8 @@
 #include "qt/list/ScheduleModel.h"
 #include "qt/toolkit/Colours.h"
 #include "qt/toolkit/Services.h"
+#include "qt/toolkit/Text.h"
+#include "words/Language.h"
 
 namespace quorel::qt {
 
@@ -156,8 +158,11 @@ int columnWidth(const QFontMetrics& font, int column) {
     if (column == kActionColumn) return em * 10;
     if (column != kTimeColumn && column != kNextColumn) return em * 7 / 4;
     const QString longest = QLocale().toString(QTime(22, 58), shortTimeFormat());
-    const int time = font.horizontalAdvance(longest);
-    return column == kTimeColumn ? time * 8 / 5 + em : time + em * 5;
+    if (column == kTimeColumn) return font.horizontalAdvance(longest) * 8 / 5 + em;
+    int width = 0;
+    for (const char* const day : {translated("today {1}"), translated("tomorrow {1}")})
+        width = std::max(width, font.horizontalAdvance(qString(filled(day, {stdString(longest)}))));
+    return width + em * 2 / 3;
 }
 
 int rowHeight(const QFontMetrics& font) {

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTimeEdit>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "model/Dictionary.h"
@@ -134,7 +135,7 @@ void EditSheet::showFault(const std::string& reason, const QString& text) {
         label->setText(fits ? text : QString());
         label->setVisible(!label->text().isEmpty());
     }
-    adjustSize();
+    QTimer::singleShot(0, this, [this] { adjustSize(); });  // when layouts know of the lines that came or went
 }
 
 OptionForm* EditSheet::form() const {

@@ -37,6 +37,7 @@ QLabel* faultLine(QWidget* parent) {
     colours.setColor(QPalette::WindowText, faultColour(colours));
     line->setPalette(colours);
     line->setWordWrap(true);
+    line->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     line->hide();
     return line;
 }

@@ -89,9 +89,13 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
         label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         texts->addWidget(label);
     }
+    auto* const buttons = new QHBoxLayout;
+    buttons->addStretch();
+    for (const Choice* choice : {&_letSleep, &_unskip, &_postpone, &_skip}) buttons->addWidget(choice->button);
+    buttons->addWidget(_pause);
     auto* const whole = new QHBoxLayout(this);
     whole->addLayout(texts, 1);
-    for (const Choice* choice : {&_letSleep, &_unskip, &_postpone, &_skip}) whole->addWidget(choice->button);
+    whole->addLayout(buttons);
     auto* const lengths = new QMenu(_postpone.button);
     const auto length = [&](const char* text, Seconds seconds) {
         connect(lengths->addAction(qString(text)), &QAction::triggered, this,
@@ -100,7 +104,6 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
     length(translated("15 minutes"), 15 * kMinute);
     length(translated("1 hour"), kHour);
     _postpone.button->setMenu(lengths);
-    whole->addWidget(_pause);
     connect(_pause, &QPushButton::clicked, this, [this] {
         if (_pausedFrom)
             _plan.resume(*_pausedFrom, tellFailure());
@@ -110,6 +113,13 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
     connect(_letSleep.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _letSleep); });
     connect(_unskip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kUnskip, _unskip); });
     connect(_skip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _skip); });
+}
+
+/// In a narrow window the buttons stand below.
+void NextCard::resizeEvent(QResizeEvent* event) {
+    Card::resizeEvent(event);
+    const bool isNarrow = width() < fontMetrics().height() * 40;
+    static_cast<QBoxLayout*>(layout())->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
 void NextCard::show(const Told& told) {

@@ -18,6 +18,9 @@ public:
     /// What the daemon told last, or that it is not there. Again when a minute has passed.
     void show(const Told& told);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     /// A button, and the token of the occurrence that it is about; hidden without one.
     struct Choice {

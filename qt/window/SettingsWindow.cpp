@@ -47,7 +47,7 @@ SettingsWindow::SettingsWindow(Plan& plan, const QString& copyright, const QStri
       agentLight(new QLabel(this)),
       agentText(makeLabel(this, Weight::kSmall)),
       undo(button(this, translated("Undo"))),
-      revert(button(this, translated("Discard changes"))),
+      revert(button(this, translated("Discard"))),
       apply(button(this, translated("Apply"))),
       options(button(this, translated("Options…"))),
       sheet(new EditSheet(this)),
