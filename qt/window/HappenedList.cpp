@@ -20,8 +20,9 @@ namespace keys = wire::keys;
 enum Sort { kWell, kLeftOut, kFailed };
 
 Sort sortOf(std::string_view code) {
-    constexpr std::array kGood = {outcome::kSlept,        outcome::kShutDown, outcome::kWokeUp,     outcome::kStarted,
-                                  outcome::kAwakeAlready, outcome::kRan,      outcome::kBackToSleep};
+    constexpr std::array kGood = {outcome::kSlept,       outcome::kShutDown,     outcome::kWokeUp,
+                                  outcome::kStarted,     outcome::kAwakeAlready, outcome::kRan,
+                                  outcome::kBackToSleep, outcome::kKeptAwake};
     constexpr std::array kBad = {outcome::kFailed,  outcome::kTimedOut, outcome::kNotStarted, outcome::kMissed,
                                  outcome::kRefused, outcome::kGaveUp,   outcome::kStateLost,  outcome::kUnknown};
     if (std::ranges::find(kGood, code) != kGood.end()) return kWell;
