@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """quorelctl, as a person sees it: what it tells of the daemon."""
 import calendar
+import contextlib
 import json
 import os
 import pty
@@ -150,7 +151,12 @@ class CtlTest(CtlCase):
         self.start_daemon(schedule(SLEEP, "23:15"))
         reader, terminal = pty.openpty()
         self.assertEqual(self.run_ctl("status", stdout=terminal)[0], 5)
-        shown = os.read(reader, 10000).decode()
+        os.close(terminal)
+        with os.fdopen(reader, "rb", buffering=0) as file, contextlib.suppress(OSError):  # the end of a terminal
+            shown = b""
+            while data := file.read(10000):  # which hands out a piece at a time
+                shown += data
+        shown = shown.decode()
         self.assertTrue(shown.startswith("\x1b[0;1;33m●\x1b[0m quorel-daemon"), shown)
         self.assertLessEqual(max(map(len, shown.splitlines()[1:])), 80)
         self.assertNotIn("\x1b", self.run_ctl("status")[1])
