@@ -185,7 +185,7 @@ class PackageTest(unittest.TestCase):
         until = "$(date -d '21:08:00' +%s) - $(date +%s)"
         guest.wait(f"test -s {rtc}/wakealarm && apart=$((({ahead}) - ({until}))) && test ${{apart#-}} -le 30")
         guest.run("timedatectl set-local-rtc 1")
-        self.assertIn("21:08, but would come", guest.wait("quorelctl status | grep 'clock was set'"))
+        self.assertIn("21:08, but would come", guest.wait("quorelctl status | grep 'hardware.s clock was set'"))
 
     def test_05b_stays_awake_for_a_lock_of_root(self):
         guest.run("systemd-run -q --unit=upgrade systemd-inhibit --what=sleep --who=Upgrades --why=installing sleep 1h")
