@@ -15,7 +15,7 @@ inline constexpr Seconds kDay = 24 * kHour;
 
 /// The system's clocks, read together, in milliseconds. What happened between two readings is told by how they moved
 /// against each other: `wall` against `boot` when the clock was set, `boot` against `awake` when the computer slept.
-struct Now {
+struct ClockReading {
     std::int64_t wall = 0;     ///< CLOCK_REALTIME
     std::int64_t boot = 0;     ///< CLOCK_BOOTTIME: goes on while the computer sleeps
     std::int64_t awake = 0;    ///< CLOCK_MONOTONIC: stands still while it sleeps

@@ -69,11 +69,11 @@ PowerCourse::Move PowerCourse::reached(Instant now) {
     if (_unwrittenSince != 0 && now - _unwrittenSince > rules::kGrace)
         return {Do::kEnd, outcome::kRefused, {{keys::kReason, outcome::kUnwritten}}};
     if (_step == Step::kActing) return failed(now, std::string(outcome::kNoAnswer));
-    if (_asked) return looked(now, {outcome::kHoldUnknown, {}, std::string(outcome::kNoAnswer)});
+    if (_asked) return conditionsRead(now, {outcome::kHoldUnknown, {}, std::string(outcome::kNoAnswer)});
     return look(now, _step == Step::kWaiting ? Step::kWaiting : Step::kChecking);
 }
 
-PowerCourse::Move PowerCourse::looked(Instant now, const Hold& hold) {
+PowerCourse::Move PowerCourse::conditionsRead(Instant now, const Hold& hold) {
     if (!_asked) return {};
     _asked = false;
     if (hold) return wait(now, hold);

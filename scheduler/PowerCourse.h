@@ -74,7 +74,7 @@ public:
     Move reached(Instant now);
     /// What it has been waiting for has ended.
     Move freed(Instant now) { return _asked ? Move{} : look(now, Step::kWaiting); }
-    Move looked(Instant now, const Hold& hold);
+    Move conditionsRead(Instant now, const Hold& hold);
     /// That it acts could not be stored, and so it did not.
     void unwritten(Instant now);
     Move replied(Instant now, PowerReply reply, const std::string& reason);

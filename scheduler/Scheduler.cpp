@@ -21,7 +21,7 @@ Scheduler::Scheduler(const World& world)
                     [this](std::string_view code) { tell(code, nullptr); }, [this] { return ++_lastTicket; },
                     [this] { return isWakeUpNear(); }}) {}
 
-void Scheduler::take(Now now, std::function<void()> event) {
+void Scheduler::process(ClockReading now, std::function<void()> event) {
     _inbox.emplace_back(now, std::move(event));
     if (_working) return;
     _working = true;
@@ -36,7 +36,7 @@ void Scheduler::take(Now now, std::function<void()> event) {
     _working = false;
 }
 
-void Scheduler::observe(Now now) {
+void Scheduler::observe(ClockReading now) {
     const std::optional<WallClock::Change> change = _clock.observe(now, _former ? _former->watermark : _watermark);
     _wakefulness.observe(now);
     if (_clock.wasSet()) _wakefulness.rewriteAlarms();  // the hardware's clock has not moved
@@ -130,12 +130,12 @@ void Scheduler::unwritten(OpenOccurrence& open) {
     queue(open);
 }
 
-void Scheduler::start(Now now, const Value& list, const Value& stored, const std::string& bootId) {
+void Scheduler::start(ClockReading now, const Value& list, const Value& stored, const std::string& bootId) {
     _former = StoredState::from(stored);
     _clock.start(now, _former ? _former->watermark : now.instant());
     _wakefulness.start(now);
     _bootId = bootId;
-    take(now, [this, list, isLost = !_former && stored.isPresent()] {
+    process(now, [this, list, isLost = !_former && stored.isPresent()] {
         takeList(list);
         _watermark = this->now();
         if (_former) restore(*_former);
@@ -146,15 +146,15 @@ void Scheduler::start(Now now, const Value& list, const Value& stored, const std
     });
 }
 
-void Scheduler::listSaved(Now now, const Value& list) {
-    take(now, [this, list] {
+void Scheduler::listSaved(ClockReading now, const Value& list) {
+    process(now, [this, list] {
         _saved = list;
         _changed = true;
     });
 }
 
-void Scheduler::zoneChanged(Now now) {
-    take(now, [this] { _zoneChanged = true; });
+void Scheduler::zoneChanged(ClockReading now) {
+    process(now, [this] { _zoneChanged = true; });
 }
 
 /// What the old plan had due by now has been seen to.
@@ -168,12 +168,12 @@ void Scheduler::takeOverSaved() {
     planAnew();
 }
 
-void Scheduler::tick(Now now) {
-    take(now, [] {});
+void Scheduler::tick(ClockReading now) {
+    process(now, [] {});
 }
 
-void Scheduler::goingToSleep(Now now, Lid lid) {
-    take(now, [this, lid] {
+void Scheduler::goingToSleep(ClockReading now, Lid lid) {
+    process(now, [this, lid] {
         const bool mayWriteMemory = std::ranges::any_of(
             _open, [](const OpenOccurrence& open) { return open.step == Step::kActing && open.writesMemory(); });
         _wakefulness.announced(lid, mayWriteMemory);
@@ -181,8 +181,8 @@ void Scheduler::goingToSleep(Now now, Lid lid) {
     });
 }
 
-void Scheduler::resumed(Now now, Lid lid) {
-    take(now, [this, lid] { afterSleep(lid); });
+void Scheduler::resumed(ClockReading now, Lid lid) {
+    process(now, [this, lid] { afterSleep(lid); });
 }
 
 void Scheduler::afterSleep(std::optional<Lid> lid) {
@@ -193,50 +193,51 @@ void Scheduler::afterSleep(std::optional<Lid> lid) {
     happen({slept ? Event::kAwakeAgain : Event::kStayedAwake});
 }
 
-void Scheduler::lidSeen(Now now, Lid lid) {
-    take(now, [this, lid] { _wakefulness.lidSeen(lid); });
+void Scheduler::lidSeen(ClockReading now, Lid lid) {
+    process(now, [this, lid] { _wakefulness.lidSeen(lid); });
 }
 
-void Scheduler::goingDown(Now now) {
-    take(now, [this] {
+void Scheduler::goingDown(ClockReading now) {
+    process(now, [this] {
         _wakefulness.rewriteAlarms();
         happen({Event::kGoesDown});
     });
 }
 
-void Scheduler::used(Now now, const std::string& who) {
-    take(now, [this, who] {
+void Scheduler::used(ClockReading now, const std::string& who) {
+    process(now, [this, who] {
         _wakefulness.used();
         happen({.event = Event::kInput, .who = who});
     });
 }
 
-void Scheduler::agentCame(Now now) {
-    take(now, [this] { happen({Event::kAgentComes}); });
+void Scheduler::agentCame(ClockReading now) {
+    process(now, [this] { happen({Event::kAgentComes}); });
 }
 
-void Scheduler::sleepKindsDenied(Now now, const DeniedKinds& denied) {
-    take(now, [this, denied] {
+void Scheduler::sleepKindsDenied(ClockReading now, const DeniedKinds& denied) {
+    process(now, [this, denied] {
         if (denied == std::exchange(_denied, denied)) return;
         takeList(Value(_list));
         planAnew();
     });
 }
 
-void Scheduler::looked(Now now, Ticket ticket, const Conditions& conditions) {
-    take(now, [this, ticket, conditions] {
+void Scheduler::conditionsRead(ClockReading now, Ticket ticket, const Conditions& conditions) {
+    process(now, [this, ticket, conditions] {
         const std::string running = runningAction();
-        if (_wakefulness.looked(ticket, conditions, running)) return;
+        if (_wakefulness.conditionsRead(ticket, conditions, running)) return;
         OpenOccurrence* const open = asking(ticket);
         if (!open) return;
-        move(*open, open->course->looked(this->now(), holdOf(conditions, open->occurrence.schedule->idle, running)));
+        follow(*open,
+               open->course->conditionsRead(this->now(), holdOf(conditions, open->occurrence.schedule->idle, running)));
     });
 }
 
-void Scheduler::powerReplied(Now now, Ticket ticket, PowerReply reply, const std::string& reason) {
-    take(now, [this, ticket, reply, reason] {
+void Scheduler::powerReplied(ClockReading now, Ticket ticket, PowerReply reply, const std::string& reason) {
+    process(now, [this, ticket, reply, reason] {
         _wakefulness.powerReplied(ticket, reply, reason);
-        if (OpenOccurrence* open = asking(ticket)) move(*open, open->course->replied(this->now(), reply, reason));
+        if (OpenOccurrence* open = asking(ticket)) follow(*open, open->course->replied(this->now(), reply, reason));
     });
 }
 

@@ -57,55 +57,56 @@ public:
 
     /// First of all: the list ("Schedule Array" of the preferences), the state that was stored last (absent where there
     /// is none; anything where it is damaged) and a text that is another after each boot.
-    void start(Now now, const Value& list, const Value& state, const std::string& bootId);
+    void start(ClockReading now, const Value& list, const Value& state, const std::string& bootId);
     /// The list was saved, or what modules there are has changed.
-    void listSaved(Now now, const Value& list);
+    void listSaved(ClockReading now, const Value& list);
     /// Time of `nextCall` reached, the clock set, or nothing in particular.
-    void tick(Now now);
-    void zoneChanged(Now now);
+    void tick(ClockReading now);
+    void zoneChanged(ClockReading now);
     /// All alarms are as they must be when this returns.
-    void goingToSleep(Now now, Lid lid);
+    void goingToSleep(ClockReading now, Lid lid);
     /// Whether it has slept, the clocks tell.
-    void resumed(Now now, Lid lid);
+    void resumed(ClockReading now, Lid lid);
     /// While Power::holdLid holds it.
-    void lidSeen(Now now, Lid lid);
+    void lidSeen(ClockReading now, Lid lid);
     /// The system goes down. The start-up alarm is as it must be when this returns.
-    void goingDown(Now now);
+    void goingDown(ClockReading now);
     /// Somebody uses the computer: input after a while, or a session became active. `who` for a person to read.
-    void used(Now now, const std::string& who);
+    void used(ClockReading now, const std::string& who);
     /// Actions can run for a user for whom they could not before.
-    void agentCame(Now now);
+    void agentCame(ClockReading now);
     /// What the system says of the kinds of sleep; until it does, none is denied.
-    void sleepKindsDenied(Now now, const DeniedKinds& denied);
+    void sleepKindsDenied(ClockReading now, const DeniedKinds& denied);
 
-    void looked(Now now, Ticket ticket, const Conditions& conditions);
+    void conditionsRead(ClockReading now, Ticket ticket, const Conditions& conditions);
     /// `reason` says why it was refused.
-    void powerReplied(Now now, Ticket ticket, PowerReply reply, const std::string& reason);
+    void powerReplied(ClockReading now, Ticket ticket, PowerReply reply, const std::string& reason);
     /// `token` as Occurrence::token has it; `status` and `reason` of one that failed.
-    void actionEnded(Now now, const std::string& token, ActionEnd end, int status, const std::string& reason);
+    void actionEnded(ClockReading now, const std::string& token, ActionEnd end, int status, const std::string& reason);
 
     /// Whether there is such an occurrence, and the system is not doing it yet.
     bool knows(const std::string& token) const;
     /// "Not this time", said by `by`; false when there is no such occurrence any more. Repeating it changes nothing.
     /// Not from inside a call of the world.
-    bool skip(Now now, const std::string& token, const std::string& by);
+    bool skip(ClockReading now, const std::string& token, const std::string& by);
     /// A skip taken back, while its minute lies ahead. As skip.
-    bool unskip(Now now, const std::string& token, const std::string& by);
+    bool unskip(ClockReading now, const std::string& token, const std::string& by);
     /// So much on from its time or from now, whichever is later; brought to a minute at least and twelve hours at most.
     /// As skip.
-    bool postpone(Now now, const std::string& token, const std::string& by, Seconds length = rules::kPostponement);
+    bool postpone(ClockReading now, const std::string& token, const std::string& by,
+                  Seconds length = rules::kPostponement);
     /// A Schedule, as a list has it, once and now, as if this were its minute: announced, and held up by what holds
     /// others up. Its place in the list, its days and whether it is enabled do not matter.
     struct Trial {
         std::string token;       ///< of the occurrence
         std::string_view fault;  ///< why there is none: as a list's faults, or one of `wire::trial_fault`
     };
-    Trial tryNow(Now now, const Value& schedule);
+    Trial tryNow(ClockReading now, const Value& schedule);
 
     /// What is due within it is not carried out; its number is told when it is over. As skip.
-    Pauses::Answer pause(Now now, const Pause& wanted);
+    Pauses::Answer pause(ClockReading now, const Pause& wanted);
     /// The pause that began or begins then is no more; false when there is none. As skip.
-    bool resume(Now now, Instant from);
+    bool resume(ClockReading now, Instant from);
     const Pauses& pauses() const { return _pauses; }
 
     /// When `tick` must be called at the latest; nothing: not before something else happens.
@@ -134,8 +135,8 @@ private:
 
     // An event is taken to its end: first what it changes, then what has become due, then the state is stored, and only
     // then the world hears of it.
-    void take(Now now, std::function<void()> event);
-    void observe(Now now);
+    void process(ClockReading now, std::function<void()> event);
+    void observe(ClockReading now);
     void settle();
     void begin();
     void commit();
@@ -154,7 +155,7 @@ private:
     void befallInCourse(OpenOccurrence& open, Fate fate, const Happening& what);
     void befallByClock(OpenOccurrence& open, Fate fate, Seconds by);
     void setAside(OpenOccurrence& open, const Happening& what);
-    bool decide(Now now, const std::string& token, const Happening& what);
+    bool decide(ClockReading now, const std::string& token, const Happening& what);
 
     // What is planned.
     void takeList(const Value& list);
@@ -207,7 +208,7 @@ private:
     void beginCourse(OpenOccurrence& open);
     void goOn(OpenOccurrence& open);
     void anewOrMissed(OpenOccurrence& open);
-    void move(OpenOccurrence& open, const PowerCourse::Move& move);
+    void follow(OpenOccurrence& open, const PowerCourse::Move& move);
     void notStarted(OpenOccurrence& open, const std::string& reason);
     std::string runningAction() const;
     void openWokenFor();
@@ -247,7 +248,7 @@ private:
         bool mustBeWritten;  ///< beforehand
     };
     std::vector<Effect> _effects;
-    std::deque<std::pair<Now, std::function<void()>>> _inbox;
+    std::deque<std::pair<ClockReading, std::function<void()>>> _inbox;
     bool _working = false;
 };
 

@@ -43,7 +43,7 @@ bool Scheduler::befall(OpenOccurrence& open, const Happening& what) {
             break;
         case Fate::kGivenUpForNext:
             if (one.schedule->idle == 0 && what.newcomer->occurrence.schedule->idle > 0) return false;
-            move(open, open.course->giveUp(now()));
+            follow(open, open.course->giveUp(now()));
             break;
         case Fate::kPaused:
             paused(open);
@@ -121,10 +121,10 @@ void Scheduler::befallInCourse(OpenOccurrence& open, Fate fate, const Happening&
     const bool sleeps = open.isSleep();
     switch (fate) {
         case Fate::kNextMove:
-            return move(open, open.course->reached(now()));
+            return follow(open, open.course->reached(now()));
         case Fate::kGivenUpForWakeUp: {
             const Instant minute = what.at - what.at % kMinute;
-            if (sleeps ? one.due <= what.at : one.due < minute) move(open, open.course->giveUp(now()));
+            if (sleeps ? one.due <= what.at : one.due < minute) follow(open, open.course->giveUp(now()));
             return;
         }
         case Fate::kSleepOvertaken:
@@ -136,20 +136,20 @@ void Scheduler::befallInCourse(OpenOccurrence& open, Fate fate, const Happening&
         case Fate::kOvertakenByDown:
             return finish(open, outcome::kOvertaken, {{keys::kBy, outcome::kDown}});
         case Fate::kSleptOrAnew:
-            if (sleeps) return move(open, open.course->slept(now()));
+            if (sleeps) return follow(open, open.course->slept(now()));
             [[fallthrough]];
         case Fate::kShutDownAnew:
             return anewOrMissed(open);
         case Fate::kSleepRefused:
-            if (sleeps) move(open, open.course->stayedAwake(now()));
+            if (sleeps) follow(open, open.course->stayedAwake(now()));
             return;
         case Fate::kGoesOnOrAnew:
             return goOn(open);
         case Fate::kWaitsIfIdle:
-            return move(open, open.course->used(now(), what.who));
+            return follow(open, open.course->used(now(), what.who));
         case Fate::kLooksAtOnce:
             if (open.step != Step::kWaiting || open.course->hold().kind != outcome::kHoldAction) return;
-            return move(open, open.course->freed(now()));
+            return follow(open, open.course->freed(now()));
         default:
             return;
     }
@@ -195,10 +195,10 @@ void Scheduler::setAside(OpenOccurrence& open, const Happening& what) {
     _changed = true;
 }
 
-bool Scheduler::decide(Now now, const std::string& token, const Happening& what) {
+bool Scheduler::decide(ClockReading now, const std::string& token, const Happening& what) {
     bool done = false;
     if (_working) return done;
-    take(now, [&] {
+    process(now, [&] {
         OpenOccurrence* const open = named(token, what.event);
         done = open && fateOf(what.event, open->step) != Fate::kRefused;
         // A token from before a postponement asks for that one again.
@@ -208,22 +208,22 @@ bool Scheduler::decide(Now now, const std::string& token, const Happening& what)
     return done;
 }
 
-bool Scheduler::skip(Now now, const std::string& token, const std::string& by) {
+bool Scheduler::skip(ClockReading now, const std::string& token, const std::string& by) {
     return decide(now, token, {.event = Event::kSkip, .who = by});
 }
 
-bool Scheduler::unskip(Now now, const std::string& token, const std::string& by) {
+bool Scheduler::unskip(ClockReading now, const std::string& token, const std::string& by) {
     return decide(now, token, {.event = Event::kUnskip, .who = by});
 }
 
-bool Scheduler::postpone(Now now, const std::string& token, const std::string& by, Seconds length) {
+bool Scheduler::postpone(ClockReading now, const std::string& token, const std::string& by, Seconds length) {
     return decide(now, token, {.event = Event::kPostpone, .by = length, .who = by});
 }
 
-Scheduler::Trial Scheduler::tryNow(Now now, const Value& schedule) {
+Scheduler::Trial Scheduler::tryNow(ClockReading now, const Value& schedule) {
     Trial trial{{}, wire::trial_fault::kNotNow};
     if (_working) return trial;
-    take(now, [&] {
+    process(now, [&] {
         if (_pauses.around(this->now())) trial.fault = wire::trial_fault::kPaused;
         if (_pauses.around(this->now()) || !_hasBegun || _wakefulness.isBetween() || _open.size() >= rules::kMostOpen)
             return;

@@ -70,15 +70,15 @@ void Scheduler::close(OpenOccurrence& open, bool isToStay) {
 std::optional<Instant> Scheduler::nextOf(const OpenOccurrence& open) const {
     const Occurrence& one = open.occurrence;
     switch (rowOf(open.step).next) {
-        case NextLook::kAtItsMinute:
+        case NextCall::kAtItsMinute:
             return open.step == Step::kDone ? std::max(one.due, _clock.youngUntil()) : one.due;
-        case NextLook::kInTime:
+        case NextCall::kInTime:
             return open.at - warningOf(*one.schedule);
-        case NextLook::kAtItsTime:
+        case NextCall::kAtItsTime:
             return open.at;
-        case NextLook::kInCourse:
+        case NextCall::kInCourse:
             return open.course->next();
-        case NextLook::kNever:
+        case NextCall::kNever:
             break;
     }
     return std::nullopt;
@@ -201,7 +201,7 @@ void Scheduler::beginCourse(OpenOccurrence& open) {
     }
     open.course.emplace(open.at, open.occurrence.schedule->idle);
     if (open.writesMemory()) open.course->writesMemory();
-    move(open, open.course->begin(now()));
+    follow(open, open.course->begin(now()));
 }
 
 /// After a start of the service. What waited goes on, unless the computer was off or asleep; a warning begins anew.
@@ -211,19 +211,20 @@ void Scheduler::goOn(OpenOccurrence& open) {
     const bool slept = _clock.read().asleep() - _former->slept >= rules::kLeastSleep;
     if (!sameBoot && open.at < _clock.bootInstant()) return missed(open);
     if (sameBoot && !slept && waited.since != 0 && open.course->hasPatience(now()))
-        return move(open, open.course->goOn(now()));
+        return follow(open, open.course->goOn(now()));
     anewOrMissed(open);
 }
 
 void Scheduler::anewOrMissed(OpenOccurrence& open) {
     if (_clock.isLate(std::max(open.at, open.course->next()))) return missed(open);
-    move(open, open.course->begin(now()));
+    follow(open, open.course->begin(now()));
 }
 
-void Scheduler::move(OpenOccurrence& open, const PowerCourse::Move& move) {
+void Scheduler::follow(OpenOccurrence& open, const PowerCourse::Move& move) {
     using Do = PowerCourse::Do;
     if (move.what == Do::kEnd) return finish(open, move.code, move.arguments);
-    if (move.what == Do::kAct && open.isSleep() && isWakeUpNear()) return this->move(open, open.course->giveUp(now()));
+    if (move.what == Do::kAct && open.isSleep() && isWakeUpNear())
+        return this->follow(open, open.course->giveUp(now()));
     if (open.step != open.course->step() || open.waited != open.course->waited()) _changed = true;
     open.step = open.course->step();
     open.waited = open.course->waited();
@@ -232,7 +233,7 @@ void Scheduler::move(OpenOccurrence& open, const PowerCourse::Move& move) {
     const Ticket ticket = open.ticket = ++_lastTicket;
     const ScheduleReading& schedule = *open.occurrence.schedule;
     if (move.what == Do::kLook)
-        return act([this, ticket, idle = schedule.idle > 0] { _world.power.look(ticket, idle); });
+        return act([this, ticket, idle = schedule.idle > 0] { _world.power.readConditions(ticket, idle); });
     actAsWritten(open,
                  [this, ticket, sleeps = open.isSleep(), kind = schedule.sleepKind, restarts = schedule.restarts] {
                      sleeps ? _world.power.suspend(ticket, kind) : _world.power.shutDown(ticket, restarts);
@@ -248,8 +249,9 @@ void Scheduler::openWokenFor() {
     for (const Occurrence& one : found) open(one, one.due);
 }
 
-void Scheduler::actionEnded(Now now, const std::string& token, ActionEnd end, int status, const std::string& reason) {
-    take(now, [this, token, end, status, reason] {
+void Scheduler::actionEnded(ClockReading now, const std::string& token, ActionEnd end, int status,
+                            const std::string& reason) {
+    process(now, [this, token, end, status, reason] {
         const auto running = std::find_if(_open.begin(), _open.end(), [&](const OpenOccurrence& open) {
             return open.step == Step::kRunning && open.occurrence.token() == token;
         });

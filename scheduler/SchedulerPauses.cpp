@@ -16,10 +16,10 @@ void Scheduler::paused(OpenOccurrence& open) {
     close(open, true);
 }
 
-Pauses::Answer Scheduler::pause(Now now, const Pause& wanted) {
+Pauses::Answer Scheduler::pause(ClockReading now, const Pause& wanted) {
     Pauses::Answer answer{{}, wire::pause_fault::kNotNow};
     if (_working) return answer;
-    take(now, [&] {
+    process(now, [&] {
         Pause pause = completed(wanted, this->now(), _world.calendar);
         pause.by = plainText(pause.by);
         answer = _pauses.add(this->now(), std::move(pause));
@@ -28,11 +28,11 @@ Pauses::Answer Scheduler::pause(Now now, const Pause& wanted) {
     return answer;
 }
 
-bool Scheduler::resume(Now now, Instant from) {
+bool Scheduler::resume(ClockReading now, Instant from) {
     bool ended = false;
     if (_working) return ended;
     tick(now);  // what was due in it by now counts
-    take(now, [&] {
+    process(now, [&] {
         const std::optional<Pause> pause = _pauses.remove(from);
         ended = pause.has_value();
         if (pause) pauseEnded(*pause, std::min(this->now(), pause->until));

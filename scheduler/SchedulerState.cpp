@@ -53,7 +53,7 @@ void Scheduler::restore(const StoredState& state) {
         own.step = stored.step;
         own.by = stored.by;
         own.madeUp = stored.madeUp;
-        if (rowOf(own.step).next != NextLook::kInCourse) continue;
+        if (rowOf(own.step).next != NextCall::kInCourse) continue;
         own.course.emplace(own.at, one.schedule->idle, own.step, stored.next, stored.waited);
         if (own.writesMemory()) own.course->writesMemory();
     }

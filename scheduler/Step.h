@@ -42,7 +42,7 @@ enum class Column {
 };
 
 /// When a step is looked at again without anything else happening.
-enum class NextLook {
+enum class NextCall {
     kNever,
     kAtItsMinute,  ///< that of its Schedule
     kAtItsTime,
@@ -54,26 +54,26 @@ struct StepRow {
     Step step;
     std::string_view name;  ///< as it is stored and sent
     Column column;
-    NextLook next;
+    NextCall next;
     bool armsAlarms;  ///< the computer is woken and started for it
 };
 
 inline constexpr StepRow kSteps[] = {
     // clang-format off
-    {Step::kPlanned,   wire::step::kPlanned,   Column::kPlanned,    NextLook::kNever,       true},
-    {Step::kSkipped,   wire::step::kSkipped,   Column::kSkipped,    NextLook::kAtItsMinute, false},
-    {Step::kDone,      wire::step::kDone,      Column::kDone,       NextLook::kAtItsMinute, false},
-    {Step::kPostponed, wire::step::kPostponed, Column::kPostponed,  NextLook::kInTime,      true},
-    {Step::kMakeUp,    wire::step::kMakeUp,    Column::kMakeUp,     NextLook::kAtItsTime,   true},
-    {Step::kAwaited,   wire::step::kAwaited,   Column::kAwaited,    NextLook::kAtItsTime,   false},
-    {Step::kQueued,    wire::step::kQueued,    Column::kMakeUp,     NextLook::kAtItsTime,   false},
-    {Step::kRunning,   wire::step::kRunning,   Column::kRunning,    NextLook::kNever,       false},
-    {Step::kStayingAwake, wire::step::kRunning, Column::kStayingAwake, NextLook::kAtItsTime, false},
-    {Step::kLooking,   wire::step::kLooking,   Column::kInCourse,   NextLook::kInCourse,    false},
-    {Step::kWaiting,   wire::step::kWaiting,   Column::kInCourse,   NextLook::kInCourse,    false},
-    {Step::kWarned,    wire::step::kWarned,    Column::kInCourse,   NextLook::kInCourse,    false},
-    {Step::kChecking,  wire::step::kChecking,  Column::kInCourse,   NextLook::kInCourse,    false},
-    {Step::kActing,    wire::step::kActing,    Column::kActing,     NextLook::kInCourse,    false},
+    {Step::kPlanned,   wire::step::kPlanned,   Column::kPlanned,    NextCall::kNever,       true},
+    {Step::kSkipped,   wire::step::kSkipped,   Column::kSkipped,    NextCall::kAtItsMinute, false},
+    {Step::kDone,      wire::step::kDone,      Column::kDone,       NextCall::kAtItsMinute, false},
+    {Step::kPostponed, wire::step::kPostponed, Column::kPostponed,  NextCall::kInTime,      true},
+    {Step::kMakeUp,    wire::step::kMakeUp,    Column::kMakeUp,     NextCall::kAtItsTime,   true},
+    {Step::kAwaited,   wire::step::kAwaited,   Column::kAwaited,    NextCall::kAtItsTime,   false},
+    {Step::kQueued,    wire::step::kQueued,    Column::kMakeUp,     NextCall::kAtItsTime,   false},
+    {Step::kRunning,   wire::step::kRunning,   Column::kRunning,    NextCall::kNever,       false},
+    {Step::kStayingAwake, wire::step::kRunning, Column::kStayingAwake, NextCall::kAtItsTime, false},
+    {Step::kLooking,   wire::step::kLooking,   Column::kInCourse,   NextCall::kInCourse,    false},
+    {Step::kWaiting,   wire::step::kWaiting,   Column::kInCourse,   NextCall::kInCourse,    false},
+    {Step::kWarned,    wire::step::kWarned,    Column::kInCourse,   NextCall::kInCourse,    false},
+    {Step::kChecking,  wire::step::kChecking,  Column::kInCourse,   NextCall::kInCourse,    false},
+    {Step::kActing,    wire::step::kActing,    Column::kActing,     NextCall::kInCourse,    false},
     // clang-format on
 };
 

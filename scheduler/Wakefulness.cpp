@@ -7,13 +7,13 @@
 
 namespace quorel {
 
-void Wakefulness::start(const Now& now) {
+void Wakefulness::start(const ClockReading& now) {
     _now = now;
     _sleptSeen = now.asleep();
     _rewrite = true;
 }
 
-void Wakefulness::observe(const Now& now) {
+void Wakefulness::observe(const ClockReading& now) {
     _now = now;
     if (_woken || !hasSlept()) return;
     const bool started = _announced && _mayWriteMemory && isNear(_startupAlarm, rules::kStartEarly);
@@ -65,7 +65,7 @@ bool Wakefulness::over(std::optional<Lid> lid) {
     _announced.reset();
     _rewrite = true;
     if (_back && slept) _back.reset();
-    if (_back && _back->step() == Step::kActing) move(_back->stayedAwake(this->now()));
+    if (_back && _back->step() == Step::kActing) follow(_back->stayedAwake(this->now()));
     if (woken == Woken::kOtherwise) return false;
     if (now.isInBag() || woken == Woken::kByStone) {
         _backAt = _now.boot + rules::kBeforeBack * 1000;
@@ -111,25 +111,25 @@ void Wakefulness::used() {
     if (_back && _back->step() != Step::kActing) _back.reset();
 }
 
-bool Wakefulness::looked(Ticket ticket, const Conditions& conditions, const std::string& running) {
+bool Wakefulness::conditionsRead(Ticket ticket, const Conditions& conditions, const std::string& running) {
     if (!_back || ticket != _backTicket) return false;
     if (wasUsed(conditions, rules::kUsedSince) || _hands.wakeUpIsNear())
         _back.reset();
     else
-        move(_back->looked(now(), holdOf(conditions, 0, running)));
+        follow(_back->conditionsRead(now(), holdOf(conditions, 0, running)));
     return true;
 }
 
 void Wakefulness::powerReplied(Ticket ticket, PowerReply reply, const std::string& reason) {
-    if (_back && ticket == _backTicket) move(_back->replied(now(), reply, reason));
+    if (_back && ticket == _backTicket) follow(_back->replied(now(), reply, reason));
 }
 
-void Wakefulness::move(const PowerCourse::Move& move) {
+void Wakefulness::follow(const PowerCourse::Move& move) {
     using Do = PowerCourse::Do;
     if (move.what == Do::kNothing) return;
     if (move.what == Do::kEnd) return _back.reset();
     const Ticket ticket = _backTicket = _hands.ticket();
-    if (move.what == Do::kLook) return _hands.act([this, ticket] { _power.look(ticket, true); });
+    if (move.what == Do::kLook) return _hands.act([this, ticket] { _power.readConditions(ticket, true); });
     _hands.tell(outcome::kBackToSleep);
     _hands.act([this, ticket] { _power.suspend(ticket, SleepKind::kSuspend); });
 }
@@ -138,9 +138,9 @@ void Wakefulness::settle(bool isRunning, bool staysAwake) {
     if (_backAt != 0 && _now.boot >= _backAt) {
         _backAt = 0;
         _back.emplace(now(), 0, true);
-        move(_back->begin(now()));
+        follow(_back->begin(now()));
     } else if (_back && _back->next() <= now()) {
-        move(_back->reached(now()));
+        follow(_back->reached(now()));
     }
     if (_isStone && _wakeAlarm && now() >= *_wakeAlarm) _rewrite = true;
     if (_awakeUntil <= _now.boot) _awakeUntil = 0;

@@ -27,9 +27,9 @@ public:
     };
     Wakefulness(Power& power, Alarms& alarms, Hands hands) : _power(power), _alarms(alarms), _hands(std::move(hands)) {}
 
-    void start(const Now& now);
+    void start(const ClockReading& now);
     /// First of all at any event: what has woken the computer shows before an alarm is set anew.
-    void observe(const Now& now);
+    void observe(const ClockReading& now);
     void clockSet(Seconds by);
 
     /// The computer is about to sleep, and by our own asking perhaps so that only the start-up alarm ends it.
@@ -54,7 +54,7 @@ public:
 
     void used();
     /// False where the ticket is not its own.
-    bool looked(Ticket ticket, const Conditions& conditions, const std::string& running);
+    bool conditionsRead(Ticket ticket, const Conditions& conditions, const std::string& running);
     void powerReplied(Ticket ticket, PowerReply reply, const std::string& reason);
 
     /// What is due by now. `isRunning`: an action that the computer may have been woken for. `staysAwake`: a Schedule
@@ -78,12 +78,12 @@ private:
     Seconds longestSilence() const;
     bool isNear(const std::optional<Instant>& alarm, Seconds late = rules::kAlarmLate) const;
     void holdLid(bool hold);
-    void move(const PowerCourse::Move& move);
+    void follow(const PowerCourse::Move& move);
 
     Power& _power;
     Alarms& _alarms;
     const Hands _hands;
-    Now _now;
+    ClockReading _now;
 
     std::optional<std::int64_t> _announced;  ///< on the awake clock
     bool _mayWriteMemory = false;            ///< that sleep

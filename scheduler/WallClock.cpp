@@ -7,7 +7,7 @@
 
 namespace quorel {
 
-void WallClock::start(Now now, Instant watermark) {
+void WallClock::start(ClockReading now, Instant watermark) {
     _now = now;
     _offset = now.wall - now.boot;
     _startedAt = now.boot;
@@ -20,7 +20,7 @@ void WallClock::start(Now now, Instant watermark) {
         _doubtUntil = rules::kLongestUnsynchronised * 1000;
 }
 
-std::optional<WallClock::Change> WallClock::observe(Now now, Instant watermark) {
+std::optional<WallClock::Change> WallClock::observe(ClockReading now, Instant watermark) {
     _now = now;
     _watermark = watermark;
     const std::int64_t moved = now.wall - now.boot - _offset;

@@ -17,10 +17,10 @@ public:
     };
 
     /// The service starts. `watermark`: what was stored has been taken up to there.
-    void start(Now now, Instant watermark);
+    void start(ClockReading now, Instant watermark);
     /// What the clocks show now, and the watermark. How the wall clock was set since they were last read; what happens
     /// to a clock that is not trusted yet means nothing.
-    std::optional<Change> observe(Now now, Instant watermark);
+    std::optional<Change> observe(ClockReading now, Instant watermark);
     /// Everything of this moment has been seen to.
     void settled() { _waited = 0; }
 
@@ -33,7 +33,7 @@ public:
     /// When to ask again whether it is to be trusted.
     Instant nextQuestion() const;
 
-    const Now& read() const { return _now; }
+    const ClockReading& read() const { return _now; }
     Instant now() const { return _now.instant(); }
     Instant bootInstant() const { return (_now.wall - _now.boot) / 1000; }
     /// Too late to run. What was not when the service started is not by its waiting for the clock.
@@ -43,7 +43,7 @@ public:
     Instant youngUntil() const;
 
 private:
-    Now _now;
+    ClockReading _now;
     std::int64_t _offset = 0;  ///< wall clock ahead of boot clock, in milliseconds
     Instant _watermark = 0;
     std::int64_t _startedAt = 0;              ///< boot clock

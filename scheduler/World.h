@@ -63,8 +63,8 @@ using DeniedKinds = std::set<SleepKind>;
 class Power {
 public:
     virtual ~Power() = default;
-    /// Answer: `looked`. `idle`: it matters how long nobody has used the sessions.
-    virtual void look(Ticket ticket, bool idle) = 0;
+    /// Answer: `conditionsRead`. `idle`: it matters how long nobody has used the sessions.
+    virtual void readConditions(Ticket ticket, bool idle) = 0;
     virtual void suspend(Ticket ticket, SleepKind kind) = 0;  ///< never another kind; answer: `powerReplied`
     virtual void shutDown(Ticket ticket, bool restart) = 0;   ///< answer: `powerReplied`
     /// Holds or drops the idle inhibitor that keeps a desktop from falling asleep.

@@ -71,47 +71,52 @@ SchedulerHost::SchedulerHost(EventLoop& loop, Callers& callers, sd_bus* computer
       _agents(loop, callers),
       _actions(loop, computer, root, clocks, _agents,
                [this](const std::string& token, ActionEnd end, int status, const std::string& reason) {
-                   tell([&](Now now) { _scheduler.actionEnded(now, token, end, status, reason); });
+                   tell([&](ClockReading now) { _scheduler.actionEnded(now, token, end, status, reason); });
                }),
       _sessions(computer, clocks,
-                [this](const LoginSession& used) { tell([&](Now now) { _scheduler.used(now, used.session.name); }); }),
+                [this](const LoginSession& used) {
+                    tell([&](ClockReading now) { _scheduler.used(now, used.session.name); });
+                }),
       _terminals(computer, clocks),
       _power(
           loop, computer, clocks, _sessions,
           {[this](Ticket ticket, const Conditions& conditions) {
-               tell([&](Now now) { _scheduler.looked(now, ticket, conditions); });
+               tell([&](ClockReading now) { _scheduler.conditionsRead(now, ticket, conditions); });
            },
            [this](Ticket ticket, PowerReply reply, const std::string& reason) {
-               tell([&](Now now) { _scheduler.powerReplied(now, ticket, reply, reason); });
+               tell([&](ClockReading now) { _scheduler.powerReplied(now, ticket, reply, reason); });
            },
-           [this](Lid lid) { tell([&](Now now) { _scheduler.lidSeen(now, lid); }); },
+           [this](Lid lid) { tell([&](ClockReading now) { _scheduler.lidSeen(now, lid); }); },
            [this](Conditions conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done) {
                findIdle(std::move(conditions), userIds, std::move(done));
            }}),
-      _sleepKinds(
-          computer,
-          [this](const DeniedKinds& denied) { tell([&](Now now) { _scheduler.sleepKindsDenied(now, denied); }); }),
+      _sleepKinds(computer,
+                  [this](const DeniedKinds& denied) {
+                      tell([&](ClockReading now) { _scheduler.sleepKindsDenied(now, denied); });
+                  }),
       _scheduler({_calendar, _power, _alarms, _actions, _state, *this}),
       _clockWatch(loop, clocks,
-                  {[this] { tell([&](Now now) { _scheduler.tick(now); }); },
-                   [this] { tell([&](Now now) { _scheduler.zoneChanged(now); }); }}),
+                  {[this] { tell([&](ClockReading now) { _scheduler.tick(now); }); },
+                   [this] { tell([&](ClockReading now) { _scheduler.zoneChanged(now); }); }}),
       _sleepWatch(loop, computer,
-                  {[this](Lid lid) { tell([&](Now now) { _scheduler.goingToSleep(now, lid); }); },
+                  {[this](Lid lid) { tell([&](ClockReading now) { _scheduler.goingToSleep(now, lid); }); },
                    [this](Lid lid) {
                        _sessions.restart();
                        _sleepKinds.ask();
-                       tell([&](Now now) { _scheduler.resumed(now, lid); });
+                       tell([&](ClockReading now) { _scheduler.resumed(now, lid); });
                    },
-                   [this] { tell([&](Now now) { _scheduler.goingDown(now); }); }}) {
-    _agents.cameCallback = [this] { tell([&](Now now) { _scheduler.agentCame(now); }); };
-    _agents.usedCallback = [this](unsigned user) { tell([&](Now now) { _scheduler.used(now, nameOfUser(user)); }); };
+                   [this] { tell([&](ClockReading now) { _scheduler.goingDown(now); }); }}) {
+    _agents.cameCallback = [this] { tell([&](ClockReading now) { _scheduler.agentCame(now); }); };
+    _agents.usedCallback = [this](unsigned user) {
+        tell([&](ClockReading now) { _scheduler.used(now, nameOfUser(user)); });
+    };
 }
 
 void SchedulerHost::follow(const Value& preferences) {
     const Value& list = preferences[preferences::kScheduleArray];
     const bool begins = !std::exchange(_hasBegun, true);
     _actions.scan();
-    tell([&](Now now) {
+    tell([&](ClockReading now) {
         if (begins)
             _scheduler.start(now, list, _state.read(), bootId());
         else
@@ -121,27 +126,27 @@ void SchedulerHost::follow(const Value& preferences) {
 }
 
 bool SchedulerHost::skip(const std::string& token, const std::string& by) {
-    return tell([&](Now now) { return _scheduler.skip(now, token, by); });
+    return tell([&](ClockReading now) { return _scheduler.skip(now, token, by); });
 }
 
 bool SchedulerHost::postpone(const std::string& token, const std::string& by, Seconds length) {
-    return tell([&](Now now) { return _scheduler.postpone(now, token, by, length); });
+    return tell([&](ClockReading now) { return _scheduler.postpone(now, token, by, length); });
 }
 
 bool SchedulerHost::unskip(const std::string& token, const std::string& by) {
-    return tell([&](Now now) { return _scheduler.unskip(now, token, by); });
+    return tell([&](ClockReading now) { return _scheduler.unskip(now, token, by); });
 }
 
 Scheduler::Trial SchedulerHost::tryNow(const Value& schedule) {
-    return tell([&](Now now) { return _scheduler.tryNow(now, schedule); });
+    return tell([&](ClockReading now) { return _scheduler.tryNow(now, schedule); });
 }
 
 Pauses::Answer SchedulerHost::pause(const Pause& wanted) {
-    return tell([&](Now now) { return _scheduler.pause(now, wanted); });
+    return tell([&](ClockReading now) { return _scheduler.pause(now, wanted); });
 }
 
 bool SchedulerHost::resume(Instant from) {
-    return tell([&](Now now) { return _scheduler.resume(now, from); });
+    return tell([&](ClockReading now) { return _scheduler.resume(now, from); });
 }
 
 Pause SchedulerHost::completed(const Pause& wanted) const {

@@ -28,10 +28,10 @@ LoginPower::LoginPower(EventLoop& loop, sd_bus* bus, const Clocks& clocks, Login
       _idleLock(bus, "idle", "block"),
       _lidHold(loop, bus, _answers.lidSeen) {}
 
-void LoginPower::look(Ticket ticket, bool idle) {
+void LoginPower::readConditions(Ticket ticket, bool idle) {
     const auto answered = [this, ticket, idle](Conditions conditions, const std::vector<unsigned>& userIds) {
         const auto look = _looks.extract(ticket);
-        const auto done = [this, ticket](const Conditions& complete) { _answers.looked(ticket, complete); };
+        const auto done = [this, ticket](const Conditions& complete) { _answers.conditionsRead(ticket, complete); };
         if (!idle || conditions.failure) return done(conditions);
         _answers.findIdle(std::move(conditions), userIds, done);
     };

@@ -20,7 +20,7 @@ namespace quorel {
 class LoginPower : public Power {
 public:
     struct Answers {
-        std::function<void(Ticket, const Conditions&)> looked;
+        std::function<void(Ticket, const Conditions&)> conditionsRead;
         std::function<void(Ticket, PowerReply, const std::string& reason)> powerReplied;
         std::function<void(Lid)> lidSeen;  ///< while it is held
         /// Adds what others than logind know of how long the sessions, whose users these are, have not been used, and
@@ -30,7 +30,7 @@ public:
     };
     LoginPower(EventLoop& loop, sd_bus* bus, const Clocks& clocks, LoginSessions& sessions, Answers answers);
 
-    void look(Ticket ticket, bool idle) override;
+    void readConditions(Ticket ticket, bool idle) override;
     void suspend(Ticket ticket, SleepKind kind) override;
     void shutDown(Ticket ticket, bool restart) override;
     void keepAwake(bool keep) override;

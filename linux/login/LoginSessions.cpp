@@ -120,10 +120,10 @@ LoginSessions::LoginSessions(sd_bus* bus, const Clocks& clocks, std::function<vo
 
 void LoginSessions::readSession(const char* path) {
     const auto read = [this, key = std::string(path)](const std::optional<LoginSession>& found, const BusError&) {
-        const auto call = _looks.extract(key);
+        const auto call = _reads.extract(key);
         if (found && found->counts && found->isActive) _used(*found);
     };
-    if (_looks.size() < 64) _looks.insert_or_assign(path, readLoginSession(_bus, path, _clocks, read));
+    if (_reads.size() < 64) _reads.insert_or_assign(path, readLoginSession(_bus, path, _clocks, read));
 }
 
 Seconds LoginSessions::sinceLastLogOut() const {

@@ -58,7 +58,7 @@ private:
     const Clocks& _clocks;
     const std::function<void(const LoginSession&)> _used;
     std::int64_t _quietSince;               ///< boot time
-    std::map<std::string, BusSlot> _looks;  ///< by path
+    std::map<std::string, BusSlot> _reads;  ///< by path
     BusSlot _added;
     BusSlot _removed;
     BusSlot _changed;

@@ -14,7 +14,7 @@ std::int64_t millisecondsOf(clockid_t clock) {
 
 }  // namespace
 
-Now Clocks::now() const {
+ClockReading Clocks::now() const {
     timex state{};  // asks, and sets nothing
     const int answer = adjtimex(&state);
     const std::int64_t awake = millisecondsOf(CLOCK_MONOTONIC);  // first: it is never to be ahead of the other

@@ -11,7 +11,7 @@ class Clocks {
 public:
     virtual ~Clocks() = default;
 
-    virtual Now now() const;
+    virtual ClockReading now() const;
     /// When CLOCK_REALTIME will show it.
     virtual timespec realTimeOf(Instant instant) const { return {instant, 0}; }
 };

@@ -14,9 +14,9 @@ class SteppingClocks : public quorel::Clocks {
 public:
     explicit SteppingClocks(std::string path) : _path(std::move(path)) {}
 
-    quorel::Now now() const override {
+    quorel::ClockReading now() const override {
         std::ifstream file(_path);
-        quorel::Now now;
+        quorel::ClockReading now;
         file >> now.wall >> now.boot >> now.awake;
         return now;
     }

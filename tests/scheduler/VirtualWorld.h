@@ -64,7 +64,7 @@ public:
     std::function<void(std::optional<Instant> at)> armed;
     std::int64_t withoutWordSince = -1'000'000;  ///< on the awake clock: asleep, and silent about being back
 
-    Now now{kMonday * 1000, 3600'000, 3600'000};
+    ClockReading now{kMonday * 1000, 3600'000, 3600'000};
     int ticks = 0;  ///< how often the program wanted to be woken
     std::vector<std::string> log;
     std::vector<Outcome> outcomes;
@@ -185,9 +185,9 @@ private:
         }
     }
 
-    void look(Ticket ticket, bool) override {
-        if (answers) scheduler->looked(now, ticket, conditions);
-        if (answers) scheduler->looked(now, ticket, conditions);  // twice does no harm
+    void readConditions(Ticket ticket, bool) override {
+        if (answers) scheduler->conditionsRead(now, ticket, conditions);
+        if (answers) scheduler->conditionsRead(now, ticket, conditions);  // twice does no harm
     }
     void suspend(Ticket ticket, SleepKind kind) override {
         static constexpr const char* kCalls[] = {"suspend", "hibernate", "suspend, then hibernate", "sleep somehow"};
