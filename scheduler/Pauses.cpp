@@ -16,8 +16,8 @@ Instant morningAfter(Instant instant, const Calendar& calendar) {
     return calendar.instantOf(tomorrow, rules::kMorning, 0).value_or(instant + kDay);
 }
 
-bool doMeet(const Pause& one, const Pause& other) {
-    return other.from <= one.until && one.from <= other.until;
+bool doOverlap(const Pause& one, const Pause& other) {
+    return other.from < one.until && one.from < other.until;
 }
 
 }  // namespace
@@ -35,7 +35,7 @@ bool isBrief(const Pause& pause, Instant now, const Calendar& calendar) {
 std::string_view Pauses::faultOf(Instant now, const Pause& pause) const {
     if (pause.until <= std::max(pause.from, now)) return wire::pause_fault::kPast;
     if (pause.until > now + rules::kFurthest) return wire::pause_fault::kTooFar;
-    const auto meets = [&](const Pause& other) { return doMeet(pause, other); };
+    const auto meets = [&](const Pause& other) { return doOverlap(pause, other); };
     const auto others = static_cast<std::size_t>(std::ranges::count_if(_pauses, std::not_fn(meets)));
     return others >= rules::kMostPauses ? wire::pause_fault::kTooMany : std::string_view();
 }
@@ -44,7 +44,7 @@ Pauses::Answer Pauses::add(Instant now, Pause pause) {
     if (const std::string_view fault = faultOf(now, pause); !fault.empty()) return {{}, fault};
     pause.from = std::max(pause.from, now);
     for (auto other = _pauses.begin(); other != _pauses.end();) {
-        if (!doMeet(pause, *other)) {
+        if (!doOverlap(pause, *other)) {
             ++other;
             continue;
         }

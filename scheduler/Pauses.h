@@ -26,11 +26,11 @@ Pause completed(Pause wanted, Instant now, const Calendar& calendar);
 /// at the computer may set it and end it.
 bool isBrief(const Pause& pause, Instant now, const Calendar& calendar);
 
-/// The pauses that are set, by time. No two of them touch.
+/// The pauses that are set, by time. No two of them overlap.
 class Pauses {
 public:
     struct Answer {
-        Pause pause = {};             ///< joined with those that it meets
+        Pause pause = {};             ///< joined with those that it overlaps
         std::string_view fault = {};  ///< why there is none: one of `wire::pause_fault`
     };
     Answer add(Instant now, Pause pause);

@@ -261,7 +261,7 @@ std::optional<Instant> Scheduler::nextCall() const {
     if (!_wakefulness.isBetween()) {
         if (!_next.empty()) consider(_next.front().due);
         const Occurrence* power = nextPower();
-        if (power && !find(*power)) consider(power->due - warningOf(*power->schedule));
+        if (power && !find(*power)) consider(courseFrom(*power->schedule, power->due));
         for (const OpenOccurrence& open : _open) consider(nextOf(open));
         consider(_pauses.next(now()));
     }

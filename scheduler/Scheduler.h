@@ -160,7 +160,7 @@ private:
     // What is planned.
     void takeList(const Value& list);
     bool isDenied(const ScheduleReading& schedule) const;
-    Seconds warningOf(const ScheduleReading& schedule) const;
+    Instant courseFrom(const ScheduleReading& schedule, Instant at) const;
     void planAnew();
     const Occurrence* firstOf(ActionKind kind) const;
     const Occurrence* nextPower() const;

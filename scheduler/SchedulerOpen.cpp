@@ -73,7 +73,7 @@ std::optional<Instant> Scheduler::nextOf(const OpenOccurrence& open) const {
         case NextCall::kAtItsMinute:
             return open.step == Step::kDone ? std::max(one.due, _clock.youngUntil()) : one.due;
         case NextCall::kInTime:
-            return open.at - warningOf(*one.schedule);
+            return courseFrom(*one.schedule, open.at);
         case NextCall::kAtItsTime:
             return open.at;
         case NextCall::kInCourse:

@@ -30,9 +30,13 @@ bool Scheduler::isDenied(const ScheduleReading& schedule) const {
     return schedule.kind == ActionKind::kSleep && _denied.count(schedule.sleepKind) > 0;
 }
 
-/// How long before its time it comes into course. Nobody is warned of a sleep that this computer does not have.
-Seconds Scheduler::warningOf(const ScheduleReading& schedule) const {
-    return schedule.isPower() && !isDenied(schedule) ? rules::kWarning : 0;
+/// When it comes into course: people are warned a minute before, though not within a pause that is over by then. Nobody
+/// is warned of a sleep that this computer does not have.
+Instant Scheduler::courseFrom(const ScheduleReading& schedule, Instant at) const {
+    Instant from = schedule.isPower() && !isDenied(schedule) ? at - rules::kWarning : at;
+    for (const Pause* pause = _pauses.around(from); pause && pause->until <= at; pause = _pauses.around(from))
+        from = pause->until;
+    return from;
 }
 
 void Scheduler::planAnew() {
@@ -66,7 +70,7 @@ void Scheduler::takeUp() {
         planAnew();
     }
     const Occurrence* power = nextPower();
-    if (power && power->due - warningOf(*power->schedule) <= now() && !find(*power))
+    if (power && courseFrom(*power->schedule, power->due) <= now() && !find(*power))
         beginCourse(open(*power, power->due));
 }
 

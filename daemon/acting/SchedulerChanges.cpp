@@ -114,12 +114,17 @@ int SchedulerInterface::resume(sd_bus_message* call, void* self, sd_bus_error* e
     const auto& pauses = scheduler._host.scheduler().pauses().all();
     const auto found = std::ranges::find(pauses, from, &Pause::from);
     if (found == pauses.end()) return sd_bus_error_set(error, wire::kNoSuchPause, kNoPause);
-    const auto permitted = [&host = scheduler._host, from](HeldCall& held) {
-        if (!host.resume(from)) return held.refuse(wire::kNoSuchPause, kNoPause);
+    const auto right = rightFor(scheduler._host, *found);
+    const auto permitted = [&host = scheduler._host, from, right](HeldCall& held) {
+        // It may have been joined with another meanwhile.
+        const auto& present = host.scheduler().pauses().all();
+        const auto same = std::ranges::find(present, from, &Pause::from);
+        const bool isAllowed = same != present.end() && rightFor(host, *same) == right;
+        if (!isAllowed || !host.resume(from)) return held.refuse(wire::kNoSuchPause, kNoPause);
         MOLLog("The pause from %lld on was ended by user %u.", static_cast<long long>(from), held.user());
         held.accept();
     };
-    return scheduler.begin(call, {rightFor(scheduler._host, *found), permitted});
+    return scheduler.begin(call, {right, permitted});
 }
 
 int SchedulerInterface::begin(sd_bus_message* call, const Request& request) {

@@ -470,12 +470,12 @@ const Row kRows[] = {
     // Pauses.
     {"nothing in it, and one entry of how many", "from 11:00 Plain@12:00 Late@13:00 Sleep@14:00 WakeUp@15:00 Plain1@16:00; pause 12:00 16:00; alarms; until 15:59; pauses; until 16:00:10",
      "11:00 alarms +1 15:00, none; 15:59 pauses 12:00-16:00=4; 16:00 start Plain1; 16:00 paused ann 4; 16:00:10 ran Plain1 16:00"},
-    {"until tomorrow at five; none that ends before it begins, too far ahead, or a seventeenth; joined where they meet",
+    {"until tomorrow at five; none that ends before it begins, too far ahead, or a seventeenth; joined where they overlap",
      "from 11:00; pause; pauses; pause 12:00 12:00; pause 12:00 367+12:00; pause 1+04:00 1+06:00; pause 2+00:00 2+01:00; pause 2+01:00 2+02:00; pauses; resume 11:00; resume 11:00; "
      "pause 3+00:00 3+01:00; pause 3+02:00 3+03:00; pause 3+04:00 3+05:00; pause 3+06:00 3+07:00; pause 3+08:00 3+09:00; pause 3+10:00 3+11:00; pause 3+12:00 3+13:00; "
-     "pause 4+00:00 4+01:00; pause 4+02:00 4+03:00; pause 4+04:00 4+05:00; pause 4+06:00 4+07:00; pause 4+08:00 4+09:00; pause 4+10:00 4+11:00; pause 4+12:00 4+13:00; pause 4+14:00 4+15:00; "
+     "pause 4+00:00 4+01:00; pause 4+02:00 4+03:00; pause 4+04:00 4+05:00; pause 4+06:00 4+07:00; pause 4+08:00 4+09:00; pause 4+10:00 4+11:00; pause 4+12:00 4+13:00; "
      "pause 5+00:00 5+01:00",
-     "11:00 pauses 11:00-+1 05:00=0; 11:00 no pause: past; 11:00 no pause: too-far; 11:00 pauses 11:00-+1 06:00=0 +2 00:00-+2 02:00=0; 11:00 no such; 11:00 no pause: too-many"},
+     "11:00 pauses 11:00-+1 05:00=0; 11:00 no pause: past; 11:00 no pause: too-far; 11:00 pauses 11:00-+1 06:00=0 +2 00:00-+2 01:00=0 +2 01:00-+2 02:00=0; 11:00 no such; 11:00 no pause: too-many"},
     {"what is in course ends, what was asked for does not", "apt; from 22:50 Sleep@23:00; until 23:05; pause; down 5; free; until 1+05:00; log",
      "+1 05:00 paused ann 1; +1 05:00 told paused"},
     {"what runs goes on; nothing of the warning minute comes into course", "long; from 11:59 Plain@12:00 Sleep@12:30; until 12:05; pause 12:30 12:40; pause 12:31 12:40 bob; until 13:00",
@@ -483,6 +483,9 @@ const Row kRows[] = {
     {"a skipped one ends and counts, a postponed one within it, too; the end itself is not within",
      "from 11:00 Plain@12:00 Plain1@12:30 Plain2@13:00; skip; until 12:01; skip; pause 12:10 13:00; until 12:11; pauses; until 13:00:10",
      "12:00 skipped Plain 12:00 ann; 12:11 pauses 12:10-13:00=1; 13:00 start Plain2; 13:00 paused ann 1; 13:00:10 ran Plain2 13:00"},
+    {"a sleep at its end, and a postponed one soon after, are announced from its end on",
+     "from 11:00 Sleep@12:00 Sleep@12:30; pause 11:00 12:00; until 12:00:30; skip; until 12:10; postpone; pause 12:15 12:44:40; wake 12:50; until 12:51",
+     "12:00 warn, for 12:01; 12:00:30 skipped Sleep 12:00 ann; 12:44:40 warn, for 12:45:40; 12:45:40 suspend; 12:50 awake; 12:50 slept Sleep 12:30"},
     {"ended early: what is due in a minute is announced in full", "from 11:00 Plain@11:30 Sleep@12:00; pause; until 11:59:40; resume 11:00; until 12:00:30",
      "11:59:40 paused ann 1; 11:59:40 warn, for 12:00:40"},
     {"slept or off through it: paused, and only what was due beside it missed", "from 11:00 Plain@11:30 Plain@12:30 Late@12:50 Plain@13:30; pause 12:00 13:00; wake 14:00; sleep 14:00",

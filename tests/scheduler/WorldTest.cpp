@@ -372,7 +372,7 @@ private:
         const bool isWakeUp = outcome.code == outcome::kWokeUp || outcome.code == outcome::kStarted ||
                               outcome.code == outcome::kAwakeAlready;
         if (!isWakeUp) return;
-        _lastWakeUp = _world.now.boot;
+        _lastWakeUp = _world.now.boot - std::max<Seconds>(now - outcome.due, 0) * 1000;
         _lastWakeUpDue = std::max(outcome.due, now - 60);
     }
     static bool isDone(const Value& state, const Key& key) {
@@ -390,7 +390,7 @@ private:
                 if (one.schedule->action == key.second) some.insert(one.schedule->digest);
             });
         }
-        return some.size() > 1;
+        return some.size() > 1 || some.contains(0);
     }
     void heardMany(const Outcome& last, std::int64_t count) {
         std::vector<Instant> some;
