@@ -9,6 +9,7 @@
 #include "linux/pane/Browser.h"
 #include "model/Preferences.h"
 #include "model/Wire.h"
+#include "words/OutcomeText.h"
 
 namespace quorel {
 
@@ -24,8 +25,8 @@ void openPage(const std::string& page) {
     if (!openInBrowser(page)) MOLLog("No browser could be started for %s", page.c_str());
 }
 
-void logRefusal(const std::string& reason) {
-    MOLLog("The daemon refuses: %s", reason.c_str());
+void logRefusal(const BusError& error) {
+    if (error) MOLLog("The daemon refuses: %s", refusalText(error.name, error.message).c_str());
 }
 
 }  // namespace
@@ -82,11 +83,12 @@ void Agent::daemonChanged() {
 
 void Agent::say(const TrayContent::Choice& choice) {
     using Choice = TrayContent::Choice;
-    if (choice.what == Choice::kSkip) _daemon.skip(choice.token, logRefusal);
-    if (choice.what == Choice::kUnskip) _daemon.unskip(choice.token, logRefusal);
-    if (choice.what == Choice::kPostpone) _daemon.postpone(choice.token, logRefusal, choice.length);
-    if (choice.what == Choice::kPause) _daemon.pauseUntilTomorrow(logRefusal);
-    if (choice.what == Choice::kResume) _daemon.resume(choice.from, logRefusal);
+    DaemonClient& plan = _daemon.plan();
+    if (choice.what == Choice::kSkip) plan.skip(choice.token, logRefusal);
+    if (choice.what == Choice::kUnskip) plan.unskip(choice.token, logRefusal);
+    if (choice.what == Choice::kPostpone) plan.postpone(choice.token, logRefusal, choice.length);
+    if (choice.what == Choice::kPause) plan.pause(logRefusal);
+    if (choice.what == Choice::kResume) plan.resume(choice.from, logRefusal);
 }
 
 void Agent::tellIdle(std::int64_t question) {

@@ -1,5 +1,6 @@
 #include "model/Upcoming.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "model/Wire.h"
@@ -26,6 +27,15 @@ Value pauseAround(const Array& pauses, std::int64_t instant) {
     for (const Value& one : pauses)
         if (one[keys::kFrom].integer() <= instant && instant < one[keys::kUntil].integer()) return one;
     return {};
+}
+
+std::optional<std::int64_t> leftOutUntil(const Array& upcoming, const Array& pauses, std::int64_t due,
+                                         const std::string& action) {
+    if (const Value pause = pauseAround(pauses, due); pause.isPresent()) return pause[keys::kUntil].integer();
+    const bool isLeftOut = std::ranges::any_of(upcoming, [&](const Value& one) {
+        return isSkipped(one) && one[keys::kDue].integer() == due && one[keys::kAction].text() == action;
+    });
+    return isLeftOut ? std::optional(due + 1) : std::nullopt;
 }
 
 }  // namespace quorel

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 
 #include "model/Value.h"
 
@@ -16,5 +18,9 @@ bool keepsAwake(const Value& upcoming);
 
 /// The pause that goes on at an instant, of those that the daemon's Pauses() tells. Absent where there is none.
 Value pauseAround(const Array& pauses, std::int64_t instant);
+
+/// What leaves out the occurrence of an action at an instant, a pause or a skip: until then. Nothing where it stands.
+std::optional<std::int64_t> leftOutUntil(const Array& upcoming, const Array& pauses, std::int64_t due,
+                                         const std::string& action);
 
 }  // namespace quorel

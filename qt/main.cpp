@@ -11,6 +11,7 @@
 #include "ProductVersion.h"
 #include "linux/pane/SystemServices.h"
 #include "model/Preferences.h"
+#include "model/Wire.h"
 #include "qt/host/BusLoop.h"
 #include "qt/host/Host.h"
 #include "qt/host/OneWindow.h"
@@ -132,9 +133,12 @@ int run(int argc, char** argv) {
     });
     if (!one.isFirst()) return EXIT_SUCCESS;
     Host* shown = nullptr;
-    Plan plan(bus.loop(), [&shown] {
+    const auto show = [&shown] {
         if (shown) shown->showPlan();
-    });
+    };
+    DaemonClient plan(bus.loop(), {.outcomes = wire::scheduler::kMostOutcomes, .status = true, .asksPeople = true},
+                      {.changed = show});
+    plan.fetch();
     SettingsWindow window(plan, QString::fromUtf8(product::kCopyright), qString(resources + "/Resources/Quorel.png"));
     Host host({window, plan, parts.application, parts.platform, parts.patience,
                std::make_shared<Bundle>(resources, options.modules, parts.bundles, parts.forms), parts.center,

@@ -110,7 +110,7 @@ void Warnings::show(Warning& warning) {
 /// A notification server may have been restarted, and polkit may have been too slow to say who may do what.
 void Warnings::renew() {
     update();
-    _daemon.refresh();
+    _daemon.plan().fetch();
     for (auto& [token, warning] : _warnings)
         if (warning.occurrence.isDictionary() && !warning.notifier->isDone()) show(warning);
 }
@@ -118,15 +118,15 @@ void Warnings::renew() {
 void Warnings::answer(const std::string& token, const std::string& key) {
     Warning& warning = _warnings[token];
     warning.isAnswered = true;
-    const auto refused = [this, token](const std::string& reason) {
+    const auto refused = [this, token](const BusError& error) {
         const auto found = _warnings.find(token);
-        if (found == _warnings.end() || !found->second.occurrence.isDictionary()) return;
-        tell(found->second.occurrence, reason);
+        if (!error || found == _warnings.end() || !found->second.occurrence.isDictionary()) return;
+        tell(found->second.occurrence, refusalText(error.name, error.message));
         found->second.isAnswered = false;  // it still happens, and can still be answered
         show(found->second);
     };
-    if (key == kSkipKey) _daemon.skip(token, refused);
-    if (key == kPostponeKey) _daemon.postpone(token, refused);
+    if (key == kSkipKey) _daemon.plan().skip(token, refused);
+    if (key == kPostponeKey) _daemon.plan().postpone(token, refused);
 }
 
 /// Others who were told of it are told that it will not be, and who said so.

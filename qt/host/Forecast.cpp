@@ -4,6 +4,7 @@
 
 #include "model/Dictionary.h"
 #include "model/Schedule.h"
+#include "model/Upcoming.h"
 #include "scheduler/Agenda.h"
 #include "scheduler/ScheduleReading.h"
 #include "words/Language.h"
@@ -22,11 +23,11 @@ class AnyAction : public Actions {
 
 }  // namespace
 
-Forecast::Answer Forecast::of(const Value& schedule, const Told& told) const {
+Forecast::Answer Forecast::of(const Value& schedule, const DaemonClient::Told& told, const DeniedKinds& denied) const {
     Answer answer;
     answer.isOff = schedule[schedule_keys::kIsEnabled].intValue() == 0;
     if (answer.isOff) return answer;
-    const ListReading reading = readScheduleList(Array{schedule}, AnyAction(), told.deniedKinds);
+    const ListReading reading = readScheduleList(Array{schedule}, AnyAction(), denied);
     if (!reading.faults.empty()) {
         answer.reason = reading.faults.front().reason;
         answer.fault = faultReasonText(answer.reason);
@@ -40,8 +41,11 @@ Forecast::Answer Forecast::of(const Value& schedule, const Told& told) const {
         answer.fault = translated("no day is chosen");
         return answer;
     }
-    while (const auto until = next.empty() ? std::nullopt : told.leftOutUntil(next.front().due, action))
-        next = agenda.after(*until - 1, 1);
+    const auto leftOut = [&] {
+        return next.empty() ? std::nullopt
+                            : leftOutUntil(told.upcoming.array(), told.pauses.array(), next.front().due, action);
+    };
+    while (const auto until = leftOut()) next = agenda.after(*until - 1, 1);
     if (!next.empty()) answer.at = next.front().due;
     return answer;
 }

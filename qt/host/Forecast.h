@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "linux/bus/DaemonClient.h"
 #include "linux/time/SystemCalendar.h"
-#include "qt/host/Told.h"
 #include "scheduler/World.h"
 
 namespace quorel::qt {
@@ -19,8 +19,8 @@ public:
     };
     inline static constexpr std::string_view kNoDay = "days";
 
-    /// By what the daemon tells of kinds of sleep, pauses and skips.
-    Answer of(const Value& schedule, const Told& told) const;
+    /// By what the daemon tells of pauses and skips, and the system of kinds of sleep.
+    Answer of(const Value& schedule, const DaemonClient::Told& told, const DeniedKinds& denied) const;
 
 private:
     SystemCalendar _calendar;

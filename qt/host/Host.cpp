@@ -108,6 +108,14 @@ void Host::select() {
     _controller->didSelect();
     _isSelected = true;
     unlockIfGranted();
+    if (sd_bus* const bus = _parts.plan.bus())
+        _kinds
+            .emplace(bus,
+                     [this](const DeniedKinds& denied) {
+                         _deniedKinds = denied;
+                         showPlan();
+                     })
+            .ask();
     showLock();
     showList();
     showPlan();
@@ -292,14 +300,14 @@ RowNote Host::noteOf(int row) const {
     const Array& schedules = _controller->configurator()->scheduleArray();
     if (row < 0 || static_cast<std::size_t>(row) >= schedules.size()) return {};
     const Value& schedule = schedules[static_cast<std::size_t>(row)];
-    const Forecast::Answer answer = _forecast.of(schedule, _parts.plan.told());
+    const Forecast::Answer answer = _forecast.of(schedule, _parts.plan.told(), _deniedKinds);
     if (answer.isOff) return {qString(translated("off")), {}};
     return {qString(answer.at ? whenText(*answer.at, std::time(nullptr)) : translated("never")), qString(answer.fault)};
 }
 
 void Host::showForecast() {
     EditSheet& sheet = *_parts.window.sheet;
-    const Forecast::Answer answer = _forecast.of(sheet.schedule(), _parts.plan.told());
+    const Forecast::Answer answer = _forecast.of(sheet.schedule(), _parts.plan.told(), _deniedKinds);
     sheet.showFault(answer.reason, qString(answer.fault));
     const std::string when = answer.at ? comingText(*answer.at, std::time(nullptr)) : translated("never");
     sheet.showNext(qString(filled(translated("Next: {1}"), {when})));
@@ -307,7 +315,7 @@ void Host::showForecast() {
 
 void Host::showPlan() {
     SettingsWindow& window = _parts.window;
-    window.next->show(_parts.plan.told());
+    if (_parts.plan.told().isFetched) window.next->show(_parts.plan.told());
     window.showHappened(_parts.plan.told().outcomes.array());
     window.list->schedules().refreshNotes();
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "linux/login/SleepKinds.h"
 #include "pane/VXPrefPaneController.h"
 #include "qt/host/Forecast.h"
 #include "qt/host/Patience.h"
@@ -19,7 +20,7 @@ class Host {
 public:
     struct Parts {
         SettingsWindow& window;
-        Plan& plan;
+        DaemonClient& plan;
         Application& application;
         Platform& platform;
         Patience& patience;
@@ -63,6 +64,8 @@ private:
     Parts _parts;
     ConfiguratorInterface _interface;
     std::shared_ptr<VXPrefPaneController> _controller;
+    std::optional<SleepKinds> _kinds;  ///< nothing without a bus
+    DeniedKinds _deniedKinds;
     Forecast _forecast;
     QFileSystemWatcher _files;
     QTimer _settled;  ///< after a change of the file

@@ -70,7 +70,7 @@ QString alarmsText(const Value& status) {
 
 }  // namespace
 
-NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString&)> failed)
+NextCard::NextCard(QWidget* parent, DaemonClient& plan, std::function<void(const QString&)> failed)
     : Card(parent),
       _plan(plan),
       _failed(std::move(failed)),
@@ -99,7 +99,7 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
     auto* const lengths = new QMenu(_postpone.button);
     const auto length = [&](const char* text, Seconds seconds) {
         connect(lengths->addAction(qString(text)), &QAction::triggered, this,
-                [this, seconds] { change(wire::scheduler::kPostponeBy, _postpone, seconds); });
+                [this, seconds] { _plan.postpone(_postpone.token, tellFailure(), seconds); });
     };
     length(translated("15 minutes"), 15 * kMinute);
     length(translated("1 hour"), kHour);
@@ -110,9 +110,9 @@ NextCard::NextCard(QWidget* parent, Plan& plan, std::function<void(const QString
         else
             _plan.pause(tellFailure());
     });
-    connect(_letSleep.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _letSleep); });
-    connect(_unskip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kUnskip, _unskip); });
-    connect(_skip.button, &QPushButton::clicked, this, [this] { change(wire::scheduler::kSkip, _skip); });
+    connect(_letSleep.button, &QPushButton::clicked, this, [this] { _plan.skip(_letSleep.token, tellFailure()); });
+    connect(_unskip.button, &QPushButton::clicked, this, [this] { _plan.unskip(_unskip.token, tellFailure()); });
+    connect(_skip.button, &QPushButton::clicked, this, [this] { _plan.skip(_skip.token, tellFailure()); });
 }
 
 /// In a narrow window the buttons stand below.
@@ -122,7 +122,7 @@ void NextCard::resizeEvent(QResizeEvent* event) {
     static_cast<QBoxLayout*>(layout())->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
-void NextCard::show(const Told& told) {
+void NextCard::show(const DaemonClient::Told& told) {
     const Array& upcoming = told.upcoming.array();
     const auto first = [&](bool (*fits)(const Value&)) {
         const auto found = std::ranges::find_if(upcoming, fits);
@@ -168,25 +168,16 @@ void NextCard::offer(Choice& choice, const Value* occurrence) {
     choice.button->setAccessibleDescription(occurrence ? lineOf(*occurrence) : QString());
 }
 
-void NextCard::change(const char* method, const Choice& choice, std::optional<Seconds> by) {
-    if (choice.token.empty()) return;
-    _plan.change(method, choice.token, by, tellFailure());
-}
-
-Plan::Done NextCard::tellFailure() const {
-    return [this](const std::string& error, const std::string& text) {
-        _failed(error.empty() ? QString() : qString(refusalText(error, text)));
-    };
+DaemonClient::Done NextCard::tellFailure() const {
+    return
+        [this](const BusError& error) { _failed(error ? qString(refusalText(error.name, error.message)) : QString()); };
 }
 
 /// One that has begun is ended; otherwise one begins.
-void NextCard::showPause(const Told& told) {
-    const Array& pauses = told.pauses.array();
-    const Instant now = std::time(nullptr);
-    const auto begun =
-        std::ranges::find_if(pauses, [now](const Value& pause) { return pause[keys::kFrom].integer() <= now; });
+void NextCard::showPause(const DaemonClient::Told& told) {
+    const Value begun = pauseAround(told.pauses.array(), std::time(nullptr));
     _pausedFrom.reset();
-    if (begun != pauses.end()) _pausedFrom = (*begun)[keys::kFrom].integer();
+    if (begun.isPresent()) _pausedFrom = begun[keys::kFrom].integer();
     _pause->setText(qString(_pausedFrom ? translated("Resume") : translated("Pause")));
     _pause->setToolTip(_pausedFrom ? QString() : qString(translated("Nothing happens until tomorrow morning.")));
     _pause->setVisible(told.isThere);

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "qt/host/Plan.h"
+#include "linux/bus/DaemonClient.h"
 #include "qt/window/Card.h"
 
 class QPushButton;
@@ -13,10 +13,10 @@ namespace quorel::qt {
 /// What comes next, what follows, what stands against it, and what can be said to it.
 class NextCard : public Card {
 public:
-    NextCard(QWidget* parent, Plan& plan, std::function<void(const QString& failure)> failed);
+    NextCard(QWidget* parent, DaemonClient& plan, std::function<void(const QString& failure)> failed);
 
     /// What the daemon told last, or that it is not there. Again when a minute has passed.
-    void show(const Told& told);
+    void show(const DaemonClient::Told& told);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -28,12 +28,11 @@ private:
         std::string token;
     };
     void offer(Choice& choice, const Value* occurrence);
-    void change(const char* method, const Choice& choice, std::optional<Seconds> by = {});
-    void showPause(const Told& told);
-    Plan::Done tellFailure() const;
+    void showPause(const DaemonClient::Told& told);
+    DaemonClient::Done tellFailure() const;
     void showTroubles(const QStringList& troubles);
 
-    Plan& _plan;
+    DaemonClient& _plan;
     const std::function<void(const QString&)> _failed;
     QLabel* const _title;
     QLabel* const _line;

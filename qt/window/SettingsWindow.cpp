@@ -25,7 +25,7 @@ QPushButton* button(QWidget* parent, const char* text) {
 
 }  // namespace
 
-SettingsWindow::SettingsWindow(Plan& plan, const QString& copyright, const QString& picture)
+SettingsWindow::SettingsWindow(DaemonClient& plan, const QString& copyright, const QString& picture)
     : lockBar(new QFrame(this)),
       lockText(makeLabel(lockBar, Weight::kText)),
       lockButton(button(lockBar, translated("Unlock…"))),

@@ -2,6 +2,7 @@
 #include <QPushButton>
 #include <ctime>
 
+#include "model/Upcoming.h"
 #include "model/Wire.h"
 #include "tests/qt/WindowTest.h"
 
@@ -23,8 +24,8 @@ Value sleepIn(Seconds seconds, std::string_view step) {
 /// What can be said to it, and what it says.
 TEST_F(CardTest, OffersWhatCanBeDoneWithWhatComes) {
     open();
-    qt::Told told;
-    const auto offers = [&](const qt::Told& what) {
+    DaemonClient::Told told;
+    const auto offers = [&](const DaemonClient::Told& what) {
         window.next->show(what);
         QStringList texts;
         for (auto* const button : window.next->findChildren<QPushButton*>())
@@ -48,8 +49,9 @@ TEST_F(CardTest, OffersWhatCanBeDoneWithWhatComes) {
     EXPECT_EQ(offers(told), "Let it sleep Undo skip Postpone Skip Pause");
     EXPECT_TRUE(says("kept awake until") && says("in 20 min"));
     const Value& skipped = told.upcoming.array()[1];
-    EXPECT_EQ(told.leftOutUntil(skipped[keys::kDue].integer(), std::string(schedule_keys::kSleepType)),
-              skipped[keys::kDue].integer() + 1);
+    EXPECT_EQ(
+        leftOutUntil(told.upcoming.array(), {}, skipped[keys::kDue].integer(), std::string(schedule_keys::kSleepType)),
+        skipped[keys::kDue].integer() + 1);
     told.pauses = Array{Dictionary{{keys::kFrom, 1}, {keys::kUntil, std::time(nullptr) + 60}}};
     EXPECT_EQ(offers(told), "Let it sleep Undo skip Postpone Skip Resume");
     EXPECT_TRUE(says("Pause: until"));

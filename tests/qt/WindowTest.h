@@ -106,7 +106,7 @@ protected:
     std::shared_ptr<headless::Bundle> bundle = std::make_shared<headless::Bundle>("/settings");
     QTemporaryDir folder;
     qt::BusLoop bus;
-    qt::Plan daemonsPlan{bus.loop(), [] {}};
+    DaemonClient daemonsPlan{bus.loop(), {.outcomes = 500, .status = true, .asksPeople = true}, {[] {}}};
     qt::Application application;
     qt::Cells cells;
     qt::Patience patience;
