@@ -313,6 +313,14 @@ void Host::showForecast() {
     sheet.showNext(qString(filled(translated("Next: {1}"), {when})));
 }
 
+void Host::lookAtPrograms() {
+    if (!_isSelected) return;
+    _parts.platform.dispatch.createQueue("programs")->async([controller = _controller] {
+        controller->checkDaemon();
+        controller->checkUserAgent();
+    });
+}
+
 void Host::showPlan() {
     SettingsWindow& window = _parts.window;
     if (_parts.plan.told().isFetched) window.next->show(_parts.plan.told());

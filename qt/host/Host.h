@@ -34,6 +34,8 @@ public:
     void leave();
     /// The plan has changed, or time has passed.
     void showPlan();
+    /// The daemon or the agent has come or gone: the lights say so without waiting for the pane's next look.
+    void lookAtPrograms();
 
     VXPrefPaneController& controller() { return *_controller; }
 

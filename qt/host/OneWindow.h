@@ -12,6 +12,7 @@ class OneWindow {
 public:
     OneWindow(EventLoop& loop, std::function<void()> activated);
 
+    sd_bus* bus() const { return _bus.get(); }  ///< the session's; null where there is none
     /// False: another program has the name, and was asked to come forward.
     bool isFirst() const { return _isFirst; }
 

@@ -17,6 +17,15 @@ TEST_F(HostTest, UnlocksWhereNobodyNeedsToBeAsked) {
     EXPECT_EQ(center.daemonPings, 1);
 }
 
+TEST_F(HostTest, SaysAtOnceThatTheDaemonHasGone) {
+    open();
+    const QString before = window.daemonText->text();
+    center.daemonAlive = false;
+    host.lookAtPrograms();
+    settle();
+    EXPECT_NE(window.daemonText->text(), before);
+}
+
 TEST_F(HostTest, StaysLockedWhereSomebodyHasToBeAsked) {
     memory.authorization.granted = false;
     open();
