@@ -66,9 +66,10 @@ void tellJoined(const Value& joined, const ActionWords& actions) {
 }
 
 /// The words of a command line, each in a column of its own counting.
-std::vector<Word> wordsOfArguments(std::span<const std::string> arguments) {
+std::vector<Word> wordsOfArguments(std::span<const std::string> arguments, const Plan& plan) {
     std::vector<Word> words;
-    for (const std::string& argument : arguments) words.push_back({argument, words.size() + 1});
+    for (const std::string& argument : withNamesJoined(arguments, plan.actions()))
+        words.push_back({argument, words.size() + 1});
     return words;
 }
 
@@ -214,7 +215,7 @@ ExitStatus addSchedule(const CommandLine& line) {
         return misused(filled(translated("What, and when? As \"quorelctl add sleep 23:15 mon-fri\". Actions are: {1}."),
                               {plan.actions().names()}));
     ExitStatus status = ExitStatus::kDone;
-    Value schedule = made({}, wordsOfArguments(line.arguments), plan, status);
+    Value schedule = made({}, wordsOfArguments(line.arguments, plan), plan, status);
     if (schedule.isAbsent()) return status;
     Array schedules = plan.schedules();
     schedules.push_back(std::move(schedule));
@@ -239,7 +240,8 @@ ExitStatus setSchedule(const CommandLine& line) {
     Array schedules = plan.schedules();
     const std::size_t index = chosen.front();
     const std::string before = lineOf(schedules[index], plan.actions());
-    const auto words = wordsOfArguments(std::span(all).subspan(static_cast<std::size_t>(count + (isNamed ? 1 : 0))));
+    const auto said = std::span(all).subspan(static_cast<std::size_t>(count + (isNamed ? 1 : 0)));
+    const auto words = wordsOfArguments(said, plan);
     Value changed = made(schedules[index], words, plan, status);
     if (changed.isAbsent()) return status;
     schedules[index] = std::move(changed);

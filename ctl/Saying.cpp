@@ -35,22 +35,47 @@ namespace keys = wire::keys;
 using Answer = DaemonClient::Answer;
 using Failure = DaemonClient::Failure;
 
-/// Calls a method about the occurrence that the first argument names. `said` makes the line that tells of it.
+constexpr std::size_t kMany = 1'000'000;
+
+/// "1795717800-3cc6a934d9652847"
+bool isToken(const std::string& text) {
+    const std::size_t digits = text.find_first_not_of("0123456789");
+    return digits != 0 && digits != std::string::npos && text[digits] == '-';
+}
+
+/// Its token, the number of its Schedule, or nothing for the next one of all.
+std::string nameOf(const CommandLine& line, const Plan& plan, ExitStatus& status) {
+    if (line.arguments.empty()) return {};
+    if (line.arguments.size() == 1 && isToken(line.arguments[0])) return line.arguments[0];
+    const auto chosen = chosenSchedules(plan, line.arguments, status);
+    if (status != ExitStatus::kDone) return {};
+    if (chosen.size() > 1) status = misused(translated("One at a time, please."));
+    return std::to_string(chosen.front() + 1);
+}
+
+/// Why nothing that can be skipped or postponed goes by that name.
+ExitStatus noneOf(const std::string& name, const Plan& plan) {
+    if (name.empty()) return notFound(translated("Nothing is planned."));
+    const auto number = numberIn(name, plan.schedules().size());
+    if (number && plan.schedules()[*number - 1][schedule_keys::kIsEnabled].intValue() == 0)
+        return notFound(filled(translated("{1} is switched off."), {name}));
+    return notFound(translated("There is no such occurrence. \"quorelctl next\" shows what there is."));
+}
+
+/// Calls a method about the occurrence that the arguments name. `said` makes the line that tells of it.
 ExitStatus sayOf(const CommandLine& line, const char* method,
                  const std::function<std::string(const Occurrences& before, const Value& one)>& said,
                  std::optional<Seconds> length = {}) {
-    if (line.arguments.size() > 1) return misused(translated("Too many arguments."));
     DaemonClient daemon;
-    const std::string name = line.arguments.empty() ? std::string() : line.arguments[0];
     const bool undoes = method == std::string_view(wire::scheduler::kUnskip);
     const Occurrences before(line.root, daemon, wire::scheduler::kMostUpcoming);
     if (before.answer().failure != Failure::kNone) return fail(before.answer());
+    ExitStatus status = ExitStatus::kDone;
+    const std::string name = nameOf(line, before.plan(), status);
+    if (status != ExitStatus::kDone) return status;
     const Value one = before.meant(name, undoes);
     if (one.isAbsent())
-        return notFound(undoes ? translated("Nothing of the kind was skipped.")
-                        : name.empty()
-                            ? translated("Nothing is planned.")
-                            : translated("There is no such occurrence. \"quorelctl next\" shows what there is."));
+        return undoes ? notFound(translated("Nothing of the kind was skipped.")) : noneOf(name, before.plan());
     const Answer answer = daemon.change(method, one[keys::kToken].text(), length);
     if (answer.failure != Failure::kNone) return fail(answer);
     const Page page;
@@ -107,7 +132,9 @@ ExitStatus postpone(const CommandLine& line) {
     CommandLine named = line;
     const auto length = line.arguments.empty() ? std::nullopt : lengthOfWord(line.arguments.back());
     if (length) named.arguments.pop_back();
-    if (line.arguments.size() > 1 && !length)
+    const bool isNamed =
+        line.arguments.size() == 2 && (isToken(line.arguments[0]) || numberIn(line.arguments[0], kMany));
+    if (isNamed && !length)
         return misused(
             filled(translated("\"{1}\" is no length of time; such are 30m, 1h, 1h30m."), {line.arguments.back()}));
     const char* method = length ? wire::scheduler::kPostponeBy : wire::scheduler::kPostpone;

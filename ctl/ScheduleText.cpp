@@ -29,6 +29,9 @@ constexpr Sentence kSentences[] = {
     {text_fault::kTime, marked("\"{1}\" is no time of day; such are 23:15, 7pm, noon.")},
     {text_fault::kDays, marked("\"{1}\" names no days; such are mon-fri or sat,sun or daily or never.")},
     {text_fault::kAction, marked("\"{1}\" is no action, nor anything else. Actions are: {2}.")},
+    {text_fault::kWord,
+     marked("\"{1}\" is no time and no days. Options are written with \"=\": {2}. A text, or a program with "
+            "its arguments, stands behind \"--\".")},
     {text_fault::kOption, marked("\"{1}\": there is no such option here. There are: {2}.")},
     {text_fault::kValue, marked("\"{1}\" cannot be taken. Allowed: {2}.")},
     {text_fault::kFixed, marked("\"{1}\": this action leaves no choice there.")},

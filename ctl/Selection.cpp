@@ -66,12 +66,27 @@ std::optional<unsigned> numberIn(const std::string& text, std::size_t most) {
     return number;
 }
 
+std::vector<std::string> withNamesJoined(std::span<const std::string> arguments, const ActionWords& actions) {
+    std::vector<std::string> joined;
+    for (auto word = arguments.begin(); word != arguments.end(); ++word) {
+        if (*word == "--") {
+            joined.insert(joined.end(), word, arguments.end());
+            break;
+        }
+        const bool isOne = joined.empty() || !actions.isName(joined.back(), *word);
+        if (isOne) joined.push_back(*word);
+        if (!isOne) joined.back() += "-" + *word;
+    }
+    return joined;
+}
+
 std::vector<std::size_t> chosenSchedules(const Plan& plan, const std::vector<std::string>& arguments,
                                          ExitStatus& status) {
     if (arguments.empty())
         status = misused(translated("Which one? Give its number in \"quorelctl list\", or time and action."));
     if (arguments.empty() || !std::ranges::all_of(arguments, isNumber))
-        return arguments.empty() ? std::vector<std::size_t>() : byWords(plan, arguments, status);
+        return arguments.empty() ? std::vector<std::size_t>()
+                                 : byWords(plan, withNamesJoined(arguments, plan.actions()), status);
     std::vector<std::size_t> chosen;
     for (const std::string& argument : arguments) {
         const auto number = numberIn(argument, plan.schedules().size());

@@ -35,9 +35,11 @@ bool looksLikeType(std::string_view type) {
                                [](char c) { return isLetter(c) || isDigit(c) || c == '.' || c == '-' || c == '_'; });
 }
 
-std::string withoutHyphens(std::string_view word) {
-    std::string result(word);
-    std::erase(result, '-');
+/// What is the same in "shut-down", "shutdown" and "Shut Down".
+std::string lettersOf(std::string_view word) {
+    std::string result;
+    for (const char c : word)
+        if (c != '-' && c != ' ') result += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     return result;
 }
 
@@ -77,9 +79,17 @@ std::string ActionWords::nameOf(std::string_view type) const {
 std::optional<std::string> ActionWords::typeOf(std::string_view word) const {
     const auto named = std::ranges::find(_names, word, [](const auto& one) { return std::string_view(one.second); });
     if (named != _names.end()) return named->first;
-    for (const auto& [type, name] : _names)  // "shutdown"
-        if (!name.empty() && withoutHyphens(name) == withoutHyphens(word)) return type;
+    for (const auto& [type, name] : _names)
+        if (!name.empty() && lettersOf(name) == lettersOf(word)) return type;
     return looksLikeType(word) ? std::optional(std::string(word)) : std::nullopt;
+}
+
+bool ActionWords::isName(std::string_view first, std::string_view second) const {
+    return std::ranges::any_of(_names, [&](const auto& one) {
+        const std::size_t hyphen = one.second.find('-');
+        return hyphen != std::string::npos && lettersOf(first) == lettersOf(one.second.substr(0, hyphen)) &&
+               lettersOf(second) == lettersOf(one.second.substr(hyphen));
+    });
 }
 
 std::string ActionWords::names() const {

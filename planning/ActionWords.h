@@ -28,6 +28,8 @@ public:
     std::string nameOf(std::string_view type) const;
     /// Nothing where it is no action's name. A whole type is taken whether or not it is known.
     std::optional<std::string> typeOf(std::string_view word) const;
+    /// Whether two words say an action's name, as "shut down".
+    bool isName(std::string_view first, std::string_view second) const;
     bool isKnown(std::string_view type) const { return _names.contains(type); }
     /// Of all that are known: "message, open, …".
     std::string names() const;

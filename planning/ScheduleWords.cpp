@@ -116,6 +116,7 @@ public:
             take(words[i]);
         }
         if (_isNew) demand(words);
+        if (_type) tellOptions(before);
         if (_faults.size() > before) return {};
         const Value schedule = applied(stored);
         return _faults.size() > before ? Value() : schedule;
@@ -173,6 +174,14 @@ private:
         const Word begin{{}, words.empty() ? 1 : words.front().column};
         if (!_minute && !wasTried(text_fault::kTime)) refuse(begin, text_fault::kNoTime);
         if (!_type && !wasTried(text_fault::kAction)) refuse(begin, text_fault::kNoAction, _actions.names());
+    }
+
+    /// Where the action is known, words that mean nothing were to be its options.
+    void tellOptions(std::size_t before) {
+        for (TextFault& fault : std::span(_faults).subspan(before))
+            if (fault.code == text_fault::kAction)
+                fault = {text_fault::kWord, fault.word, ActionWords::optionWords(_actions.description(*_type)),
+                         fault.column};
     }
 
     Value applied(const Value& stored) {

@@ -21,6 +21,7 @@ namespace text_fault {
 inline constexpr std::string_view kTime = "time";           ///< no time of day
 inline constexpr std::string_view kDays = "days";           ///< no days of the week
 inline constexpr std::string_view kAction = "action";       ///< no action of that name, nor anything else
+inline constexpr std::string_view kWord = "word";           ///< nothing that this action takes
 inline constexpr std::string_view kOption = "option";       ///< the action has no such option
 inline constexpr std::string_view kValue = "value";         ///< not for this option
 inline constexpr std::string_view kFixed = "fixed";         ///< the action leaves no choice there

@@ -183,8 +183,8 @@ std::string pausedText(const Value& arguments) {
 
 std::string actionName(const std::string& actionType, bool restarts) {
     if (actionType == schedule_keys::kSleepType) return translated("Sleep");
-    if (actionType == schedule_keys::kWakeUpType) return translated("Wake up");
-    if (actionType == schedule_keys::kShutDownType) return restarts ? translated("Restart") : translated("Shut down");
+    if (actionType == schedule_keys::kWakeUpType) return translated("Wake Up");
+    if (actionType == schedule_keys::kShutDownType) return restarts ? translated("Restart") : translated("Shut Down");
     const std::string name = plainText(actionType.substr(actionType.rfind('.') + 1));
     return name.empty() ? plainText(actionType) : name;
 }

@@ -10,7 +10,7 @@ namespace quorel {
 // What the scheduler tells, as sentences for people: one line each, in the language that Language.h speaks. Values may
 // come from anywhere: whatever stands in them is shown as plain text, and what is not understood as it stands.
 
-/// "Sleep", "Wake up", or of a module's action type the last part.
+/// "Sleep", "Wake Up", or of a module's action type the last part.
 std::string actionName(const std::string& actionType, bool restarts = false);
 /// What the action of an occurrence, an outcome or a module is called, which a module's "Names" tell by language.
 std::string actionName(const Value& told);

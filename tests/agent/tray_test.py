@@ -130,7 +130,7 @@ class TrayTest(unittest.TestCase):
         self.assertEqual(self.labels(), [
             "Sleep, Mon 2026-11-23 23:15 (skipped by alice)", "\u2003Undo skip",
             "Back__up, Mon 2026-11-23 23:30", "\u2003Postpone 15 minutes", "\u2003Postpone 1 hour", "\u2003Skip",
-            "Wake up, Mon 2026-11-23 23:45", "\u2003Postpone 15 minutes", "\u2003Postpone 1 hour", "\u2003Skip",
+            "Wake Up, Mon 2026-11-23 23:45", "\u2003Postpone 15 minutes", "\u2003Postpone 1 hour", "\u2003Skip",
             "-", "Pause until tomorrow", "-", "Check for Updates", "Open Settings"])
         self.click(HEIGHT // 3, HEIGHT // 2)
         self.assertEqual(self.heard(), "settings")

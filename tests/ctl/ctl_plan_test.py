@@ -46,7 +46,7 @@ class PlanTest(CtlCase):
                  ["23:00 mon-wed sleep off only-when-idle=yes idle-minutes=5", "06:45 mon-fri wake-up off start-up=yes"]),
                 ("enable sleep 23:00", "Switched on 1: Sleep",
                  ["23:00 mon-wed sleep only-when-idle=yes idle-minutes=5", "06:45 mon-fri wake-up off start-up=yes"]),
-                ("set wake-up 6:45 to on sat", "Before: 06:45 mon-fri wake-up off start-up=yes",
+                ("set Wake up 6:45 to on sat", "Before: 06:45 mon-fri wake-up off start-up=yes",
                  ["23:00 mon-wed sleep only-when-idle=yes idle-minutes=5", "06:45 sat wake-up start-up=yes"]),
                 ("remove 1", "Removed 1: 23:00 mon-wed sleep only-when-idle=yes idle-minutes=5",
                  ["06:45 sat wake-up start-up=yes"])):
@@ -64,6 +64,7 @@ class PlanTest(CtlCase):
         for command, status, words in (
                 ("add", 2, "Actions are: shut-down, sleep"), ("add sleep 25:00", 2, "no time of day"),
                 ("add slep 9:00", 2, "no action"), ("add org.x.Y 9:00", 2, "no action"),
+                ("add sleep 9:00 lunch", 2, "stands behind"), ("skip 3", 4, "the plan has 2"),
                 ("add sleep 9:00 idle-minutes=0", 2, "Allowed: 1-999"), ("set 1", 2, "Which one"),
                 ("set 3 9:00", 4, "the plan has 2"), ("remove sleep 23:15", 4, "give the number"),
                 ("enable sleep 9:00", 4, "no such schedule"), ("disable 1 x", 2, "Which one"),

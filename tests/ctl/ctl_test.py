@@ -118,15 +118,15 @@ class CtlTest(CtlCase):
                           schedule(SHUT_DOWN, "25:00"), schedule(SHUT_DOWN, "08:00", Restart=1))
         tokens = [one["token"] for one in self.next()]
         self.assertEqual(self.told("next", "3"), f"1  Mon 2027-03-01 23:15  Sleep    {tokens[0]}\n"
-                                                 f"2  Tue 2027-03-02 07:00  Wake up  {tokens[1]}\n"
+                                                 f"2  Tue 2027-03-02 07:00  Wake Up  {tokens[1]}\n"
                                                  f"4  Tue 2027-03-02 08:00  Restart  {tokens[2]}\n")
         none = "but is not set: this daemon sets none, it works below a folder of its own"
         status = (f"            Acts: no: nothing of this computer is asked or touched\n"
                   f"            Next: Mon 2027-03-01 23:15  Sleep (1)\n"
-                  f"            Then: Tue 2027-03-02 07:00  Wake up (2)\n"
+                  f"            Then: Tue 2027-03-02 07:00  Wake Up (2)\n"
                   f"   Wake-up alarm: Tue 2027-03-02 07:00, {none}\n"
                   f"  Start-up alarm: Tue 2027-03-02 06:58, {none}\n"
-                  f"           Fault: schedule 3 (Shut down) does not run: its hour is not between 0 and 23\n")
+                  f"           Fault: schedule 3 (Shut Down) does not run: its hour is not between 0 and 23\n")
         version = self.told("--version").split()[1]
         self.assertEqual(self.run_ctl("status"), (5, f"● quorel-daemon {version} is running\n{status}", ""))
         self.assertIn("À venir", self.run_ctl(language="fr")[1])
@@ -217,7 +217,7 @@ class CtlTest(CtlCase):
         self.assertIn("Tried 2: Sleep", self.told("try", "2"))
         self.refused(1, "Not tried: not at this moment.", "try", "2")
         self.refused(4, "no such occurrence", "skip", "1-2-3")
-        self.refused(2, "not in UTF-8", "skip", b"\xff")
+        self.refused(2, "not in UTF-8", "skip", b"1-\xff")
         for _ in range(4):
             self.told("skip", first)
         self.refused(1, "ten changes", "skip", first)
@@ -340,7 +340,7 @@ class CtlTest(CtlCase):
             wait_until(lambda path=f"{place}/{name}": os.path.exists(path), f"{name} is started")
 
     def test_wrong_command_lines(self):
-        for arguments in (["sleep"], ["next", "0"], ["next", "101"], ["log", "x"], ["next", "1", "2"], ["skip", "1", "2"],
+        for arguments in (["sleep"], ["next", "0"], ["next", "101"], ["log", "x"], ["next", "1", "2"], ["postpone", "1", "2"],
                           ["status", "1"], ["--other"], [FORGERY]):
             status, output, error = self.run_ctl(*arguments)
             self.assertEqual((status, output, "\x1b" in error), (2, "", False), arguments)
