@@ -10,6 +10,7 @@
 @interface VXConfigurator : NSObject <VXScheduleTableKeys, VXOptionsOwner> {
     quorel::VXConfigurator *_configurator;
     NSBundle *_bundle;
+    NSDictionary *_shown;  // while the sheet is open: what the rows in sight say, by their numbers
 
     IBOutlet NSView *mainView;
     IBOutlet NSTableView *tableView;

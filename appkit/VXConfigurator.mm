@@ -11,6 +11,8 @@
 #include "model/Dictionary.h"
 #include "model/Schedule.h"
 
+#include <functional>
+
 namespace appkit = quorel::appkit;
 
 @implementation VXConfigurator
@@ -39,6 +41,7 @@ namespace appkit = quorel::appkit;
         [self prepareInterface];
         [self connectOutlets];
         _configurator->awakeFromNib();
+        _configurator->outlets.tableView->setDoubleAction([self] { [self editSchedule:nil]; });
 #ifdef GNUSTEP
         [self giveOptionsRoom];
 #endif
@@ -137,10 +140,26 @@ namespace appkit = quorel::appkit;
 
 // Actions
 
+/* The action's parameters are the sheet's until it is closed. A row that is asked for its line would put its own in
+ * their place, so the table shows what it showed. */
+- (void)runSheet:(const std::function<void()> &)run {
+    NSTableColumn *infos = [tableView tableColumnWithIdentifier:appkit::nsString(quorel::schedule_keys::kInfos)];
+    NSMutableDictionary *shown = [NSMutableDictionary dictionary];
+    const NSRange rows = [tableView rowsInRect:[tableView visibleRect]];
+    for (NSUInteger row = rows.location; row < NSMaxRange(rows); ++row) {
+        id summary = [self tableView:tableView objectValueForTableColumn:infos row:static_cast<NSInteger>(row)];
+        if (summary) [shown setObject:summary forKey:[NSNumber numberWithUnsignedInteger:row]];
+    }
+    _shown = shown;
+    run();
+    _shown = nil;
+    [tableView setNeedsDisplay:YES];
+}
+
 - (IBAction)addSchedule:(id)sender {
     VXLetGoOfButton(sender);
     const NSInteger before = [tableView numberOfRows];
-    _configurator->addSchedule(appkit::senderFrom(sender).get());
+    [self runSheet:[&] { _configurator->addSchedule(appkit::senderFrom(sender).get()); }];
     const NSInteger last = [tableView numberOfRows] - 1;
     if (last < before) return;
     [tableView selectRowIndexes:[NSIndexSet indexSetWithIndex:static_cast<NSUInteger>(last)] byExtendingSelection:NO];
@@ -149,7 +168,7 @@ namespace appkit = quorel::appkit;
 
 - (IBAction)editSchedule:(id)sender {
     VXLetGoOfButton(sender);
-    _configurator->editSchedule(appkit::senderFrom(sender).get());
+    [self runSheet:[&] { _configurator->editSchedule(appkit::senderFrom(sender).get()); }];
 }
 
 - (IBAction)deleteSchedule:(id)sender {
@@ -197,6 +216,8 @@ namespace appkit = quorel::appkit;
 
 - (id)tableView:(NSTableView *)table objectValueForTableColumn:(NSTableColumn *)column row:(NSInteger)row {
     const appkit::TableColumn wrapper(column);
+    if (_shown && wrapper.identifier() == quorel::schedule_keys::kInfos)
+        return [_shown objectForKey:[NSNumber numberWithInteger:row]];
     const quorel::Value value = _configurator->tableViewObjectValueForTableColumnRow(wrapper, static_cast<int>(row));
     if (value.isAbsent() || value.isDictionary()) return appkit::objectFromValue(value);
     // Whatever a file holds under a flag: a check box understands numbers.

@@ -79,13 +79,11 @@ static id plain(id value) {
     return value ? [value description] : [NSNull null];
 }
 
-// No rows while another window is modal: asking for values would give the modules that a sheet edits other parameters.
 static NSDictionary *describeTable(NSTableView *table) {
-    const BOOL blocked = [NSApp modalWindow] && [NSApp modalWindow] != [table window];
     NSMutableArray *rows = [NSMutableArray array];
     NSMutableDictionary *headers = [NSMutableDictionary dictionary];
     NSArray *columns = [table tableColumns];
-    for (NSInteger row = 0; !blocked && row < [table numberOfRows]; ++row) {
+    for (NSInteger row = 0; row < [table numberOfRows]; ++row) {
         NSMutableDictionary *cells = [NSMutableDictionary dictionary];
         for (NSTableColumn *column in columns) {
             const NSInteger index = static_cast<NSInteger>([columns indexOfObject:column]);

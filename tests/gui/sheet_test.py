@@ -56,6 +56,8 @@ class SheetTest(PaneCase):
         self.screen.choose(self.by_tip("Type of action"), title)
 
     def test_time_days_and_options_are_edited(self):
+        another = schedule("Sleep", 23, 0, **{"Action Parameters": {"Own": "of another"}})
+        self.store(preferences(*self.schedules, another))
         self.start_daemon()
         screen = self.open_pane()
         self.open_row(0)
@@ -85,11 +87,11 @@ class SheetTest(PaneCase):
         self.save()
 
         self.assertEqual(screen.rows()[0]["Infos"]["Action"], "After 45 min idle")
-        self.wait_times("8:02", "6:15")
+        self.wait_times("8:02", "6:15", "11:00")
         self.apply()
         parameters = dict(SLEEP_PARAMETERS, **{"Only When Idle": True, "Idle Minutes": 45})
         edited = schedule("Sleep", 8, 2, days=DAYS[:5], Remark="kept", **{"Action Parameters": parameters})
-        self.wait_only_stored(edited, self.schedules[1])
+        self.wait_only_stored(edited, self.schedules[1], another)  # whose line was asked for meanwhile
 
     def test_adding_types_flags_cancelling_and_deleting(self):
         self.start_daemon()
