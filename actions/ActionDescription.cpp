@@ -71,6 +71,10 @@ const Option* ActionDescription::option(std::string_view key) const {
     return found == options.end() ? nullptr : &*found;
 }
 
+bool ActionDescription::goesOn(std::size_t option) const {
+    return option > 0 && !options[option].isWide() && options[option].dependsOn == options[option - 1].key;
+}
+
 Value ActionDescription::standards() const {
     return completed(Dictionary{{parameters::kNeedsWakeUp, wakesUp.standard},  //
                                 {parameters::kNeedsStartup, startsUp.standard}});

@@ -75,6 +75,9 @@ struct ActionDescription {
 
     bool isSound() const { return faults.empty(); }
     const Option* option(std::string_view key) const;  ///< null when there is none
+    /// A number, a choice or a time that depends on the flag before it: a form has it on that one's line, and its help
+    /// where the pointer rests.
+    bool goesOn(std::size_t option) const;
     /// Parameters of a fresh Schedule.
     Value standards() const;
     /// Every described option and both flags, fit to be shown and run, whatever is stored; what is not described stays.

@@ -29,6 +29,8 @@ struct Option {
     bool takesWords = false;
     bool isFile = false;
 
+    /// Its control is to be as wide as there is room.
+    bool isWide() const { return kind == OptionKind::kText || kind == OptionKind::kLines; }
     /// Fit to be shown and run, whatever is stored: of the kind, within the range, or the standard.
     Value completed(const Value& stored) const;
     /// The value of a word that somebody typed; nothing where it is none that `allowed` tells.

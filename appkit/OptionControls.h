@@ -24,9 +24,6 @@ struct OptionControl {
 OptionControl controlOf(const Option &option, std::string_view language, NSString *toolTip,
                         std::function<void()> changed);
 
-/// Whether the control is to be as wide as there is room.
-bool isWide(const Option &option);
-
 /// Retained by nobody, as wide as its text.
 NSTextField *labelOf(NSString *text);
 

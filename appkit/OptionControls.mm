@@ -192,10 +192,6 @@ OptionControl controlOf(const Option &option, std::string_view language, NSStrin
     return timeControl();
 }
 
-bool isWide(const Option &option) {
-    return option.kind == OptionKind::kText || option.kind == OptionKind::kLines;
-}
-
 NSTextField *labelOf(NSString *text) {
     NSTextField *label = [[[NSTextField alloc] initWithFrame:NSZeroRect] autorelease];
     [label setStringValue:text];

@@ -60,7 +60,8 @@ public:
         for (std::size_t i = 0; i < action.options.size(); ++i) {
             const Option &option = action.options[i];
             const std::string &help = inLanguage(option.help, language);  // shown, but on another one's line
-            NSString *toolTip = nsString(goesOn(i) && !help.empty() ? help : inLanguage(option.label, language));
+            NSString *toolTip =
+                nsString(_action.goesOn(i) && !help.empty() ? help : inLanguage(option.label, language));
             _controls.push_back(controlOf(option, language, toolTip, [this] { enable(); }));
         }
         if (action.isSound()) lay(linesIn(language));
@@ -87,20 +88,14 @@ private:
         lay({Line{.views = {sentenceOf(text, kWidth)}}});
     }
 
-    /// A number, a choice or a time that depends on the flag before it stands on that one's line.
-    bool goesOn(std::size_t index) const {
-        const Option &option = _action.options[index];
-        return index > 0 && option.dependsOn == _action.options[index - 1].key && !isWide(option);
-    }
-
     std::vector<Line> linesIn(std::string_view language) const {
         std::vector<Line> lines;
         CGFloat labelWidth = 0;
         for (std::size_t i = 0; i < _controls.size(); ++i) {
             const Option &option = _action.options[i];
-            if (!goesOn(i)) {
+            if (!_action.goesOn(i)) {
                 lines.emplace_back();
-                lines.back().isWide = isWide(option);
+                lines.back().isWide = option.isWide();
                 NSString *help = nsString(inLanguage(option.help, language));
                 if ([help length]) lines.back().help = sentenceOf(help, kWidth);
                 if (option.kind != OptionKind::kFlag) {

@@ -17,12 +17,8 @@ namespace quorel::qt {
 
 namespace {
 
-/// What stands in the second place: legible, and less than the text itself.
 QColor faded(const QPalette& palette, double share = 0.62) {
-    const QColor& text = palette.color(QPalette::Text);
-    const QColor& base = palette.color(QPalette::Base);
-    const auto mix = [share](int a, int b) { return static_cast<int>(a * share + b * (1 - share)); };
-    return {mix(text.red(), base.red()), mix(text.green(), base.green()), mix(text.blue(), base.blue())};
+    return qt::faded(palette.color(QPalette::Text), palette.color(QPalette::Base), share);
 }
 
 void paintSwitch(QPainter& painter, const QStyleOptionViewItem& option, bool on, bool enabled) {

@@ -50,7 +50,7 @@ OptionForm::OptionForm(const ActionDescription& description, std::string_view la
     auto* const form = new QFormLayout(this);
     form->setContentsMargins(0, 0, 0, 0);
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-    for (const Option& option : _description.options) add(*form, option);
+    for (std::size_t i = 0; i < _description.options.size(); ++i) add(*form, i);
     for (const DescriptionFault& fault : _description.faults) {
         const std::string text =
             fault.key.empty() ? std::string(fault.code) : std::string(fault.code) + ": " + fault.key;
@@ -65,22 +65,29 @@ QString OptionForm::say(const Dictionary& texts) const {
     return qString(inLanguage(texts, _language));
 }
 
-void OptionForm::add(QFormLayout& form, const Option& option) {
+void OptionForm::add(QFormLayout& form, std::size_t index) {
+    const Option& option = _description.options[index];
     const QString label = say(option.label), unit = say(option.unit), help = say(option.help);
     _fields.push_back(fieldOf(option));
     const Field& field = _fields.back();
     field.control->setAccessibleName(label.contains(unit) ? label : label + QLatin1Char(' ') + unit);
     field.control->setAccessibleDescription(help);
     field.control->setToolTip(help);
-    if (option.kind == OptionKind::kFlag) {
-        form.addRow(field.row);
+    const bool goesOn = _description.goesOn(index);
+    if (goesOn) {
+        _line->insertWidget(_line->count() - 1, field.row);
+    } else if (option.kind == OptionKind::kFlag) {
+        _line = new QHBoxLayout;
+        _line->addWidget(field.row);
+        _line->addStretch();
+        form.addRow(_line);
     } else {
         form.addRow(label, field.row);
         if (auto* const buddy = qobject_cast<QLabel*>(form.labelForField(field.row))) buddy->setBuddy(field.control);
     }
     form.addRow(QString(), field.fault);
-    if (help.isEmpty()) return;
-    auto* const line = makeLabel(this, Weight::kSmall, help);
+    if (help.isEmpty() || goesOn) return;
+    auto* const line = makeLabel(this, Weight::kHint, help);
     line->setWordWrap(line->sizeHint().width() > line->fontMetrics().height() * kLongHelp);
     form.addRow(QString(), line);
 }

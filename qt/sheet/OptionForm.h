@@ -9,6 +9,7 @@
 #include "configurator/VXDescribedPlugIn.h"
 
 class QFormLayout;
+class QHBoxLayout;
 class QLabel;
 
 namespace quorel::qt {
@@ -49,7 +50,7 @@ private:
     Field lines(const Option& option);
     Field choice(const Option& option);
     Field time(const Option& option);
-    void add(QFormLayout& form, const Option& option);
+    void add(QFormLayout& form, std::size_t index);
     void enableDependent();
     void checkFiles();
     QString say(const Dictionary& texts) const;
@@ -58,6 +59,7 @@ private:
     const std::string _language;
     const std::function<void()> _changed;
     std::vector<Field> _fields;
+    QHBoxLayout* _line = nullptr;  ///< of the last flag
 };
 
 /// Makes such forms for the sheet. Main thread.

@@ -12,7 +12,7 @@ public:
     explicit Card(QWidget* parent);
 };
 
-enum class Weight { kTitle, kHeading, kText, kSmall };
+enum class Weight { kTitle, kHeading, kText, kSmall, kHint };
 /// A line of text in the window's own scale; nothing in it is interpreted.
 QLabel* makeLabel(QWidget* parent, Weight weight, const QString& text = {});
 
