@@ -42,6 +42,7 @@ std::string whenText(Instant at, Instant now) {
     const std::int64_t days = dayNumber(day) - dayNumber(localTime(now));
     if (days == 0) return filled(translated("today {1}"), {timeText(at)});
     if (days == 1) return filled(translated("tomorrow {1}"), {timeText(at)});
+    if (days == -1) return filled(translated("yesterday {1}"), {timeText(at)});
     if (days < 0 || days >= kDaysByName) return momentText(at);
     std::array<char, 64> name{};
     std::strftime(name.data(), name.size(), "%a", &day);

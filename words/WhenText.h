@@ -6,9 +6,9 @@
 
 namespace quorel {
 
-// An instant to come, as somebody says it who stands at `now`.
+// An instant, as somebody says it who stands at `now`.
 
-/// "today 23:15", "tomorrow 07:00", "Mon 07:00" within a week, and otherwise as momentText.
+/// "today 23:15", "yesterday 18:00", "tomorrow 07:00", "Mon 07:00" within the next week, and otherwise as momentText.
 std::string whenText(Instant at, Instant now);
 /// The same with ", in 5 h 31 min" where that is within a day.
 std::string comingText(Instant at, Instant now);

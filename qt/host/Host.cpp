@@ -250,7 +250,8 @@ void Host::removeSelected() {
         return;
     }
     _beforeRemoval = before;
-    _parts.window.undo->setText(qString(filled(translated("Undo: deleted “{1}”"), {stdString(what)})));
+    _parts.window.undo->setToolTip(what);
+    _parts.window.undo->setAccessibleDescription(what);
     showList();
 }
 
@@ -286,6 +287,7 @@ void Host::showEdits() {
     if (!_isSelected) return;
     const bool canSave = !_controller->configurator()->isLocked() && _controller->hasEdits();
     for (QPushButton* button : {_parts.window.apply, _parts.window.revert}) button->setEnabled(canSave);
+    _parts.window.apply->setDefault(canSave);
 }
 
 void Host::showList() {
@@ -323,9 +325,11 @@ void Host::lookAtPrograms() {
 
 void Host::showPlan() {
     SettingsWindow& window = _parts.window;
-    if (_parts.plan.told().isFetched) window.next->show(_parts.plan.told());
-    window.showHappened(_parts.plan.told().outcomes.array());
     window.list->schedules().refreshNotes();
+    const DaemonClient::Told& told = _parts.plan.told();
+    if (!told.isFetched) return;
+    window.next->show(told);
+    window.showHappened(told.outcomes.array());
 }
 
 }  // namespace quorel::qt

@@ -152,6 +152,8 @@ QVariant ScheduleModel::data(const QModelIndex& index, int role) const {
 
 QVariant ScheduleModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal) return {};
+    if (role == Qt::TextAlignmentRole && (section == kTimeColumn || section == kActionColumn || section == kNextColumn))
+        return int(Qt::AlignLeft | Qt::AlignVCenter);
     const bool spoken = role == Qt::AccessibleTextRole || role == Qt::ToolTipRole;
     if (role != Qt::DisplayRole && !spoken) return {};
     if (isDay(section)) return dayName(section - kFirstDayColumn, spoken ? DayForm::kLong : DayForm::kNarrow);

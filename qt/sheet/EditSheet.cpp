@@ -35,13 +35,7 @@ EditSheet::EditSheet(QWidget* parent)
       _daysFault(faultLine(this)),
       _fault(faultLine(this)),
       _next(new QLabel(this)),
-      _save(new QPushButton(this)),
-      _title(new QLabel(this)) {
-    QFont titleFont = font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.3);
-    titleFont.setBold(true);
-    _title->setFont(titleFont);
-
+      _save(new QPushButton(this)) {
     _action->setAccessibleName(qString(translated("Action")));
     _time->setAccessibleName(qString(translated("Time")));
     _time->setDisplayFormat(shortTimeFormat());
@@ -83,7 +77,6 @@ EditSheet::EditSheet(QWidget* parent)
     connect(buttons, &QDialogButtonBox::rejected, this, &EditSheet::reject);
 
     auto* const whole = new QVBoxLayout(this);
-    whole->addWidget(_title);
     whole->addLayout(form);
     whole->addWidget(_fault);
     whole->addWidget(_next);
@@ -106,15 +99,13 @@ void EditSheet::orderTabs() {
 void EditSheet::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     orderTabs();
+    _action->setFocus();
     if (changed) changed();
 }
 
 void EditSheet::prepare(bool adding) {
-    const QString title = qString(adding ? translated("New schedule") : translated("Schedule"));
-    setWindowTitle(title);
-    _title->setText(title);
+    setWindowTitle(qString(adding ? translated("New schedule") : translated("Schedule")));
     _save->setText(qString(adding ? translated("Add") : translated("Save")));
-    _action->setFocus();
     adjustSize();
 }
 

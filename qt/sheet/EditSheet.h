@@ -56,7 +56,6 @@ private:
     QLabel* const _fault;  ///< of no field
     QLabel* const _next;
     QPushButton* const _save;
-    QLabel* const _title;
     VXConfigurator* _owner = nullptr;
 };
 

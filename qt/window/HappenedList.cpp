@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <algorithm>
 #include <array>
+#include <ctime>
 
 #include "model/Wire.h"
 #include "qt/toolkit/Colours.h"
@@ -10,6 +11,7 @@
 #include "scheduler/Outcome.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
+#include "words/WhenText.h"
 
 namespace quorel::qt {
 
@@ -43,10 +45,13 @@ HappenedList::HappenedList(QWidget* parent) : QTreeWidget(parent) {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     header()->setStretchLastSection(true);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    header()->setSectionResizeMode(0, QHeaderView::Fixed);
+    header()->resizeSection(0, fontMetrics().height() * 2);
 }
 
 void HappenedList::show(const Array& outcomes, std::size_t most) {
     clear();
+    const Instant now = std::time(nullptr);
     for (auto one = outcomes.rbegin(); one != outcomes.rend() && most > 0; ++one, --most) {
         const Sort sort = sortOf((*one)[keys::kCode].text());
         const Instant due = (*one)[keys::kDue].integer();
@@ -55,22 +60,16 @@ void HappenedList::show(const Array& outcomes, std::size_t most) {
             new QTreeWidgetItem(this, {QString::fromUtf8(sort == kWell     ? "✓"
                                                          : sort == kFailed ? "✗"
                                                                            : "–"),
-                                       qString(momentText(due != 0 ? due : (*one)[keys::kAt].integer())),
+                                       qString(whenText(due != 0 ? due : (*one)[keys::kAt].integer(), now)),
                                        due != 0 ? qString(actionName(*one)) : QStringLiteral("–"), qString(sentence)});
         const char* const spoken = sort == kWell     ? translated("done")
                                    : sort == kFailed ? translated("failed")
                                                      : translated("not done");
         item->setData(0, Qt::AccessibleTextRole, qString(spoken));
+        item->setSizeHint(0, {0, fontMetrics().height() * 3 / 2});
         item->setToolTip(3, qString(sentence));
         if (sort != kFailed) continue;
         for (const int column : {0, 3}) item->setForeground(column, faultColour(palette()));
-    }
-    if (topLevelItemCount() == 0) {
-        auto* const item = new QTreeWidgetItem(this, {qString(translated("Nothing has happened yet."))});
-        item->setDisabled(true);
-        for (int column = 1; column < columnCount(); ++column)
-            item->setData(column, Qt::AccessibleTextRole, item->text(0));
-        item->setFirstColumnSpanned(true);
     }
 }
 

@@ -49,8 +49,10 @@ QStringList troublesOf(const Value& status) {
     const auto add = [&](const std::string& what, const std::string& text) {
         lines.append(qString(what + " " + text));
     };
-    for (const auto& [what, text] : troubles(status)) add(what, text);
-    if (status[keys::kActs].intValue() == 0) return lines;  // which says why there are no alarms, too
+    const bool isTrial = status[keys::kActs].intValue() == 0;
+    if (isTrial) lines.append(qString(translated("This is a trial: nothing of this computer is asked or touched.")));
+    for (const auto& [what, text] : troubles(status.with(keys::kActs, true))) add(what, text);
+    if (isTrial) return lines;  // which says why there are no alarms, too
     if (isMissing(status[keys::kWakeAlarm])) add(translated("Wake-up alarm:"), alarmText(status[keys::kWakeAlarm]));
     if (isMissing(status[keys::kStartupAlarm]))
         add(translated("Start-up alarm:"), alarmText(status[keys::kStartupAlarm]));

@@ -40,13 +40,14 @@ SettingsWindow::SettingsWindow(DaemonClient& plan, const QString& copyright, con
       suggestion(new Card(this)),
       useThis(button(suggestion, translated("Use this"))),
       makeOwn(button(suggestion, translated("Make my own…"))),
+      happenedTitle(makeLabel(this, Weight::kHeading, qString(translated("What happened")))),
       happened(new HappenedList(this)),
       showAll(button(this, translated("Show all"))),
       daemonLight(new QLabel(this)),
       daemonText(makeLabel(this, Weight::kSmall)),
       agentLight(new QLabel(this)),
       agentText(makeLabel(this, Weight::kSmall)),
-      undo(button(this, translated("Undo"))),
+      undo(button(this, translated("Undo delete"))),
       revert(button(this, translated("Discard"))),
       apply(button(this, translated("Apply"))),
       options(button(this, translated("Options…"))),
@@ -90,27 +91,24 @@ void SettingsWindow::layOut() {
 
     auto* const heading = new QHBoxLayout;
     heading->addWidget(makeLabel(this, Weight::kHeading, qString(translated("Schedules"))), 1);
-    for (QPushButton* one : {remove, edit, add}) heading->addWidget(one);
+    for (QPushButton* one : {undo, remove, edit, add}) heading->addWidget(one);
     whole->addLayout(heading);
 
-    auto* const offer = new QVBoxLayout(suggestion);
+    auto* const offer = new QHBoxLayout(suggestion);
     auto* const text =
         makeLabel(suggestion, Weight::kText,
                   qString(translated("Nothing is stored yet. This is a suggestion to start with; nothing "
                                      "happens until you say so.")));
     text->setWordWrap(true);
-    offer->addWidget(makeLabel(suggestion, Weight::kHeading, qString(translated("A suggestion to start with"))));
-    offer->addWidget(text);
-    auto* const choices = new QHBoxLayout;
-    choices->addWidget(useThis);
-    choices->addWidget(makeOwn);
-    choices->addStretch();
-    offer->addLayout(choices);
+    offer->addWidget(text, 1);
+    offer->addWidget(makeOwn);
+    offer->addWidget(useThis);
+    useThis->setDefault(true);
     whole->addWidget(suggestion);
     whole->addWidget(list, 1);
 
     auto* const past = new QHBoxLayout;
-    past->addWidget(makeLabel(this, Weight::kHeading, qString(translated("What happened"))), 1);
+    past->addWidget(happenedTitle, 1);
     past->addWidget(showAll);
     whole->addLayout(past);
     whole->addWidget(happened);
@@ -118,7 +116,7 @@ void SettingsWindow::layOut() {
     auto* const foot = new QHBoxLayout;
     for (QLabel* one : {daemonLight, daemonText, agentLight, agentText}) foot->addWidget(one);
     foot->addStretch();
-    for (QPushButton* one : {undo, options, revert, apply}) foot->addWidget(one);
+    for (QPushButton* one : {options, revert, apply}) foot->addWidget(one);
     whole->addLayout(foot);
 }
 
@@ -151,6 +149,10 @@ void SettingsWindow::suggest(bool suggests) {
 
 void SettingsWindow::showHappened(const Array& outcomes) {
     constexpr std::size_t kAtAGlance = 3;
+    showAll->setText(qString(showAll->isChecked() ? translated("Show the last") : translated("Show all")));
+    showAll->setVisible(outcomes.size() > kAtAGlance);
+    for (QWidget* const part : {static_cast<QWidget*>(happenedTitle), static_cast<QWidget*>(happened)})
+        part->setHidden(outcomes.empty());
     happened->show(outcomes, showAll->isChecked() ? wire::scheduler::kMostOutcomes : kAtAGlance);
     sizeHappened();
 }
@@ -158,7 +160,7 @@ void SettingsWindow::showHappened(const Array& outcomes) {
 /// The list of Schedules needs the place more.
 void SettingsWindow::sizeHappened() {
     const int line = std::max(happened->sizeHintForRow(0), fontMetrics().height());
-    const int most = showAll->isChecked() ? height() / line / 3 : height() < 30 * line ? 1 : 3;
+    const int most = showAll->isChecked() ? height() / line / 3 : height() < 30 * fontMetrics().height() ? 1 : 3;
     happened->setFixedHeight(std::clamp(happened->topLevelItemCount(), 1, std::max(most, 1)) * line +
                              2 * happened->frameWidth());
 }

@@ -34,6 +34,7 @@ public:
     QFrame* const suggestion;
     QPushButton* const useThis;
     QPushButton* const makeOwn;
+    QLabel* const happenedTitle;
     HappenedList* const happened;
     QPushButton* const showAll;
     QLabel *const daemonLight, *const daemonText, *const agentLight, *const agentText;
