@@ -127,7 +127,7 @@ void Host::unlockIfGranted() {
 }
 
 bool Host::isBusy() const {
-    return _isSaving || _isAsking || _parts.patience.isWaiting() || _parts.application.isModal() ||
+    return _isSaving || _parts.patience.isWaiting() || QApplication::activeModalWidget() ||
            _parts.window.list->isDragging();
 }
 
@@ -142,13 +142,11 @@ bool Host::mayClose() {
     const auto* const discard =
         question.addButton(qString(translated("Discard changes")), QMessageBox::DestructiveRole);
     question.addButton(qString(translated("Cancel")), QMessageBox::RejectRole);
-    _isAsking = true;
     question.exec();
-    _isAsking = false;
     caughtUp();
     if (question.clickedButton() == discard) return true;
     if (question.clickedButton() != apply) return false;
-    return saveBy(&VXPrefPaneController::willUnselect);
+    return saveBy([this] { _controller->willUnselect(); });
 }
 
 void Host::leave() {
@@ -162,14 +160,14 @@ void Host::leave() {
 
 void Host::save() {
     if (isBusy()) return;
-    if (saveBy(&VXPrefPaneController::savePrefs)) _beforeRemoval.reset();
+    if (saveBy([this] { _controller->applyNow(nullptr); })) _removal.reset();
     showList();
     caughtUp();
 }
 
 /// The pane reads the file again, whatever the daemon has answered. What it has refused is put back: nobody's edits go
 /// without a word. False where they are not stored.
-bool Host::saveBy(void (VXPrefPaneController::*how)()) {
+bool Host::saveBy(const std::function<void()>& how) {
     const PaneOutlets& outlets = _controller->outlets;
     VXConfigurator& configurator = *_controller->configurator();
     const Array list = configurator.scheduleArray();
@@ -177,7 +175,7 @@ bool Host::saveBy(void (VXPrefPaneController::*how)()) {
               menu = outlets.menuCheck->state();
     _parts.center.takeLastSave();
     _isSaving = true;
-    (_controller.get()->*how)();
+    how();
     _isSaving = false;
     const std::optional<EditsAnswer> answer = _parts.center.takeLastSave();
     if (!answer || answer->isHandled) {
@@ -197,7 +195,6 @@ bool Host::saveBy(void (VXPrefPaneController::*how)()) {
 void Host::reread() {
     _isStale = false;
     _controller->getPrefs();
-    _beforeRemoval.reset();
     showList();
 }
 
@@ -249,15 +246,15 @@ void Host::removeSelected() {
         _parts.window.notice(qString(translated("The last Schedule cannot be deleted. It can be switched off.")));
         return;
     }
-    _beforeRemoval = before;
+    _removal = {before, configurator.scheduleArray()};
     _parts.window.undo->setToolTip(what);
     _parts.window.undo->setAccessibleDescription(what);
     showList();
 }
 
 void Host::undoRemoval() {
-    if (!_beforeRemoval) return;
-    _controller->configurator()->setScheduleArray(Value(*std::exchange(_beforeRemoval, std::nullopt)));
+    if (!_removal) return;
+    _controller->configurator()->setScheduleArray(Value(std::exchange(_removal, std::nullopt)->before));
     _controller->setNeedsSave(nullptr);
     showList();
 }
@@ -288,13 +285,14 @@ void Host::showEdits() {
     const bool canSave = !_controller->configurator()->isLocked() && _controller->hasEdits();
     for (QPushButton* button : {_parts.window.apply, _parts.window.revert}) button->setEnabled(canSave);
     _parts.window.apply->setDefault(canSave);
+    if (_removal && _controller->configurator()->scheduleArray() != _removal->after) _removal.reset();
+    _parts.window.undo->setVisible(_removal.has_value());
 }
 
 void Host::showList() {
     _suggests = !_parts.platform.files.dictionaryWithContentsOfFile(preferences::kFile).isDictionary() &&
                 !_controller->hasEdits();
     _parts.window.suggest(_suggests);
-    _parts.window.undo->setVisible(_beforeRemoval.has_value());
     showEdits();
 }
 
@@ -326,6 +324,7 @@ void Host::lookAtPrograms() {
 void Host::showPlan() {
     SettingsWindow& window = _parts.window;
     window.list->schedules().refreshNotes();
+    caughtUp();
     const DaemonClient::Told& told = _parts.plan.told();
     if (!told.isFetched) return;
     window.next->show(told);

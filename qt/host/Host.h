@@ -47,7 +47,7 @@ private:
     bool isBusy() const;
 
     void save();
-    bool saveBy(void (VXPrefPaneController::*how)());
+    bool saveBy(const std::function<void()>& how);
     void reread();
     void fileChanged();
     void caughtUp();
@@ -74,10 +74,12 @@ private:
     QTimer _minutes;
     bool _isSelected = false;
     bool _isSaving = false;
-    bool _isAsking = false;
     bool _suggests = false;
     bool _isStale = false;  ///< the file has changed and was not read again yet
-    std::optional<Array> _beforeRemoval;
+    struct Removal {
+        Array before, after;
+    };
+    std::optional<Removal> _removal;
 };
 
 }  // namespace quorel::qt

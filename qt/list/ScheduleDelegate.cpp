@@ -154,11 +154,11 @@ int columnWidth(const QFontMetrics& font, int column) {
     if (column == kActionColumn) return em * 10;
     if (column != kTimeColumn && column != kNextColumn) return em * 7 / 4;
     const QString longest = QLocale().toString(QTime(22, 58), shortTimeFormat());
-    if (column == kTimeColumn) return font.horizontalAdvance(longest) * 8 / 5 + em;
+    if (column == kTimeColumn) return font.horizontalAdvance(longest) * 3 / 2 + em * 3 / 4;
     int width = 0;
     for (const char* const day : {translated("today {1}"), translated("tomorrow {1}")})
         width = std::max(width, font.horizontalAdvance(qString(filled(day, {stdString(longest)}))));
-    return width + em * 2 / 3;
+    return width + em / 3;
 }
 
 int rowHeight(const QFontMetrics& font) {

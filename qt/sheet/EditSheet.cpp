@@ -17,6 +17,7 @@
 #include "qt/list/ScheduleTable.h"
 #include "qt/sheet/DayButton.h"
 #include "qt/sheet/OptionForm.h"
+#include "qt/toolkit/Mnemonics.h"
 #include "qt/toolkit/Services.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
@@ -99,7 +100,8 @@ void EditSheet::orderTabs() {
 void EditSheet::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     orderTabs();
-    _action->setFocus();
+    giveMnemonics(*this);
+    _action->setFocus(Qt::TabFocusReason);
     if (changed) changed();
 }
 
@@ -175,6 +177,7 @@ void EditSheet::connectTo(VXConfigurator& owner) {
     connect(_action, qOverload<int>(&QComboBox::activated), this, [this, tell] {
         _owner->selectActionType(_owner->outlets.popUpType.get());
         orderTabs();
+        giveMnemonics(*this);
         tell();
     });
     for (const auto& button : outlets.activeOn) {

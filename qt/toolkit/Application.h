@@ -22,8 +22,6 @@ public:
                       std::optional<std::string_view> alternateButton) override;
     void beep() override;
 
-    bool isModal() const { return !_loops.empty(); }
-
     std::shared_ptr<Window> main;  ///< set by the composition root
 
 private:

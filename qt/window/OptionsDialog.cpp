@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "qt/toolkit/Mnemonics.h"
 #include "qt/toolkit/Text.h"
 #include "qt/toolkit/Views.h"
 #include "qt/window/Card.h"
@@ -40,6 +41,7 @@ OptionsDialog::OptionsDialog(QWidget* parent)
     whole->addWidget(makeLabel(this, Weight::kSmall, qString(translated("Options hold once you apply them."))));
     whole->addStretch();
     whole->addWidget(buttons);
+    giveMnemonics(*this);
 }
 
 void OptionsDialog::connectTo(VXPrefPaneController& owner) {

@@ -1,6 +1,7 @@
-#include <QFile>
 #include <QLabel>
 #include <QPushButton>
+#include <atomic>
+#include <thread>
 
 #include "model/Wire.h"
 #include "tests/qt/WindowTest.h"
@@ -123,15 +124,42 @@ TEST_F(HostTest, TakesADeletionBack) {
     EXPECT_EQ(hours(), "7 8 9 ");
     EXPECT_FALSE(window.undo->isVisible());
     EXPECT_FALSE(window.apply->isEnabled());
+    select(1);
+    press(Qt::Key_Delete);
+    window.list->schedules().setData(window.list->schedules().index(0, qt::kSwitchColumn), {}, Qt::CheckStateRole);
+    EXPECT_FALSE(window.undo->isVisible());  // it would take that back, too
+}
+
+TEST_F(HostTest, TakesNothingButStaysPaintedWhileASaveIsUnderWay) {
+    open();
+    select(0);
+    press(Qt::Key_Delete);
+    std::atomic<bool> isAnswered = false;
+    center.onDaemon = [&](const Notification& notification) {
+        while (!isAnswered) std::this_thread::yield();
+        store(notification.userInfo);
+    };
+    QTimer::singleShot(0, &window, [&] {
+        const long painted = window.list->drawing().paintedRows;
+        press(Qt::Key_Delete);
+        window.close();
+        changeFile();
+        QTest::qWait(1'000);  // long enough for it to be read
+        window.list->viewport()->update();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window.list->drawing().paintedRows > painted; }, 20'000));
+        EXPECT_EQ(hours(), "8 9 ");
+        isAnswered = true;
+    });
+    window.apply->click();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(saved(), "8 9 ");
 }
 
 TEST_F(HostTest, ShowsWhatOthersHaveStoredUnlessItIsEdited) {
     open();
     const auto others = [&](const Value& given) {
         store(given);
-        QFile file(folder.filePath(QStringLiteral("com.quorel.plist")));
-        ASSERT_TRUE(file.open(QIODevice::Append));
-        file.write("x");
+        changeFile();
     };
     others(plan({5}));
     EXPECT_TRUE(QTest::qWaitFor([&] { return hours() == "5 "; }, 20'000));

@@ -30,7 +30,7 @@ TEST_F(ListTest, TogglesByKeyboardAndMouse) {
         QApplication::sendEvent(window.list->viewport(), &event);
     }
     EXPECT_EQ(isOn(schedule_keys::kActiveOnDays[1]), 1);
-    EXPECT_FALSE(application.isModal());
+    EXPECT_FALSE(QApplication::activeModalWidget());
 }
 
 TEST_F(ListTest, ADropThatChangesNothingIsNobodysBusiness) {

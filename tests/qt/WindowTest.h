@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -51,6 +52,12 @@ protected:
         memory.dispatch.run();
         QApplication::processEvents();
     }
+    /// That which the window watches.
+    void changeFile() {
+        QFile file(folder.filePath(QStringLiteral("com.quorel.plist")));
+        ASSERT_TRUE(file.open(QIODevice::Append));
+        file.write("x");
+    }
     void store(const Value& given) { memory.files.files[std::string(preferences::kFile)] = given; }
     /// A sleep at each of these hours, every day.
     static Value plan(std::initializer_list<int> hours) {
@@ -96,7 +103,7 @@ protected:
         QTimer::singleShot(0, &window, [this] {
             window.list->viewport()->repaint();
             for (auto* const button : window.sheet->findChildren<QAbstractButton*>())
-                if (button->text() == QLatin1String("Save")) button->click();
+                if (button->text() == QLatin1String("&Save")) button->click();
         });
     }
 
