@@ -62,15 +62,15 @@ void Scheduler::settle() {
         afterSleep({});
     }
     pauseOpen();
-    takeUp();
+    takeUp(plannedUpTo());
     if (_outlivesList) withdraw();
     reachAll();
     pauseOpen();  // what the system has refused, to be tried again
-    endPauses();
     if (_saved || _zoneChanged) {
         takeOverSaved();
-        takeUp();
+        takeUp(now());
     }
+    endPauses();
     const auto isRunning = [](const OpenOccurrence& open) {
         return open.step == Step::kRunning && open.occurrence.schedule->wakes;
     };
@@ -149,6 +149,7 @@ void Scheduler::start(ClockReading now, const Value& list, const Value& stored, 
 void Scheduler::listSaved(ClockReading now, const Value& list) {
     process(now, [this, list] {
         _saved = list;
+        _savedAt = _clock.read().boot;
         _changed = true;
     });
 }
@@ -157,14 +158,19 @@ void Scheduler::zoneChanged(ClockReading now) {
     process(now, [this] { _zoneChanged = true; });
 }
 
-/// What the old plan had due by now has been seen to.
+/// By the list and the zone of before: a list counts from when it was saved, a zone from now on.
+Instant Scheduler::plannedUpTo() const {
+    return _saved && !_zoneChanged ? now() - (_clock.read().boot - _savedAt) / 1000 : now();
+}
+
+/// What was due before has been seen to.
 void Scheduler::takeOverSaved() {
+    _watermark = std::max(_watermark, plannedUpTo());
     if (std::exchange(_zoneChanged, false)) _world.calendar.refresh();
     if (_saved) {
         takeList(*std::exchange(_saved, std::nullopt));
         withdraw();
     }
-    _watermark = std::max(_watermark, now());
     planAnew();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <list>
@@ -141,6 +142,7 @@ private:
     void begin();
     void commit();
     void afterSleep(std::optional<Lid> lid);
+    Instant plannedUpTo() const;
     void takeOverSaved();
     void act(std::function<void()> effect) { _effects.push_back({std::move(effect), false}); }
     void actAsWritten(OpenOccurrence& open, std::function<void()> effect);
@@ -166,9 +168,9 @@ private:
     const Occurrence* nextPower() const;
     std::vector<Occurrence> coming(const Agenda& agenda, std::size_t most, const Agenda::Wanted& wanted = nullptr,
                                    bool wholeMinutes = false) const;
-    void takeUp();
+    void takeUp(Instant upTo);
     void takeUpMinute();
-    void takeUpMissed();
+    void takeUpMissed(Instant upTo);
     void reportMissed(const Occurrence& last, std::int64_t count);
     std::string_view causeOf(Instant due) const;
     bool isWakeUpNear() const;
@@ -238,6 +240,7 @@ private:
     std::optional<StoredState> _former;
     bool _hasBegun = false;       ///< with it
     std::optional<Value> _saved;  ///< a list, to be taken over when a sleep is over or the clock to be trusted
+    std::int64_t _savedAt = 0;    ///< on the boot clock
     bool _zoneChanged = false;    ///< and to be taken over then
     std::string_view _lateness;   ///< why what is late now is late
 

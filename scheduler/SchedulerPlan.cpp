@@ -60,16 +60,17 @@ const Occurrence* Scheduler::nextPower() const {
     return firstOf(ActionKind::kWakeUp) ? nullptr : firstOf(ActionKind::kSleep);
 }
 
-void Scheduler::takeUp() {
-    while (!_next.empty() && _next.front().due <= now()) {
+/// What is due up to then, and the sleep or shut-down that comes into course by now.
+void Scheduler::takeUp(Instant upTo) {
+    while (!_next.empty() && _next.front().due <= upTo) {
         if (_clock.isLate(_next.front().due)) {
-            takeUpMissed();
+            takeUpMissed(std::min(upTo, _clock.lateUpTo()));
         } else {
             takeUpMinute();
         }
         planAnew();
     }
-    const Occurrence* power = nextPower();
+    const Occurrence* power = upTo < now() ? nullptr : nextPower();
     if (power && courseFrom(*power->schedule, power->due) <= now() && !find(*power))
         beginCourse(open(*power, power->due));
 }
@@ -97,7 +98,7 @@ void Scheduler::takeUpMinute() {
 }
 
 /// Everything that is too late to run: one entry a Schedule.
-void Scheduler::takeUpMissed() {
+void Scheduler::takeUpMissed(Instant upTo) {
     struct Missed {
         Occurrence last;
         std::optional<Instant> beforeLast;
@@ -105,7 +106,7 @@ void Scheduler::takeUpMissed() {
     };
     std::map<const ScheduleReading*, Missed> all;
     const Instant from = std::max(_watermark, now() - rules::kLongestAbsence);
-    _watermark = _clock.lateUpTo();
+    _watermark = upTo;
     _agenda->visit(from, _watermark, [&](const Occurrence& one) {
         if (find(one)) return;
         if (_pauses.around(one.due)) return _pauses.count(one.due);
