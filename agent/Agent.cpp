@@ -88,7 +88,7 @@ void Agent::say(const TrayContent::Choice& choice) {
     if (choice.what == Choice::kUnskip) plan.unskip(choice.token, logRefusal);
     if (choice.what == Choice::kPostpone) plan.postpone(choice.token, logRefusal, choice.length);
     if (choice.what == Choice::kPause) plan.pause(logRefusal);
-    if (choice.what == Choice::kResume) plan.resume(choice.from, logRefusal);
+    if (choice.what == Choice::kResume) plan.resume(choice.token, logRefusal);
 }
 
 void Agent::tellIdle(std::int64_t question) {

@@ -55,11 +55,6 @@ DaemonClient::Answer DaemonClient::pause(std::int64_t from, std::int64_t until) 
                [&](sd_bus_message* message) { return sd_bus_message_append(message, "xx", from, until); });
 }
 
-DaemonClient::Answer DaemonClient::resume(std::int64_t from) {
-    return say(wire::scheduler::kResume,
-               [&](sd_bus_message* message) { return sd_bus_message_append(message, "x", from); });
-}
-
 DaemonClient::Answer DaemonClient::say(const char* method, const std::function<int(sd_bus_message*)>& append) {
     const auto message = _daemon.newCall(wire::scheduler::kPath, wire::scheduler::kInterface, method);
     if (message && append(message.get()) < 0) return {Failure::kNotSent, {}, {}, {}};

@@ -40,7 +40,6 @@ public:
     Answer tryNow(const Value& schedule);
     /// See Scheduler1. The value is the pause that is set.
     Answer pause(std::int64_t from, std::int64_t until);
-    Answer resume(std::int64_t from);
 
     /// Has preferences stored that were made of `base`. Somebody may be asked for a password. The value says what was
     /// joined with what others have stored.

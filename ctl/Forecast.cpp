@@ -68,9 +68,10 @@ std::optional<Occurrence> Forecast::after(std::size_t index, Instant instant) co
     const Agenda agenda(_calendar, {reading});
     while (true) {
         const auto found = agenda.after(instant, 1);
-        const Pause* pause = found.empty() ? nullptr : _pauses.around(found.front().due);
-        if (!pause) return found.empty() ? std::nullopt : std::optional(found.front());
-        instant = pause->until - 1;
+        if (found.empty()) return {};
+        const Instant due = found.front().due, free = _pauses.firstFree(due);
+        if (free == due) return found.front();
+        instant = free - 1;
     }
 }
 

@@ -59,13 +59,15 @@ std::optional<Span> spanOf(const std::vector<std::string>& arguments, Instant no
     return span;
 }
 
-/// The one that the argument means: by its number, or the one around now, or the only one. Absent otherwise.
-Value chosenPause(const Array& pauses, const std::string& name) {
+/// Those that the argument means: all, or the one of that number, or the one that goes on, or the only one.
+Array chosenPauses(const Array& pauses, const std::string& name) {
+    if (name == "all" || (name.empty() && pauses.size() == 1)) return pauses;
+    if (const auto number = numberIn(name, pauses.size())) return {pauses[*number - 1]};
+    Array begun;
     const Instant now = std::time(nullptr);
-    if (const auto number = numberIn(name, pauses.size())) return pauses[*number - 1];
-    if (!name.empty()) return {};
-    if (pauses.size() == 1 || (!pauses.empty() && pauses.front()[keys::kFrom].integer() <= now)) return pauses.front();
-    return {};
+    for (const Value& one : pauses)
+        if (name.empty() && one[keys::kFrom].integer() <= now) begun.push_back(one);
+    return begun.size() == 1 ? begun : Array();
 }
 
 }  // namespace
@@ -104,18 +106,16 @@ ExitStatus resumePlan(const CommandLine& line) {
     const Answer told = askForList(daemon, wire::scheduler::kPauses);
     if (told.failure != Failure::kNone) return fail(told);
     const Array& pauses = told.value.array();
-    Array ended = pauses;
     if (pauses.empty()) return notFound(translated("Nothing is paused."));
-    if (name != "all") ended = {chosenPause(pauses, name)};
-    if (ended.front().isAbsent()) {
+    const Array ended = chosenPauses(pauses, name);
+    if (ended.empty()) {
         std::string lines;
         for (const std::string& one : pauseLines(pauses)) lines += "\n  " + one;
         return notFound(translated("Which one? Give its number, or \"all\":") + lines);
     }
-    for (const Value& one : ended) {
-        const Answer answer = DaemonClient().resume(one[keys::kFrom].integer());
-        if (answer.failure != Failure::kNone) return fail(answer);
-    }
+    const std::string token = name == "all" ? std::string() : ended.front()[keys::kToken].text();
+    const Answer answer = DaemonClient().change(wire::scheduler::kResume, token);
+    if (answer.failure != Failure::kNone) return fail(answer);
     const Page page;
     if (line.json) page.line(jsonOutput(Dictionary{{"Ended", ended}}));
     const Occurrences after(line.root, daemon, 1);

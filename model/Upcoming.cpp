@@ -24,9 +24,13 @@ bool keepsAwake(const Value& upcoming) {
 }
 
 Value pauseAround(const Array& pauses, std::int64_t instant) {
-    for (const Value& one : pauses)
-        if (one[keys::kFrom].integer() <= instant && instant < one[keys::kUntil].integer()) return one;
-    return {};
+    Value last;
+    for (const Value& one : pauses) {
+        const std::int64_t until = one[keys::kUntil].integer();
+        const bool goesOn = one[keys::kFrom].integer() <= instant && instant < until;
+        if (goesOn && (last.isAbsent() || last[keys::kUntil].integer() < until)) last = one;
+    }
+    return last;
 }
 
 std::optional<std::int64_t> leftOutUntil(const Array& upcoming, const Array& pauses, std::int64_t due,

@@ -16,7 +16,8 @@ bool isSkipped(const Value& upcoming);
 /// The computer is kept awake by it now; skipped, it lets go.
 bool keepsAwake(const Value& upcoming);
 
-/// The pause that goes on at an instant, of those that the daemon's Pauses() tells. Absent where there is none.
+/// The pause that goes on at an instant, of those that the daemon's Pauses() tells; of several the one that ends last.
+/// Absent where there is none.
 Value pauseAround(const Array& pauses, std::int64_t instant);
 
 /// What leaves out the occurrence of an action at an instant, a pause or a skip: until then. Nothing where it stands.

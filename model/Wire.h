@@ -111,6 +111,7 @@ inline constexpr std::string_view kMinutes = "Minutes";
 inline constexpr std::string_view kMadeUp = "MadeUp";
 inline constexpr std::string_view kStatus = "Status";
 inline constexpr std::string_view kCount = "Count";
+inline constexpr std::string_view kBrief = "Brief";
 inline constexpr std::string_view kCause = "Cause";
 inline constexpr std::string_view kNumber = "Number";
 inline constexpr std::string_view kReason = "Reason";

@@ -59,16 +59,15 @@ enum class Fate {
     kSecondsGoOn,          ///< what is measured goes on as it was
     kPlannedAgain,         ///< more than a minute ahead: planned or postponed, as before its course; else seconds go on
     kEndsUnlessAhead,
-    kCorrected,    ///< ends
-    kWithdrawn,    ///< ends
-    kMakeUpSoon,   ///< in ten seconds
-    kWaitsIfIdle,  ///< a warned "only when idle" one waits
-    kLooksAtOnce,  ///< what waits for an action does
-    kSkipped,      ///< until its minute
-    kPlannedAnew,  ///< with a full warning, while its minute lies ahead
-    kPostponed,    ///< by as much as was asked for, from its time or from now
-    kPaused,       ///< ends, and counts in the pause
-    kPausedIfWithin,
+    kCorrected,     ///< ends
+    kWithdrawn,     ///< ends
+    kMakeUpSoon,    ///< in ten seconds
+    kWaitsIfIdle,   ///< a warned "only when idle" one waits
+    kLooksAtOnce,   ///< what waits for an action does
+    kSkipped,       ///< until its minute
+    kPlannedAnew,   ///< with a full warning, while its minute lies ahead
+    kPostponed,     ///< by as much as was asked for, from its time or from now
+    kPaused,        ///< ends, and counts in the pause; while its time is ahead as before its course
     kRefused,       ///< not allowed, or too late
     kLetsSleep,     ///< ends: the computer may fall asleep
     kReckonedAnew,  ///< until when it stays awake, by the clock as it is now; ends where that is no time of its own
@@ -122,7 +121,7 @@ inline constexpr EventRow kRows[] = {
                               kStays, kStays, kStays, kStays},
     {Event::kLastActionEnds,  kStays, kStays, kStays, kStays, kStays,
                               kLooksAtOnce, kStays, kStays, kStays},
-    {Event::kPaused,          kStays, kPausedIfWithin, kPausedIfWithin, kPausedIfWithin, kPausedIfWithin,
+    {Event::kPaused,          kStays, kStays, kStays, kStays, kStays,
                               kPaused, kStays, kStays, kStays},
     {Event::kSkip,            kSkipped, kStays, kSkipped, kSkipped, kSkipped,
                               kSkipped, kRefused, kRefused, kLetsSleep},

@@ -47,6 +47,9 @@ void Scheduler::observe(ClockReading now) {
     happen({.event = change->event, .by = change->by});
     if (change->event != Event::kClockWasAhead && change->event != Event::kClockCorrected) return;
     tell(outcome::kCorrection, nullptr, {{keys::kBy, change->by}});
+    _agenda->visit(this->now(), _watermark, [&](const Occurrence& one) {
+        if (!find(one)) _pauses.count(one.due, -1);  // it comes again
+    });
     _watermark = this->now();
     planAnew();
 }
@@ -76,7 +79,7 @@ void Scheduler::settle() {
     };
     _wakefulness.settle(
         std::ranges::any_of(_open, isRunning),
-        std::ranges::find(_open, Step::kStayingAwake, &OpenOccurrence::step) != _open.end() && !_pauses.around(now()));
+        std::ranges::find(_open, Step::kStayingAwake, &OpenOccurrence::step) != _open.end() && !_pauses.cover(now()));
     _clock.settled();
     _lateness = outcome::kCauseLate;
 }
@@ -95,6 +98,7 @@ void Scheduler::begin() {
     } else {
         _wakefulness.restore(_former->awakeUntil);
     }
+    _pauses.clockTrusted(now());
     withdraw();
     happen({Event::kServiceStarts});
     _former.reset();
@@ -269,7 +273,7 @@ std::optional<Instant> Scheduler::nextCall() const {
         const Occurrence* power = nextPower();
         if (power && !find(*power)) consider(courseFrom(*power->schedule, power->due));
         for (const OpenOccurrence& open : _open) consider(nextOf(open));
-        consider(_pauses.next(now()));
+        consider(_pauses.next(now(), _clock.youngUntil()));
     }
     if (earliest) earliest = std::max(*earliest, now() + 1);
     return earliest;

@@ -106,14 +106,14 @@ public:
 
     /// What is due within it is not carried out; its number is told when it is over. As skip.
     Pauses::Answer pause(ClockReading now, const Pause& wanted);
-    /// The pause that began or begins then is no more; false when there is none. As skip.
-    bool resume(ClockReading now, Instant from);
+    /// The pause of that token is over, or does not come; as Pauses::end. As skip.
+    bool resume(ClockReading now, const std::string& token, bool onlyBrief = false);
     const Pauses& pauses() const { return _pauses; }
 
     /// When `tick` must be called at the latest; nothing: not before something else happens.
     std::optional<Instant> nextCall() const;
-    /// What is open and what comes next, by time; at most `most`.
-    std::vector<Upcoming> upcoming(std::size_t most) const;
+    /// What is open and what comes next, by time; at most `most`, of those that will not be before `from`.
+    std::vector<Upcoming> upcoming(std::size_t most, Instant from = 0) const;
     /// The last 500, as Outcome::value has them, oldest first.
     const Array& outcomes() const { return _outcomes; }
     /// Schedules of the list that never run, or not as things stand.
@@ -156,6 +156,7 @@ private:
     void befallInTime(OpenOccurrence& open, Fate fate, const Happening& what);
     void befallInCourse(OpenOccurrence& open, Fate fate, const Happening& what);
     void befallByClock(OpenOccurrence& open, Fate fate, Seconds by);
+    void asBeforeItsCourse(OpenOccurrence& open);
     void setAside(OpenOccurrence& open, const Happening& what);
     bool decide(ClockReading now, const std::string& token, const Happening& what);
 
@@ -166,8 +167,8 @@ private:
     void planAnew();
     const Occurrence* firstOf(ActionKind kind) const;
     const Occurrence* nextPower() const;
-    std::vector<Occurrence> coming(const Agenda& agenda, std::size_t most, const Agenda::Wanted& wanted = nullptr,
-                                   bool wholeMinutes = false) const;
+    std::vector<Occurrence> coming(const Agenda& agenda, Instant from, std::size_t most,
+                                   const Agenda::Wanted& wanted = nullptr, bool wholeMinutes = false) const;
     void takeUp(Instant upTo);
     void takeUpMinute();
     void takeUpMissed(Instant upTo);
@@ -188,12 +189,11 @@ private:
     void remove(const OpenOccurrence& open);
     void finish(OpenOccurrence& open, std::string_view code, Dictionary arguments = {});
     void close(OpenOccurrence& open, bool isToStay);
-    bool isPaused(Instant at) const { return _pauses.around(at) || _pauses.around(now()); }
-    void countPaused(Instant at) { _pauses.count(_pauses.around(at) ? at : now()); }
+    bool isPaused(Instant at) const { return _pauses.cover(at) || _pauses.cover(now()); }
+    void countPaused(Instant at) { _pauses.count(_pauses.cover(at) ? at : now()); }
     void paused(OpenOccurrence& open);
     void pauseOpen();
     void endPauses();
-    void pauseEnded(const Pause& pause, Instant until);
     std::optional<Instant> nextOf(const OpenOccurrence& open) const;
     void reachAll();
     void missed(OpenOccurrence& open);

@@ -46,10 +46,7 @@ bool Scheduler::befall(OpenOccurrence& open, const Happening& what) {
             follow(open, open.course->giveUp(now()));
             break;
         case Fate::kPaused:
-            paused(open);
-            break;
-        case Fate::kPausedIfWithin:
-            if (_pauses.around(open.at)) paused(open);
+            open.at > now() ? asBeforeItsCourse(open) : paused(open);
             break;
         case Fate::kWithdrawn:
             tell(outcome::kWithdrawn, &one);
@@ -88,7 +85,7 @@ void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& w
         case Fate::kForgotten:
             return remove(open);
         case Fate::kSkippedForGood:
-            if (_pauses.around(open.at)) return paused(open);
+            if (_pauses.cover(open.at)) return paused(open);
             return finish(open, outcome::kSkipped, {{keys::kBy, open.by}});
         case Fate::kRuns:
             if (isPaused(open.at)) return paused(open);
@@ -101,6 +98,7 @@ void Scheduler::befallInTime(OpenOccurrence& open, Fate fate, const Happening& w
             if (isWorthwhile(one)) return makeUp(open, rules::kBeforeMakeUp);
             return open.madeUp || _clock.isLate(one.due) ? missed(open) : queue(open);
         case Fate::kNobodyCame:
+            if (isPaused(open.at)) return paused(open);
             return finish(open, outcome::kNotStarted, {{keys::kReason, outcome::kNobody}});
         case Fate::kMakeUpSoon:
             if (isPaused(now())) return;
@@ -167,10 +165,8 @@ void Scheduler::befallByClock(OpenOccurrence& open, Fate fate, Seconds by) {
         case Fate::kPlannedAgain: {
             const bool wasAhead = open.at > now() - by;
             secondsGoOn();
-            if (!wasAhead || open.at - now() <= rules::kWarning) return;
-            if (open.at == open.occurrence.due && open.at > _watermark) return remove(open);
-            open.step = Step::kPostponed;
-            return open.course.reset();
+            if (wasAhead && open.at - now() > rules::kWarning) asBeforeItsCourse(open);
+            return;
         }
         case Fate::kEndsUnlessAhead:
             if (open.at > now()) return;
@@ -182,6 +178,14 @@ void Scheduler::befallByClock(OpenOccurrence& open, Fate fate, Seconds by) {
         default:
             return;
     }
+}
+
+/// Planned, or postponed.
+void Scheduler::asBeforeItsCourse(OpenOccurrence& open) {
+    if (open.at == open.occurrence.due && open.at > _watermark) return remove(open);
+    open.step = Step::kPostponed;
+    open.course.reset();
+    _changed = true;
 }
 
 /// "Not this time", or later.
@@ -224,8 +228,8 @@ Scheduler::Trial Scheduler::tryNow(ClockReading now, const Value& schedule) {
     Trial trial{{}, wire::trial_fault::kNotNow};
     if (_working) return trial;
     process(now, [&] {
-        if (_pauses.around(this->now())) trial.fault = wire::trial_fault::kPaused;
-        if (_pauses.around(this->now()) || !_hasBegun || _wakefulness.isBetween() || _open.size() >= rules::kMostOpen)
+        if (_pauses.cover(this->now())) trial.fault = wire::trial_fault::kPaused;
+        if (_pauses.cover(this->now()) || !_hasBegun || _wakefulness.isBetween() || _open.size() >= rules::kMostOpen)
             return;
         const ListReading reading =
             readScheduleList(Array{schedule.with(schedule_keys::kIsEnabled, true)}, _world.actions);

@@ -98,7 +98,7 @@ void Scheduler::reachAll() {
 
 void Scheduler::missed(OpenOccurrence& open) {
     const Occurrence& one = open.occurrence;
-    if (_pauses.around(open.at)) return paused(open);
+    if (_pauses.cover(open.at)) return paused(open);
     if (one.schedule->kind == ActionKind::kStayAwake && endOf(one) > now()) return stayAwake(open);
     if (!open.madeUp && isWorthwhile(one)) return makeUp(open, rules::kBeforeMakeUp);
     finish(open, outcome::kMissed, {{keys::kCount, 1}, {keys::kCause, causeOf(open.at)}});
@@ -244,7 +244,7 @@ void Scheduler::follow(OpenOccurrence& open, const PowerCourse::Move& move) {
 void Scheduler::openWokenFor() {
     std::vector<Occurrence> found;
     _agenda->visit(std::max(_watermark, now() - rules::kGrace), now() + kMinute, [&](const Occurrence& one) {
-        if (one.schedule->wakes && !find(one) && !_pauses.around(one.due)) found.push_back(one);
+        if (one.schedule->wakes && !find(one) && !_pauses.cover(one.due)) found.push_back(one);
     });
     for (const Occurrence& one : found) open(one, one.due);
 }

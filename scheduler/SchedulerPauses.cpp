@@ -28,45 +28,44 @@ Pauses::Answer Scheduler::pause(ClockReading now, const Pause& wanted) {
     return answer;
 }
 
-bool Scheduler::resume(ClockReading now, Instant from) {
+bool Scheduler::resume(ClockReading now, const std::string& token, bool onlyBrief) {
     bool ended = false;
     if (_working) return ended;
-    tick(now);  // what was due in it by now counts
     process(now, [&] {
-        const std::optional<Pause> pause = _pauses.remove(from);
-        ended = pause.has_value();
-        if (pause) pauseEnded(*pause, std::min(this->now(), pause->until));
+        ended = _pauses.end(this->now(), token, onlyBrief);
+        _changed = _changed || ended;
     });
     return ended;
 }
 
 void Scheduler::pauseOpen() {
-    const bool isPaused = _pauses.around(now()) != nullptr;
+    const bool isPaused = _pauses.cover(now());
     if (isPaused != std::exchange(_wasPaused, isPaused)) _changed = true;
     if (isPaused) happen({Event::kPaused});
 }
 
+/// When what was due in them has been counted; soon after a boot later, in case the clock is ahead.
 void Scheduler::endPauses() {
-    while (const std::optional<Pause> pause = _pauses.over(now())) pauseEnded(*pause, pause->until);
-}
-
-void Scheduler::pauseEnded(const Pause& pause, Instant until) {
-    _changed = true;
-    happen({Event::kAgentComes});  // perhaps within it
-    if (pause.count == 0) return;
-    tell(outcome::kPaused, nullptr,
-         {{keys::kCount, pause.count}, {keys::kFrom, pause.from}, {keys::kUntil, until}, {keys::kBy, pause.by}});
+    while (const std::optional<Pause> pause = _pauses.over(now(), _clock.youngUntil())) {
+        _changed = true;
+        happen({Event::kAgentComes});  // perhaps within it
+        if (pause->count > 0)
+            tell(outcome::kPaused, nullptr,
+                 {{keys::kCount, pause->count},
+                  {keys::kFrom, pause->from},
+                  {keys::kUntil, pause->until},
+                  {keys::kBy, pause->by}});
+    }
 }
 
 /// What is planned, as Agenda::after has it, but for what a pause leaves out.
-std::vector<Occurrence> Scheduler::coming(const Agenda& agenda, std::size_t most, const Agenda::Wanted& wanted,
-                                          bool wholeMinutes) const {
+std::vector<Occurrence> Scheduler::coming(const Agenda& agenda, Instant from, std::size_t most,
+                                          const Agenda::Wanted& wanted, bool wholeMinutes) const {
     std::vector<Occurrence> result;
-    Instant from = std::max(_watermark, now());
     while (result.size() < most) {
-        if (const Pause* pause = _pauses.around(from + 1)) from = pause->until - 1;
+        from = _pauses.firstFree(from + 1) - 1;
         const std::vector<Occurrence> some = agenda.after(from, most - result.size(), wanted, wholeMinutes);
-        const auto cut = std::ranges::find_if(some, [&](const Occurrence& one) { return _pauses.around(one.due); });
+        const auto cut = std::ranges::find_if(some, [&](const Occurrence& one) { return _pauses.cover(one.due); });
         result.insert(result.end(), some.begin(), cut);
         if (cut == some.end()) break;
         from = cut->due - 1;

@@ -30,13 +30,11 @@ bool Scheduler::isDenied(const ScheduleReading& schedule) const {
     return schedule.kind == ActionKind::kSleep && _denied.count(schedule.sleepKind) > 0;
 }
 
-/// When it comes into course: people are warned a minute before, though not within a pause that is over by then. Nobody
-/// is warned of a sleep that this computer does not have.
+/// When it comes into course: people are warned a minute before, though not within a pause. Nobody is warned of a sleep
+/// that this computer does not have.
 Instant Scheduler::courseFrom(const ScheduleReading& schedule, Instant at) const {
-    Instant from = schedule.isPower() && !isDenied(schedule) ? at - rules::kWarning : at;
-    for (const Pause* pause = _pauses.around(from); pause && pause->until <= at; pause = _pauses.around(from))
-        from = pause->until;
-    return from;
+    const bool warns = schedule.isPower() && !isDenied(schedule) && !_pauses.cover(at);
+    return warns ? std::min(_pauses.firstFree(at - rules::kWarning), at) : at;
 }
 
 void Scheduler::planAnew() {
@@ -55,7 +53,7 @@ const Occurrence* Scheduler::firstOf(ActionKind kind) const {
 
 /// The one shut-down, or else the one sleep, of the next minute; no sleep in the minute of a wake-up.
 const Occurrence* Scheduler::nextPower() const {
-    if (!_next.empty() && _pauses.around(_next.front().due)) return nullptr;
+    if (!_next.empty() && _pauses.cover(_next.front().due)) return nullptr;
     if (const Occurrence* shutDown = firstOf(ActionKind::kShutDown)) return shutDown;
     return firstOf(ActionKind::kWakeUp) ? nullptr : firstOf(ActionKind::kSleep);
 }
@@ -109,7 +107,7 @@ void Scheduler::takeUpMissed(Instant upTo) {
     _watermark = upTo;
     _agenda->visit(from, _watermark, [&](const Occurrence& one) {
         if (find(one)) return;
-        if (_pauses.around(one.due)) return _pauses.count(one.due);
+        if (_pauses.cover(one.due)) return _pauses.count(one.due);
         Missed& missed = all[one.schedule.get()];
         const bool later = missed.count == 0 || one.due > missed.last.due;
         const Occurrence& earlier = later ? missed.last : one;
@@ -151,10 +149,10 @@ bool Scheduler::isWakeUpNear() const {
     const Instant end = now() + rules::kSoonAwake - 1;
     bool isNear = std::ranges::any_of(_open, [&](const OpenOccurrence& open) {
         const bool wakes = open.occurrence.schedule->kind == ActionKind::kWakeUp;
-        return wakes && open.step == Step::kPostponed && open.at <= end && !_pauses.around(open.at);
+        return wakes && open.step == Step::kPostponed && open.at <= end && !_pauses.cover(open.at);
     });
     _agenda->visit(std::max(_watermark, now()), end, [&](const Occurrence& one) {
-        isNear = isNear || (one.schedule->kind == ActionKind::kWakeUp && !find(one) && !_pauses.around(one.due));
+        isNear = isNear || (one.schedule->kind == ActionKind::kWakeUp && !find(one) && !_pauses.cover(one.due));
     });
     return isNear;
 }
@@ -187,12 +185,12 @@ std::optional<Instant> Scheduler::earliest(const Agenda& agenda, bool ScheduleRe
     for (const OpenOccurrence& open : _open) {
         const ScheduleReading& schedule = *open.occurrence.schedule;
         const bool stays = agenda.scheduleOf(schedule.digest, open.occurrence.weekday) != nullptr;
-        if (stays && rowOf(open.step).armsAlarms && !_pauses.around(open.at) && schedule.*flag)
+        if (stays && rowOf(open.step).armsAlarms && !_pauses.cover(open.at) && schedule.*flag)
             consider(schedule, open.at);
     }
     const auto wanted = [&](const ScheduleReading& schedule) { return schedule.*flag; };
     std::optional<Instant> minute;
-    for (const Occurrence& one : coming(agenda, 1 + _open.size(), wanted, true)) {
+    for (const Occurrence& one : coming(agenda, std::max(_watermark, now()), 1 + _open.size(), wanted, true)) {
         if (find(one)) continue;
         if (minute && one.due > *minute) break;
         minute = one.due;
@@ -201,19 +199,19 @@ std::optional<Instant> Scheduler::earliest(const Agenda& agenda, bool ScheduleRe
     return best;
 }
 
-std::vector<Upcoming> Scheduler::upcoming(std::size_t most) const {
+std::vector<Upcoming> Scheduler::upcoming(std::size_t most, Instant from) const {
     std::vector<Upcoming> result;
     for (const OpenOccurrence& open : _open) {
-        const bool waits = rowOf(open.step).armsAlarms || open.step == Step::kStayingAwake;
-        const bool isPaused = waits && _pauses.around(open.step == Step::kStayingAwake ? now() : open.at);
-        if (open.step == Step::kDone || isPaused) continue;
         const Occurrence& one = open.occurrence;
         const bool stays = open.step == Step::kStayingAwake;
+        const bool goesOn = open.course || open.step == Step::kRunning;
         const Instant at = open.course ? open.course->at() : stays ? one.due : open.at;
+        const bool isPaused = !goesOn && _pauses.cover(stays ? now() : open.at);
+        if (open.step == Step::kDone || isPaused || at < from) continue;
         const Hold hold = open.step == Step::kWaiting && open.course ? open.course->hold() : Hold{};
         result.push_back({open.token(), one.due, at, one.schedule, open.step, stays ? open.at : 0, open.by, hold});
     }
-    for (const Occurrence& one : coming(*_agenda, most + _open.size())) {
+    for (const Occurrence& one : coming(*_agenda, std::max({_watermark, now(), from - 1}), most + _open.size())) {
         if (!find(one)) result.push_back({one.token(), one.due, one.due, one.schedule, Step::kPlanned, 0, {}, {}});
     }
     std::stable_sort(result.begin(), result.end(), [](const Upcoming& a, const Upcoming& b) { return a.at < b.at; });

@@ -101,7 +101,12 @@ Value StoredState::value() const {
     }
     Array paused;
     for (const Pause& one : pauses)
-        paused.push_back(Dictionary{{"From", one.from}, {"Until", one.until}, {"By", one.by}, {"Count", one.count}});
+        paused.push_back(Dictionary{{"From", one.from},
+                                    {"Until", one.until},
+                                    {"By", one.by},
+                                    {"Brief", one.isBrief},
+                                    {"Count", one.count},
+                                    {"Ended", one.isEnded}});
     return Dictionary{
         {"Version", kVersion}, {"Watermark", watermark},   {"Awake Until", awakeUntil},   {"Boot", bootId},
         {"Slept", slept},      {"Open", std::move(opens)}, {"Pauses", std::move(paused)}, {"Outcomes", outcomes}};
@@ -122,7 +127,8 @@ std::optional<StoredState> StoredState::from(const Value& value) {
     }
     for (const Value& one : value["Pauses"].array()) {
         Reader inner{one};
-        state.pauses.push_back({inner.number("From"), inner.number("Until"), inner.text("By"), inner.number("Count")});
+        state.pauses.push_back({inner.number("From"), inner.number("Until"), inner.text("By"),
+                                one["Brief"].intValue() != 0, inner.number("Count"), one["Ended"].intValue() != 0});
         reader.good = reader.good && inner.good && state.pauses.size() <= rules::kMostPauses;
     }
     if (!reader.good) return std::nullopt;

@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "linux/time/SystemCalendar.h"
 #include "model/Upcoming.h"
 #include "model/Wire.h"
-#include "scheduler/Pauses.h"
 #include "scheduler/Rules.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
@@ -58,16 +56,13 @@ void addOccurrence(TrayContent& content, const Value& one, const TrayTold& told)
 }
 
 /// Ending one that is no brief one is a change of the plan, which is not for the panel.
-void addPause(TrayContent& content, const Value& pause, bool mayPause, Instant now) {
-    if (!mayPause) return;
-    if (pause.isPresent()) {
-        const Instant from = pause[keys::kFrom].integer();
-        if (!isBrief({.from = from, .until = pause[keys::kUntil].integer()}, now, SystemCalendar())) return;
-        content.menu.emplace_back();
-        return addChoice(content, translated("Resume"), {.what = TrayContent::Choice::kResume, .from = from});
-    }
+void addPause(TrayContent& content, const Value& pause, bool mayPause) {
+    if (!mayPause || (pause.isPresent() && pause[keys::kBrief].intValue() == 0)) return;
     content.menu.emplace_back();
-    addChoice(content, translated("Pause until tomorrow"), {TrayContent::Choice::kPause});
+    if (pause.isPresent())
+        addChoice(content, translated("Resume"), {TrayContent::Choice::kResume, pause[keys::kToken].text()});
+    else
+        addChoice(content, translated("Pause until tomorrow"), {TrayContent::Choice::kPause});
 }
 
 /// What is in the menu whatever is planned.
@@ -89,7 +84,7 @@ TrayContent trayContent(const TrayTold& told, Instant now, bool hasSettings) {
         addOccurrence(content, upcoming[i], told);
     const auto next = std::ranges::find_if(upcoming, canBeSkipped);
     content.title = pause.isPresent() || next == upcoming.end() ? content.menu.front().text : lineOf(*next);
-    addPause(content, pause, told.mayPause, now);
+    addPause(content, pause, told.mayPause);
     addRest(content, hasSettings);
     return content;
 }

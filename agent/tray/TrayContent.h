@@ -15,7 +15,6 @@ struct TrayContent {
         enum What { kPostpone, kSkip, kUnskip, kPause, kResume, kCheckUpdates, kOpenSettings } what;
         std::string token = {};  ///< of the occurrence that it is about
         Seconds length = 0;      ///< so much later
-        Instant from = 0;        ///< the beginning of the pause that it is about
         friend bool operator==(const Choice&, const Choice&) = default;
     };
 

@@ -26,8 +26,8 @@ std::string tokenOf(sd_bus_message* call) {
 }
 
 /// A brief pause is no change of the plan.
-const char* rightFor(const SchedulerHost& host, const Pause& pause) {
-    return host.isBrief(pause) ? kPauseAction : kModifyPreferencesAction;
+const char* rightFor(const Pause& pause) {
+    return pause.isBrief ? kPauseAction : kModifyPreferencesAction;
 }
 
 }  // namespace
@@ -104,27 +104,23 @@ int SchedulerInterface::pause(sd_bus_message* call, void* self, sd_bus_error* er
                static_cast<long long>(set.until), held.user());
         held.accept(scheduler.answerOf(set));
     };
-    return scheduler.begin(call, {rightFor(scheduler._host, wanted), permitted});
+    return scheduler.begin(call, {rightFor(wanted), permitted});
 }
 
 int SchedulerInterface::resume(sd_bus_message* call, void* self, sd_bus_error* error) {
     auto& scheduler = *static_cast<SchedulerInterface*>(self);
-    std::int64_t from = 0;
-    sd_bus_message_read(call, "x", &from);
-    const auto& pauses = scheduler._host.scheduler().pauses().all();
-    const auto found = std::ranges::find(pauses, from, &Pause::from);
-    if (found == pauses.end()) return sd_bus_error_set(error, wire::kNoSuchPause, kNoPause);
-    const auto right = rightFor(scheduler._host, *found);
-    const auto permitted = [&host = scheduler._host, from, right](HeldCall& held) {
-        // It may have been joined with another meanwhile.
-        const auto& present = host.scheduler().pauses().all();
-        const auto same = std::ranges::find(present, from, &Pause::from);
-        const bool isAllowed = same != present.end() && rightFor(host, *same) == right;
-        if (!isAllowed || !host.resume(from)) return held.refuse(wire::kNoSuchPause, kNoPause);
-        MOLLog("The pause from %lld on was ended by user %u.", static_cast<long long>(from), held.user());
+    const std::string token = tokenOf(call);
+    std::vector<Pause> meant = scheduler._host.pauses();
+    std::erase_if(meant, [&](const Pause& one) { return !token.empty() && one.token() != token; });
+    if (meant.empty()) return sd_bus_error_set(error, wire::kNoSuchPause, kNoPause);
+    // What is set while polkit asks is not ended by a lesser right than it takes.
+    const bool areBrief = std::ranges::all_of(meant, &Pause::isBrief);
+    const auto permitted = [&host = scheduler._host, token, areBrief](HeldCall& held) {
+        if (!host.resume(token, areBrief)) return held.refuse(wire::kNoSuchPause, kNoPause);
+        MOLLog("Ended by user %u: %s.", held.user(), token.empty() ? "all pauses" : ("pause " + token).c_str());
         held.accept();
     };
-    return scheduler.begin(call, {right, permitted});
+    return scheduler.begin(call, {areBrief ? kPauseAction : kModifyPreferencesAction, permitted});
 }
 
 int SchedulerInterface::begin(sd_bus_message* call, const Request& request) {

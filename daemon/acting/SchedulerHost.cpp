@@ -145,20 +145,20 @@ Pauses::Answer SchedulerHost::pause(const Pause& wanted) {
     return tell([&](ClockReading now) { return _scheduler.pause(now, wanted); });
 }
 
-bool SchedulerHost::resume(Instant from) {
-    return tell([&](ClockReading now) { return _scheduler.resume(now, from); });
+bool SchedulerHost::resume(const std::string& token, bool onlyBrief) {
+    return tell([&](ClockReading now) { return _scheduler.resume(now, token, onlyBrief); });
 }
 
 Pause SchedulerHost::completed(const Pause& wanted) const {
     return quorel::completed(wanted, _clocks.now().instant(), _calendar);
 }
 
-bool SchedulerHost::isBrief(const Pause& pause) const {
-    return quorel::isBrief(pause, _clocks.now().instant(), _calendar);
+std::string_view SchedulerHost::faultOf(const Pause& pause) const {
+    return quorel::faultOf(pause, _clocks.now().instant());
 }
 
-std::string_view SchedulerHost::faultOf(const Pause& pause) const {
-    return _scheduler.pauses().faultOf(_clocks.now().instant(), pause);
+std::vector<Pause> SchedulerHost::pauses() const {
+    return _scheduler.pauses().standing(_clocks.now().instant());
 }
 
 void SchedulerHost::ended(const Outcome& outcome) {

@@ -36,11 +36,11 @@ public:
     bool unskip(const std::string& token, const std::string& by);
     Scheduler::Trial tryNow(const Value& schedule);
     Pauses::Answer pause(const Pause& wanted);
-    bool resume(Instant from);
+    bool resume(const std::string& token, bool onlyBrief);
     /// See Pauses.h.
     Pause completed(const Pause& wanted) const;
-    bool isBrief(const Pause& pause) const;
     std::string_view faultOf(const Pause& pause) const;
+    std::vector<Pause> pauses() const;
 
     const Scheduler& scheduler() const { return _scheduler; }
     const ComputerAlarms& alarms() const { return _alarms; }

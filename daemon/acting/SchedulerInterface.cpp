@@ -35,8 +35,8 @@ Value valueOf(const Upcoming& upcoming) {
 }
 
 Value valueOf(const Pause& pause) {
-    return Dictionary{
-        {keys::kFrom, pause.from}, {keys::kUntil, pause.until}, {keys::kBy, pause.by}, {keys::kCount, pause.count}};
+    return Dictionary{{keys::kToken, pause.token()}, {keys::kFrom, pause.from}, {keys::kUntil, pause.until},
+                      {keys::kBrief, pause.isBrief}, {keys::kBy, pause.by},     {keys::kCount, pause.count}};
 }
 
 Value valueOf(std::optional<Instant> armed, const ComputerAlarms::Obstacle& obstacle) {
@@ -98,7 +98,7 @@ SchedulerInterface::SchedulerInterface(Callers& callers, SchedulerHost& host, co
                                 &SchedulerInterface::read<&SchedulerInterface::pauses>, kOpen),
         SD_BUS_METHOD_WITH_ARGS(names::kPause, SD_BUS_ARGS("x", from, "x", until), SD_BUS_RESULT("a{sv}", pause),
                                 &SchedulerInterface::pause, kOpen),
-        SD_BUS_METHOD_WITH_ARGS(names::kResume, SD_BUS_ARGS("x", from), SD_BUS_NO_RESULT, &SchedulerInterface::resume,
+        SD_BUS_METHOD_WITH_ARGS(names::kResume, SD_BUS_ARGS("s", token), SD_BUS_NO_RESULT, &SchedulerInterface::resume,
                                 kOpen),
         SD_BUS_SIGNAL_WITH_ARGS(names::kChanged, SD_BUS_NO_ARGS, 0),
         SD_BUS_VTABLE_END};
@@ -146,16 +146,15 @@ int SchedulerInterface::status(sd_bus_message* call) const {
 
 int SchedulerInterface::pauses(sd_bus_message* call) const {
     Array pauses;
-    for (const Pause& one : _host.scheduler().pauses().all()) pauses.push_back(valueOf(one));
+    for (const Pause& one : _host.pauses()) pauses.push_back(valueOf(one));
     return replyDictionaries(call, pauses);
 }
 
 /// With what comes first when it is over.
 Dictionary SchedulerInterface::answerOf(const Pause& pause) const {
     Dictionary answer = valueOf(pause).dictionary();
-    const std::vector<Upcoming> open = _host.scheduler().upcoming(rules::kMostOpen);
-    const auto next = std::ranges::find_if(open, [&](const Upcoming& one) { return one.at >= pause.until; });
-    if (next != open.end()) answer.set(keys::kNext, _host.named(valueOf(*next)));
+    const std::vector<Upcoming> next = _host.scheduler().upcoming(1, pause.until);
+    if (!next.empty()) answer.set(keys::kNext, _host.named(valueOf(next.front())));
     return answer;
 }
 

@@ -145,10 +145,8 @@ void DaemonClient::pause(Done done) {
     ask(wire::scheduler::kPause, call, std::move(done));
 }
 
-void DaemonClient::resume(Instant from, Done done) {
-    const auto call = newCall(kScheduler, wire::scheduler::kResume);
-    sd_bus_message_append(call.get(), "x", from);
-    ask(wire::scheduler::kResume, call, std::move(done));
+void DaemonClient::resume(const std::string& token, Done done) {
+    change(wire::scheduler::kResume, token, {}, std::move(done));
 }
 
 void DaemonClient::ask(const std::string& key, const BusMessagePointer& call, Done done) {

@@ -71,8 +71,8 @@ public:
     void postpone(const std::string& token, Done done, Seconds length = rules::kPostponement);
     /// From now until tomorrow morning.
     void pause(Done done);
-    /// The pause that began then is over.
-    void resume(Instant from, Done done);
+    /// The pause of that token is over.
+    void resume(const std::string& token, Done done);
 
 private:
     void change(const char* method, const std::string& token, std::optional<Seconds> by, Done done);

@@ -107,10 +107,10 @@ NextCard::NextCard(QWidget* parent, DaemonClient& plan, std::function<void(const
     length(translated("1 hour"), kHour);
     _postpone.button->setMenu(lengths);
     connect(_pause, &QPushButton::clicked, this, [this] {
-        if (_pausedFrom)
-            _plan.resume(*_pausedFrom, tellFailure());
-        else
+        if (_pauseToken.empty())
             _plan.pause(tellFailure());
+        else
+            _plan.resume(_pauseToken, tellFailure());
     });
     connect(_letSleep.button, &QPushButton::clicked, this, [this] { _plan.skip(_letSleep.token, tellFailure()); });
     connect(_unskip.button, &QPushButton::clicked, this, [this] { _plan.unskip(_unskip.token, tellFailure()); });
@@ -177,11 +177,10 @@ DaemonClient::Done NextCard::tellFailure() const {
 
 /// One that has begun is ended; otherwise one begins.
 void NextCard::showPause(const DaemonClient::Told& told) {
-    const Value begun = pauseAround(told.pauses.array(), std::time(nullptr));
-    _pausedFrom.reset();
-    if (begun.isPresent()) _pausedFrom = begun[keys::kFrom].integer();
-    _pause->setText(qString(_pausedFrom ? translated("Resume") : translated("Pause")));
-    _pause->setToolTip(_pausedFrom ? QString() : qString(translated("Nothing happens until tomorrow morning.")));
+    _pauseToken = pauseAround(told.pauses.array(), std::time(nullptr))[keys::kToken].text();
+    const bool begins = _pauseToken.empty();
+    _pause->setText(qString(begins ? translated("Pause") : translated("Resume")));
+    _pause->setToolTip(begins ? qString(translated("Nothing happens until tomorrow morning.")) : QString());
     _pause->setVisible(told.isThere);
 }
 

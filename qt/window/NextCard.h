@@ -39,7 +39,7 @@ private:
     QLabel* const _troubles;
     Choice _letSleep, _unskip, _postpone, _skip;
     QPushButton* const _pause;
-    std::optional<Instant> _pausedFrom;  ///< the pause that the button ends; nothing: it begins one
+    std::string _pauseToken;  ///< of the pause that the button ends; empty: it begins one
 };
 
 }  // namespace quorel::qt

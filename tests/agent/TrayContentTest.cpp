@@ -10,7 +10,9 @@ namespace {
 TEST(TrayContent, SaysUnderEachOccurrenceWhatCanBeDoneWithIt) {
     using Choice = TrayContent::Choice;
     constexpr Instant kNow = 1'000'000;
-    const auto pause = [](Instant from, Instant until) { return Dictionary{{"From", from}, {"Until", until}}; };
+    const auto pause = [](Instant until, bool isBrief) {
+        return Dictionary{{"Token", std::to_string(until)}, {"From", until - 99}, {"Until", until}, {"Brief", isBrief}};
+    };
     const struct {
         std::vector<const char*> steps;  // their tokens are "0", "1", "2", ...
         Array pauses;
@@ -28,9 +30,14 @@ TEST(TrayContent, SaysUnderEachOccurrenceWhatCanBeDoneWithIt) {
         {{"running", "acting", "postponed"}, {}, false, true, false, "o o o 15min2 1h2"},
         {{"make-up", "warned"}, {}, true, false, false, "o skip0 o skip1"},
         {{"kept awake"}, {}, true, true, false, "o skip0"},
-        {{"planned"}, {pause(kNow, kNow + 60)}, true, false, true, "o o skip0 | resume1000000"},
-        {{}, {pause(kNow - 7 * kDay, kNow + 60)}, true, true, true, "o o"},
-        {{}, {pause(kNow + 60, kNow + 90)}, true, true, true, "o | pause"},
+        {{"planned"},
+         {pause(kNow + 10, false), pause(kNow + 60, true)},
+         true,
+         false,
+         true,
+         "o o skip0 | resume1000060"},
+        {{}, {pause(kNow + 60, true), pause(kNow + 70, false)}, true, true, true, "o o"},
+        {{}, {pause(kNow + 100, true)}, true, true, true, "o | pause"},
     };
     for (const auto& row : cases) {
         Array upcoming;
@@ -52,7 +59,7 @@ TEST(TrayContent, SaysUnderEachOccurrenceWhatCanBeDoneWithIt) {
             if (choice.what == Choice::kSkip) found += "skip" + choice.token;
             if (choice.what == Choice::kUnskip) found += "undo" + choice.token;
             if (choice.what == Choice::kPause) found += "pause";
-            if (choice.what == Choice::kResume) found += "resume" + std::to_string(choice.from);
+            if (choice.what == Choice::kResume) found += "resume" + choice.token;
         }
         EXPECT_EQ(found, row.lines + " |");
     }

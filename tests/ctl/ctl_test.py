@@ -240,8 +240,15 @@ class CtlTest(CtlCase):
             self.assertEqual(len(json.loads(self.run_ctl(command, "--json")[1])["pauses"]), 2)
         self.refused(1, "366 days", "pause", "until", "2029-01-01")
         self.refused(2, "Until when?", "pause", "until", "2027-02-30")
+        self.refused(1, "not permitted", "resume", "all", user=NOBODY)
         self.assertEqual(self.told("resume", "1", user=NOBODY), "The pause is over. Next: Sleep, Mon 2027-03-01 23:15.\n")
-        self.told("resume", "all")
+        # What comes first may stand behind hundreds; six pauses and the end of each were more than ten changes.
+        for hour in ("6:00", "7:00"):
+            self.told("add", "wake-up", hour)
+        self.assertIn("Wake Up, Thu 2028-02-24 06:00", self.told("pause", "2028-02-22..2028-02-24"))
+        for hours in range(4):
+            self.told("pause", f"2027-04-0{hours + 1}..2027-04-0{hours + 1} 12:00")
+        self.assertEqual(self.told("resume", "all"), "The pauses are over. Next: Sleep, Mon 2027-03-01 23:15.\n")
         self.refused(4, "Nothing is paused", "resume")
 
     def test_tells_sentences(self):

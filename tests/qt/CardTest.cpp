@@ -52,7 +52,7 @@ TEST_F(CardTest, OffersWhatCanBeDoneWithWhatComes) {
     EXPECT_EQ(
         leftOutUntil(told.upcoming.array(), {}, skipped[keys::kDue].integer(), std::string(schedule_keys::kSleepType)),
         skipped[keys::kDue].integer() + 1);
-    told.pauses = Array{Dictionary{{keys::kFrom, 1}, {keys::kUntil, std::time(nullptr) + 60}}};
+    told.pauses = Array{Dictionary{{keys::kToken, "1"}, {keys::kFrom, 1}, {keys::kUntil, std::time(nullptr) + 60}}};
     EXPECT_EQ(offers(told), "Let it sleep Undo skip Postpone Skip Resume");
     EXPECT_TRUE(says("Pause: until"));
 }

@@ -145,12 +145,17 @@ void play(VirtualWorld& w, const std::string& script) {
         }
         if (what == "pauses") {
             std::string told = "pauses";
-            for (const Pause& one : w.scheduler->pauses().all())
+            for (const Pause& one : w.scheduler->pauses().standing(w.now.instant()))
                 told += " " + VirtualWorld::clock(one.from) + "-" + VirtualWorld::clock(one.until) + "=" +
                         std::to_string(one.count);
             w.note(told);
         }
-        if (what == "resume") says(w.scheduler->resume(w.now, timeOf(first)));
+        if (what == "resume") {
+            std::string paused = first == "all" ? "" : "none";
+            for (const Pause& one : w.scheduler->pauses().standing(w.now.instant()))
+                if (first != "all" && one.from == timeOf(first)) paused = one.token();
+            says(w.scheduler->resume(w.now, paused));
+        }
         if (what == "skip-again") says(w.scheduler->skip(w.now, token, "bob"));
         if (what == "postpone-again") says(w.scheduler->postpone(w.now, token, "bob"));
         if (what == "skip-name")
@@ -472,22 +477,32 @@ const Row kRows[] = {
     // Pauses.
     {"nothing in it, and one entry of how many", "from 11:00 Plain@12:00 Late@13:00 Sleep@14:00 WakeUp@15:00 Plain1@16:00; pause 12:00 16:00; alarms; until 15:59; pauses; until 16:00:10",
      "11:00 alarms +1 15:00, none; 15:59 pauses 12:00-16:00=4; 16:00 start Plain1; 16:00 paused ann 4; 16:00:10 ran Plain1 16:00"},
-    {"until tomorrow at five; none that ends before it begins, too far ahead, or a seventeenth; joined where they overlap",
-     "from 11:00; pause; pauses; pause 12:00 12:00; pause 12:00 367+12:00; pause 1+04:00 1+06:00; pause 2+00:00 2+01:00; pause 2+01:00 2+02:00; pauses; resume 11:00; resume 11:00; "
+    {"until tomorrow at five; none that ends before it begins, too far ahead, or a seventeenth; one person's by one right are joined where they overlap",
+     "from 11:00; pause; pause; pauses; pause 12:00 12:00; pause 12:00 367+12:00; pause 1+04:00 1+05:30; pause 1+05:00 1+06:00; pause 2+00:00 2+01:00; pause 2+01:00 2+02:00; pauses; resume 11:00; resume 11:00; "
      "pause 3+00:00 3+01:00; pause 3+02:00 3+03:00; pause 3+04:00 3+05:00; pause 3+06:00 3+07:00; pause 3+08:00 3+09:00; pause 3+10:00 3+11:00; pause 3+12:00 3+13:00; "
-     "pause 4+00:00 4+01:00; pause 4+02:00 4+03:00; pause 4+04:00 4+05:00; pause 4+06:00 4+07:00; pause 4+08:00 4+09:00; pause 4+10:00 4+11:00; pause 4+12:00 4+13:00; "
+     "pause 4+00:00 4+01:00; pause 4+02:00 4+03:00; pause 4+04:00 4+05:00; pause 4+06:00 4+07:00; pause 4+08:00 4+09:00; pause 4+10:00 4+11:00; "
      "pause 5+00:00 5+01:00",
-     "11:00 pauses 11:00-+1 05:00=0; 11:00 no pause: past; 11:00 no pause: too-far; 11:00 pauses 11:00-+1 06:00=0 +2 00:00-+2 01:00=0 +2 01:00-+2 02:00=0; 11:00 no such; 11:00 no pause: too-many"},
+     "11:00 pauses 11:00-+1 05:00=0; 11:00 no pause: past; 11:00 no pause: too-far; 11:00 pauses 11:00-+1 05:00=0 +1 04:00-+1 06:00=0 +2 00:00-+2 01:00=0 +2 01:00-+2 02:00=0; 11:00 no such; 11:00 no pause: too-many"},
+    {"another's, or by another right, stands beside it and goes on when it ends", "from 11:00 Plain@12:00 Plain1@12:30 Sleep@13:00; pause; pause 11:30 12:30 root; pause 11:45 12:15; until 12:10; pauses; resume 11:00; pauses; until 12:59",
+     "12:10 pauses 11:00-+1 05:00=1 11:30-12:30=0 11:45-12:15=0; 12:10 paused ann 1; 12:10 pauses 11:30-12:30=0 11:45-12:15=0; 12:30 start Plain1; 12:30:10 ran Plain1 12:30; 12:59 warn, for 13:00"},
     {"what is in course ends, what was asked for does not", "apt; from 22:50 Sleep@23:00; until 23:05; pause; down 5; free; until 1+05:00; log",
      "+1 05:00 paused ann 1; +1 05:00 told paused"},
     {"what runs goes on; nothing of the warning minute comes into course", "long; from 11:59 Plain@12:00 Sleep@12:30; until 12:05; pause 12:30 12:40; pause 12:31 12:40 bob; until 13:00",
      "12:00 start Plain; 12:40 paused ann 1; 13:00 ran Plain 12:00"},
     {"a skipped one ends and counts, a postponed one within it, too; the end itself is not within",
      "from 11:00 Plain@12:00 Plain1@12:30 Plain2@13:00; skip; until 12:01; skip; pause 12:10 13:00; until 12:11; pauses; until 13:00:10",
-     "12:00 skipped Plain 12:00 ann; 12:11 pauses 12:10-13:00=1; 13:00 start Plain2; 13:00 paused ann 1; 13:00:10 ran Plain2 13:00"},
+     "12:00 skipped Plain 12:00 ann; 12:11 pauses 12:10-13:00=0; 13:00 start Plain2; 13:00 paused ann 1; 13:00:10 ran Plain2 13:00"},
     {"a sleep at its end, and a postponed one soon after, are announced from its end on",
      "from 11:00 Sleep@12:00 Sleep@12:30; pause 11:00 12:00; until 12:00:30; skip; until 12:10; postpone; pause 12:15 12:44:40; wake 12:50; until 12:51",
      "12:00 warn, for 12:01; 12:00:30 skipped Sleep 12:00 ann; 12:44:40 warn, for 12:45:40; 12:45:40 suspend; 12:50 awake; 12:50 slept Sleep 12:30"},
+    {"all ended at once: as if they had never been, as far as the time has not come",
+     "from 11:00 Plain@11:30 Plain1@11:50 Sleep@12:00; postpone; pause; resume all; until 11:46; skip; pause; resume all; until 11:59:20; pause; pause 12:00 14:00; resume all; until 12:00:19",
+     "11:45 start Plain; 11:45:10 ran Plain 11:30; 11:50 skipped Plain1 11:50 ann; 11:59 warn, for 12:00; 11:59:20 warn, for 12:00:20"},
+    {"ended while the clock is not to be trusted, or between two sleeps: what was due in it counts",
+     "from 11:00 Plain@11:30 Plain1@12:00 Plain2@12:41; pause; unset; off 3600 7200; resume 11:00; pauses; synced -7200; until 12:40; pause; asleep 120; resume all; word",
+     "14:00 pauses; 12:00 start Plain1; 12:00 paused ann 1; 12:00:10 ran Plain1 12:00; 12:42 paused ann 1"},
+    {"the clock is ahead when the computer starts: it ends when it does", "from 11:00 Plain@11:30 Plain1@12:30; pause 11:00 12:45; unset; off 3600 7200; until 14:02; pauses; synced -7200; until 12:45",
+     "14:02 pauses; 12:02 correction -7200; 12:45 paused ann 2"},
     {"ended early: what is due in a minute is announced in full", "from 11:00 Plain@11:30 Sleep@12:00; pause; until 11:59:40; resume 11:00; until 12:00:30",
      "11:59:40 paused ann 1; 11:59:40 warn, for 12:00:40"},
     {"slept or off through it: paused, and only what was due beside it missed", "from 11:00 Plain@11:30 Plain@12:30 Late@12:50 Plain@13:30; pause 12:00 13:00; wake 14:00; sleep 14:00",

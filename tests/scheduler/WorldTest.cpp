@@ -26,7 +26,12 @@ public:
         _world.acted = [this](const std::string& what, const Occurrence* one) { acted(what, one); };
         _world.farAlarms = chance(2);
         _world.armed = [this](std::optional<Instant> at) {
-            if (at && *at <= _world.now.instant()) fail("an alarm in the past");
+            if (!at) return;
+            if (*at <= _world.now.instant()) fail("an alarm in the past");
+            // It may be so much before what is due at a pause's end.
+            const Instant due = std::max(*at, _world.now.instant() + rules::kNearestAlarm) + rules::kStartEarly;
+            for (const Pause& pause : _world.scheduler->pauses().all())
+                if (pause.from <= *at && due < pause.until) fail("an alarm within a pause");
         };
     }
 
@@ -166,9 +171,10 @@ private:
             case 20:
                 return pause();
             case 21:
-                if (w.scheduler->pauses().all().empty()) return;
                 note("resume");
-                w.scheduler->resume(w.now, w.scheduler->pauses().all().front().from);
+                w.scheduler->resume(w.now, chance(3) || w.scheduler->pauses().all().empty()
+                                               ? std::string()
+                                               : w.scheduler->pauses().all().front().token());
                 return;
             default:
                 return;
@@ -305,7 +311,7 @@ private:
         const Instant from = _world.now.instant() + (chance(2) ? 0 : 60 * number(600));
         const Instant until = from + 60 * (1 + number(chance(3) ? 2000 : 90));
         note("pause from " + VirtualWorld::clock(from) + " until " + VirtualWorld::clock(until));
-        _world.scheduler->pause(_world.now, {.from = from, .until = until, .by = "ann"});
+        _world.scheduler->pause(_world.now, {.from = from, .until = until, .by = chance(2) ? "ann" : "root"});
     }
     void setClock() {
         static constexpr Seconds kSteps[] = {1, 30, 100, 150, 3600, 10'799, 10'800, 86'400};
@@ -354,6 +360,7 @@ private:
                 if (erased && _wasFull) _perhapsDone.insert(one.first);
                 return erased;
             });
+            std::erase_if(_counted, [&](const Key& key) { return key.first > now; });
             if (isGreat) _lastWakeUp = -kDay * 1000;
             _mark = now;
             _pending.clear();
