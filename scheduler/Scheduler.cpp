@@ -19,7 +19,7 @@ Scheduler::Scheduler(const World& world)
       _wakefulness(world.power, world.alarms,
                    {[this](std::function<void()> effect) { act(std::move(effect)); },
                     [this](std::string_view code) { tell(code, nullptr); }, [this] { return ++_lastTicket; },
-                    [this] { return isWakeUpNear(); }}) {}
+                    [this] { return isWakeUpNear(); }, [this](Instant upTo) { return _pauses.lastFree(upTo); }}) {}
 
 void Scheduler::process(ClockReading now, std::function<void()> event) {
     _inbox.emplace_back(now, std::move(event));

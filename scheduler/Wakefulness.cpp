@@ -164,17 +164,26 @@ std::optional<Instant> Wakefulness::nextCall() const {
     return earliest;
 }
 
+/// As far ahead as alarms reach. Nothing wakes the computer within a pause, nor so soon before one that it would go
+/// back to sleep within.
+std::optional<Instant> Wakefulness::stone() const {
+    const Instant reach = now() + rules::kAlarmReach;
+    const Instant free = _hands.lastUnpaused(reach);
+    const Instant at = free == reach ? reach : _hands.lastUnpaused(free - kMinute);
+    return at >= now() + rules::kNearestAlarm ? std::optional(at) : std::nullopt;
+}
+
 void Wakefulness::arm(std::optional<Instant> wanted, std::optional<Instant> startup) {
     const bool asleep = _announced.has_value();
     if (asleep && _lid.isInBag()) wanted.reset();
     // It would end a suspend, too. It alone ends a hibernation.
     if (asleep && !_mayWriteMemory) startup.reset();
-    const Instant reach = now() + rules::kAlarmReach;
-    const bool stone = wanted && *wanted > reach && !_alarms.reachFar();
-    // A stepping stone stays where it lies until it is reached, or the computer goes to sleep.
-    const bool keep = stone && _isStone && _wakeAlarm && *_wakeAlarm > now() && !_rewrite;
-    const std::optional<Instant> wake = keep ? _wakeAlarm : stone ? std::optional(reach) : wanted;
-    _isStone = stone;
+    const bool isFar = wanted && *wanted > now() + rules::kAlarmReach && !_alarms.reachFar();
+    // A stepping stone stays where it lies until it is reached, or the computer goes to sleep, or it may no longer be.
+    const bool keep = isFar && _isStone && _wakeAlarm && *_wakeAlarm > now() && !_rewrite &&
+                      _hands.lastUnpaused(*_wakeAlarm) == *_wakeAlarm;
+    const std::optional<Instant> wake = keep ? _wakeAlarm : isFar ? stone() : wanted;
+    _isStone = isFar;
     if (wake != _wakeAlarm || _rewrite) _hands.act([this, wake] { _alarms.armWake(wake); });
     if (startup != _startupAlarm || _rewrite) _hands.act([this, startup] { _alarms.armStartup(startup); });
     _wakeAlarm = wake;

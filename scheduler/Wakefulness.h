@@ -24,6 +24,7 @@ public:
         std::function<void(std::string_view code)> tell;
         std::function<Ticket()> ticket;
         std::function<bool()> wakeUpIsNear;
+        std::function<Instant(Instant upTo)> lastUnpaused;
     };
     Wakefulness(Power& power, Alarms& alarms, Hands hands) : _power(power), _alarms(alarms), _hands(std::move(hands)) {}
 
@@ -78,6 +79,7 @@ private:
     Seconds longestSilence() const;
     bool isNear(const std::optional<Instant>& alarm, Seconds late = rules::kAlarmLate) const;
     void holdLid(bool hold);
+    std::optional<Instant> stone() const;
     void follow(const PowerCourse::Move& move);
 
     Power& _power;

@@ -503,6 +503,8 @@ const Row kRows[] = {
      "14:00 pauses; 12:00 start Plain1; 12:00 paused ann 1; 12:00:10 ran Plain1 12:00; 12:42 paused ann 1"},
     {"the clock is ahead when the computer starts: it ends when it does", "from 11:00 Plain@11:30 Plain1@12:30; pause 11:00 12:45; unset; off 3600 7200; until 14:02; pauses; synced -7200; until 12:45",
      "14:02 pauses; 12:02 correction -7200; 12:45 paused ann 2"},
+    {"no stepping stone within it, nor just before", "near; from 10:00 WakeUp@23:30/thursday; pause 1+08:00 1+12:00; alarms; pause 2+00:00 3+23:00; until 2+00:10; alarms; sleep 3+00:31; alarms",
+     "10:00 alarms +1 07:58:59, none; +2 00:10 alarms none, none; +3 00:31 awake; +3 00:31 alarms +3 23:30, none"},
     {"ended early: what is due in a minute is announced in full", "from 11:00 Plain@11:30 Sleep@12:00; pause; until 11:59:40; resume 11:00; until 12:00:30",
      "11:59:40 paused ann 1; 11:59:40 warn, for 12:00:40"},
     {"slept or off through it: paused, and only what was due beside it missed", "from 11:00 Plain@11:30 Plain@12:30 Late@12:50 Plain@13:30; pause 12:00 13:00; wake 14:00; sleep 14:00",
