@@ -102,7 +102,10 @@ void leaveOnSignals(Host& host) {
     sigaddset(&signals, SIGHUP);
     const int file = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
     auto* const notifier = new QSocketNotifier(file, QSocketNotifier::Read, qApp);
-    QObject::connect(notifier, &QSocketNotifier::activated, qApp, [&host] { host.leave(); });
+    QObject::connect(notifier, &QSocketNotifier::activated, qApp, [&host, notifier] {
+        notifier->setEnabled(false);  // nobody reads what came; it would be told again and again
+        host.leave();
+    });
 }
 
 void blockSignals() {

@@ -150,11 +150,10 @@ bool Host::mayClose() {
 }
 
 void Host::leave() {
-    if (_isSelected && !_isSaving && _controller->hasEdits()) {
-        _isSaving = true;
-        QTimer::singleShot(2s, qApp, [] { std::quick_exit(0); });
-        _controller->willUnselect();
-    }
+    if (std::exchange(_isLeaving, true)) return;
+    QTimer::singleShot(2s, qApp, [] { std::quick_exit(0); });
+    if (_isSaving) return;  // which ends the program, too
+    if (_isSelected && _controller->hasEdits()) _controller->willUnselect();
     std::quick_exit(0);
 }
 
@@ -177,6 +176,7 @@ bool Host::saveBy(const std::function<void()>& how) {
     _isSaving = true;
     how();
     _isSaving = false;
+    if (_isLeaving) std::quick_exit(0);
     const std::optional<EditsAnswer> answer = _parts.center.takeLastSave();
     if (!answer || answer->isHandled) {
         const Value joined = answer ? answer->joined : Value();

@@ -74,6 +74,7 @@ private:
     QTimer _minutes;
     bool _isSelected = false;
     bool _isSaving = false;
+    bool _isLeaving = false;
     bool _suggests = false;
     bool _isStale = false;  ///< the file has changed and was not read again yet
     struct Removal {
