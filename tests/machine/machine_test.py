@@ -233,16 +233,23 @@ class PackageTest(unittest.TestCase):
     def test_06a_who_sits_at_the_computer_says_no_and_nobody_else(self):
         self.addCleanup(guest.run, save(**{"Show In Menu Bar": 0}))
         guest.run(save(**{"Show In Menu Bar": 0, "Schedule Array": [schedule("Sleep", 23, 0)]}))
-        skip = f"quorelctl skip {json.loads(guest.run('quorelctl next --json'))['upcoming'][0]['token']} < /dev/null"
-        in_session = anna(f"systemd-run --user --quiet --wait --pipe {skip}")
+        skip = f"skip {json.loads(guest.run('quorelctl next --json'))['upcoming'][0]['token']}"
+
+        def in_session(words):
+            return anna(f"systemd-run --user --quiet --wait --pipe quorelctl {words} < /dev/null")
+
         active = f"loginctl show-session -p Active --value {SESSION}"
         self.assertEqual(guest.run(active), "no")
-        for refused in (anna(skip), in_session):  # without a session, and from one that another one hides
-            self.assertNotEqual(guest.ask(refused)[0], 0)
+        for words in (skip, "pause"):  # without a session, and from one that another one hides
+            for refused in (anna(f"quorelctl {words} < /dev/null"), in_session(words)):
+                self.assertNotEqual(guest.ask(refused)[0], 0, refused)
         guest.run(f"loginctl activate {SESSION}")
         guest.wait(f"{active} | grep yes")
-        guest.run(in_session)
+        guest.run(in_session(skip))
         self.assertIn("skipped by anna", guest.run("quorelctl next"))
+        self.assertNotEqual(guest.ask(in_session("pause 48h"))[0], 0)  # a change of the plan
+        for words in ("pause", "resume"):
+            guest.run(in_session(words))
 
     def test_07_settings_application_loads_the_pane(self):
         guest.run("mkdir -p /home/anna/GNUstep && chown anna: /home/anna/GNUstep")
