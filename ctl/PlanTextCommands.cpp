@@ -1,12 +1,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iostream>
-#include <iterator>
-#include <optional>
+#include <memory>
 
 #include "ctl/Commands.h"
 #include "ctl/Failures.h"
@@ -27,15 +30,30 @@ namespace {
 
 constexpr std::string_view kMark = "#! ";  // begins a line that says what is wrong with the one above it
 
-std::optional<std::string> contentsOf(std::istream& file) {
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    return file.bad() || text.size() > kMaximumPropertyListBytes ? std::nullopt : std::optional(std::move(text));
+struct Contents {
+    std::string text;
+    std::string fault;  ///< why that is not all of it; empty: it is
+};
+
+Contents contentsOf(const std::string& path) {
+    const auto close = [](std::FILE* file) { file == stdin ? 0 : std::fclose(file); };
+    const std::unique_ptr<std::FILE, decltype(close)> file(path == "-" ? stdin : std::fopen(path.c_str(), "rb"));
+    if (!file) return {{}, std::strerror(errno)};
+    Contents contents;
+    std::array<char, 65536> piece{};
+    while (contents.text.size() <= kMaximumPropertyListBytes) {
+        const std::size_t size = std::fread(piece.data(), 1, piece.size(), file.get());
+        if (size == 0 && std::ferror(file.get()) != 0) contents.fault = std::strerror(errno);
+        if (size == 0) return contents;
+        contents.text.append(piece.data(), size);
+    }
+    contents.fault = filled(translated("it is larger than {1} MiB"), {std::to_string(kMaximumPropertyListBytes >> 20)});
+    return contents;
 }
 
-std::optional<std::string> contentsOf(const std::string& path) {
-    if (path == "-") return contentsOf(std::cin);
-    std::ifstream file(path, std::ios::binary);
-    return file ? contentsOf(file) : std::nullopt;
+ExitStatus unread(const std::string& path, const Contents& contents) {
+    complain(filled(translated("\"{1}\" cannot be read: {2}."), {path, contents.fault}));
+    return ExitStatus::kFailed;
 }
 
 ExitStatus unwritten(const std::string& path) {
@@ -56,8 +74,8 @@ ExitStatus take(const Plan& plan, const Value& preferences, const CommandLine& l
     const PlanChanges changes = changesBetween(plan.preferences(), preferences, plan.actions());
     tellUnknown(preferences, plan.actions());
     if (!line.isFlagged && preferences != plan.preferences()) {
-        const DaemonClient::Answer answer = plan.save(preferences);
-        if (answer.failure != DaemonClient::Failure::kNone) return fail(answer);
+        const ExitStatus status = plan.save(preferences);
+        if (status != ExitStatus::kDone) return status;
     }
     const Page page;
     if (line.json) {
@@ -100,7 +118,8 @@ public:
     }
     /// Says where it is: what somebody has typed is not thrown away.
     void keep() {
-        _isKept = true;
+        _isKept = access(_path.c_str(), F_OK) == 0;
+        if (!_isKept) return;
         complain(filled(translated("The text is kept in {1}."), {_path}));
     }
 
@@ -110,20 +129,26 @@ private:
     bool _isKept = false;
 };
 
-/// False where the editor could not be run, or says that it failed.
+/// False where the editor could not be run, or says that it failed. Ctrl-C there is the editor's.
 bool openEditor(const std::string& path) {
     const char* editor = std::getenv("VISUAL");
     if (!editor || !*editor) editor = std::getenv("EDITOR");
     if (!editor || !*editor) editor = "sensible-editor";
     std::fflush(stdout);
+    const auto onInterrupt = std::signal(SIGINT, SIG_IGN), onQuit = std::signal(SIGQUIT, SIG_IGN);
     const pid_t child = fork();
     if (child == 0) {
+        std::signal(SIGINT, onInterrupt);
+        std::signal(SIGQUIT, onQuit);
         const std::string command = std::string(editor) + " \"$1\"";  // it may bring words of its own
         execl("/bin/sh", "sh", "-c", command.c_str(), "sh", path.c_str(), nullptr);
         _exit(127);
     }
     int status = 0;
-    return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    const bool hasEnded = child > 0 && waitpid(child, &status, 0) == child;
+    std::signal(SIGINT, onInterrupt);
+    std::signal(SIGQUIT, onQuit);
+    return hasEnded && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 /// The text with what is wrong below each line that is refused, and without what was said there before.
@@ -178,13 +203,10 @@ ExitStatus exportPlan(const CommandLine& line) {
 ExitStatus importPlan(const CommandLine& line) {
     if (line.arguments.size() != 1) return misused(translated("Which file? \"-\" is the standard input."));
     const std::string& path = line.arguments[0];
-    const auto text = contentsOf(path);
-    if (!text) {
-        complain(filled(translated("\"{1}\" cannot be read."), {path}));
-        return ExitStatus::kFailed;
-    }
+    const Contents contents = contentsOf(path);
+    if (!contents.fault.empty()) return unread(path, contents);
     const Plan plan(line.root);
-    const PlanReading reading = readPlanText(*text, plan.preferences(), plan.actions());
+    const PlanReading reading = readPlanText(contents.text, plan.preferences(), plan.actions());
     if (!reading.faults.empty()) {
         const ExitStatus status = refuseWords(reading.faults, path);
         complain(translated("Nothing is stored."));
@@ -197,25 +219,29 @@ ExitStatus editPlan(const CommandLine& line) {
     if (!line.arguments.empty()) return misused(translated("Too many arguments."));
     const Plan plan(line.root);
     Draft draft;
-    if (!draft.write(introduction() + planText(plan.preferences(), plan.actions()))) return unwritten(draft.path());
+    const std::string before = introduction() + planText(plan.preferences(), plan.actions());
+    if (!draft.write(before)) return unwritten(draft.path());
     while (true) {
         const bool isEdited = openEditor(draft.path());
-        const auto text = isEdited ? contentsOf(draft.path()) : std::nullopt;
-        if (!text) {
-            complain(translated("The editor has failed; nothing is stored."));
+        const Contents contents = contentsOf(draft.path());
+        if (!isEdited || !contents.fault.empty()) {
+            if (!isEdited) complain(translated("The editor has failed; nothing is stored."));
+            if (isEdited) unread(draft.path(), contents);
+            if (contents.text != before) draft.keep();
             return ExitStatus::kFailed;
         }
-        const PlanReading reading = readPlanText(*text, plan.preferences(), plan.actions());
+        const PlanReading reading = readPlanText(contents.text, plan.preferences(), plan.actions());
         if (reading.faults.empty()) {
             const ExitStatus status = take(plan, reading.preferences, line);
             if (status != ExitStatus::kDone) draft.keep();
             return status;
         }
         refuseWords(reading.faults, draft.path());
-        if (!draft.write(markedText(*text, reading.faults))) return unwritten(draft.path());
-        if (wantsToMend()) continue;
+        const bool isEmpty = reading.faults.front().code == text_fault::kEmpty;
+        if (!isEmpty && !draft.write(markedText(contents.text, reading.faults))) return unwritten(draft.path());
+        if (!isEmpty && wantsToMend()) continue;
         complain(translated("Nothing is stored."));
-        draft.keep();
+        if (!isEmpty) draft.keep();
         return ExitStatus::kUsage;
     }
 }

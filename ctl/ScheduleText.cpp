@@ -41,6 +41,8 @@ constexpr Sentence kSentences[] = {
     {text_fault::kWords, marked("The action takes no such words behind \"--\".")},
     {text_fault::kQuote, marked("A quotation mark is not closed.")},
     {text_fault::kJson, marked("This is no JSON of a dictionary.")},
+    {text_fault::kEmpty,
+     marked("This says nothing. A plan without schedules has the line that begins with \"options\".")},
     {text_fault::kText, marked("\"{1}\" is not in UTF-8, or has control characters.")},
 };
 

@@ -138,12 +138,14 @@ PlanReading readPlanText(std::string_view text, const Value& preferences, const 
     PlanReading result{preferences, {}};
     Stored stored(preferences, actions);
     Array schedules;
+    bool isEmpty = true;
     if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     for (std::size_t number = 1; !text.empty(); ++number) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         const SplitLine line = splitLine(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
         const std::size_t before = result.faults.size();
+        isEmpty = isEmpty && line.words.empty();
         if (line.unclosed > 0) {
             result.faults.push_back({text_fault::kQuote, {}, {}, line.unclosed});
         } else if (!line.words.empty() && line.words[0].text == kOptions) {
@@ -155,6 +157,7 @@ PlanReading readPlanText(std::string_view text, const Value& preferences, const 
         for (std::size_t i = before; i < result.faults.size(); ++i) result.faults[i].line = number;
     }
     result.preferences = result.preferences.with(preferences::kScheduleArray, std::move(schedules));
+    if (isEmpty && result.faults.empty()) result.faults.push_back({text_fault::kEmpty, {}, {}});
     if (!result.faults.empty()) result.preferences = {};
     return result;
 }

@@ -31,6 +31,7 @@ inline constexpr std::string_view kNoAction = "no-action";  ///< the action is m
 inline constexpr std::string_view kWords = "words";         ///< the action takes no such words behind "--"
 inline constexpr std::string_view kQuote = "quote";         ///< a quotation mark that nothing closes
 inline constexpr std::string_view kJson = "json";           ///< no JSON, or not of a dictionary
+inline constexpr std::string_view kEmpty = "empty";         ///< no line of the text says anything
 inline constexpr std::string_view kText = "text";           ///< no UTF-8, or control characters
 
 }  // namespace text_fault

@@ -68,7 +68,8 @@ class PlanTest(CtlCase):
                 ("add sleep 9:00 idle-minutes=0", 2, "Allowed: 1-999"), ("set 1", 2, "Which one"),
                 ("set 3 9:00", 4, "the plan has 2"), ("remove sleep 23:15", 4, "give the number"),
                 ("enable sleep 9:00", 4, "no such schedule"), ("disable 1 x", 2, "Which one"),
-                ("import /nowhere", 1, "cannot be read"), ("add sleep 9:00 --other", 2, "no option")):
+                ("import /nowhere", 1, "cannot be read"),
+                ("import /tmp", 1, "\"/tmp\" cannot be read"), ("add sleep 9:00 --other", 2, "no option")):
             with self.subTest(command):
                 self.refused(status, words, *command.split())
         self.refused(1, "not permitted", "remove", "1", user=NOBODY)
@@ -96,7 +97,7 @@ class PlanTest(CtlCase):
 
     def test_edit(self):
         self.start_daemon(schedule(SLEEP, "23:15"))
-        self.environment = {"EDITOR": "sed -i s/23:15/22:00/", "TMPDIR": self.system.place}
+        self.environment = {"EDITOR": "kill -INT $PPID; sed -i s/23:15/22:00/", "TMPDIR": self.system.place}
         self.assertIn("+ 22:00 mon,tue sleep\nStored.\n", self.told("edit"))
         self.environment["EDITOR"] = "sed -i 's/22:00/2200x/'"
         status, _, error = self.run_ctl("edit")
@@ -104,8 +105,8 @@ class PlanTest(CtlCase):
         with open(kept) as file:
             self.assertIn("2200x  mon,tue  sleep\n#! ^ \"2200x\" is no time of day", file.read())
         self.assertEqual((status, self.plan()), (2, ["22:00 mon,tue sleep"]))
-        self.environment["EDITOR"] = "false"
-        self.refused(1, "editor has failed", "edit")
+        self.environment["EDITOR"] = "sed -i s/22:00/21:00/ $1; false"
+        self.refused(1, "editor has failed; nothing is stored.\nquorelctl: The text is kept in", "edit")
 
     def test_fifty_at_once(self):
         self.start_daemon()

@@ -130,6 +130,7 @@ TEST(PlanTextTest, FaultsAreAllNamedAtTheirPlace) {
     EXPECT_EQ(several.faults.size(), 4U);
     EXPECT_TRUE(several.preferences.isAbsent());
     EXPECT_EQ(newSchedule("x 7:00"), Value());
+    EXPECT_EQ(readPlanText("# x\n\n", Dictionary(), actions()).faults.size(), 1U);
 }
 
 TEST(PlanTextTest, ChangesWhatIsNamedAlone) {
