@@ -1,6 +1,7 @@
 #include "ctl/DaemonClient.h"
 
 #include <chrono>
+#include <thread>
 #include <utility>
 
 #include "ctl/PasswordAgent.h"
@@ -14,6 +15,8 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{10};
 constexpr std::chrono::minutes kPatienceWithPeople{6};
+constexpr std::chrono::seconds kBusyPatience{10};
+constexpr std::chrono::milliseconds kPause{200};
 
 DaemonClient::Failure failureOf(const BusError& error) {
     using Failure = DaemonClient::Failure;
@@ -55,26 +58,33 @@ DaemonClient::Answer DaemonClient::pause(std::int64_t from, std::int64_t until) 
                [&](sd_bus_message* message) { return sd_bus_message_append(message, "xx", from, until); });
 }
 
-DaemonClient::Answer DaemonClient::say(const char* method, const std::function<int(sd_bus_message*)>& append) {
-    const auto message = _daemon.newCall(wire::scheduler::kPath, wire::scheduler::kInterface, method);
-    if (message && append(message.get()) < 0) return {Failure::kNotSent, {}, {}, {}};
-    const PasswordAgent agent;
-    sd_bus_message_set_allow_interactive_authorization(message.get(), true);
-    return call(message.get(), kPatienceWithPeople);
-}
-
 DaemonClient::Answer DaemonClient::save(const Value& preferences, const Value& base) {
     const auto sent = encodePropertyList(preferences), from = encodePropertyList(base);
-    if (!sent || !from) return {Failure::kNotSent, {}, {}, {}};
-    const auto message = _daemon.newCall(wire::kPath, wire::kInterface, wire::kPostEdits);
-    if (!message) return call(nullptr, kPatience);
-    if (sd_bus_message_append(message.get(), "ss", kDaemonMustReloadPrefs.data(), kDaemonName.data()) < 0 ||
-        sd_bus_message_append_array(message.get(), 'y', sent->data(), sent->size()) < 0 ||
-        sd_bus_message_append_array(message.get(), 'y', from->data(), from->size()) < 0)
-        return {Failure::kNotSent, {}, {}, {}};
-    sd_bus_message_set_allow_interactive_authorization(message.get(), true);
+    return say({wire::kPath, wire::kInterface, wire::kPostEdits}, [&](sd_bus_message* message) {
+        int result = -1;
+        if (sent && from)
+            result = sd_bus_message_append(message, "ss", kDaemonMustReloadPrefs.data(), kDaemonName.data());
+        for (const auto* bytes : {&sent, &from})
+            if (result >= 0) result = sd_bus_message_append_array(message, 'y', (*bytes)->data(), (*bytes)->size());
+        return result;
+    });
+}
+
+DaemonClient::Answer DaemonClient::say(const char* method, const std::function<int(sd_bus_message*)>& append) {
+    return say({wire::scheduler::kPath, wire::scheduler::kInterface, method}, append);
+}
+
+DaemonClient::Answer DaemonClient::say(const Method& method, const std::function<int(sd_bus_message*)>& append) {
+    const auto deadline = BusPeer::Clock::now() + kBusyPatience;
     const PasswordAgent agent;
-    return call(message.get(), kPatienceWithPeople);
+    while (true) {
+        const auto message = _daemon.newCall(method.path, method.interface, method.name);
+        if (message && append(message.get()) < 0) return {Failure::kNotSent, {}, {}, {}};
+        sd_bus_message_set_allow_interactive_authorization(message.get(), true);
+        Answer answer = call(message.get(), kPatienceWithPeople);
+        if (answer.error != wire::kBusy || BusPeer::Clock::now() > deadline) return answer;
+        std::this_thread::sleep_for(kPause);
+    }
 }
 
 DaemonClient::Answer DaemonClient::call(sd_bus_message* message, std::chrono::seconds patience) {

@@ -10,7 +10,8 @@
 
 namespace quorel {
 
-/// The daemon's scheduler, asked over the system bus. Asking never starts a daemon that does not run.
+/// The daemon's scheduler, asked over the system bus. Asking never starts a daemon that does not run. What changes
+/// something is tried again while the daemon is busy, for ten seconds.
 class DaemonClient {
 public:
     enum class Failure {
@@ -46,7 +47,12 @@ public:
     Answer save(const Value& preferences, const Value& base);
 
 private:
+    struct Method {
+        const char *path, *interface, *name;
+    };
     Answer say(const char* method, const std::function<int(sd_bus_message*)>& append);
+    /// Somebody may be asked for a password.
+    Answer say(const Method& method, const std::function<int(sd_bus_message*)>& append);
     Answer call(sd_bus_message* message, std::chrono::seconds patience);
 
     BusPeer _daemon;

@@ -2,26 +2,22 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <chrono>
-#include <thread>
 #include <utility>
 
+#include "ctl/DaemonClient.h"
+#include "ctl/Failures.h"
 #include "linux/pane/RootedPropertyListFiles.h"
 #include "linux/units/ModuleRegistry.h"
 #include "model/Dictionary.h"
 #include "model/Preferences.h"
 #include "model/Wire.h"
 #include "planning/PreferencesCheck.h"
+#include "planning/ScheduleWords.h"
+#include "words/Language.h"
 
 namespace quorel {
 
 namespace {
-
-using Steady = std::chrono::steady_clock;
-
-constexpr std::chrono::seconds kBusyPatience{10};
-constexpr std::chrono::milliseconds kPause{200};
 
 /// As a pane shows them where there is no file.
 const Dictionary& defaults() {
@@ -30,17 +26,6 @@ const Dictionary& defaults() {
         {preferences::kShowInMenuBar, 1}, {preferences::kEnableNetworkAdministration, 0},
         {preferences::kPrefsVersion, 1},  {preferences::kScheduleArray, Array{}}};
     return preferences;
-}
-
-Value withDefaults(const Value& stored) {
-    Value result = defaults();
-    for (std::size_t i = 0; i < defaults().size(); ++i) {
-        const std::string& key = defaults().keyAt(i);
-        if (!faultInPreference(key, stored[key])) result = result.with(key, stored[key]);
-    }
-    Array schedules = result[preferences::kScheduleArray].array();
-    std::erase_if(schedules, [](const Value& one) { return !one.isDictionary(); });
-    return result.with(preferences::kScheduleArray, std::move(schedules));
 }
 
 ActionWords readActions(const std::string& root) {
@@ -56,26 +41,36 @@ Plan::Plan(const std::string& root) : _actions(readActions(root)) {
     struct stat status {};
     _nothingStored = stored.isAbsent();
     _isUnreadable = _nothingStored && lstat((root + std::string(preferences::kFile)).c_str(), &status) == 0;
-    _preferences = withDefaults(stored);
+    _preferences = _nothingStored ? Value(defaults()) : storablePreferences(stored);
 }
 
 const Array& Plan::schedules() const {
     return _preferences[preferences::kScheduleArray].array();
 }
 
-DaemonClient::Answer Plan::save(const Value& preferences) const {
+ExitStatus Plan::save(const Value& preferences) const {
+    if (_isUnreadable)
+        complain(filled(translated("The plan in place cannot be read. What is stored now takes its place; it stays as "
+                                   "\"{1}.unreadable\"."),
+                        {preferences::kFile}));
     const Value base = _nothingStored ? _preferences.with(wire::kNothingStored, 1) : _preferences;
-    const auto deadline = Steady::now() + kBusyPatience;
-    DaemonClient daemon;
-    while (true) {
-        DaemonClient::Answer answer = daemon.save(preferences, base);
-        if (answer.error != wire::kBusy || Steady::now() > deadline) return answer;
-        std::this_thread::sleep_for(kPause);
-    }
+    const DaemonClient::Answer answer = DaemonClient().save(preferences, base);
+    if (answer.failure != DaemonClient::Failure::kNone) return fail(answer);
+    tellJoined(answer.value);
+    return ExitStatus::kDone;
 }
 
-DaemonClient::Answer Plan::saveSchedules(Array schedules) const {
+ExitStatus Plan::saveSchedules(Array schedules) const {
     return save(_preferences.with(preferences::kScheduleArray, std::move(schedules)));
+}
+
+void Plan::tellJoined(const Value& joined) const {
+    for (const Value& pair : joined[wire::keys::kBoth].array()) {
+        const Array& lines = pair.array();
+        if (lines.size() != 2) continue;
+        complain(filled(translated("Somebody else has changed the same schedule meanwhile; both stay:\n  {1}\n  {2}"),
+                        {lineOf(lines[0], _actions), lineOf(lines[1], _actions)}));
+    }
 }
 
 }  // namespace quorel

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "ctl/DaemonClient.h"
+#include "ctl/Commands.h"
 #include "model/Value.h"
 #include "planning/ActionWords.h"
 
@@ -21,12 +21,14 @@ public:
     /// There is a file, and it cannot be read.
     bool isUnreadable() const { return _isUnreadable; }
 
-    /// Has the daemon store it, joined with what others have stored since. While it is busy it is asked again, for ten
-    /// seconds. The answer's value says what was joined, as docs/protocol.md has it.
-    DaemonClient::Answer save(const Value& preferences) const;
-    DaemonClient::Answer saveSchedules(Array schedules) const;
+    /// Has the daemon store it, joined with what others have stored since. Says what of theirs the sender would not
+    /// expect, what becomes of a file that cannot be read, and why nothing was stored.
+    ExitStatus save(const Value& preferences) const;
+    ExitStatus saveSchedules(Array schedules) const;
 
 private:
+    void tellJoined(const Value& joined) const;
+
     Value _preferences;
     bool _nothingStored = false;
     bool _isUnreadable = false;

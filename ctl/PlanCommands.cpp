@@ -55,16 +55,6 @@ std::string nextSentence(const Forecast& forecast, std::size_t index) {
     return fault ? " " + filled(translated("But {1}."), {faultSentence(*fault)}) : std::string();
 }
 
-/// Says what others did to the plan meanwhile.
-void tellJoined(const Value& joined, const ActionWords& actions) {
-    for (const Value& pair : joined[keys::kBoth].array()) {
-        const Array& lines = pair.array();
-        if (lines.size() != 2) continue;
-        complain(filled(translated("Somebody else has changed the same schedule meanwhile; both stay:\n  {1}\n  {2}"),
-                        {lineOf(lines[0], actions), lineOf(lines[1], actions)}));
-    }
-}
-
 /// The words of a command line, each in a column of its own counting.
 std::vector<Word> wordsOfArguments(std::span<const std::string> arguments, const Plan& plan) {
     std::vector<Word> words;
@@ -130,9 +120,7 @@ ExitStatus store(const Plan& plan, Array schedules, const std::vector<std::size_
                  const CommandLine& line, const std::function<std::string(const Value&)>& besides) {
     std::vector<Value> told;
     for (const std::size_t index : changed) told.push_back(schedules[index]);
-    const DaemonClient::Answer answer = plan.saveSchedules(std::move(schedules));
-    if (answer.failure != DaemonClient::Failure::kNone) return fail(answer);
-    tellJoined(answer.value, plan.actions());
+    if (const auto status = plan.saveSchedules(std::move(schedules)); status != ExitStatus::kDone) return status;
     const Plan stored(line.root);
     const Forecast forecast(stored.schedules(), stored.actions(), pausesNow());
     const Page page;
@@ -199,9 +187,9 @@ ExitStatus listPlan(const CommandLine& line) {
     }
     if (line.json) {
         page.line(jsonOutput(Dictionary{{"Schedules", values}, {wire::scheduler::kPauses, pauses}}));
-    } else if (rows.empty()) {
+    } else if (rows.empty() && !plan.isUnreadable()) {
         page.line(translated("The plan is empty. \"quorelctl add sleep 23:15 mon-fri\" adds to it."));
-    } else {
+    } else if (!rows.empty()) {
         page.table(std::move(rows));
     }
     if (!line.json)
@@ -268,9 +256,8 @@ ExitStatus removeSchedules(const CommandLine& line) {
         if (!gone.contains(i)) left.push_back(plan.schedules()[i]);
         if (gone.contains(i)) lines.push_back(lineOf(plan.schedules()[i], plan.actions()));
     }
-    const DaemonClient::Answer answer = plan.saveSchedules(std::move(left));
-    if (answer.failure != DaemonClient::Failure::kNone) return fail(answer);
-    tellJoined(answer.value, plan.actions());
+    status = plan.saveSchedules(std::move(left));
+    if (status != ExitStatus::kDone) return status;
     const Page page;
     if (line.json) page.line(jsonOutput(Dictionary{{"Removed", lines}}));
     for (auto index = gone.begin(); !line.json && index != gone.end(); ++index)

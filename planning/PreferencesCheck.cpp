@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 #include "model/Dictionary.h"
 #include "model/Preferences.h"
@@ -66,6 +67,16 @@ std::optional<std::string> faultInPreferences(const Value& preferences) {
     if (wrong == schedules.end()) return {};
     return "In \"" + std::string(preferences::kScheduleArray) + "\", entry " +
            std::to_string(wrong - schedules.begin() + 1) + " is no dictionary.";
+}
+
+Value storablePreferences(const Value& stored) {
+    Dictionary result;
+    for (const auto& [key, faultIn] : kKeys)
+        result.set(key, faultIn(stored[key]) ? Value(stored[key].intValue()) : stored[key]);
+    Array schedules = stored[preferences::kScheduleArray].array();
+    std::erase_if(schedules, [](const Value& one) { return !one.isDictionary(); });
+    result.set(preferences::kScheduleArray, std::move(schedules));
+    return result;
 }
 
 bool areSamePreferences(const Value& a, const Value& b) {

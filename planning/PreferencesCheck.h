@@ -14,6 +14,9 @@ namespace quorel {
 std::optional<std::string> faultInPreferences(const Value& preferences);
 /// The same of one value under a key of the file.
 std::optional<std::string> faultInPreference(std::string_view key, const Value& value);
+/// The six keys of a file, fit to be stored: each number by its integer value, as all read it who go by it, nothing
+/// being 0; and what is no Schedule left out.
+Value storablePreferences(const Value& stored);
 /// Whether both are the same but for "Prefs Version", which is stored with the rest and read by nobody.
 bool areSamePreferences(const Value& a, const Value& b);
 

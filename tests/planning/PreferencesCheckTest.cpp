@@ -65,6 +65,9 @@ TEST(PreferencesCheckTest, FaultsAreNamed) {
     EXPECT_EQ(faultInPreferences(preferencesWith(std::string(100'000, 'x'), 1)), "The key of 100000 bytes is unknown.");
     for (const Value& value : {Value(), Value(Array{}), Value("text")})
         EXPECT_EQ(faultInPreferences(value), "The preferences are no dictionary.");
+    // As they are read by all: off.
+    const Value off = preferencesWith("Show In Menu Bar", 0).with("Check Updates", 0);
+    EXPECT_EQ(storablePreferences(off.with("Show In Menu Bar", false).with("Check Updates", {})), off);
 }
 
 }  // namespace
