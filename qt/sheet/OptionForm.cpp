@@ -69,7 +69,9 @@ void OptionForm::add(QFormLayout& form, std::size_t index) {
     const Option& option = _description.options[index];
     const QString label = say(option.label), unit = say(option.unit), help = say(option.help);
     _fields.push_back(fieldOf(option));
-    const Field& field = _fields.back();
+    Field& field = _fields.back();
+    if (!field.row) field.row = field.control;
+    field.fault = faultLine(this);
     field.control->setAccessibleName(label.contains(unit) ? label : label + QLatin1Char(' ') + unit);
     field.control->setAccessibleDescription(help);
     field.control->setToolTip(help);
@@ -116,11 +118,7 @@ OptionForm::Field OptionForm::flag(const Option& option) {
         enableDependent();
         _changed();
     });
-    return {option,
-            box,
-            box,
-            faultLine(this),
-            [box](const Value& value) { box->setChecked(value.intValue() != 0); },
+    return {option, box, [box](const Value& value) { box->setChecked(value.intValue() != 0); },
             [box] { return Value(box->isChecked()); }};
 }
 
@@ -129,14 +127,7 @@ OptionForm::Field OptionForm::number(const Option& option) {
     box->setRange(option.least, option.most);
     if (const QString unit = say(option.unit); !unit.isEmpty()) box->setSuffix(QLatin1Char(' ') + unit);
     connect(box, qOverload<int>(&QSpinBox::valueChanged), this, _changed);
-    return {option,
-            box,
-            box,
-            faultLine(this),
-            [box](const Value& value) {
-                const QSignalBlocker quiet(box);
-                box->setValue(value.intValue());
-            },
+    return {option, box, [box](const Value& value) { box->setValue(value.intValue()); },
             [box] { return Value(box->value()); }};
 }
 
@@ -158,12 +149,8 @@ OptionForm::Field OptionForm::text(const Option& option) {
             if (!file.isEmpty()) _changed();
         });
     }
-    return {option,
-            line,
-            row,
-            faultLine(this),
-            [line](const Value& value) { line->setText(qString(value.text())); },
-            [line] { return Value(stdString(line->text())); }};
+    return {option, line, [line](const Value& value) { line->setText(qString(value.text())); },
+            [line] { return Value(stdString(line->text())); }, row};
 }
 
 OptionForm::Field OptionForm::lines(const Option& option) {
@@ -172,14 +159,7 @@ OptionForm::Field OptionForm::lines(const Option& option) {
     box->setTabChangesFocus(true);
     box->setFixedHeight(box->fontMetrics().lineSpacing() * kLines + 2 * box->frameWidth() + 8);
     connect(box, &QPlainTextEdit::textChanged, this, _changed);
-    return {option,
-            box,
-            box,
-            faultLine(this),
-            [box](const Value& value) {
-                const QSignalBlocker quiet(box);
-                box->setPlainText(qString(value.text()));
-            },
+    return {option, box, [box](const Value& value) { box->setPlainText(qString(value.text())); },
             [box] { return Value(stdString(box->toPlainText())); }};
 }
 
@@ -187,11 +167,7 @@ OptionForm::Field OptionForm::choice(const Option& option) {
     auto* const box = new QComboBox(this);
     for (const Choice& one : option.choices) box->addItem(say(one.names), qString(one.value));
     connect(box, qOverload<int>(&QComboBox::activated), this, _changed);
-    return {option,
-            box,
-            box,
-            faultLine(this),
-            [box](const Value& value) { box->setCurrentIndex(box->findData(qString(value.text()))); },
+    return {option, box, [box](const Value& value) { box->setCurrentIndex(box->findData(qString(value.text()))); },
             [box] { return Value(stdString(box->currentData().toString())); }};
 }
 
@@ -200,12 +176,8 @@ OptionForm::Field OptionForm::time(const Option& option) {
     box->setDisplayFormat(shortTimeFormat());
     box->setWrapping(true);
     connect(box, &QTimeEdit::timeChanged, this, _changed);
-    return {option,
-            box,
-            box,
-            faultLine(this),
+    return {option, box,
             [box](const Value& value) {
-                const QSignalBlocker quiet(box);
                 const int minute = minuteOfDay(value.text()).value_or(0);
                 box->setTime(QTime(minute / 60, minute % 60));
             },
@@ -213,7 +185,10 @@ OptionForm::Field OptionForm::time(const Option& option) {
 }
 
 void OptionForm::show(const Value& parameters) {
-    for (const Field& field : _fields) field.set(parameters[field.option.key]);
+    for (const Field& field : _fields) {
+        const QSignalBlocker quiet(field.control);
+        field.set(parameters[field.option.key]);
+    }
     enableDependent();
     checkFiles();
 }

@@ -38,10 +38,10 @@ private:
     struct Field {
         const Option& option;
         QWidget* control;
-        QWidget* row;  ///< with what stands around the control
-        QLabel* fault;
         std::function<void(const Value&)> set;
         std::function<Value()> get;
+        QWidget* row = nullptr;  ///< with what stands around the control
+        QLabel* fault = nullptr;
     };
     Field fieldOf(const Option& option);
     Field flag(const Option& option);
