@@ -44,6 +44,25 @@ EditSheet::EditSheet(QWidget* parent)
     _noOptions->setFixedHeight(0);
     _noOptions->hide();
 
+    _next->setWordWrap(true);
+    _next->setTextFormat(Qt::PlainText);
+    auto* const cancel = new QPushButton(qString(translated("Cancel")), this);
+    cancel->setAutoDefault(false);
+    _save->setDefault(true);
+    auto* const buttons = new QDialogButtonBox(this);
+    buttons->addButton(cancel, QDialogButtonBox::RejectRole);
+    buttons->addButton(_save, QDialogButtonBox::AcceptRole);
+    connect(buttons, &QDialogButtonBox::rejected, this, &EditSheet::reject);
+
+    auto* const whole = new QVBoxLayout(this);
+    whole->addLayout(fields());
+    whole->addWidget(_fault);
+    whole->addWidget(_next);
+    whole->addStretch();
+    whole->addWidget(buttons);
+}
+
+QLayout* EditSheet::fields() {
     auto* const days = new QHBoxLayout;
     days->setSpacing(4);
     for (std::size_t day = 0; day < _days.size(); ++day) {
@@ -66,23 +85,7 @@ EditSheet::EditSheet(QWidget* parent)
     form->addRow(QString(), _daysFault);
     form->addRow(qString(translated("Computer")), _wakes);
     form->addRow(QString(), _starts);
-
-    _next->setWordWrap(true);
-    _next->setTextFormat(Qt::PlainText);
-    auto* const cancel = new QPushButton(qString(translated("Cancel")), this);
-    cancel->setAutoDefault(false);
-    _save->setDefault(true);
-    auto* const buttons = new QDialogButtonBox(this);
-    buttons->addButton(cancel, QDialogButtonBox::RejectRole);
-    buttons->addButton(_save, QDialogButtonBox::AcceptRole);
-    connect(buttons, &QDialogButtonBox::rejected, this, &EditSheet::reject);
-
-    auto* const whole = new QVBoxLayout(this);
-    whole->addLayout(form);
-    whole->addWidget(_fault);
-    whole->addWidget(_next);
-    whole->addStretch();
-    whole->addWidget(buttons);
+    return form;
 }
 
 /// An action's options come between the action and the time, whenever they were made.
@@ -170,24 +173,19 @@ void EditSheet::connectTo(VXConfigurator& owner) {
     const auto tell = [this] {
         if (changed) changed();
     };
-    const auto boxChanged = [this, tell](Button& sender) {
-        _owner->checkboxAction(&sender);
-        tell();
-    };
     connect(_action, qOverload<int>(&QComboBox::activated), this, [this, tell] {
         _owner->selectActionType(_owner->outlets.popUpType.get());
         orderTabs();
         giveMnemonics(*this);
         tell();
     });
-    for (const auto& button : outlets.activeOn) {
-        connect(static_cast<Button&>(*button).native(), &QAbstractButton::clicked, this,
-                [boxChanged, button] { boxChanged(static_cast<Button&>(*button)); });
-    }
-    for (const auto& button : {outlets.wakeUpEdit, outlets.startupEdit}) {
-        connect(static_cast<Button&>(*button).native(), &QAbstractButton::clicked, this,
-                [boxChanged, button] { boxChanged(static_cast<Button&>(*button)); });
-    }
+    std::vector<QAbstractButton*> boxes(_days.begin(), _days.end());
+    boxes.insert(boxes.end(), {_wakes, _starts});
+    for (QAbstractButton* const box : boxes)
+        connect(box, &QAbstractButton::clicked, this, [this, tell, sender = std::make_shared<Button>(box)] {
+            _owner->checkboxAction(sender.get());
+            tell();
+        });
     connect(_everyDay, &QAbstractButton::clicked, this, [this, tell] {
         _owner->checkAllDays(_owner->outlets.selectAllButton.get());
         tell();

@@ -41,6 +41,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    QLayout* fields();
     OptionForm* form() const;
     void orderTabs();
 

@@ -98,6 +98,10 @@ NextCard::NextCard(QWidget* parent, DaemonClient& plan, std::function<void(const
     auto* const whole = new QHBoxLayout(this);
     whole->addLayout(texts, 1);
     whole->addLayout(buttons);
+    connectButtons();
+}
+
+void NextCard::connectButtons() {
     auto* const lengths = new QMenu(_postpone.button);
     const auto length = [&](const char* text, Seconds seconds) {
         connect(lengths->addAction(qString(text)), &QAction::triggered, this,

@@ -27,6 +27,7 @@ private:
         QPushButton* button;
         std::string token;
     };
+    void connectButtons();
     void offer(Choice& choice, const Value* occurrence);
     void showPause(const DaemonClient::Told& told);
     DaemonClient::Done tellFailure() const;

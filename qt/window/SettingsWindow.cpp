@@ -86,7 +86,6 @@ void SettingsWindow::layOut() {
     noticeText->setWordWrap(true);
     lockBar->setAccessibleName(qString(translated("Changing the plan takes an administrator.")));
     noticeBar->setAccessibleName(qString(translated("Message")));
-    suggestion->setAccessibleName(qString(translated("A suggestion to start with")));
     whole->addWidget(next);
 
     auto* const heading = new QHBoxLayout;
@@ -94,16 +93,7 @@ void SettingsWindow::layOut() {
     for (QPushButton* one : {undo, remove, edit, add}) heading->addWidget(one);
     whole->addLayout(heading);
 
-    auto* const offer = new QHBoxLayout(suggestion);
-    auto* const text =
-        makeLabel(suggestion, Weight::kText,
-                  qString(translated("Nothing is stored yet. This is a suggestion to start with; nothing "
-                                     "happens until you say so.")));
-    text->setWordWrap(true);
-    offer->addWidget(text, 1);
-    offer->addWidget(makeOwn);
-    offer->addWidget(useThis);
-    useThis->setDefault(true);
+    layOutSuggestion();
     whole->addWidget(suggestion);
     whole->addWidget(list, 1);
 
@@ -118,6 +108,20 @@ void SettingsWindow::layOut() {
     foot->addStretch();
     for (QPushButton* one : {options, revert, apply}) foot->addWidget(one);
     whole->addLayout(foot);
+}
+
+void SettingsWindow::layOutSuggestion() {
+    suggestion->setAccessibleName(qString(translated("A suggestion to start with")));
+    auto* const text =
+        makeLabel(suggestion, Weight::kText,
+                  qString(translated("Nothing is stored yet. This is a suggestion to start with; nothing "
+                                     "happens until you say so.")));
+    text->setWordWrap(true);
+    useThis->setDefault(true);
+    auto* const row = new QHBoxLayout(suggestion);
+    row->addWidget(text, 1);
+    row->addWidget(makeOwn);
+    row->addWidget(useThis);
 }
 
 /// A bar is yellow in any theme, and its text dark or light as the theme's is.

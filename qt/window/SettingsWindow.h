@@ -62,6 +62,7 @@ protected:
 
 private:
     void layOut();
+    void layOutSuggestion();
     void colourBars();
     void sizeHappened();
     bool _wasPainted = false;
