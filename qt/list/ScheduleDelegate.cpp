@@ -21,6 +21,15 @@ QColor faded(const QPalette& palette, double share = 0.62) {
     return qt::faded(palette.color(QPalette::Text), palette.color(QPalette::Base), share);
 }
 
+constexpr int kMargin = 6;  // beside texts
+
+QFont fontOf(QFont font, int column) {
+    if (column == kTimeColumn) font.setBold(true);
+    if (column == kTimeColumn) font.setPointSizeF(font.pointSizeF() * 1.35);
+    if (column == kNextColumn) font.setPointSizeF(font.pointSizeF() * 0.92);
+    return font;
+}
+
 void paintSwitch(QPainter& painter, const QStyleOptionViewItem& option, bool on, bool enabled) {
     const QPalette& palette = option.palette;
     const int height = option.fontMetrics.height() * 9 / 8, width = height * 9 / 5;
@@ -40,12 +49,9 @@ void paintSwitch(QPainter& painter, const QStyleOptionViewItem& option, bool on,
 
 void paintText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index, bool live) {
     const QPalette& palette = option.palette;
-    const QRect area = option.rect.adjusted(6, 0, -6, 0);
-    QFont font = option.font;
+    const QRect area = option.rect.adjusted(kMargin, 0, -kMargin, 0);
     const bool isTime = index.column() == kTimeColumn, isNext = index.column() == kNextColumn;
-    if (isTime) font.setPointSizeF(font.pointSizeF() * 1.35);
-    if (isTime) font.setBold(true);
-    if (isNext) font.setPointSizeF(font.pointSizeF() * 0.92);
+    const QFont font = fontOf(option.font, index.column());
     painter.setFont(font);
     painter.setPen(live && !isNext ? palette.color(QPalette::Text) : faded(palette));
     const QFontMetrics metrics(font);
@@ -127,7 +133,7 @@ void ScheduleDelegate::paint(QPainter* painter, const QStyleOptionViewItem& give
 }
 
 QSize ScheduleDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    return {columnWidth(option.fontMetrics, index.column()), rowHeight(option.fontMetrics)};
+    return {columnWidth(option.font, index.column()), rowHeight(option.fontMetrics)};
 }
 
 /// The whole cell is the toggle, which takes no good aim.
@@ -148,17 +154,18 @@ bool ScheduleDelegate::editorEvent(QEvent* event, QAbstractItemModel* model, con
     return model->setData(index, on ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }
 
-int columnWidth(const QFontMetrics& font, int column) {
-    const int em = font.height();
+int columnWidth(const QFont& font, int column) {
+    const int em = QFontMetrics(font).height();
     if (column == kSwitchColumn) return em * 11 / 4;
     if (column == kActionColumn) return em * 10;
     if (column != kTimeColumn && column != kNextColumn) return em * 7 / 4;
-    const QString longest = QLocale().toString(QTime(22, 58), shortTimeFormat());
-    if (column == kTimeColumn) return font.horizontalAdvance(longest) * 3 / 2 + em * 3 / 4;
-    int width = 0;
-    for (const char* const day : {translated("today {1}"), translated("tomorrow {1}")})
-        width = std::max(width, font.horizontalAdvance(qString(filled(day, {stdString(longest)}))));
-    return width + em / 3;
+    const QFontMetrics own(fontOf(font, column));
+    const std::string latest = stdString(QLocale().toString(QTime(22, 58), shortTimeFormat()));
+    int width = own.horizontalAdvance(qString(latest));
+    if (column == kNextColumn)
+        for (const char* const day : {translated("today {1}"), translated("tomorrow {1}")})
+            width = std::max(width, own.horizontalAdvance(qString(filled(day, {latest}))));
+    return width + 2 * kMargin + em / 3;
 }
 
 int rowHeight(const QFontMetrics& font) {

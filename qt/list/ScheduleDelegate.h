@@ -21,7 +21,7 @@ void paintDay(QPainter& painter, const QRect& area, const QPalette& palette, con
               bool enabled);
 
 /// How wide a column has to be, and how high a row, in this font; the action takes what is left.
-int columnWidth(const QFontMetrics& font, int column);
+int columnWidth(const QFont& font, int column);
 int rowHeight(const QFontMetrics& font);
 
 }  // namespace quorel::qt

@@ -51,7 +51,8 @@ void ScheduleModel::reload() {
 }
 
 void ScheduleModel::refreshNotes() {
-    if (_rows > 0) Q_EMIT dataChanged(index(0, kNextColumn), index(_rows - 1, kNextColumn));
+    if (_rows > 0)
+        Q_EMIT dataChanged(index(0, saysNextInLine ? kActionColumn : kNextColumn), index(_rows - 1, kNextColumn));
 }
 
 int ScheduleModel::rowCount(const QModelIndex& parent) const {
@@ -106,6 +107,7 @@ QString ScheduleModel::lineOf(const QModelIndex& index) const {
     };
     add(summary::kWakeUp, wakesText);
     add(summary::kStartup, startsText);
+    if (saysNextInLine && noteOf) parts.prepend(noteOf(index.row()).next);
     parts.removeAll(QString());
     return parts.join(QStringLiteral(", "));
 }

@@ -63,6 +63,7 @@ public:
     const TableColumn& columnAt(int shown) const;
 
     TableViewDataSource* source = nullptr;
+    bool saysNextInLine = false;  ///< there is no room for a column of that
     std::function<RowNote(int row)> noteOf;
     QString wakesText, startsText;  ///< "wakes the computer up", "turns the computer on"
 

@@ -61,13 +61,21 @@ ScheduleList::ScheduleList(QWidget* parent) : QTableView(parent) {
 }
 
 void ScheduleList::setRowsHigh() {
-    const QFontMetrics font = fontMetrics();
-    verticalHeader()->setMinimumSectionSize(qt::rowHeight(font));
-    verticalHeader()->setDefaultSectionSize(qt::rowHeight(font));
+    verticalHeader()->setMinimumSectionSize(qt::rowHeight(fontMetrics()));
+    verticalHeader()->setDefaultSectionSize(qt::rowHeight(fontMetrics()));
     horizontalHeader()->setMinimumSectionSize(1);
     for (int column = 0; column < kColumns; ++column) {
-        if (column != kActionColumn) setColumnWidth(column, qt::columnWidth(font, column));
+        if (column != kActionColumn) setColumnWidth(column, qt::columnWidth(font(), column));
     }
+}
+
+/// In a narrow window the action's line says when it comes next.
+void ScheduleList::resizeEvent(QResizeEvent* event) {
+    int needed = 0;
+    for (int column = 0; column < kColumns; ++column) needed += qt::columnWidth(font(), column);
+    _model.saysNextInLine = viewport()->width() < needed;
+    setColumnHidden(kNextColumn, _model.saysNextInLine);
+    QTableView::resizeEvent(event);
 }
 
 void ScheduleList::hold(bool holds) {
