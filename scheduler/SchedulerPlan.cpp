@@ -34,7 +34,7 @@ bool Scheduler::isDenied(const ScheduleReading& schedule) const {
 /// that this computer does not have.
 Instant Scheduler::courseFrom(const ScheduleReading& schedule, Instant at) const {
     const bool warns = schedule.isPower() && !isDenied(schedule) && !_pauses.cover(at);
-    return warns ? std::min(_pauses.firstFree(at - rules::kWarning), at) : at;
+    return warns ? std::min(_pauses.firstFree(std::max(at - rules::kWarning, now())), at) : at;
 }
 
 void Scheduler::planAnew() {

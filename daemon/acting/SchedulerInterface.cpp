@@ -150,11 +150,12 @@ int SchedulerInterface::pauses(sd_bus_message* call) const {
     return replyDictionaries(call, pauses);
 }
 
-/// With what comes first when it is over.
+/// With what comes first when it is over, and is not skipped.
 Dictionary SchedulerInterface::answerOf(const Pause& pause) const {
     Dictionary answer = valueOf(pause).dictionary();
-    const std::vector<Upcoming> next = _host.scheduler().upcoming(1, pause.until);
-    if (!next.empty()) answer.set(keys::kNext, _host.named(valueOf(next.front())));
+    const std::vector<Upcoming> coming = _host.scheduler().upcoming(rules::kMostOpen + 1, pause.until);
+    const auto next = std::ranges::find_if(coming, [](const Upcoming& one) { return one.step != Step::kSkipped; });
+    if (next != coming.end()) answer.set(keys::kNext, _host.named(valueOf(*next)));
     return answer;
 }
 

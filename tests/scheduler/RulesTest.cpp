@@ -505,6 +505,8 @@ const Row kRows[] = {
      "14:02 pauses; 12:02 correction -7200; 12:45 paused ann 2"},
     {"no stepping stone within it, nor just before", "near; from 10:00 WakeUp@23:30/thursday; pause 1+08:00 1+12:00; alarms; pause 2+00:00 3+23:00; until 2+00:10; alarms; sleep 3+00:31; alarms",
      "10:00 alarms +1 07:58:59, none; +2 00:10 alarms none, none; +3 00:31 awake; +3 00:31 alarms +3 23:30, none"},
+    {"within the minute of a warning: announced anew from its end on, and at rest until then", "from 11:58 Sleep@12:00; until 11:59:20; pause 11:59:20 11:59:40; until 12:00:39; ticks",
+     "11:59 warn, for 12:00; 11:59:40 warn, for 12:00:40; 12:00:39 3 ticks"},
     {"ended early: what is due in a minute is announced in full", "from 11:00 Plain@11:30 Sleep@12:00; pause; until 11:59:40; resume 11:00; until 12:00:30",
      "11:59:40 paused ann 1; 11:59:40 warn, for 12:00:40"},
     {"slept or off through it: paused, and only what was due beside it missed", "from 11:00 Plain@11:30 Plain@12:30 Late@12:50 Plain@13:30; pause 12:00 13:00; wake 14:00; sleep 14:00",
