@@ -1,10 +1,12 @@
 #include "qt/host/Forecast.h"
 
+#include <algorithm>
 #include <ctime>
 
 #include "model/Dictionary.h"
 #include "model/Schedule.h"
 #include "model/Upcoming.h"
+#include "model/Wire.h"
 #include "scheduler/Agenda.h"
 #include "scheduler/ScheduleReading.h"
 #include "words/Language.h"
@@ -47,6 +49,16 @@ Forecast::Answer Forecast::of(const Value& schedule, const DaemonClient::Told& t
     };
     while (const auto until = leftOut()) next = agenda.after(*until - 1, 1);
     if (!next.empty()) answer.at = next.front().due;
+    for (const Value& one : told.upcoming.array()) {
+        if (one[wire::keys::kStep].text() != wire::step::kPostponed || one[wire::keys::kAction].text() != action)
+            continue;
+        const Instant due = one[wire::keys::kDue].integer();
+        const auto own = agenda.after(due - 1, 1);
+        if (own.empty() || own.front().due != due || (answer.at && *answer.at < due)) continue;
+        const Instant at = one[wire::keys::kAt].integer();
+        answer.at = answer.at && due < *answer.at ? std::min(at, *answer.at) : at;
+        break;
+    }
     return answer;
 }
 

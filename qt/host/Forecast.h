@@ -19,7 +19,7 @@ public:
     };
     inline static constexpr std::string_view kNoDay = "days";
 
-    /// By what the daemon tells of pauses and skips, and the system of kinds of sleep.
+    /// By what the daemon tells of pauses, skips and postponements, and the system of kinds of sleep.
     Answer of(const Value& schedule, const DaemonClient::Told& told, const DeniedKinds& denied) const;
 
 private:

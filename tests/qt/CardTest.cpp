@@ -57,5 +57,16 @@ TEST_F(CardTest, OffersWhatCanBeDoneWithWhatComes) {
     EXPECT_TRUE(says("Pause: until"));
 }
 
+TEST_F(CardTest, ARowSaysWhatItWasPostponedTo) {
+    const Value daily = plan({7})[preferences::kScheduleArray].array().front();
+    DaemonClient::Told told;
+    const Instant due = qt::Forecast().of(daily, told, {}).at.value_or(0);
+    for (const Instant planned : {due, due - kDay}) {  // the second one's time has passed
+        told.upcoming =
+            Array{sleepIn(0, wire::step::kPostponed).with(keys::kDue, planned).with(keys::kAt, planned + 60)};
+        EXPECT_EQ(qt::Forecast().of(daily, told, {}).at, planned + 60);
+    }
+}
+
 }  // namespace
 }  // namespace quorel::test
