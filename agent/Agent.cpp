@@ -47,6 +47,7 @@ Agent::Agent(Options options)
                  }),
       _daemon(_loop, {[this] { daemonChanged(); }, [this](std::int64_t question) { tellIdle(question); }}),
       _warnings(_loop, _bus.get(), _daemon),
+      _desktopHold(_bus.get()),
       _actions(_bus.get(), [this](const auto&... report) { _daemon.reportAction(report...); }),
       _tray(_loop, {[this](const TrayContent::Choice& choice) { say(choice); }, [this] { checkByHand(); },
                     [] { return settingsEntry().has_value(); }, [] { openSettings(); }}),
@@ -73,6 +74,7 @@ int Agent::run() {
 void Agent::daemonChanged() {
     _warnings.update();
     _actions.run(_daemon.actions());
+    _desktopHold.keepAwake(_daemon.keepsAwake());
     if (_daemon.isThere())
         _tray.update(
             {_daemon.upcoming(), _daemon.pauses(), _daemon.maySkip(), _daemon.mayPostpone(), _daemon.mayPause()});

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "agent/DaemonLink.h"
+#include "agent/DesktopHold.h"
 #include "agent/UserActions.h"
 #include "agent/idle/IdleMeter.h"
 #include "agent/tray/MenuBarSetting.h"
@@ -66,6 +67,7 @@ private:
     IdleMeter _idleMeter;
     DaemonLink _daemon;
     Warnings _warnings;
+    DesktopHold _desktopHold;
     UserActions _actions;
     Tray _tray;
     std::optional<MenuBarSetting> _menuBar;  // once this is the user's agent

@@ -34,6 +34,8 @@ public:
     const Array& outcomes() const { return _plan.told().outcomes.array(); }  ///< the last few
     const Array& actions() const { return _work[wire::keys::kActions].array(); }
     bool watchesUse() const { return _work[wire::keys::kWatch].intValue() != 0; }
+    /// Desktops are not to put the computer to sleep.
+    bool keepsAwake() const { return _work[wire::keys::kKeepAwake].intValue() != 0; }
     /// What polkit lets this user do without asking anybody.
     bool maySkip() const { return _maySkip; }
     bool mayPostpone() const { return _mayPostpone; }

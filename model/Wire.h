@@ -146,6 +146,7 @@ inline constexpr std::string_view kBoth = "Both";
 // Of an agent's work.
 inline constexpr std::string_view kIdle = "Idle";
 inline constexpr std::string_view kWatch = "Watch";
+inline constexpr std::string_view kKeepAwake = "KeepAwake";
 inline constexpr std::string_view kActions = "Actions";
 
 }  // namespace keys

@@ -115,7 +115,9 @@ int Agents::work(sd_bus_message* call, void* self, sd_bus_error* error) {
     Array actions;
     for (const auto& each : agents._runs)
         if (each.second.user == *user) actions.push_back(each.second.action);
-    Dictionary work{{keys::kActions, actions}, {keys::kWatch, agents._watches && agents._asked.contains(*user)}};
+    Dictionary work{{keys::kActions, actions},
+                    {keys::kWatch, agents._watches && agents._asked.contains(*user)},
+                    {keys::kKeepAwake, agents._keepsAwake}};
     if (agents._unheard.contains(*user)) work.set(keys::kIdle, agents._question);
     return replyDictionary(call, work);
 }
@@ -144,6 +146,11 @@ void Agents::answerIdle() {
 
 void Agents::watchUse(bool watch) {
     if (watch == std::exchange(_watches, watch)) return;
+    hint();
+}
+
+void Agents::keepAwake(bool keep) {
+    if (keep == std::exchange(_keepsAwake, keep)) return;
     hint();
 }
 

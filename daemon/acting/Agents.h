@@ -37,6 +37,8 @@ public:
     void findIdle(const std::vector<unsigned>& users, std::function<void(const Idle&)> answered);
     /// While somebody who uses the computer is to be noticed at once. Counts for those who were asked last.
     void watchUse(bool watch);
+    /// While no desktop is to put the computer to sleep by itself.
+    void keepAwake(bool keep);
     std::function<void(unsigned user)> usedCallback;
     std::function<void()> cameCallback;  ///< an agent has registered
 
@@ -81,6 +83,7 @@ private:
     std::vector<std::function<void(const Idle&)>> _waiting;
     LoopTimer _patience;
     bool _watches = false;
+    bool _keepsAwake = false;
 
     BusSlot _object;
 };

@@ -87,6 +87,7 @@ SchedulerHost::SchedulerHost(EventLoop& loop, Callers& callers, sd_bus* computer
                tell([&](ClockReading now) { _scheduler.powerReplied(now, ticket, reply, reason); });
            },
            [this](Lid lid) { tell([&](ClockReading now) { _scheduler.lidSeen(now, lid); }); },
+           [this](bool keep) { _agents.keepAwake(keep); },
            [this](Conditions conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done) {
                findIdle(std::move(conditions), userIds, std::move(done));
            }}),

@@ -60,6 +60,7 @@ void LoginPower::request(Ticket ticket, const char* member, std::chrono::seconds
 }
 
 void LoginPower::keepAwake(bool keep) {
+    _answers.keptAwake(keep);
     if (!keep) return _idleLock.release();
     _idleLock.take("A Schedule keeps this computer awake.", [](const BusError& error) {
         MOLLog("A desktop may let the computer fall asleep again: %s", error.message.c_str());

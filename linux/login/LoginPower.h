@@ -22,7 +22,8 @@ public:
     struct Answers {
         std::function<void(Ticket, const Conditions&)> conditionsRead;
         std::function<void(Ticket, PowerReply, const std::string& reason)> powerReplied;
-        std::function<void(Lid)> lidSeen;  ///< while it is held
+        std::function<void(Lid)> lidSeen;          ///< while it is held
+        std::function<void(bool keep)> keptAwake;  ///< for desktops that overlook the lock
         /// Adds what others than logind know of how long the sessions, whose users these are, have not been used, and
         /// calls `done` now or later.
         std::function<void(Conditions, const std::vector<unsigned>& userIds, std::function<void(Conditions)> done)>

@@ -54,6 +54,23 @@ class IdleMonitor(dbus.service.Object):
         return self.status
 
 
+class SessionManager(dbus.service.Object):
+    """A desktop's, which sends the computer to sleep unless one of these is held."""
+
+    def __init__(self, connection):
+        self.held = []
+        super().__init__(dbus.service.BusName("org.gnome.SessionManager", connection), "/org/gnome/SessionManager")
+
+    @dbus.service.method("org.gnome.SessionManager", in_signature="susu", out_signature="u")
+    def Inhibit(self, who, window, why, what):
+        self.held.append((str(who), int(what)))
+        return 7
+
+    @dbus.service.method("org.gnome.SessionManager", in_signature="u")
+    def Uninhibit(self, number):
+        self.held.remove(("Quorel", {7: 8}[number]))
+
+
 class AgentsTest(ActingCase):
     def start(self, *schedules, **script):
         self.system.variables.update(LANG="C.UTF-8", XDG_DATA_DIRS="/nowhere")
@@ -125,6 +142,15 @@ class AgentsTest(ActingCase):
         root = self.caller(0)
         self.assertEqual(root.call("/com/quorel/Scheduler", SCHEDULER, "Pause", "xx", 0, 0)[0], "")
         self.expect(server, (PLANNED, "Paused until Tue 2027-03-02 05:00, by root", [], 1, -1))
+
+    def test_desktops_are_kept_from_sleep(self):
+        self.start(schedule("com.quorel.plugin.StayAwake", "23:15", Until="23:40"))
+        connection = self.log_in(NOBODY, server=False)
+        self.reach("23:15", "running")
+        manager = SessionManager(connection)  # which has come late
+        self.wait_for(lambda: manager.held == [("Quorel", 8)], "the session does not count as idle")
+        self.move_to("23:40")
+        self.wait_for(lambda: manager.held == [], "the desktop may send it to sleep")
 
     def test_is_postponed_as_often_as_wanted(self):
         self.start(schedule(SLEEP, "23:15"))
