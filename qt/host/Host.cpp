@@ -290,9 +290,8 @@ void Host::showEdits() {
 }
 
 void Host::showList() {
-    _suggests = !_parts.platform.files.dictionaryWithContentsOfFile(preferences::kFile).isDictionary() &&
-                !_controller->hasEdits();
-    _parts.window.suggest(_suggests);
+    const bool isStored = _parts.platform.files.dictionaryWithContentsOfFile(preferences::kFile).isDictionary();
+    _parts.window.suggest(!isStored && !_controller->hasEdits());
     showEdits();
 }
 

@@ -75,7 +75,6 @@ private:
     bool _isSelected = false;
     bool _isSaving = false;
     bool _isLeaving = false;
-    bool _suggests = false;
     bool _isStale = false;  ///< the file has changed and was not read again yet
     struct Removal {
         Array before, after;

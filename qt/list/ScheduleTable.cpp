@@ -100,7 +100,6 @@ QItemSelectionModel::SelectionFlags ScheduleList::selectionCommand(const QModelI
 void ScheduleList::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
     QTableView::selectionChanged(selected, deselected);
     if (tableDelegate) tableDelegate->tableViewSelectionDidChange();
-    if (selectionChangedAction) selectionChangedAction();
 }
 
 void ScheduleList::keyPressEvent(QKeyEvent* event) {

@@ -25,7 +25,6 @@ public:
     TableViewDelegate* tableDelegate = nullptr;
     std::function<void()> doubleAction;  ///< a double click, or Return
     std::function<void()> deleteAction;  ///< Delete
-    std::function<void()> selectionChangedAction;
 
 protected:
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;

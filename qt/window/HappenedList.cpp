@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <ctime>
+#include <tuple>
 
 #include "model/Wire.h"
 #include "qt/toolkit/Colours.h"
@@ -50,6 +51,11 @@ HappenedList::HappenedList(QWidget* parent) : QTreeWidget(parent) {
 }
 
 void HappenedList::show(const Array& outcomes, std::size_t most) {
+    const QDate today = QDate::currentDate();
+    if (std::tie(outcomes, most, today) == std::tie(_outcomes, _most, _day)) return;  // somebody may be reading
+    _outcomes = outcomes;
+    _most = most;
+    _day = today;
     clear();
     const Instant now = std::time(nullptr);
     for (auto one = outcomes.rbegin(); one != outcomes.rend() && most > 0; ++one, --most) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QTreeWidget>
 
 #include "model/Value.h"
@@ -13,6 +14,12 @@ public:
 
     /// The last `most` of them.
     void show(const Array& outcomes, std::size_t most);
+
+private:
+    // What is shown, and on which day
+    Array _outcomes;
+    std::size_t _most = 0;
+    QDate _day;
 };
 
 }  // namespace quorel::qt

@@ -57,6 +57,16 @@ TEST_F(CardTest, OffersWhatCanBeDoneWithWhatComes) {
     EXPECT_TRUE(says("Pause: until"));
 }
 
+TEST_F(CardTest, WhatHappenedStaysWhereSomebodyReads) {
+    const Value ran = Dictionary{{keys::kCode, wire::outcome::kRan}, {keys::kAt, 1}};
+    for (const std::size_t many : {1U, 1U, 2U}) {
+        const auto shown = static_cast<std::size_t>(window.happened->topLevelItemCount());
+        window.showHappened(Array(many, ran));
+        EXPECT_EQ(window.happened->currentItem() == nullptr, many != shown);
+        window.happened->setCurrentItem(window.happened->topLevelItem(0));
+    }
+}
+
 TEST_F(CardTest, ARowSaysWhatItWasPostponedTo) {
     const Value daily = plan({7})[preferences::kScheduleArray].array().front();
     DaemonClient::Told told;
