@@ -16,7 +16,6 @@
 #include "model/ActionParameters.h"
 #include "model/TimeOfDay.h"
 #include "model/Wire.h"
-#include "qt/toolkit/Colours.h"
 #include "qt/toolkit/Services.h"
 #include "qt/toolkit/Text.h"
 #include "qt/toolkit/Views.h"
@@ -32,10 +31,7 @@ constexpr int kLongHelp = 22;  ///< times the height of a line: beyond that, it 
 }  // namespace
 
 QLabel* faultLine(QWidget* parent) {
-    QLabel* const line = makeLabel(parent, Weight::kSmall);
-    QPalette colours = parent->palette();
-    colours.setColor(QPalette::WindowText, faultColour(colours));
-    line->setPalette(colours);
+    QLabel* const line = makeLabel(parent, Weight::kFault);
     line->setWordWrap(true);
     line->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     line->hide();

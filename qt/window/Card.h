@@ -12,8 +12,8 @@ public:
     explicit Card(QWidget* parent);
 };
 
-enum class Weight { kTitle, kHeading, kText, kSmall, kHint };
-/// A line of text in the window's own scale; nothing in it is interpreted.
+enum class Weight { kTitle, kHeading, kText, kSmall, kHint, kFault };
+/// A line of text in the window's own scale and colours, whatever the theme becomes; nothing in it is interpreted.
 QLabel* makeLabel(QWidget* parent, Weight weight, const QString& text = {});
 
 }  // namespace quorel::qt

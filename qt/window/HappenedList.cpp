@@ -1,10 +1,12 @@
 #include "qt/window/HappenedList.h"
 
+#include <QEvent>
 #include <QHeaderView>
 #include <algorithm>
 #include <array>
 #include <ctime>
 #include <tuple>
+#include <utility>
 
 #include "model/Wire.h"
 #include "qt/toolkit/Colours.h"
@@ -48,6 +50,12 @@ HappenedList::HappenedList(QWidget* parent) : QTreeWidget(parent) {
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     header()->setSectionResizeMode(0, QHeaderView::Fixed);
     header()->resizeSection(0, fontMetrics().height() * 2);
+}
+
+/// Failures are marked in a colour of the theme's.
+void HappenedList::changeEvent(QEvent* event) {
+    QTreeWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) show(std::exchange(_outcomes, {}), _most);
 }
 
 void HappenedList::show(const Array& outcomes, std::size_t most) {

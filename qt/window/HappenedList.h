@@ -15,6 +15,9 @@ public:
     /// The last `most` of them.
     void show(const Array& outcomes, std::size_t most);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     // What is shown, and on which day
     Array _outcomes;

@@ -9,7 +9,6 @@
 
 #include "model/Upcoming.h"
 #include "model/Wire.h"
-#include "qt/toolkit/Colours.h"
 #include "qt/toolkit/Text.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
@@ -78,7 +77,7 @@ NextCard::NextCard(QWidget* parent, DaemonClient& plan, std::function<void(const
       _failed(std::move(failed)),
       _title(makeLabel(this, Weight::kTitle)),
       _line(makeLabel(this, Weight::kSmall)),
-      _troubles(makeLabel(this, Weight::kSmall)),
+      _troubles(makeLabel(this, Weight::kFault)),
       _letSleep{new QPushButton(qString(translated("Let it sleep")), this), {}},
       _unskip{new QPushButton(qString(translated("Undo skip")), this), {}},
       _postpone{new QPushButton(qString(translated("Postpone")), this), {}},
@@ -161,9 +160,6 @@ void NextCard::show(const DaemonClient::Told& told) {
 }
 
 void NextCard::showTroubles(const QStringList& troubles) {
-    QPalette colours = palette();
-    for (const auto role : {QPalette::WindowText, QPalette::Text}) colours.setColor(role, faultColour(colours));
-    _troubles->setPalette(colours);
     _troubles->setText(troubles.join(QLatin1Char('\n')));
     _troubles->setVisible(!troubles.isEmpty());
 }

@@ -4,6 +4,7 @@
 
 #include "model/Upcoming.h"
 #include "model/Wire.h"
+#include "qt/toolkit/Colours.h"
 #include "tests/qt/WindowTest.h"
 
 namespace quorel::test {
@@ -65,6 +66,18 @@ TEST_F(CardTest, WhatHappenedStaysWhereSomebodyReads) {
         EXPECT_EQ(window.happened->currentItem() == nullptr, many != shown);
         window.happened->setCurrentItem(window.happened->topLevelItem(0));
     }
+}
+
+TEST_F(CardTest, FollowsTheThemeThatIsChosenMeanwhile) {
+    open();
+    const QPalette before = QApplication::palette(), dark(QColor(40, 40, 40));
+    const auto* const fault = qt::makeLabel(&window, qt::Weight::kFault);
+    window.showHappened({Dictionary{{keys::kCode, wire::outcome::kFailed}, {keys::kAt, 1}}});
+    QApplication::setPalette(dark);
+    settle();
+    EXPECT_EQ(fault->palette().color(QPalette::WindowText), qt::faultColour(dark));
+    EXPECT_EQ(window.happened->topLevelItem(0)->foreground(0).color(), qt::faultColour(dark));
+    QApplication::setPalette(before);
 }
 
 TEST_F(CardTest, ARowSaysWhatItWasPostponedTo) {
