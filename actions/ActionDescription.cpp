@@ -5,6 +5,7 @@
 
 #include "actions/DescriptionKeys.h"
 #include "model/ActionParameters.h"
+#include "model/Lines.h"
 #include "model/PlainText.h"
 #include "model/Wire.h"
 
@@ -112,13 +113,11 @@ std::optional<Value> ActionDescription::withWords(const Value& stored, std::span
     for (const Option& option : options) {
         if (!option.takesWords || words.empty()) continue;
         const std::size_t count = option.kind == OptionKind::kLines ? words.size() : 1;
-        std::string text;
-        for (const std::string& word : words.first(count)) {
-            if (word.find('\n') != std::string::npos) return {};
-            text.append(&word == &words.front() ? "" : "\n").append(word);
-        }
+        const auto own = words.first(count);
+        if (std::ranges::any_of(own, [](const std::string& word) { return word.find('\n') != std::string::npos; }))
+            return {};
         words = words.subspan(count);
-        const std::optional<Value> value = option.valueOf(text);
+        const auto value = option.valueOf(option.kind == OptionKind::kLines ? textOfLines(own) : own.front());
         if (!value) return {};
         result = result.with(option.key, *value);
     }

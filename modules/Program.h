@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
 #include <iterator>
 #include <string>
@@ -16,6 +17,12 @@ namespace quorel {
 inline Value actionParameters() {
     const std::string bytes{std::istreambuf_iterator<char>(std::cin), {}};
     return decodePropertyList(bytes);
+}
+
+/// The path that "~/bin/x" is where HOME tells; any other text as it is.
+inline std::string fromHome(const std::string& path) {
+    const char* home = std::getenv("HOME");
+    return path.starts_with("~/") ? (home && *home ? home : "") + path.substr(1) : path;
 }
 
 /// Says why in one line, which the journal keeps. The exit status.

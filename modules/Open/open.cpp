@@ -34,10 +34,6 @@ std::string environmentOr(const char* name, std::string_view otherwise) {
     return value && *value ? value : std::string(otherwise);
 }
 
-std::string home() {
-    return environmentOr("HOME", "/");
-}
-
 bool isProgram(const fs::path& file) {
     std::error_code error;
     return fs::is_regular_file(file, error) && access(file.c_str(), X_OK) == 0;
@@ -71,7 +67,7 @@ Command openingFile(const fs::path& file) {
 
 /// As the desktop knows it, in a terminal where it needs one, or else a program.
 Command openingApplication(const std::string& name) {
-    const std::string folders = environmentOr("XDG_DATA_HOME", home() + "/.local/share") + ":" +
+    const std::string folders = environmentOr("XDG_DATA_HOME", quorel::fromHome("~/.local/share")) + ":" +
                                 environmentOr("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
     const auto exists = [](const fs::path& file) { return access(file.c_str(), R_OK) == 0; };
     if (const fs::path file = found(folders, "applications/" + name + ".desktop", exists); !file.empty())
@@ -85,8 +81,8 @@ Command openingApplication(const std::string& name) {
 Command opening(const std::string& target) {
     if (target.empty()) throw std::runtime_error("nothing is named that could be opened");
     if (isWebAddress(target)) return {"xdg-open", target};
-    if (target.starts_with('/')) return openingFile(target);
-    if (target.starts_with("~/")) return openingFile(home() + target.substr(1));
+    const std::string path = quorel::fromHome(target);
+    if (path.starts_with('/')) return openingFile(path);
     if (target.find('/') == std::string::npos) return openingApplication(target);
     throw std::runtime_error("neither a web address nor a whole path: " + target);
 }

@@ -9,19 +9,10 @@
 #include <vector>
 
 #include "model/ActionParameters.h"
+#include "model/Lines.h"
 #include "modules/Program.h"
 
 namespace {
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        lines.push_back(text.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    return lines;
-}
 
 /// What it says goes where this program's words go; there is nothing to read.
 int become(std::vector<std::string> command) {
@@ -38,10 +29,10 @@ int become(std::vector<std::string> command) {
 
 int main() {
     const quorel::Value own = quorel::actionParameters();
-    const std::string& program = own[quorel::parameters::kProgram].text();
+    const std::string program = quorel::fromHome(own[quorel::parameters::kProgram].text());
     if (program.empty()) return quorel::failed("no program is named");
     if (program.front() != '/') return quorel::failed("not a whole path: " + program);
-    std::vector<std::string> command = linesOf(own[quorel::parameters::kArguments].text());
+    std::vector<std::string> command = quorel::linesIn(own[quorel::parameters::kArguments].text());
     command.insert(command.begin(), program);
     return quorel::failed(program + ": " + std::strerror(become(std::move(command))));
 }
