@@ -1,7 +1,6 @@
 #include "ctl/ScheduleText.h"
 
 #include <array>
-#include <bit>
 #include <cstring>
 #include <ctime>
 
@@ -39,8 +38,11 @@ constexpr Sentence kSentences[] = {
     {text_fault::kNoTime, marked("The time is missing, as 23:15.")},
     {text_fault::kNoAction, marked("The action is missing. Actions are: {2}.")},
     {text_fault::kWords, marked("The action takes no such words behind \"--\".")},
+    {text_fault::kProgram, marked("\"{1}\" is no whole path of a program, as /usr/bin/rsync or ~/bin/backup.sh.")},
+    {text_fault::kNoProgram, marked("The program is missing; it stands behind \"--\" with its arguments.")},
     {text_fault::kQuote, marked("A quotation mark is not closed.")},
     {text_fault::kJson, marked("This is no JSON of a dictionary.")},
+    {text_fault::kDeep, marked("This JSON is nested too deeply to be stored.")},
     {text_fault::kEmpty,
      marked("This says nothing. A plan without schedules has the line that begins with \"options\".")},
     {text_fault::kText, marked("\"{1}\" is not in UTF-8, or has control characters.")},
@@ -83,11 +85,9 @@ std::string daysText(DaySet days) {
     if (days == kAllDays) return translated("daily");
     if (days == 0) return translated("on no day");
     std::string text;
-    for (std::size_t day = 0; day < 7;) {
-        const auto length = static_cast<std::size_t>(std::countr_one(days >> day));
-        if (length > 0) text.append(text.empty() ? "" : ", ").append(dayName(day));
-        if (length > 2) text.append("–").append(dayName(day + length - 1));
-        day += length > 2 ? length : 1;
+    for (const auto& [first, length] : runsOf(days)) {
+        text.append(text.empty() ? "" : ", ").append(dayName(first));
+        if (length > 1) text.append("–").append(dayName(first + length - 1));
     }
     return text;
 }

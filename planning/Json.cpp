@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "model/Dictionary.h"
+#include "model/PlainText.h"
 #include "model/PropertyList.h"
+#include "model/Utf8.h"
 
 namespace quorel {
 
@@ -20,15 +22,23 @@ constexpr struct {
     std::string_view key, element;
 } kForms[] = {{"$date", "date"}, {"$data", "data"}, {"$real", "real"}};
 
+std::string escaped(char32_t unit) {
+    return {'\\', 'u', kDigits[unit >> 12 & 15], kDigits[unit >> 8 & 15], kDigits[unit >> 4 & 15], kDigits[unit & 15]};
+}
+
+/// What would act where it is shown is written by its number.
 std::string quoted(std::string_view text) {
     std::string result = "\"";
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view before = rest;
+        const char32_t c = takeCharacter(rest);
         if (c == '"' || c == '\\') result += '\\';
-        if (byte >= 0x20 && byte != 0x7F)
-            result += c;
+        if (isPlain(c))
+            result += before.substr(0, before.size() - rest.size());
+        else if (c > 0xFFFF)
+            (result += escaped(0xD800 + ((c - 0x10000) >> 10))) += escaped(0xDC00 + (c & 0x3FF));
         else
-            result.append("\\u00").append({kDigits[byte >> 4], kDigits[byte & 15]});
+            result += escaped(c);
     }
     return result + '"';
 }

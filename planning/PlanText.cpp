@@ -82,9 +82,10 @@ public:
         for (const Value& schedule : preferences[preferences::kScheduleArray].array())
             _left[lineOf(schedule, actions)].push_back(schedule);
     }
-    Value like(const Value& schedule) {
+    /// Nothing where there is none, or no more.
+    std::optional<Value> like(const Value& schedule) {
         auto& left = _left[lineOf(schedule, _actions)];
-        if (left.empty()) return schedule;
+        if (left.empty()) return {};
         Value stored = std::move(left.front());
         left.pop_front();
         return stored;
@@ -152,7 +153,10 @@ PlanReading readPlanText(std::string_view text, const Value& preferences, const 
             readOptions(std::span(line.words).subspan(1), result.preferences, result.faults);
         } else if (!line.words.empty()) {
             const Value schedule = scheduleOf(line.words, actions, result.faults);
-            if (schedule.isPresent()) schedules.push_back(stored.like(schedule));
+            const auto same = stored.like(schedule);
+            const auto fault = same || schedule.isAbsent() ? std::nullopt : programFault(schedule, line.words, actions);
+            if (fault) result.faults.push_back(*fault);
+            if (schedule.isPresent()) schedules.push_back(same.value_or(schedule));
         }
         for (std::size_t i = before; i < result.faults.size(); ++i) result.faults[i].line = number;
     }

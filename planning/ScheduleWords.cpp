@@ -6,6 +6,8 @@
 
 #include "model/ActionParameters.h"
 #include "model/Dictionary.h"
+#include "model/Lines.h"
+#include "model/PropertyList.h"
 #include "model/PropertyListContent.h"
 #include "model/Schedule.h"
 #include "model/TimeOfDay.h"
@@ -19,6 +21,7 @@ namespace keys = schedule_keys;
 
 constexpr std::string_view kOn = "on", kOff = "off", kYes = "yes", kNo = "no", kRest = "--", kAt = "at";
 constexpr std::string_view kYesOrNo = "yes, no";
+constexpr int kAroundSchedule = 2;  // the preferences and their list
 
 bool isOn(const Value& dictionary, std::string_view key) {
     return dictionary[key].intValue() != 0;
@@ -41,13 +44,10 @@ bool isSayable(const Value& schedule, const ActionWords& actions) {
            hour >= 0 && hour < 24 && minute >= 0 && minute < 60 && (parameters.isAbsent() || parameters.isDictionary());
 }
 
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    for (std::size_t begin = 0, end = 0; end != std::string::npos; begin = end + 1) {
-        end = text.find('\n', begin);
-        lines.push_back(text.substr(begin, end == std::string::npos ? end : end - begin));
-    }
-    return lines;
+/// So many levels are around it where it is stored.
+bool isTooDeep(Value value, int levels) {
+    for (; levels > 0; --levels) value = Array{std::move(value)};
+    return !encodePropertyList(value);
 }
 
 /// What stands behind "--" where that says all options which take such words; empty otherwise.
@@ -58,7 +58,7 @@ std::vector<std::string> trailingWords(const ActionDescription& description, con
         const std::string& text = own[option.key].text();
         if (!option.takesWords || text.empty()) continue;
         said.set(option.key, text);
-        const auto lines = option.kind == OptionKind::kLines ? linesOf(text) : std::vector{text};
+        const auto lines = option.kind == OptionKind::kLines ? linesIn(text) : std::vector{text};
         words.insert(words.end(), lines.begin(), lines.end());
     }
     const auto read = description.withWords(Dictionary(), words);
@@ -129,7 +129,9 @@ private:
 
     Value readWhole(const Word& word) {
         const JsonReading reading = readJson(word.text);
-        if (reading.value.isDictionary()) return reading.value;
+        const bool isRead = reading.value.isDictionary();
+        if (isRead && isTooDeep(reading.value, kAroundSchedule)) refuse(word, text_fault::kDeep);
+        if (isRead) return reading.value;
         refuse(word, text_fault::kJson);
         _faults.back().column += characterCount(std::string_view(word.text).substr(0, reading.fault));
         return {};
@@ -251,6 +253,7 @@ private:
     void setParameters(Value& parameters, const std::string& value, const Word& word) {
         const JsonReading reading = readJson(value);
         if (!reading.value.isDictionary()) return refuse(word, text_fault::kJson);
+        if (isTooDeep(reading.value, kAroundSchedule + 1)) return refuse(word, text_fault::kDeep);
         const Dictionary& entries = reading.value.dictionary();
         if (!parameters.isDictionary()) parameters = Dictionary();
         for (std::size_t i = 0; i < entries.size(); ++i)
@@ -261,7 +264,8 @@ private:
                    std::string_view typed, const Word& word) {
         const Option* option = description ? ActionWords::optionOf(*description, name) : nullptr;
         if (!option) return refuse(word, text_fault::kOption, ActionWords::optionWords(description));
-        const std::optional<Value> value = option->valueOf(typed);
+        const auto minute = option->kind == OptionKind::kTime ? minuteOfWord(typed) : std::nullopt;
+        const std::optional<Value> value = option->valueOf(minute ? timeOfDay(*minute) : typed);
         if (!value) return refuse(word, text_fault::kValue, option->allowed());
         const Value& now = parameters[option->key];
         if (option->completed(now) != *value) parameters = parameters.with(option->key, *value);
@@ -305,6 +309,16 @@ std::vector<std::string> wordsOf(const Value& schedule, const ActionWords& actio
     const auto options = optionWordsOf(actions.description(type), schedule[keys::kActionParameters]);
     words.insert(words.end(), options.begin(), options.end());
     return words;
+}
+
+std::optional<TextFault> programFault(const Value& schedule, std::span<const Word> words, const ActionWords& actions) {
+    const ActionDescription* description = actions.description(schedule[keys::kActionType].text());
+    const Option* option = description ? description->option(parameters::kProgram) : nullptr;
+    const std::string& program = schedule[keys::kActionParameters][parameters::kProgram].text();
+    if (!option || !option->isFile || program.starts_with('/') || program.starts_with("~/")) return {};
+    const auto said = std::ranges::find_if(words, [&](const Word& word) { return word.text.ends_with(program); });
+    const std::size_t column = said == words.end() ? 1 : said->column;
+    return TextFault{program.empty() ? text_fault::kNoProgram : text_fault::kProgram, program, {}, column};
 }
 
 std::string lineOf(const Value& schedule, const ActionWords& actions) {

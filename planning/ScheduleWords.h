@@ -34,4 +34,8 @@ Value scheduleOf(std::span<const Word> words, const ActionWords& actions, std::v
 Value changedSchedule(const Value& schedule, std::span<const Word> words, const ActionWords& actions,
                       std::vector<TextFault>& faults);
 
+/// What is wrong with the program that the words name, where the Schedule runs one: it is said by its whole path, or by
+/// that from the home folder on of who is at the computer, "~/bin/backup.sh".
+std::optional<TextFault> programFault(const Value& schedule, std::span<const Word> words, const ActionWords& actions);
+
 }  // namespace quorel

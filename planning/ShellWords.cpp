@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <charconv>
 
+#include "model/PlainText.h"
+#include "model/Utf8.h"
+
 namespace quorel {
 
 namespace {
@@ -82,21 +85,28 @@ private:
     std::size_t _place = 0;
 };
 
-bool isControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+/// Whether all of it may be shown as it is.
+bool isShown(std::string_view text) {
+    while (takeAscii(text), !text.empty())
+        if (!isPlain(takeCharacter(text))) return false;
+    return true;
 }
 
 std::string escaped(std::string_view text) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::string result = "$'";
-    for (const char c : text) {
-        const std::size_t known = kEscapes.find(c);
+    while (!text.empty()) {
+        std::string_view character = text;
+        const bool isFit = isPlain(takeCharacter(text));
+        character.remove_suffix(text.size());
+        const std::size_t known = kEscapes.find(character[0]);
         if (known != std::string_view::npos)
             result.append({'\\', kEscaped[known]});
-        else if (isControl(c))
-            result.append({'\\', 'x', kDigits[static_cast<unsigned char>(c) >> 4], kDigits[c & 15]});
+        else if (isFit)
+            result.append(character == "'" || character == "\\" ? "\\" : "") += character;
         else
-            result.append(c == '\'' || c == '\\' ? "\\" : "") += c;
+            for (const char c : character)
+                result.append({'\\', 'x', kDigits[static_cast<unsigned char>(c) >> 4], kDigits[c & 15]});
     }
     return result + "'";
 }
@@ -108,15 +118,15 @@ SplitLine splitLine(std::string_view line) {
 }
 
 std::string shellWord(std::string_view text) {
-    if (std::ranges::any_of(text, [](char c) { return isControl(c) || c == '\''; })) return escaped(text);
-    const auto isPlain = [](char c) {
+    if (!isShown(text) || text.find('\'') != std::string_view::npos) return escaped(text);
+    const auto isBare = [](char c) {
         return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
                static_cast<unsigned char>(c) >= 0x80 ||
                std::string_view("+,-./:=@_%").find(c) != std::string_view::npos;
     };
-    if (!text.empty() && std::ranges::all_of(text, isPlain)) return std::string(text);
+    if (!text.empty() && std::ranges::all_of(text, isBare)) return std::string(text);
     const std::size_t value = text.find('=') + 1;  // text='Time for bed' reads better than 'text=Time for bed'
-    if (value > 0 && std::ranges::all_of(text.substr(0, value), isPlain))
+    if (value > 0 && std::ranges::all_of(text.substr(0, value), isBare))
         return std::string(text.substr(0, value)) + "'" + std::string(text.substr(value)) + "'";
     return "'" + std::string(text) + "'";
 }

@@ -1,7 +1,9 @@
 #include "planning/TimeWords.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <initializer_list>
 
 namespace quorel {
 
@@ -22,11 +24,11 @@ std::string lowered(std::string_view word) {
     return result;
 }
 
-/// One or two digits at the front, which are taken away.
-std::optional<int> takeNumber(std::string_view& text) {
+/// Digits at the front, so many at most, which are taken away.
+std::optional<int> takeNumber(std::string_view& text, std::size_t most = 2) {
     int number = 0;
     std::size_t length = 0;
-    for (; length < 2 && length < text.size() && text[length] >= '0' && text[length] <= '9'; ++length)
+    for (; length < most && length < text.size() && text[length] >= '0' && text[length] <= '9'; ++length)
         number = 10 * number + (text[length] - '0');
     text.remove_prefix(length);
     return length > 0 ? std::optional(number) : std::nullopt;
@@ -50,7 +52,15 @@ std::optional<DaySet> rangeOf(std::string_view word) {
     return days;
 }
 
+bool isOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
+    return std::ranges::find(words, word) != words.end();
+}
+
 }  // namespace
+
+bool isTime(std::string_view first, std::string_view second) {
+    return isOneOf(lowered(second), {"am", "pm"}) && minuteOfWord(std::string(first) + std::string(second));
+}
 
 std::optional<int> minuteOfWord(std::string_view typed) {
     const std::string word = lowered(typed);
@@ -82,15 +92,17 @@ std::optional<int> minuteOfWord(std::string_view typed) {
 }
 
 std::optional<int> lengthOfWord(std::string_view typed) {
+    constexpr std::size_t kMostDigits = 5;
     constexpr int kMost = 1'000'000;
     const std::string word = lowered(typed);
     int length = 0;
     for (std::string_view rest = word; !rest.empty();) {
-        const auto number = takeNumber(rest);
+        const auto number = takeNumber(rest, kMostDigits);
         const std::string_view unit = rest.substr(0, rest.find_first_of("0123456789"));
         rest.remove_prefix(unit.size());
-        const bool isHours = unit == "h", isMinutes = unit == "m" || unit == "min";
-        if (!number || *number < 1 || *number > 1000 || (!isHours && !isMinutes) || length > kMost) return {};
+        const bool isHours = isOneOf(unit, {"h", "hour", "hours"});
+        const bool isMinutes = isOneOf(unit, {"m", "min", "minute", "minutes"});
+        if (!number || *number < 1 || (!isHours && !isMinutes) || length > kMost) return {};
         length += *number * (isHours ? 60 : 1);
     }
     return length > 0 ? std::optional(length) : std::nullopt;
@@ -109,16 +121,24 @@ std::optional<DaySet> daysOfWord(std::string_view typed) {
     }
 }
 
+std::vector<std::pair<std::size_t, std::size_t>> runsOf(DaySet days) {
+    std::vector<std::pair<std::size_t, std::size_t>> runs;
+    for (std::size_t day = 0; day < kDays.size();) {
+        const auto length = static_cast<std::size_t>(std::countr_one(days >> day));
+        const std::size_t step = length > 2 ? length : 1;
+        if (length > 0) runs.emplace_back(day, step);
+        day += step;
+    }
+    return runs;
+}
+
 std::string dayWord(DaySet days) {
     if (days == kAllDays) return "daily";
     if (days == 0) return "never";
     std::string word;
-    for (std::size_t day = 0; day < kDays.size();) {
-        const auto length = static_cast<std::size_t>(std::countr_one(days >> day));
-        const std::size_t step = length > 2 ? length : 1;
-        if (length > 0) word.append(word.empty() ? "" : ",").append(kDays[day].substr(0, kShort));
-        if (length > 2) word.append("-").append(kDays[day + length - 1].substr(0, kShort));
-        day += step;
+    for (const auto& [first, length] : runsOf(days)) {
+        word.append(word.empty() ? "" : ",").append(kDays[first].substr(0, kShort));
+        if (length > 1) word.append("-").append(kDays[first + length - 1].substr(0, kShort));
     }
     return word;
 }

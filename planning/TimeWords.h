@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace quorel {
 
@@ -11,7 +13,10 @@ namespace quorel {
 /// Minutes since midnight: "23:15", "7.30", "7h30", "7h", "0730", "7pm", "7:30 pm" in one word, "noon", "midnight".
 std::optional<int> minuteOfWord(std::string_view word);
 
-/// Minutes of a length: "30m", "90min", "1h", "1h30m".
+/// Whether two words are a time: "7" "pm".
+bool isTime(std::string_view first, std::string_view second);
+
+/// Minutes of a length: "30m", "90min", "1h", "1h30m", "2hours".
 std::optional<int> lengthOfWord(std::string_view word);
 
 /// Days of the week: bit 0 is Monday.
@@ -20,6 +25,8 @@ inline constexpr DaySet kAllDays = 0x7F;
 /// "mon", "monday", "mon-fri" (also around the end of a week, "sat-mon"), "sat,sun", "weekdays", "weekend", "daily",
 /// "never". In small or large letters.
 std::optional<DaySet> daysOfWord(std::string_view word);
+/// Its days in order: the first of each run and how many it has; of two in a row each is one of its own.
+std::vector<std::pair<std::size_t, std::size_t>> runsOf(DaySet days);
 /// The shortest such word.
 std::string dayWord(DaySet days);
 

@@ -36,6 +36,7 @@ const ActionWords& actions() {
                                     option("Arguments", "lines").with("TakesWords", true)}),
         describe("org.x.Message", Array{option("Text", "lines"), option("Restart", "time").with("Default", "7:00"),
                                         option("Parameters", "flag")}),
+        describe("org.x.Start", Array{option("Program", "text").with("TakesWords", true).with("IsFile", true)}),
         describe("org.a.Backup", Array{}),
         describe("org.b.Backup", Array{}),
         describe("org.x.Sun", Array{}),
@@ -58,6 +59,11 @@ TEST(PlanTextTest, WordsOfOneLine) {
         {"sat-mon 07.05 wake-up off start-up=yes", "07:05 mon,sat,sun wake-up off start-up=yes"},
         {"sleep Weekdays,SUNDAY 0:00 idle-minutes=15 wake-up=no", "00:00 mon-fri,sun sleep"},
         {"18:00 never org.x.Run -- /bin/a '' 'b c' --", "18:00 never run -- /bin/a '' 'b c' --"},
+        {"18:00 run -- /bin/a b ''", "18:00 daily run -- /bin/a b ''"},
+        {"18:00 run -- /bin/a ''", "18:00 daily run -- /bin/a ''"},
+        {"18:00 run -- /bin/a \u200E", "18:00 daily run -- /bin/a $'\\xe2\\x80\\x8e'"},
+        {"8:00 message restart=5pm parameters='{\"\u202E\":1}'",
+         R"(08:00 daily message restart=17:00 parameters='{"\u202e":1}')"},
         {"18:00 run program=/bin/a", "18:00 daily run -- /bin/a"},
         {"18:00 run arguments=x", "18:00 daily run arguments=x"},
         {R"(noon message "text=a\"b" 'parameters={"Own":[1,2.0,{"$data":"/+8="}]}')",
@@ -83,7 +89,8 @@ TEST(PlanTextTest, WordsOfOneLine) {
 
 TEST(PlanTextTest, FaultsAreAllNamedAtTheirPlace) {
     const struct {
-        const char *line, *code, *word, *allowed;
+        std::string line;
+        const char *code, *word, *allowed;
         std::size_t column;
     } cases[] = {
         {"sleep 25:00", "time", "25:00", "", 7},
@@ -106,6 +113,10 @@ TEST(PlanTextTest, FaultsAreAllNamedAtTheirPlace) {
         {"7:00 sleep wake-up=yes", "fixed", "wake-up=yes", "", 12},
         {"7:00 sleep idle-minutes=1 idle-minutes=1", "twice", "idle-minutes=1", "", 27},
         {"7:00 sleep -- a", "words", "--", "", 12},
+        {"7:00 org.x.Start -- b.sh", "program", "b.sh", "", 21},
+        {"7:00 org.x.Start wake-up=yes", "no-program", "", "", 1},
+        {R"(7:00 sleep parameters={\"a\":)" + std::string(70, '[') + std::string(70, ']') + "}", "deep", nullptr, "",
+         12},
         {"7:00 run -- $'a\\nb'", "words", "--", "", 10},
         {"7:00 sleep parameters=[1]", "json", "parameters=[1]", "", 12},
         {"7:00 sleep \"text=\xFF\"", "text", nullptr, "", 12},
@@ -117,8 +128,7 @@ TEST(PlanTextTest, FaultsAreAllNamedAtTheirPlace) {
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.line);
-        const auto faults =
-            readPlanText(std::string("# x\n\n") + one.line + "\n7:00 sleep\n", Dictionary(), actions()).faults;
+        const auto faults = readPlanText("# x\n\n" + one.line + "\n7:00 sleep\n", Dictionary(), actions()).faults;
         ASSERT_GE(faults.size(), 1U);
         EXPECT_EQ(faults[0].code, one.code);
         if (one.word) EXPECT_EQ(faults[0].word, one.word);
