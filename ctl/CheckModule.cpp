@@ -9,6 +9,8 @@
 #include "ctl/Failures.h"
 #include "ctl/JsonOutput.h"
 #include "ctl/ModuleText.h"
+#include "model/Dictionary.h"
+#include "model/Wire.h"
 #include "words/Language.h"
 
 namespace quorel {
@@ -16,6 +18,7 @@ namespace quorel {
 namespace {
 
 namespace fs = std::filesystem;
+namespace keys = wire::keys;
 
 constexpr std::string_view kExtension = ".vxplugin";
 
@@ -50,7 +53,10 @@ ExitStatus checkModule(const Page& page, const std::string& path, bool json) {
     const ActionDescription module = descriptionIn(folder.has_filename() ? folder : folder.parent_path());
     const bool isNamed = module.bundle.ends_with(kExtension);
     if (!isNamed) complain(filled(translated("The name of a module's folder ends in \"{1}\"."), {kExtension}));
-    if (json) page.line(jsonOutput(module.value().dictionary()));
+    Array faults;
+    for (const auto& [code, key] : module.faults)
+        faults.push_back(Dictionary{{keys::kFault, code}, {keys::kFaultKey, key}});
+    if (json) page.line(jsonOutput(module.value().with("Faults", faults).dictionary()));
     if (!json && module.isSound()) page.table(moduleRows(module.value()));
     for (const DescriptionFault& fault : module.faults) complain(faultText(std::string(fault.code), fault.key));
     return isNamed && module.isSound() ? ExitStatus::kDone : ExitStatus::kFailed;

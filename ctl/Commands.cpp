@@ -20,7 +20,7 @@ constexpr Command kCommands[] = {
     {"disable", "N...", marked("switches schedules off"), disableSchedules, "", "n"},
     {"remove", "N...", marked("removes schedules"), removeSchedules, "", "n"},
     {"edit", "", marked("opens the plan in an editor, as text"), editPlan},
-    {"export", "[FILE]", marked("writes the plan as text"), exportPlan, "", "f"},
+    {"export", "[FILE]", marked("writes the plan as text"), exportPlan, "", "f", false},
     {"import", "FILE", marked("puts that text in place of the plan; --dry-run only tells"), importPlan, "--dry-run",
      "f"},
     {"next", "[COUNT]", marked("the next occurrences"), showNext},
@@ -34,7 +34,8 @@ constexpr Command kCommands[] = {
     {"log", "[COUNT]", marked("what became of the last occurrences; -f goes on telling"), showLog, "-f"},
     {"modules", "", marked("the actions that there are; --check FOLDER looks at one before it is installed"),
      showModules, "--check", "f"},
-    {"settings", "", marked("opens the settings window, or else the pane, in this desktop"), showSettings},
+    {"settings", "", marked("opens the settings window, or else the pane, in this desktop"), showSettings, "", "",
+     false},
 };
 
 }  // namespace

@@ -32,6 +32,7 @@ struct Command {
     const char* flag = "";   ///< of its own, besides --json: "--dry-run"
     const char* takes = "";  ///< what its arguments are, for completion: 'n' Schedules, 'w' words of one, 'f' a file,
                              ///< 'p' when, 'r' a pause
+    bool answersInJson = true;
 };
 
 /// In the order in which help shows them.

@@ -38,13 +38,14 @@ std::string absolute(const std::string& text) {
 
 }  // namespace
 
-std::string makePathsAbsolute(Value& schedule, const ActionWords& actions) {
+std::string makePathsAbsolute(Value& schedule, const Value& stored, const ActionWords& actions) {
     const ActionDescription* description = actions.description(schedule[schedule_keys::kActionType].text());
     if (!description) return {};
     Value parameters = schedule[schedule_keys::kActionParameters];
     for (const Option& option : description->options) {
         const std::string& text = parameters[option.key].text();
-        if (!option.isFile || text.empty() || text.starts_with('/')) continue;
+        const bool isOld = text == stored[schedule_keys::kActionParameters][option.key].text();
+        if (!option.isFile || text.empty() || text.starts_with('/') || isOld) continue;
         const bool isProgram = option.key == parameters::kProgram && text.find('/') == std::string::npos;
         const std::string path = isProgram ? inPath(text) : absolute(text);
         if (path.empty()) return filled(translated("There is no program \"{1}\" in PATH."), {text});

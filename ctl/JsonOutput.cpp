@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::string_view kParameters = "Parameters";  // other people's keys
 constexpr std::array<std::string_view, 8> kTimes = {"At", "Due", "From", "Next", "Others", "Since", "To", "Until"};
-constexpr std::array<std::string_view, 7> kDays = {"mon", "tue", "wed", "thu", "fri", "sat", "sun"};
 
 std::string spelt(std::string_view key) {
     std::string result;
@@ -75,8 +74,7 @@ Value scheduleValue(const Value& schedule, std::size_t index, const Forecast& fo
     const std::string& type = schedule[schedule_keys::kActionType].text();
     const std::string line = lineOf(schedule, actions);
     Array days;
-    for (std::size_t day = 0; day < kDays.size(); ++day)
-        if ((daysOf(schedule) >> day & 1U) != 0) days.push_back(kDays[day]);
+    for (DaySet left = daysOf(schedule); left != 0; left &= left - 1) days.push_back(dayWord(left & ~(left - 1)));
     Dictionary value{{"Number", static_cast<std::int64_t>(index + 1)},
                      {"Enabled", schedule[schedule_keys::kIsEnabled].intValue() != 0},
                      {"Time", timeOf(schedule)},

@@ -1,11 +1,13 @@
 #include "ctl/Occurrences.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "ctl/ScheduleText.h"
 #include "ctl/Selection.h"
 #include "model/Dictionary.h"
+#include "model/Schedule.h"
 #include "model/Wire.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
@@ -54,9 +56,26 @@ Value Occurrences::meant(const std::string& name, bool isSkipped) const {
             (one[keys::kToken].text() == name || (one[keys::kStep].text() == wire::step::kSkipped) == isSkipped))
             return one;
     }
-    if (isSkipped && (number || name.empty())) return {};
-    const std::string token = number ? _forecast.token(*number - 1, std::time(nullptr)) : name;
-    return token.empty() ? Value() : Value(Dictionary{{keys::kToken, token}});
+    const bool isTold = std::ranges::any_of(
+        _upcoming, [&](const Value& one) { return number && one[keys::kNumber].integer() == *number; });
+    if (name.empty() || (isSkipped && isTold)) return {};
+    if (number) {
+        const auto due = _forecast.next(*number - 1, std::time(nullptr));
+        return due ? planned(*number - 1, *due, _forecast.token(*number - 1, std::time(nullptr))) : Value();
+    }
+    const Instant due = std::strtoll(name.c_str(), nullptr, 10);
+    const auto index = _forecast.indexOf(name, due);
+    return index ? planned(*index, due, name) : Value(Dictionary{{keys::kToken, name}});
+}
+
+/// As the daemon would tell it.
+Value Occurrences::planned(std::size_t index, Instant due, const std::string& token) const {
+    const std::string& action = _plan.schedules()[index][schedule_keys::kActionType].text();
+    Dictionary one{{keys::kToken, token}, {keys::kDue, due}, {keys::kAt, due}, {keys::kAction, action}};
+    one.set(keys::kNumber, static_cast<std::int64_t>(index + 1));
+    if (const ActionDescription* description = _plan.actions().description(action))
+        one.set(keys::kNames, description->names);
+    return one;
 }
 
 std::string Occurrences::nextSentence(std::int64_t number, Instant after) const {

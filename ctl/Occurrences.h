@@ -29,12 +29,15 @@ public:
     const Plan& plan() const { return _plan; }
 
     /// What is named by its number, its token, or nothing: the next one, those left out that were skipped already or
-    /// are not to be had. Absent where there is none; `token` alone is there of one that is too far ahead to be told.
+    /// are not to be had. One that is too far ahead to be told is as the plan has it. Absent where there is none; of a
+    /// token that the plan does not have, it alone is there.
     Value meant(const std::string& name, bool isSkipped = false) const;
     /// " Next: …", of the Schedule of that number, after an instant.
     std::string nextSentence(std::int64_t number, Instant after) const;
 
 private:
+    Value planned(std::size_t index, Instant due, const std::string& token) const;
+
     Plan _plan;
     Array _pauses;
     Forecast _forecast;

@@ -69,6 +69,10 @@ void Page::line(const std::string& text) const {
     put(plainLine(text) + "\n");
 }
 
+void Page::paragraph(const std::string& text) const {
+    wrapped(plainLine(text), 0);
+}
+
 void Page::fields(const std::vector<std::pair<std::string, std::string>>& fields) const {
     std::size_t width = 0;
     for (const auto& field : fields) width = std::max(width, widthOf(field.first));

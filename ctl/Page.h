@@ -21,6 +21,8 @@ public:
     /// Behind a dot, which says at a glance how things are.
     void headline(Colour colour, bool filled, const std::string& text) const;
     void line(const std::string& text) const;
+    /// A sentence, which may go on below.
+    void paragraph(const std::string& text) const;
     /// Names to the right, what they stand for beside them.
     void fields(const std::vector<std::pair<std::string, std::string>>& fields) const;
     /// Columns as wide as they need be; the last one takes the rest. A row of one cell alone stands below the row

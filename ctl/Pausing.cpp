@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <ctime>
 #include <optional>
+#include <span>
+#include <string>
 
 #include "ctl/Commands.h"
 #include "ctl/Failures.h"
@@ -35,20 +37,26 @@ struct Span {
     Instant until = 0;
 };
 
-/// Of "until fri 18:00", "2h", "24h", "fri..sun", or nothing. Nothing where it is not understood.
+/// Of "until fri 18:00", "fri", "2h", "for 2 hours", "fri..sun", or nothing. Nothing where it is not understood.
 std::optional<Span> spanOf(const std::vector<std::string>& arguments, Instant now) {
     Span span;
-    std::string text;
-    for (const std::string& word : arguments) text += (text.empty() ? "" : " ") + word;
-    if (text.empty()) return span;
+    if (arguments.empty()) return span;
+    const bool isFor = arguments[0] == "for" || arguments[0] == "in", isSaid = isFor || arguments[0] == "until";
+    std::string text, word;
+    for (const std::string& one : std::span(arguments).subspan(isSaid ? 1 : 0)) {
+        text += (text.empty() || isTime(word, one) ? "" : " ") + one;
+        word = one;
+    }
     const SystemCalendar calendar;
-    const std::size_t dots = text.find("..");
-    const bool isUntil = arguments[0] == "until";
-    const auto length = lengthOfWord(text);
+    const std::size_t dots = isSaid ? std::string::npos : text.find("..");
+    const bool isUntil = dots == std::string::npos;
+    std::string together = text;
+    std::erase(together, ' ');
+    const auto length = isFor || !isSaid ? lengthOfWord(together) : std::nullopt;  // "until 7h" is a time
     if (length) return Span{0, now + *length * kMinute};
-    if (!isUntil && dots == std::string::npos) return {};
+    if (isFor) return {};
     const std::string from = isUntil ? "" : text.substr(0, dots);
-    const std::string until = isUntil ? text.substr(std::string("until").size()) : text.substr(dots + 2);
+    const std::string until = isUntil ? text : text.substr(dots + 2);
     const auto begins = from.empty() ? now : momentOf(from, now, 0, calendar);
     if (!begins) return {};
     if (*begins > now) span.from = *begins;

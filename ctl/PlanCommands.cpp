@@ -15,6 +15,7 @@
 #include "ctl/Plan.h"
 #include "ctl/ScheduleText.h"
 #include "ctl/Selection.h"
+#include "model/ActionParameters.h"
 #include "model/Dictionary.h"
 #include "model/Preferences.h"
 #include "model/Schedule.h"
@@ -83,6 +84,16 @@ void tellIdleOptions(const Value& schedule, std::span<const Word> words, const A
     }
 }
 
+/// A message without a text, or nothing to be opened.
+void tellNothingToDo(const Value& schedule, const ActionWords& actions) {
+    const ActionDescription* description = actions.description(schedule[schedule_keys::kActionType].text());
+    if (!description || std::ranges::none_of(description->options, &Option::takesWords)) return;
+    const Value own = description->completed(schedule[schedule_keys::kActionParameters]);
+    for (const Option& option : description->options)
+        if (!own[option.key].text().empty()) return;
+    complain(translated("Note that it has nothing to do yet: that is said behind \"--\"."));
+}
+
 /// The Schedule as words make it, fit to be stored; absent where it was refused, which has been said.
 Value made(const Value& stored, std::span<const Word> words, const Plan& plan, ExitStatus& status) {
     std::vector<TextFault> faults;
@@ -98,42 +109,59 @@ Value made(const Value& stored, std::span<const Word> words, const Plan& plan, E
         return {};
     }
     tellIdleOptions(schedule, words, plan.actions());
-    if (const std::string reason = makePathsAbsolute(schedule, plan.actions()); !reason.empty()) {
+    if (const std::string reason = makePathsAbsolute(schedule, stored, plan.actions()); !reason.empty()) {
         complain(reason);
         status = ExitStatus::kUsage;
         return {};
     }
+    const auto programOf = [](const Value& of) { return of[schedule_keys::kActionParameters][parameters::kProgram]; };
+    const bool isOld = !isNewType && programOf(schedule) == programOf(stored);
+    const auto fault = isOld ? std::nullopt : programFault(schedule, words, plan.actions());
+    if (fault) {
+        status = refuseWords({*fault});
+        return {};
+    }
+    tellNothingToDo(schedule, plan.actions());
     return schedule;
 }
 
-/// Where the Schedule stands in the plan, from 0: of several alike the last.
-std::optional<std::size_t> placeOf(const Value& schedule, const Plan& plan) {
+/// Where one of those that were sent stands in the plan now, from 0: at its place, or else of those alike the same in
+/// their row, or the last.
+std::optional<std::size_t> placeOf(std::size_t index, const Array& sent, const Plan& plan) {
     const Array& all = plan.schedules();
-    const std::string line = lineOf(schedule, plan.actions());
-    for (std::size_t i = all.size(); i-- > 0;)
-        if (all[i] == schedule || lineOf(all[i], plan.actions()) == line) return i;
-    return {};
+    const std::string line = lineOf(sent[index], plan.actions());
+    const auto isAlike = [&](const Value& one) { return one == sent[index] || lineOf(one, plan.actions()) == line; };
+    if (index < all.size() && isAlike(all[index])) return index;
+    auto before = std::count_if(sent.begin(), sent.begin() + static_cast<std::ptrdiff_t>(index), isAlike);
+    std::optional<std::size_t> place;
+    for (std::size_t i = 0; i < all.size() && before >= 0; ++i)
+        if (isAlike(all[i])) place = i, --before;
+    return place;
 }
 
 /// Stores the Schedules and tells of those at some places what they are now. `text`: "Added {1}: {2}."
-ExitStatus store(const Plan& plan, Array schedules, const std::vector<std::size_t>& changed, const char* text,
+ExitStatus store(const Plan& plan, const Array& schedules, const std::vector<std::size_t>& changed, const char* text,
                  const CommandLine& line, const std::function<std::string(const Value&)>& besides) {
-    std::vector<Value> told;
-    for (const std::size_t index : changed) told.push_back(schedules[index]);
-    if (const auto status = plan.saveSchedules(std::move(schedules)); status != ExitStatus::kDone) return status;
+    Array before;
+    for (const std::size_t index : changed)
+        if (index < plan.schedules().size()) before.push_back(lineOf(plan.schedules()[index], plan.actions()));
+    if (const auto status = plan.saveSchedules(schedules); status != ExitStatus::kDone) return status;
     const Plan stored(line.root);
     const Forecast forecast(stored.schedules(), stored.actions(), pausesNow());
     const Page page;
     Array values;
-    for (const Value& schedule : told) {
-        const auto place = placeOf(schedule, stored);
+    for (const std::size_t index : changed) {
+        const Value& schedule = schedules[index];
+        const auto place = placeOf(index, schedules, stored);
         if (!place) continue;  // changed again by somebody
         values.push_back(scheduleValue(schedule, *place, forecast, stored.actions(), now()));
         if (line.json) continue;
         page.line(filled(text, {std::to_string(*place + 1), summaryOf(schedule, stored.actions())}) +
                   nextSentence(forecast, *place) + besides(schedule));
     }
-    if (line.json) page.line(jsonOutput(Dictionary{{"Schedules", values}}));
+    Dictionary answer{{"Schedules", values}};
+    if (!before.empty()) answer.set("Before", before);
+    if (line.json) page.line(jsonOutput(answer));
     return ExitStatus::kDone;
 }
 
@@ -148,7 +176,7 @@ ExitStatus switchSchedules(const CommandLine& line, bool on) {
         std::vector<TextFault> faults;
         schedules[index] = changedSchedule(schedules[index], words, plan.actions(), faults);
     }
-    return store(plan, std::move(schedules), chosen,
+    return store(plan, schedules, chosen,
                  on ? translated("Switched on {1}: {2}.") : translated("Switched off {1}: {2}."), line,
                  [](const Value&) { return std::string(); });
 }
@@ -208,7 +236,7 @@ ExitStatus addSchedule(const CommandLine& line) {
     Array schedules = plan.schedules();
     schedules.push_back(std::move(schedule));
     const std::size_t last = schedules.size() - 1;
-    return store(plan, std::move(schedules), {last}, translated("Added {1}: {2}."), line,
+    return store(plan, schedules, {last}, translated("Added {1}: {2}."), line,
                  [&](const Value& added) { return userSentence(added, plan.actions()); });
 }
 
@@ -233,7 +261,7 @@ ExitStatus setSchedule(const CommandLine& line) {
     Value changed = made(schedules[index], words, plan, status);
     if (changed.isAbsent()) return status;
     schedules[index] = std::move(changed);
-    return store(plan, std::move(schedules), {index}, translated("Changed {1}: {2}."), line,
+    return store(plan, schedules, {index}, translated("Changed {1}: {2}."), line,
                  [&](const Value&) { return " " + filled(translated("Before: {1}"), {before}); });
 }
 

@@ -23,6 +23,7 @@
 #include "model/Wire.h"
 #include "planning/TimeWords.h"
 #include "scheduler/Instant.h"
+#include "scheduler/Rules.h"
 #include "words/Language.h"
 #include "words/OutcomeText.h"
 #include "words/WhenText.h"
@@ -80,19 +81,18 @@ ExitStatus sayOf(const CommandLine& line, const char* method,
     if (answer.failure != Failure::kNone) return fail(answer);
     const Page page;
     if (line.json) page.line(jsonOutput(one.dictionary()));
-    // One that is further ahead than is told is known by its token alone.
-    if (!line.json && one[keys::kDue].isPresent()) page.line(said(before, one));
+    if (!line.json) page.line(one[keys::kDue].isPresent() ? said(before, one) : translated("Done."));
     return ExitStatus::kDone;
 }
 
-/// Until when it was postponed, as the daemon tells now; 0 where it does not.
-Instant newTimeOf(const Value& postponed, const std::string& root) {
+/// Until when it was postponed by so much, as the daemon tells now where it is not too far ahead.
+Instant newTimeOf(const Value& postponed, Seconds by, const std::string& root) {
     DaemonClient daemon;
     const Occurrences now(root, daemon, wire::scheduler::kMostUpcoming);
     for (const Value& one : now.upcoming())
         if (one[keys::kDue] == postponed[keys::kDue] && one[keys::kNumber] == postponed[keys::kNumber])
             return one[keys::kAt].integer();
-    return 0;
+    return postponed[keys::kAt].integer() + by;
 }
 
 /// Also behind sudo, which keeps the variable to itself.
@@ -137,13 +137,17 @@ ExitStatus postpone(const CommandLine& line) {
     if (isNamed && !length)
         return misused(
             filled(translated("\"{1}\" is no length of time; such are 30m, 1h, 1h30m."), {line.arguments.back()}));
+    if (length && *length * kMinute > rules::kMostPostponement)
+        return misused(
+            filled(translated("\"{1}\" is too long: from a minute to twelve hours, please."), {line.arguments.back()}));
     const char* method = length ? wire::scheduler::kPostponeBy : wire::scheduler::kPostpone;
-    const auto said = [&line](const Occurrences&, const Value& one) {
-        const Instant now = std::time(nullptr), at = newTimeOf(one, line.root);
+    const std::optional<Seconds> by = length ? std::optional(*length * kMinute) : std::nullopt;
+    const auto said = [&](const Occurrences&, const Value& one) {
+        const Instant now = std::time(nullptr), at = newTimeOf(one, by.value_or(rules::kPostponement), line.root);
         return filled(translated("Postponed: {1}, from {2} to {3}."),
-                      {actionName(one), whenText(one[keys::kAt].integer(), now), at != 0 ? comingText(at, now) : "?"});
+                      {actionName(one), whenText(one[keys::kAt].integer(), now), comingText(at, now)});
     };
-    return sayOf(named, method, said, length ? std::optional(*length * kMinute) : std::nullopt);
+    return sayOf(named, method, said, by);
 }
 
 ExitStatus trySchedule(const CommandLine& line) {

@@ -73,9 +73,12 @@ std::vector<std::string> withNamesJoined(std::span<const std::string> arguments,
             joined.insert(joined.end(), word, arguments.end());
             break;
         }
-        const bool isOne = joined.empty() || !actions.isName(joined.back(), *word);
-        if (isOne) joined.push_back(*word);
-        if (!isOne) joined.back() += "-" + *word;
+        const bool isHalf = !joined.empty() && isTime(joined.back(), *word);
+        const bool isName = !joined.empty() && actions.isName(joined.back(), *word);
+        if (isHalf || isName)
+            joined.back().append(isName ? "-" : "").append(*word);
+        else
+            joined.push_back(*word);
     }
     return joined;
 }

@@ -14,7 +14,7 @@ namespace quorel {
 /// A whole number from 1 to `most`.
 std::optional<unsigned> numberIn(const std::string& text, std::size_t most);
 
-/// The arguments with "shut" "down" as the one word that the plan has for it, as far as "--".
+/// The arguments with "shut" "down" and "7" "pm" as the one word that the plan has for it, as far as "--".
 std::vector<std::string> withNamesJoined(std::span<const std::string> arguments, const ActionWords& actions);
 
 /// Which Schedules are meant, from 0: by their numbers in the list, or one by time, action and perhaps days, in any

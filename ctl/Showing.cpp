@@ -31,7 +31,8 @@ namespace keys = wire::keys;
 using Answer = DaemonClient::Answer;
 using Failure = DaemonClient::Failure;
 using Colour = Page::Colour;
-using Rows = std::vector<std::vector<std::string>>;
+using Row = std::vector<std::string>;
+using Rows = std::vector<Row>;
 
 constexpr unsigned kUsualUpcoming = 5;
 constexpr unsigned kUsualOutcomes = 10;
@@ -126,8 +127,10 @@ ExitStatus showNext(const CommandLine& line) {
     Rows rows;
     for (const Value& one : next.upcoming()) {
         const Value& number = one[keys::kNumber];
-        rows.push_back({number.isAbsent() ? "" : std::to_string(number.integer()), momentText(one[keys::kAt].integer()),
-                        actionName(one), one[keys::kToken].text()});
+        auto& row = rows.emplace_back(
+            Row{number.isAbsent() ? "" : std::to_string(number.integer()), momentText(one[keys::kAt].integer())});
+        for (const std::string& cell : {actionName(one), one[keys::kToken].text()})
+            page.isNarrow() ? rows.push_back({cell}) : row.push_back(cell);
         if (const std::string step = stepText(one); !step.empty()) rows.push_back({step});
     }
     if (!line.json)
@@ -173,7 +176,12 @@ ExitStatus showModules(const CommandLine& line) {
     const Page page;
     Rows rows;
     for (const Value& one : answer.value.array())
-        for (auto& row : moduleRows(one)) rows.push_back(std::move(row));
+        for (auto& row : moduleRows(one))
+            if (!page.isNarrow())
+                rows.push_back(std::move(row));
+            else
+                for (std::size_t i = 0; i < row.size(); ++i)
+                    rows.push_back(i == 0 && row.size() > 1 ? Row{"-", row[i]} : Row{row[i]});
     if (line.json) {
         page.line(jsonOutput(Dictionary{{"Modules", answer.value}}));
     } else if (rows.empty()) {

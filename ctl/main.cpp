@@ -9,6 +9,7 @@
 #include "ProductVersion.h"
 #include "ctl/Commands.h"
 #include "ctl/Failures.h"
+#include "ctl/Page.h"
 #include "kit/MOLLog.h"
 #include "words/Language.h"
 
@@ -20,24 +21,35 @@ constexpr int status(ExitStatus exit) {
     return static_cast<int>(exit);
 }
 
+const char* noJson() {
+    return translated("This does not answer in JSON; \"list --json\" has the plan.");
+}
+
 /// Of all commands, or of one.
-ExitStatus help(const std::string& name) {
+ExitStatus help(const CommandLine& line, const std::string& name) {
+    if (line.json) return misused(noJson());
     if (!name.empty() && !commandNamed(name))
         return misused(filled(translated("There is no command \"{1}\"."), {name}));
+    const Page page;
     if (name.empty())
-        std::printf("%s\n\n%s\n\n%s\n", translated("Usage: quorelctl [--json] [COMMAND] [WORDS...]"),
-                    translated("Shows and changes what this computer does by itself, and when."),
-                    translated("Commands:"));
+        for (const char* text :
+             {translated("Usage: quorelctl [--json] [COMMAND] [WORDS...]"),
+              translated("Shows and changes what this computer does by itself, and when."), translated("Commands:")})
+            page.paragraph(text);
+    std::vector<std::vector<std::string>> rows;
     for (const Command& command : commands()) {
         if (!name.empty() && name != command.name) continue;
-        const std::string usage = std::string(command.name) + " " + command.arguments;
-        std::printf("  %-22s %s%s\n", usage.c_str(), usage.size() > 22 ? "\n                         " : "",
-                    translated(command.does));
+        const std::string usage = "  " + std::string(command.name) + " " + command.arguments;
+        if (page.isNarrow()) page.paragraph(usage);
+        if (page.isNarrow()) page.table({{std::string("   "), translated(command.does)}});
+        rows.push_back({usage, translated(command.does)});
     }
+    if (!page.isNarrow()) page.table(std::move(rows));
     if (name.empty())
-        std::printf("\n%s\n%s\n",
-                    translated("N is the number in \"quorelctl list\", or time and action: remove sleep 23:15."),
-                    translated("\"man quorelctl\" explains the words, --json, and what the program ends with."));
+        for (const char* text :
+             {translated("N is the number in \"quorelctl list\", or time and action: remove sleep 23:15."),
+              translated("\"man quorelctl\" explains the words, --json, and what the program ends with.")})
+            page.paragraph(text);
     return ExitStatus::kDone;
 }
 
@@ -76,7 +88,7 @@ ExitStatus run(const std::vector<std::string>& words) {
             line.arguments.insert(line.arguments.end(), word, words.end());
             break;
         }
-        if (*word == "--help" || *word == "-h") return help(line.command);
+        if (*word == "--help" || *word == "-h") return help(line, line.command);
         if (*word == "--version") {
             std::printf("quorelctl %s\n", product::kVersion);
             return ExitStatus::kDone;
@@ -84,11 +96,12 @@ ExitStatus run(const std::vector<std::string>& words) {
         if (!take(line, *word)) return misused(filled(translated("There is no option \"{1}\"."), {*word}));
     }
     if (line.root.empty()) unsetenv("TZ");  // the plan goes by the computer's zone, as the daemon does
-    if (line.command == "help") return help(line.arguments.empty() ? "" : line.arguments[0]);
+    if (line.command == "help") return help(line, line.arguments.empty() ? "" : line.arguments[0]);
     if (line.command == "complete") return complete(line);
     if (line.command.empty()) line.command = "status";
     const Command* command = commandNamed(line.command);
     if (!command) return misused(filled(translated("There is no command \"{1}\"."), {line.command}));
+    if (line.json && !command->answersInJson) return misused(noJson());
     return command->run(line);
 }
 

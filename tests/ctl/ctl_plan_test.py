@@ -38,7 +38,7 @@ class PlanTest(CtlCase):
     def test_changes_the_plan_in_words(self):
         self.start_daemon(schedule(SLEEP, "23:15", Only_When_Idle=1))
         for command, answer, plan in (
-                ("add wake-up 6:45 weekdays start-up=yes", "Added 2: Wake Up, Mon–Fri 06:45",
+                ("add wake-up 6:45 am weekdays start-up=yes", "Added 2: Wake Up, Mon–Fri 06:45",
                  ["23:15 mon,tue sleep only-when-idle=yes", "06:45 mon-fri wake-up start-up=yes"]),
                 ("set 1 11pm +wed idle-minutes=5", "Changed 1: Sleep, Mon–Wed 23:00, after 5 min idle",
                  ["23:00 mon-wed sleep only-when-idle=yes idle-minutes=5", "06:45 mon-fri wake-up start-up=yes"]),
@@ -49,12 +49,14 @@ class PlanTest(CtlCase):
                 ("set Wake up 6:45 to on sat", "Before: 06:45 mon-fri wake-up off start-up=yes",
                  ["23:00 mon-wed sleep only-when-idle=yes idle-minutes=5", "06:45 sat wake-up start-up=yes"]),
                 ("remove 1", "Removed 1: 23:00 mon-wed sleep only-when-idle=yes idle-minutes=5",
-                 ["06:45 sat wake-up start-up=yes"])):
+                 ["06:45 sat wake-up start-up=yes"]),
+                ("add wake-up 6:45 sat start-up=yes", "Added 2: ", ["06:45 sat wake-up start-up=yes"] * 2),
+                ("disable 1 2", "Switched off 1: ", ["06:45 sat wake-up off start-up=yes"] * 2)):
             with self.subTest(command):
                 self.assertIn(answer, self.told(*command.split()))
                 self.assertEqual(self.plan(), plan)
         self.assertIn("Réveil", self.told("list", language="fr"))
-        listed, = json.loads(self.told("list", "--json"))["schedules"]
+        listed = json.loads(self.told("enable", "1", "--json"))["schedules"][0]
         self.assertEqual((listed["number"], listed["time"], listed["days"]), (1, "06:45", ["sat"]))
         self.assertIn("T06:45:00", listed["next"])
 

@@ -212,7 +212,8 @@ class CtlTest(CtlCase):
         self.assertIn("postponed by root, planned for 23:30\n", self.told("next"))
         self.assertEqual(self.next()[1]["atSeconds"], AT + 45 * 60)
         self.refused(2, "no length of time", "postpone", "2", "soon")
-        self.assertIn("to Tue 2027-03-02 01:15", self.told("postpone", "2", "1h30m"))
+        self.refused(2, "a minute to twelve hours", "postpone", "2", "13h")
+        self.assertIn("to Tue 2027-03-02 01:15", self.told("postpone", "2", "90m"))
         self.refused(1, "not permitted", "try", "2", user=NOBODY)
         self.assertIn("Tried 2: Sleep", self.told("try", "2"))
         self.refused(1, "Not tried: not at this moment.", "try", "2")
@@ -229,7 +230,7 @@ class CtlTest(CtlCase):
         self.assertEqual(self.told("pause", user=NOBODY),
                          "Paused until Tue 2027-03-02 05:00. First after that: Sleep, Tue 2027-03-02 23:15.\n")
         self.assertEqual(self.next()[0]["dueSeconds"], AT + 15 * 60 + 24 * 3600)
-        self.refused(1, "not permitted", "pause", "until", "2027-03-02", "6:00", user=NOBODY)
+        self.refused(1, "not permitted", "pause", "2027-03-02", "6", "am", user=NOBODY)
         self.refused(1, "not permitted", "pause", "2027-03-02..2027-03-03", user=NOBODY)
         self.assertEqual(self.told("pause", "2027-03-05..2027-03-07", "noon"),
                          "To be paused from Fri 2027-03-05 00:00 until Sun 2027-03-07 12:00. "
@@ -348,7 +349,7 @@ class CtlTest(CtlCase):
 
     def test_wrong_command_lines(self):
         for arguments in (["sleep"], ["next", "0"], ["next", "101"], ["log", "x"], ["next", "1", "2"], ["postpone", "1", "2"],
-                          ["status", "1"], ["--other"], [FORGERY]):
+                          ["status", "1"], ["--other"], [FORGERY], ["export", "--json"]):
             status, output, error = self.run_ctl(*arguments)
             self.assertEqual((status, output, "\x1b" in error), (2, "", False), arguments)
 
