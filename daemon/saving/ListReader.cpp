@@ -50,9 +50,27 @@ Reading readingOf(const Value& preferences, std::string joined) {
     return {Kind::Fresh, false, std::move(*file), std::move(joined)};
 }
 
+/// What is in place, read once at most. A file that the daemon would not go by is not in place.
+class Present {
+public:
+    explicit Present(const PreferencesStore& store) : _store(store) {}
+
+    /// `base`, where the file has its bytes: mostly edits are made of what is in place.
+    const Value& value(std::string_view baseBytes = {}, const Value& base = {}) {
+        if (_value) return *_value;
+        const std::string bytes = _store.contents(wire::kMaximumUserInfoBytes).bytes;
+        return _value.emplace(bytes == baseBytes ? base : decodePropertyList(bytes));
+    }
+
+private:
+    const PreferencesStore& _store;
+    std::optional<Value> _value;
+};
+
 /// What edits come to, joined with those of others.
-Reading readingOfEdits(const Value& preferences, std::string_view baseBytes, const Value& inPlace) {
+Reading readingOfEdits(const Value& preferences, std::string_view baseBytes, Present& present) {
     Value base = decodePropertyList(baseBytes, wire::kMaximumUserInfoBytes);
+    const Value& inPlace = present.value(baseBytes, base);
     const bool nothingRead = base[wire::kNothingStored].intValue() != 0;
     if (base.isDictionary()) base = base.with(wire::kNothingStored, {});
     if (const auto fault = faultInPreferences(base)) return invalid("What they were made of: " + *fault);
@@ -61,20 +79,20 @@ Reading readingOfEdits(const Value& preferences, std::string_view baseBytes, con
     return readingOf(merged.preferences, answerOf(merged));
 }
 
-/// InPlace where it comes to what stands there.
-Reading readingOf(const ListReader::Sent& sent, const std::function<Value()>& inPlace) try {
+/// InPlace where it comes to what is `present`.
+Reading readingOf(const ListReader::Sent& sent, Present* present) try {
     const Value preferences = decodePropertyList(sent.preferences, wire::kMaximumUserInfoBytes);
     if (preferences.isAbsent()) return invalid("It is no property list of at most 2 MiB and 64 levels.");
     if (const auto fault = faultInPreferences(preferences)) return invalid(*fault);
-    if (sent.base) return readingOfEdits(preferences, *sent.base, inPlace());
-    if (areSamePreferences(inPlace(), preferences)) return {Kind::InPlace, false, {}};
+    if (present && sent.base) return readingOfEdits(preferences, *sent.base, *present);
+    if (present && areSamePreferences(present->value(), preferences)) return {Kind::InPlace, false, {}};
     return readingOf(preferences, {});
 } catch (const std::exception& exception) {  // memory has run out
     return {Kind::Failed, false, exception.what()};
 }
 
-Reading stored(Reading fresh, const PreferencesStore& store) {
-    fresh.keptUnreadable = store.keepUnreadable();
+Reading stored(Reading fresh, const PreferencesStore& store, Present& present) {
+    fresh.keptUnreadable = !present.value().isDictionary() && store.keepUnreadable();
     if (auto reason = store.write(fresh.text); !reason.empty())
         return {Kind::NotStored, fresh.keptUnreadable, std::move(reason)};
     fresh.kind = Kind::Stored;
@@ -82,6 +100,10 @@ Reading stored(Reading fresh, const PreferencesStore& store) {
 }
 
 }  // namespace
+
+std::size_t ListReader::digestOf(std::string_view bytes) {
+    return std::hash<std::string_view>()(bytes);
+}
 
 ListReader::ListReader(EventLoop& loop, const PreferencesStore& store) : _loop(loop), _store(store) {}
 
@@ -94,24 +116,24 @@ ListReader::~ListReader() {
 }
 
 void ListReader::read(const Sent& sent, bool mayStore, std::function<void(Reading)> done) {
-    // A file that the daemon would not go by is not in place.
-    const auto present = [this] { return decodePropertyList(_store.contents(wire::kMaximumUserInfoBytes).bytes); };
-    const auto work = [this, sent, mayStore, present] {
-        Reading reading = readingOf(sent, present);
-        return mayStore && reading.kind == Kind::Fresh ? stored(std::move(reading), _store) : reading;
+    const auto work = [this, sent, mayStore] {
+        Present present(_store);
+        Reading reading = readingOf(sent, &present);
+        return mayStore && reading.kind == Kind::Fresh ? stored(std::move(reading), _store, present) : reading;
     };
     begin(work, std::move(done));
 }
 
-void ListReader::readInPlace(std::function<void(Reading)> done) {
-    begin([this] { return inPlace(_store); }, std::move(done));
+void ListReader::readInPlace(std::optional<std::size_t> known, std::function<void(Reading)> done) {
+    begin([this, known] { return inPlace(_store, known); }, std::move(done));
 }
 
-Reading ListReader::inPlace(const PreferencesStore& store) {
+Reading ListReader::inPlace(const PreferencesStore& store, std::optional<std::size_t> known) {
     const PreferencesStore::Contents file = store.contents(wire::kMaximumUserInfoBytes);
     if (!file.exists) return {Kind::Absent, false, {}};
     if (!file.fault.empty()) return {Kind::Invalid, false, file.fault};
-    return readingOf(Sent{file.bytes, {}}, [] { return Value(); });
+    if (!file.bytes.empty() && known == digestOf(file.bytes)) return {Kind::InPlace, false, {}};
+    return readingOf(Sent{file.bytes, {}}, nullptr);
 }
 
 void ListReader::begin(const std::function<Reading()>& work, std::function<void(Reading)> done) {

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -38,10 +39,13 @@ public:
     /// Not while it reads. What comes to something else than what is in place is Fresh, or stored where it may be.
     /// Bytes are copied; `done` is called later, and may read the next list.
     void read(const Sent& sent, bool mayStore, std::function<void(Reading)> done);
-    /// The same of the file in place: Fresh, however often it is read, or Absent.
-    void readInPlace(std::function<void(Reading)> done);
+    /// The same of the file in place: Fresh, however often it is read, Absent, or InPlace where its bytes have the
+    /// digest that is known.
+    void readInPlace(std::optional<std::size_t> known, std::function<void(Reading)> done);
     /// That at once, in this process.
-    static Reading inPlace(const PreferencesStore& store);
+    static Reading inPlace(const PreferencesStore& store, std::optional<std::size_t> known = {});
+    /// What is the same is written in the same bytes.
+    static std::size_t digestOf(std::string_view bytes);
 
 private:
     void begin(const std::function<Reading()>& work, std::function<void(Reading)> done);

@@ -1,6 +1,6 @@
 #include "daemon/saving/PlanInPlace.h"
 
-#include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -9,16 +9,7 @@
 
 namespace quorel {
 
-namespace {
-
 using Kind = ListReader::Reading::Kind;
-
-/// The reader writes what is the same in the same bytes, and nothing where there is no file.
-std::size_t digestOf(const std::string& bytes) {
-    return std::hash<std::string>()(bytes);
-}
-
-}  // namespace
 
 PlanInPlace::PlanInPlace(EventLoop& loop, const std::string& root, Taken taken)
     : _store(root), _taken(std::move(taken)), _reader(loop, _store), _watch(loop, _store.path(), [this] { read(); }) {}
@@ -37,7 +28,7 @@ void PlanInPlace::reload() {
 void PlanInPlace::stored(const std::string& bytes) {
     _isOutdated = _reader.isReading();
     // Watching the file may have been quicker.
-    if (std::exchange(_fault, {}).empty() && digestOf(bytes) == _digest) return;
+    if (std::exchange(_fault, {}).empty() && ListReader::digestOf(bytes) == _digest) return;
     adopt(bytes);
 }
 
@@ -46,23 +37,26 @@ void PlanInPlace::read() {
         _isOutdated = true;
         return;
     }
-    _reader.readInPlace([this](const ListReader::Reading& reading) { found(reading); });
+    const bool takesSame = _takesSame || !_fault.empty();
+    _reader.readInPlace(takesSame ? std::nullopt : std::optional(_digest),
+                        [this](const ListReader::Reading& reading) { found(reading); });
 }
 
 void PlanInPlace::found(const ListReader::Reading& reading) {
     if (std::exchange(_isOutdated, false)) return read();
+    if (reading.kind == Kind::InPlace) return;
     bool anyway = std::exchange(_takesSame, false);
     if (anyway) _fault.clear();  // to be said again
     if (reading.kind == Kind::Invalid || reading.kind == Kind::Failed) return refuse(reading.text);
     anyway = anyway || !std::exchange(_fault, {}).empty();
-    if (!anyway && digestOf(reading.text) == _digest) return;
+    if (!anyway && ListReader::digestOf(reading.text) == _digest) return;
     MOLLog(reading.kind == Kind::Absent ? "There is no preferences file any more; nothing is planned."
                                         : "The preferences in place are taken over.");
     adopt(reading.text);
 }
 
 void PlanInPlace::adopt(const std::string& bytes) {
-    _digest = digestOf(bytes);
+    _digest = ListReader::digestOf(bytes);
     _taken(decodePropertyList(bytes));
 }
 

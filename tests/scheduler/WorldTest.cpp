@@ -309,7 +309,7 @@ private:
     }
     void pause() {
         const Instant from = _world.now.instant() + (chance(2) ? 0 : 60 * number(600));
-        const Instant until = from + 60 * (1 + number(chance(3) ? 2000 : 90));
+        const Instant until = from + 1 + number(chance(3) ? 120'000 : chance(2) ? 60 : 5400);
         note("pause from " + VirtualWorld::clock(from) + " until " + VirtualWorld::clock(until));
         _world.scheduler->pause(_world.now, {.from = from, .until = until, .by = chance(2) ? "ann" : "root"});
     }
