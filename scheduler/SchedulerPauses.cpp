@@ -40,15 +40,16 @@ bool Scheduler::resume(ClockReading now, const std::string& token, bool onlyBrie
 
 void Scheduler::pauseOpen() {
     const bool isPaused = _pauses.cover(now());
-    if (isPaused != std::exchange(_wasPaused, isPaused)) _changed = true;
+    const bool wasPaused = std::exchange(_wasPaused, isPaused);
+    if (isPaused != wasPaused) _changed = true;
     if (isPaused) happen({Event::kPaused});
+    if (!isPaused && wasPaused) happen({Event::kAgentComes});  // perhaps within it
 }
 
 /// When what was due in them has been counted; soon after a boot later, in case the clock is ahead.
 void Scheduler::endPauses() {
     while (const std::optional<Pause> pause = _pauses.over(now(), _clock.youngUntil())) {
         _changed = true;
-        happen({Event::kAgentComes});  // perhaps within it
         if (pause->count > 0)
             tell(outcome::kPaused, nullptr,
                  {{keys::kCount, pause->count},

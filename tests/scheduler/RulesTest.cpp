@@ -515,6 +515,8 @@ const Row kRows[] = {
      "10:00 keep awake; 11:00 let sleep; 12:00 keep awake; 17:00 kept-awake StayAwake 10:00; 17:00 let sleep"},
     {"what waits for somebody waits on where it may still run afterwards", "lonely; from 10:59 Late@11:00; until 11:01; pause 11:01 11:30; until 11:02; company; until 11:31",
      "11:00 start Late; 11:30:10 start Late; 11:30:20 ran Late 11:00 MadeUp"},
+    {"also soon after a boot", "lonely; from 10:59 Late@11:00; until 11:01; pause 11:01 11:30; off 1680; company; until 11:30:20",
+     "11:00 start Late; 11:30:10 start Late; 11:30:20 ran Late 11:00 MadeUp"},
 
     // What cannot be stored.
     {"is not begun", "full; from 11:59 Plain@12:00 ShutDown@12:01; until 12:01:12; space; until 12:02:30",
