@@ -48,10 +48,24 @@ std::optional<unsigned> wanted(const CommandLine& line, unsigned usual, unsigned
     return number;
 }
 
-std::vector<std::string> logRow(const Value& outcome) {
+/// A row of a table, with what it begins with on a page of any width; the cells below each other on a narrow one.
+void addRow(Rows& rows, const Page& page, const std::string& mark, Row cells) {
+    if (!page.isNarrow()) {
+        if (!mark.empty()) cells.insert(cells.begin(), mark);
+        return rows.push_back(std::move(cells));
+    }
+    rows.push_back({mark.empty() ? "-" : mark, cells.front()});
+    for (std::size_t i = 1; i < cells.size(); ++i)
+        if (!cells[i].empty()) rows.push_back({cells[i]});
+}
+
+Rows logRows(const Page& page, const Value& outcome) {
+    Rows rows;
     const std::int64_t due = outcome[keys::kDue].integer();
-    return {momentText(due != 0 ? due : outcome[keys::kAt].integer()), due != 0 ? actionName(outcome) : std::string(),
-            outcomeText(outcome)};
+    addRow(rows, page, {},
+           {momentText(due != 0 ? due : outcome[keys::kAt].integer()), due != 0 ? actionName(outcome) : std::string(),
+            outcomeText(outcome)});
+    return rows;
 }
 
 /// Those of `now` that came after the last of `before`.
@@ -70,7 +84,7 @@ ExitStatus follow(const CommandLine& line, Array told) {
         DaemonClient daemon;
         const Answer answer = askForList(daemon, wire::scheduler::kOutcomes, wire::scheduler::kMostOutcomes);
         for (const Value& one : newOnes(told, answer.value.array()))
-            line.json ? page.line(jsonOutput(one.dictionary())) : page.table({logRow(one)});
+            line.json ? page.line(jsonOutput(one.dictionary())) : page.table(logRows(page, one));
         if (!answer.value.array().empty()) told = answer.value.array();  // else it may be starting again
         std::fflush(stdout);
         if (std::ferror(stdout) != 0) return ExitStatus::kFailed;  // nobody reads it any more
@@ -127,10 +141,8 @@ ExitStatus showNext(const CommandLine& line) {
     Rows rows;
     for (const Value& one : next.upcoming()) {
         const Value& number = one[keys::kNumber];
-        auto& row = rows.emplace_back(
-            Row{number.isAbsent() ? "" : std::to_string(number.integer()), momentText(one[keys::kAt].integer())});
-        for (const std::string& cell : {actionName(one), one[keys::kToken].text()})
-            page.isNarrow() ? rows.push_back({cell}) : row.push_back(cell);
+        addRow(rows, page, number.isAbsent() ? " " : std::to_string(number.integer()),
+               {momentText(one[keys::kAt].integer()), actionName(one), one[keys::kToken].text()});
         if (const std::string step = stepText(one); !step.empty()) rows.push_back({step});
     }
     if (!line.json)
@@ -153,7 +165,8 @@ ExitStatus showLog(const CommandLine& line) {
     if (answer.failure != Failure::kNone) return fail(answer);
     const Page page;
     Rows rows;
-    for (const Value& one : answer.value.array()) rows.push_back(logRow(one));
+    for (const Value& one : answer.value.array())
+        for (Row& row : logRows(page, one)) rows.push_back(std::move(row));
     if (line.json && line.isFlagged) {
         for (const Value& one : answer.value.array()) page.line(jsonOutput(one.dictionary()));
     } else if (line.json) {
@@ -176,12 +189,7 @@ ExitStatus showModules(const CommandLine& line) {
     const Page page;
     Rows rows;
     for (const Value& one : answer.value.array())
-        for (auto& row : moduleRows(one))
-            if (!page.isNarrow())
-                rows.push_back(std::move(row));
-            else
-                for (std::size_t i = 0; i < row.size(); ++i)
-                    rows.push_back(i == 0 && row.size() > 1 ? Row{"-", row[i]} : Row{row[i]});
+        for (const Row& row : moduleRows(one)) row.size() > 1 ? addRow(rows, page, {}, row) : rows.push_back(row);
     if (line.json) {
         page.line(jsonOutput(Dictionary{{"Modules", answer.value}}));
     } else if (rows.empty()) {

@@ -31,25 +31,27 @@ ExitStatus help(const CommandLine& line, const std::string& name) {
     if (!name.empty() && !commandNamed(name))
         return misused(filled(translated("There is no command \"{1}\"."), {name}));
     const Page page;
-    if (name.empty())
-        for (const char* text :
-             {translated("Usage: quorelctl [--json] [COMMAND] [WORDS...]"),
-              translated("Shows and changes what this computer does by itself, and when."), translated("Commands:")})
-            page.paragraph(text);
+    const auto sayOfAll = [&](const char* text) {
+        if (name.empty()) page.paragraph(text);
+    };
+    for (const char* text : {translated("Usage: quorelctl [--json] [COMMAND] [WORDS...]"), "",
+                             translated("Shows and changes what this computer does by itself, and when."), "",
+                             translated("Commands:"), ""})
+        sayOfAll(text);
     std::vector<std::vector<std::string>> rows;
     for (const Command& command : commands()) {
         if (!name.empty() && name != command.name) continue;
-        const std::string usage = "  " + std::string(command.name) + " " + command.arguments;
-        if (page.isNarrow()) page.paragraph(usage);
-        if (page.isNarrow()) page.table({{std::string("   "), translated(command.does)}});
-        rows.push_back({usage, translated(command.does)});
+        const std::string usage = std::string(command.name) + (*command.arguments ? " " : "") + command.arguments;
+        rows.push_back({"  " + usage, translated(command.does)});
+        if (!page.isNarrow()) continue;
+        page.paragraph(usage);
+        page.table({{" ", translated(command.does)}});
     }
     if (!page.isNarrow()) page.table(std::move(rows));
-    if (name.empty())
-        for (const char* text :
-             {translated("N is the number in \"quorelctl list\", or time and action: remove sleep 23:15."),
-              translated("\"man quorelctl\" explains the words, --json, and what the program ends with.")})
-            page.paragraph(text);
+    for (const char* text :
+         {"", translated("N is the number in \"quorelctl list\", or time and action: remove sleep 23:15."),
+          translated("\"man quorelctl\" explains the words, --json, and what the program ends with.")})
+        sayOfAll(text);
     return ExitStatus::kDone;
 }
 

@@ -44,7 +44,8 @@ std::string lettersOf(std::string_view word) {
 }
 
 bool meansSomethingElse(std::string_view word) {
-    return word == "on" || word == "off" || word == "at" || word == "options" || daysOfWord(word) || minuteOfWord(word);
+    return word == "on" || word == "off" || word == "at" || word == "every" || word == "options" || daysOfWord(word) ||
+           minuteOfWord(word);
 }
 
 std::string shortName(std::string_view type) {

@@ -19,7 +19,8 @@ namespace {
 
 namespace keys = schedule_keys;
 
-constexpr std::string_view kOn = "on", kOff = "off", kYes = "yes", kNo = "no", kRest = "--", kAt = "at";
+constexpr std::string_view kOn = "on", kOff = "off", kYes = "yes", kNo = "no", kRest = "--", kAt = "at",
+                           kEvery = "every";
 constexpr std::string_view kYesOrNo = "yes, no";
 constexpr int kAroundSchedule = 2;  // the preferences and their list
 
@@ -147,7 +148,7 @@ private:
         const std::string& text = word.text;
         const std::size_t equals = text.find('=');
         if (equals != std::string::npos && equals > 0) return _options.push_back(word);
-        if (text == kAt) return;  // as people say it
+        if (text == kAt || text == kEvery) return;  // as people say it
         if (text == kOn || text == kOff) return say(_isEnabled, text == kOn, word);
         if (const auto minute = minuteOfWord(text)) return say(_minute, *minute, word);
         if (const auto days = daysOfWord(text)) return takeDays('=', *days);

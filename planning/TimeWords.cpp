@@ -15,7 +15,8 @@ constexpr std::size_t kShort = 3;
 constexpr struct {
     std::string_view name;
     DaySet days;
-} kSets[] = {{"daily", kAllDays}, {"never", 0}, {"weekdays", 0x1F}, {"weekend", 0x60}, {"weekends", 0x60}};
+} kSets[] = {{"daily", kAllDays}, {"day", kAllDays}, {"never", 0},
+             {"weekdays", 0x1F},  {"weekend", 0x60}, {"weekends", 0x60}};
 
 std::string lowered(std::string_view word) {
     std::string result(word);

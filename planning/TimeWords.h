@@ -23,7 +23,7 @@ std::optional<int> lengthOfWord(std::string_view word);
 using DaySet = unsigned;
 inline constexpr DaySet kAllDays = 0x7F;
 /// "mon", "monday", "mon-fri" (also around the end of a week, "sat-mon"), "sat,sun", "weekdays", "weekend", "daily",
-/// "never". In small or large letters.
+/// "day", "never". In small or large letters.
 std::optional<DaySet> daysOfWord(std::string_view word);
 /// Its days in order: the first of each run and how many it has; of two in a row each is one of its own.
 std::vector<std::pair<std::size_t, std::size_t>> runsOf(DaySet days);

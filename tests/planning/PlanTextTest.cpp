@@ -53,7 +53,7 @@ TEST(PlanTextTest, WordsOfOneLine) {
     const struct {
         const char *typed, *written;
     } cases[] = {
-        {"sleep 23:15", "23:15 daily sleep"},
+        {"sleep every day at 23:15", "23:15 daily sleep"},
         {"7pm sleep mon-fri only-when-idle=yes idle-minutes=20",
          "19:00 mon-fri sleep only-when-idle=yes idle-minutes=20"},
         {"sat-mon 07.05 wake-up off start-up=yes", "07:05 mon,sat,sun wake-up off start-up=yes"},
