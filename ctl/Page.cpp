@@ -76,11 +76,12 @@ void Page::paragraph(const std::string& text) const {
 void Page::fields(const std::vector<std::pair<std::string, std::string>>& fields) const {
     std::size_t width = 0;
     for (const auto& field : fields) width = std::max(width, widthOf(field.first));
+    const bool isBeside = !_isTerminal || kGap + width + 1 + kNarrowest <= _width;
     for (const auto& [name, text] : fields) {
-        pad(kGap + width - widthOf(name));
+        pad(isBeside ? kGap + width - widthOf(name) : kGap);
         put(name);
-        put(" ");
-        wrapped(plainLine(text), kGap + width + 1);
+        put(isBeside || name.empty() ? " " : "\n" + std::string(kGap + 1, ' '));
+        wrapped(plainLine(text), kGap + 1 + (isBeside ? width : 0));
     }
 }
 

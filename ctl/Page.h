@@ -23,7 +23,7 @@ public:
     void line(const std::string& text) const;
     /// A sentence, which may go on below.
     void paragraph(const std::string& text) const;
-    /// Names to the right, what they stand for beside them.
+    /// Names to the right, what they stand for beside them; below them where there is no room.
     void fields(const std::vector<std::pair<std::string, std::string>>& fields) const;
     /// Columns as wide as they need be; the last one takes the rest. A row of one cell alone stands below the row
     /// before it, from the second column on.

@@ -206,11 +206,11 @@ ExitStatus listPlan(const CommandLine& line) {
                                  : fault ? translated("never")
                                          : std::string(isOn ? "" : translated("switched off"));
         const std::string what = nameOfAction(schedule, plan.actions()) + (detail.empty() ? "" : ", " + detail);
-        std::vector<std::string> row = {std::to_string(i + 1), isOn ? translated("on") : translated("off"),
-                                        timeOf(schedule), daysText(daysOf(schedule)), when};
-        if (!page.isNarrow()) row.push_back(what);
-        rows.push_back(std::move(row));
-        if (page.isNarrow()) rows.push_back({what});
+        const std::string number = std::to_string(i + 1), days = daysText(daysOf(schedule));
+        if (page.isNarrow())
+            rows.insert(rows.end(), {{number, timeOf(schedule), days}, {what}, {when}});
+        else
+            rows.push_back({number, isOn ? translated("on") : translated("off"), timeOf(schedule), days, when, what});
         if (fault) rows.push_back({faultSentence(*fault)});
     }
     if (line.json) {
