@@ -1,5 +1,6 @@
 #include "qt/window/SettingsWindow.h"
 
+#include <QAccessibleWidget>
 #include <QCloseEvent>
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
@@ -21,6 +22,12 @@ QPushButton* button(QWidget* parent, const char* text) {
     auto* const made = new QPushButton(qString(text), parent);
     made->setAutoDefault(false);
     return made;
+}
+
+/// A plain widget counts as a part of something; a screen reader looks for a window.
+QAccessibleInterface* accessibleWindow(const QString& /*name*/, QObject* object) {
+    auto* const window = dynamic_cast<SettingsWindow*>(object);
+    return window ? new QAccessibleWidget(window, QAccessible::Window) : nullptr;
 }
 
 }  // namespace
@@ -55,6 +62,7 @@ SettingsWindow::SettingsWindow(DaemonClient& plan, const QString& copyright, con
       optionsDialog(new OptionsDialog(this)),
       about(new AboutDialog(this, copyright, picture)) {
     setWindowTitle(QStringLiteral("Quorel"));
+    QAccessible::installFactory(accessibleWindow);
     lockButton->setCheckable(true);
     showAll->setCheckable(true);
     noticeBar->hide();

@@ -24,6 +24,7 @@ void expectNames(QAccessibleInterface* object, const QString& within, int& contr
 
 TEST_F(NamesTest, WhateverTakesTheFocusHasAName) {
     open();
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&window)->role(), QAccessible::Window);
     window.notice(QStringLiteral("Something"));
     window.suggest(true);
     for (QWidget* const shown : std::initializer_list<QWidget*>{&window, window.sheet, window.optionsDialog}) {
