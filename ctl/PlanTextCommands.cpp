@@ -116,6 +116,11 @@ public:
         file << text;
         return static_cast<bool>(file.flush());
     }
+    /// What is there stays where that fails.
+    bool replace(const std::string& text) const {
+        const Draft next;
+        return next.write(text) && std::rename(next._path.c_str(), _path.c_str()) == 0;
+    }
     /// Says where it is: what somebody has typed is not thrown away.
     void keep() {
         _isKept = access(_path.c_str(), F_OK) == 0;
@@ -238,8 +243,8 @@ ExitStatus editPlan(const CommandLine& line) {
         }
         refuseWords(reading.faults, draft.path());
         const bool isEmpty = reading.faults.front().code == text_fault::kEmpty;
-        if (!isEmpty && !draft.write(markedText(contents.text, reading.faults))) return unwritten(draft.path());
-        if (!isEmpty && wantsToMend()) continue;
+        const bool isMarked = !isEmpty && draft.replace(markedText(contents.text, reading.faults));
+        if (isMarked && wantsToMend()) continue;
         complain(translated("Nothing is stored."));
         if (!isEmpty) draft.keep();
         return ExitStatus::kUsage;
