@@ -32,7 +32,7 @@ inline constexpr std::string_view kMissing = "missing";         ///< a word is m
 inline constexpr std::string_view kUnknown = "unknown";         ///< a word that has no meaning there
 inline constexpr std::string_view kKind = "kind";               ///< something of another kind than it has to be
 inline constexpr std::string_view kRange = "range";             ///< out of its range
-inline constexpr std::string_view kDoubled = "doubled";         ///< another option is called so, or a choice twice
+inline constexpr std::string_view kDoubled = "doubled";         ///< the same word, option or choice twice
 inline constexpr std::string_view kTooMany = "too-many";        ///< more than there may be
 inline constexpr std::string_view kText = "text";               ///< too long, or with markup or control characters
 

@@ -34,11 +34,13 @@ inline constexpr std::string_view kProgram = "QuorelActionProgram";
 inline constexpr std::string_view kRunsAs = "QuorelActionRunsAs";  ///< text: one of the two below
 inline constexpr std::string_view kSystem = "system";              ///< in a sandbox, whoever is logged in
 inline constexpr std::string_view kUser = "user";                  ///< as the user at the computer, in the session
-inline constexpr std::string_view kTimeLimit = "QuorelActionTimeLimit";  ///< seconds, brought into the range below
+inline constexpr std::string_view kTimeLimit = "QuorelActionTimeLimit";  ///< seconds, from 1
 inline constexpr std::int64_t kDefaultTimeLimit = 600;
 inline constexpr std::int64_t kMostTimeLimit = 86'400;
-/// Seconds: how late a missed one may still run. None when absent.
+/// Seconds: how late a missed one may still run, from 0, which is none, to a day.
 inline constexpr std::string_view kMakeUp = "QuorelActionMakeUp";
+/// Text, never written by authors: a word that the dictionary had twice, of which the last counts.
+inline constexpr std::string_view kDoubled = "QuorelActionDoubled";
 /// Of "system" ones, what the sandbox lets through. An array of the two texts below.
 inline constexpr std::string_view kNeeds = "QuorelActionNeeds";
 inline constexpr std::string_view kNetwork = "network";

@@ -25,7 +25,9 @@ bool isOfName(char c) {
 /// Toolkits give such texts a meaning of their own.
 bool hasMarkup(std::string_view text) {
     for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1))
-        if (at + 1 < text.size() && (isLetter(text[at + 1]) || text[at + 1] == '/' || text[at + 1] == '!')) return true;
+        if (at + 1 < text.size() &&
+            (isLetter(text[at + 1]) || text[at + 1] == '/' || text[at + 1] == '!' || text[at + 1] == '?'))
+            return true;
     return false;
 }
 
@@ -76,6 +78,7 @@ Dictionary DescriptionWords::texts(std::string_view key) {
     if (value.isPresent() && !value.isDictionary()) fault(kKind, key);
     const Dictionary& given = value.dictionary();
     if (given.size() > description_keys::kMostNames) fault(kTooMany, key);
+    if (value.isDictionary() && given.size() == 0) fault(kMissing, key);
     Dictionary texts;
     for (std::size_t i = 0; i < std::min(given.size(), description_keys::kMostNames); ++i) {
         const std::string language = plainText(given.keyAt(i));

@@ -47,6 +47,12 @@ bool doesTheDaemonItself(const std::string& type) {
            type == schedule_keys::kShutDownType || type == schedule_keys::kStayAwakeType;
 }
 
+/// False of what a module says that comes with a class of its own, and nothing of its options.
+bool isDescribed(const DescriptionWords& description) {
+    const bool isOurs = description[keys::kClass].text() == keys::kDescribedPlugIn;
+    return isOurs || description.has(keys::kFormat) || description.has(keys::kOptions);
+}
+
 FlagRule flagRule(DescriptionWords& description, std::string_view key) {
     const std::string& word = description.text(key);
     const bool isFixed = word == keys::kNever || word == keys::kAlways;
@@ -134,6 +140,7 @@ void readOptions(ActionDescription& to, DescriptionWords& description) {
     std::set<std::string> typed = {"wake-up", "start-up", "off", typedName(parameters::kNeedsWakeUp),
                                    typedName(parameters::kNeedsStartup)};
     std::size_t number = 0;
+    bool takesAll = false;  // an option before it takes all words that are left
     for (const Value& each : description.array(keys::kOptions, keys::kMostOptions)) {
         DescriptionWords option(each, std::string(keys::kOptions) + " " + std::to_string(++number) + " ", to.faults);
         if (!each.isDictionary()) {
@@ -142,6 +149,8 @@ void readOptions(ActionDescription& to, DescriptionWords& description) {
         }
         Option read = readOption(option, to.faults);
         if (!typed.insert(typedName(read.key)).second) option.fault(kDoubled, words::kKey);
+        if (read.takesWords && takesAll) option.fault(kUnknown, words::kTakesWords);
+        takesAll = takesAll || (read.takesWords && read.kind == OptionKind::kLines);
         const Option* flag = to.option(read.dependsOn);
         if (!read.dependsOn.empty() && (!flag || flag->kind != OptionKind::kFlag))
             option.fault(kUnknown, words::kDependsOn);
@@ -167,8 +176,17 @@ void readSandbox(ActionDescription& to, DescriptionWords& description) {
 }
 
 std::int64_t secondsIn(DescriptionWords& description, std::string_view key, std::int64_t usual, std::int64_t least) {
-    if (!description.has(key)) return usual;
-    return std::clamp<std::int64_t>(description.number(key).value_or(0), least, keys::kMostTimeLimit);
+    const std::optional<int> number = description.number(key);
+    if (!number) return usual;
+    const auto fits = std::clamp<std::int64_t>(*number, least, keys::kMostTimeLimit);
+    if (fits != *number && isDescribed(description)) description.fault(kRange, key);
+    return fits;
+}
+
+/// Words that mean nothing beside what else the description says.
+void refuse(DescriptionWords& description, std::initializer_list<std::string_view> meaningless) {
+    for (const std::string_view key : meaningless)
+        if (description.has(key) && isDescribed(description)) description.fault(kUnknown, key);
 }
 
 void readProgram(ActionDescription& to, DescriptionWords& description) {
@@ -185,24 +203,21 @@ void readProgram(ActionDescription& to, DescriptionWords& description) {
     if (!isFileName(to.program)) description.fault(kMalformed, keys::kProgram);
     if (!isFileName(to.bundle)) to.faults.push_back({kMalformed, {}});
     if (to.isSystem) readSandbox(to, description);
-}
-
-/// What a module says that comes with a class of its own, and nothing of its options.
-bool isDescribed(DescriptionWords& description) {
-    const bool isOurs = description[keys::kClass].text() == keys::kDescribedPlugIn;
-    return isOurs || description.has(keys::kFormat) || description.has(keys::kOptions);
+    if (runsAs == keys::kUser) refuse(description, {keys::kNeeds, keys::kWrites});
 }
 
 void readWhatFacesShow(ActionDescription& to, DescriptionWords& description) {
     if (!description.has(keys::kFormat)) description.fault(kMissing, keys::kFormat);
     if (description.has(keys::kFormat) && description.number(keys::kFormat) != keys::kKnownFormat)
         description.fault(kFormat, keys::kFormat);
+    if (const Value& doubled = description[keys::kDoubled]; doubled.isText())
+        description.fault(kDoubled, plainText(doubled.text()));
     description.require(keys::kClass);
     description.require(keys::kNames);
-    description.allowOnly(
-        {keys::kFormat, keys::kType, keys::kNames, keys::kSays, keys::kIsBase, keys::kWakesUp, keys::kStartsUp,
-         keys::kOptions, keys::kProgram, keys::kRunsAs, keys::kTimeLimit, keys::kMakeUp, keys::kNeeds, keys::kWrites},
-        keys::kPrefix);
+    description.allowOnly({keys::kFormat, keys::kDoubled, keys::kType, keys::kNames, keys::kSays, keys::kIsBase,
+                           keys::kWakesUp, keys::kStartsUp, keys::kOptions, keys::kProgram, keys::kRunsAs,
+                           keys::kTimeLimit, keys::kMakeUp, keys::kNeeds, keys::kWrites},
+                          keys::kPrefix);
     to.says = description.texts(keys::kSays);
     to.isBase = description.flag(keys::kIsBase).value_or(false);
     to.wakesUp = flagRule(description, keys::kWakesUp);
@@ -227,7 +242,11 @@ ActionDescription ActionDescription::from(std::string bundle, const Value& dicti
         description.name(keys::kType);
         readWhatFacesShow(read, description);
     }
-    if (!doesTheDaemonItself(read.type)) readProgram(read, description);
+    if (doesTheDaemonItself(read.type))
+        refuse(description,
+               {keys::kProgram, keys::kRunsAs, keys::kTimeLimit, keys::kMakeUp, keys::kNeeds, keys::kWrites});
+    else
+        readProgram(read, description);
     if (!read.isSound()) read.options.clear();
     return read;
 }
@@ -235,8 +254,10 @@ ActionDescription ActionDescription::from(std::string bundle, const Value& dicti
 Value informationDictionary(std::string_view bytes) {
     if (bytes.size() > keys::kMostBytes) return {};
     Value dictionary = decodePropertyList(bytes, keys::kMostBytes);
-    if (dictionary.isAbsent()) dictionary = decodePropertyListText(bytes);
-    return dictionary.isDictionary() ? dictionary : Value();
+    std::string doubled;
+    if (dictionary.isAbsent()) dictionary = decodePropertyListText(bytes, &doubled);
+    if (!dictionary.isDictionary()) return {};
+    return doubled.empty() ? dictionary : dictionary.with(keys::kDoubled, doubled);
 }
 
 ActionDescription ActionDescription::read(std::string bundle, std::string_view bytes) {

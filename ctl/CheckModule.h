@@ -9,6 +9,6 @@ namespace quorel {
 
 /// Says what is wrong with a module's folder before it is installed, and how its action would be run. Who owns it is
 /// another question: copied by root, it is root's.
-ExitStatus checkModule(const Page& page, const std::string& folder, bool json);
+ExitStatus checkModule(const Page& page, const CommandLine& line);
 
 }  // namespace quorel

@@ -10,7 +10,5 @@ namespace quorel {
 /// Rows of a table about a module as the daemon tells of it: what its action is called, its type and how it is run;
 /// below, what it declares.
 std::vector<std::vector<std::string>> moduleRows(const Value& module);
-/// What is wrong with a module: a code of `description_fault`, and where.
-std::string faultText(const std::string& fault, const std::string& where);
 
 }  // namespace quorel

@@ -180,7 +180,7 @@ ExitStatus showLog(const CommandLine& line) {
 }
 
 ExitStatus showModules(const CommandLine& line) {
-    if (line.isFlagged && line.arguments.size() == 1) return checkModule(Page(), line.arguments[0], line.json);
+    if (line.isFlagged && line.arguments.size() == 1) return checkModule(Page(), line);
     if (line.isFlagged) return misused(translated("Which folder?"));
     if (!line.arguments.empty()) return misused(translated("Too many arguments."));
     DaemonClient daemon;

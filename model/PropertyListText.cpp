@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -25,7 +26,7 @@ bool isBare(char c) {
 
 class TextReader {
 public:
-    explicit TextReader(std::string_view bytes) : _rest(bytes) {}
+    TextReader(std::string_view bytes, std::string* doubled) : _rest(bytes), _doubled(doubled) {}
 
     /// What there is, with nothing behind it.
     std::optional<Value> whole() {
@@ -73,7 +74,14 @@ private:
             if (!take('}')) return {};
             break;
         }
+        noteDoubled(entries);
         return DictionaryMaker().dictionary(std::move(entries));
+    }
+
+    void noteDoubled(const DictionaryMaker::Entries& entries) {
+        std::set<std::string_view> known;
+        for (const auto& [key, value] : entries)
+            if (!known.insert(key).second && _doubled && _doubled->empty()) *_doubled = key;
     }
 
     std::optional<Value> array(int depth) {
@@ -140,12 +148,13 @@ private:
     }
 
     std::string_view _rest;
+    std::string* const _doubled;
 };
 
 }  // namespace
 
-Value decodePropertyListText(std::string_view bytes) {
-    return TextReader(bytes).whole().value_or(Value());
+Value decodePropertyListText(std::string_view bytes, std::string* doubledKey) {
+    return TextReader(bytes, doubledKey).whole().value_or(Value());
 }
 
 }  // namespace quorel

@@ -37,7 +37,7 @@ void ModuleRegistry::scan() {
     }
     for (const std::string& name : plugIns.names()) {
         if (!name.ends_with(kExtension) || _modules.size() == kMostModules) continue;
-        ActionDescription module = read(plugIns, name);
+        ActionDescription module = readModule(plugIns, name);
         const ActionDescription* first = find(module.type);
         if (module.isSound() && first && first->isSound()) module.faults.push_back({description_fault::kTaken, {}});
         if (!module.isSound()) say("The module " + name, module.faults.front());
@@ -45,7 +45,7 @@ void ModuleRegistry::scan() {
     }
 }
 
-ActionDescription ModuleRegistry::read(const TrustedFolder& plugIns, const std::string& name) const {
+ActionDescription readModule(const TrustedFolder& plugIns, const std::string& name) {
     ActionDescription refused;
     refused.bundle = name;
     errno = 0;

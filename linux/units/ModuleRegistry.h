@@ -10,6 +10,9 @@
 
 namespace quorel {
 
+/// The folder of that name with its description and its program; the faults say what is wrong with either.
+ActionDescription readModule(const TrustedFolder& plugIns, const std::string& name);
+
 /// The modules in the installed pane's built-in plug-ins folder, which nobody but root can have put there. What a
 /// Schedule runs is found here by its action type; no path ever comes from the preferences. One thread.
 class ModuleRegistry {
@@ -28,7 +31,6 @@ public:
     std::string programPath(const ActionDescription& module) const;
 
 private:
-    ActionDescription read(const TrustedFolder& plugIns, const std::string& name) const;
     void say(const std::string& who, const DescriptionFault& fault);
 
     const std::string _root;

@@ -17,33 +17,39 @@ namespace {
 
 constexpr int kFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
+}  // namespace
+
 /// Empty where others could have changed the file.
-FileDescriptor ifTrusted(FileDescriptor file, bool trustsOwnUser) {
+FileDescriptor TrustedFolder::ifTrusted(FileDescriptor file, Trusts trusts) {
     struct stat status {};
-    if (!file || fstat(file.get(), &status) != 0) return FileDescriptor();
-    const bool isOurs = status.st_uid == 0 || (trustsOwnUser && status.st_uid == geteuid());
+    if (!file || trusts == Trusts::kEverybody) return file;
+    if (fstat(file.get(), &status) != 0) return FileDescriptor();
+    const bool isOurs = status.st_uid == 0 || (trusts == Trusts::kOwnUser && status.st_uid == geteuid());
     if (isOurs && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0) return file;
     errno = EPERM;
     return FileDescriptor();
 }
 
-}  // namespace
-
 TrustedFolder TrustedFolder::open(const std::string& root, const std::string& path) {
     FileDescriptor top(::open(root.empty() ? "/" : root.c_str(), kFolder));
-    TrustedFolder folder(root.empty() ? ifTrusted(std::move(top), false) : std::move(top), !root.empty());
+    TrustedFolder folder(root.empty() ? ifTrusted(std::move(top), Trusts::kRoot) : std::move(top),
+                         root.empty() ? Trusts::kRoot : Trusts::kOwnUser);
     std::istringstream components(path);
     for (std::string name; folder && std::getline(components, name, '/');)
         if (!name.empty()) folder = folder.folder(name);
     return folder;
 }
 
+TrustedFolder TrustedFolder::beforeItIsCopied(const std::string& path) {
+    return {FileDescriptor(::open(path.c_str(), kFolder)), Trusts::kEverybody};
+}
+
 FileDescriptor TrustedFolder::openTrusted(const std::string& name, int flags) const {
-    return ifTrusted(FileDescriptor(openat(_folder.get(), name.c_str(), flags | O_NOFOLLOW)), _trustsOwnUser);
+    return ifTrusted(FileDescriptor(openat(_folder.get(), name.c_str(), flags | O_NOFOLLOW)), _trusts);
 }
 
 TrustedFolder TrustedFolder::folder(const std::string& name) const {
-    return {openTrusted(name, kFolder), _trustsOwnUser};
+    return {openTrusted(name, kFolder), _trusts};
 }
 
 FileDescriptor TrustedFolder::file(const std::string& name) const {

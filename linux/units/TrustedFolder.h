@@ -18,7 +18,9 @@ class TrustedFolder {
 public:
     /// `root` stands before `path`, and is taken as it is; an empty one is the computer's.
     static TrustedFolder open(const std::string& root, const std::string& path);
-    TrustedFolder() : TrustedFolder(FileDescriptor(), false) {}
+    /// One whose files root is yet to copy: owners and modes do not count, links are refused all the same.
+    static TrustedFolder beforeItIsCopied(const std::string& path);
+    TrustedFolder() : TrustedFolder(FileDescriptor(), Trusts::kRoot) {}
 
     explicit operator bool() const { return static_cast<bool>(_folder); }
     TrustedFolder folder(const std::string& name) const;
@@ -30,12 +32,13 @@ public:
     std::vector<std::string> names() const;
 
 private:
-    TrustedFolder(FileDescriptor folder, bool trustsOwnUser)
-        : _folder(std::move(folder)), _trustsOwnUser(trustsOwnUser) {}
+    enum class Trusts { kRoot, kOwnUser, kEverybody };
+    TrustedFolder(FileDescriptor folder, Trusts trusts) : _folder(std::move(folder)), _trusts(trusts) {}
+    static FileDescriptor ifTrusted(FileDescriptor file, Trusts trusts);
     FileDescriptor openTrusted(const std::string& name, int flags) const;
 
     FileDescriptor _folder;
-    bool _trustsOwnUser;
+    Trusts _trusts;
 };
 
 }  // namespace quorel

@@ -20,6 +20,7 @@
 #include "qt/toolkit/Text.h"
 #include "qt/toolkit/Views.h"
 #include "qt/window/Card.h"
+#include "words/DescriptionText.h"
 #include "words/Language.h"
 
 namespace quorel::qt {
@@ -48,8 +49,7 @@ OptionForm::OptionForm(const ActionDescription& description, std::string_view la
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     for (std::size_t i = 0; i < _description.options.size(); ++i) add(*form, i);
     for (const DescriptionFault& fault : _description.faults) {
-        const std::string text =
-            fault.key.empty() ? std::string(fault.code) : std::string(fault.code) + ": " + fault.key;
+        const std::string text = descriptionFaultText(std::string(fault.code), fault.key);
         auto* const line = makeLabel(this, Weight::kText,
                                      qString(filled(translated("This action's description is faulty: {1}"), {text})));
         line->setWordWrap(true);
@@ -80,7 +80,7 @@ void OptionForm::add(QFormLayout& form, std::size_t index) {
         _line->addStretch();
         form.addRow(_line);
     } else {
-        form.addRow(label, field.row);
+        form.addRow(withoutMnemonics(label), field.row);
         if (auto* const buddy = qobject_cast<QLabel*>(form.labelForField(field.row))) buddy->setBuddy(field.control);
     }
     form.addRow(QString(), field.fault);
@@ -109,7 +109,7 @@ OptionForm::Field OptionForm::fieldOf(const Option& option) {
 }
 
 OptionForm::Field OptionForm::flag(const Option& option) {
-    auto* const box = new QCheckBox(say(option.label), this);
+    auto* const box = new QCheckBox(withoutMnemonics(say(option.label)), this);
     connect(box, &QCheckBox::clicked, this, [this] {
         enableDependent();
         _changed();

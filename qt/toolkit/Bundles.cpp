@@ -6,9 +6,8 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "actions/ActionDescription.h"
 #include "actions/DescriptionKeys.h"
-#include "model/PropertyList.h"
-#include "model/PropertyListText.h"
 #include "qt/toolkit/ForeignModule.h"
 #include "qt/toolkit/Text.h"
 #include "qt/toolkit/Views.h"
@@ -47,12 +46,6 @@ std::map<std::string, std::string, std::less<>> textsOf(const std::string& bundl
     return textsIn(bundle + "/Resources/" + language + ".lproj/Localizable.strings");
 }
 
-/// In whichever form it is written.
-Value infoIn(const std::string& bytes) {
-    const Value info = decodePropertyList(bytes);
-    return info.isPresent() ? info : decodePropertyListText(bytes);
-}
-
 }  // namespace
 
 Bundle::Bundle(std::string path, std::string plugInsPath, quorel::Bundles& bundles, OptionsForms& forms)
@@ -60,7 +53,7 @@ Bundle::Bundle(std::string path, std::string plugInsPath, quorel::Bundles& bundl
       _forms(forms),
       _path(std::move(path)),
       _plugInsPath(std::move(plugInsPath)),
-      _info(infoIn(contentsOf(_path + "/Resources/Info-gnustep.plist"))),
+      _info(informationDictionary(contentsOf(_path + "/Resources/Info-gnustep.plist"))),
       _texts(textsOf(_path)) {}
 
 /// A folder with a class of its own is known by its words: what the class would show is not to be had here.

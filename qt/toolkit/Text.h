@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLatin1String>
 #include <QString>
 #include <string>
 #include <string_view>
@@ -12,6 +13,10 @@ inline QString qString(std::string_view text) {
 }
 inline std::string stdString(const QString& text) {
     return text.toStdString();
+}
+/// For controls that take a letter behind "&" for their key.
+inline QString withoutMnemonics(QString text) {
+    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 }  // namespace quorel::qt

@@ -283,7 +283,7 @@ class CtlTest(CtlCase):
                          f"{gap}  uses the network\n{gap}  is root\n{gap}  writes /var/a\n"
                          f"{gap}  when missed, made up for within 60 minutes\n"
                          f"{SHOWN:{len(gap)}}  {'':{len(SLEEP)}}  cannot act: it does not say what action it is\n"
-                         f"{'C':{len(gap)}}  {'org.x.C':{len(SLEEP)}}  cannot act: others than root could have changed it\n")
+                         f"{'C':{len(gap)}}  {'org.x.C':{len(SLEEP)}}  cannot act: it is a link, or others than root could have changed it\n")
         self.assertIn("\nSauvegarder\ufffd", self.told("modules", language="fr"))
         self.assertEqual(json.loads(self.told("modules", "--json"))["modules"][1]["names"]["en"], "Back up")
 
@@ -296,7 +296,8 @@ class CtlTest(CtlCase):
                 ("Kind = number", "Kind = count", ["QuorelActionOptions 2 Kind means nothing there"]),
                 ("Default = 1", "Default = 1h", ["QuorelActionOptions 2 Default is of the wrong kind"]),
                 ("TimeLimit = 60", "TimeLimitt = 0; QuorelActionRunsAs = me",
-                 ["QuorelActionTimeLimitt means nothing there", "QuorelActionRunsAs makes no sense"]),
+                 ["QuorelActionRunsAs is there twice", "QuorelActionTimeLimitt means nothing there",
+                  "QuorelActionRunsAs makes no sense"]),
                 ("QuorelActionProgram = say", "QuorelActionProgram = other", ["its program is missing"]),
                 ("{", "", ["its information dictionary cannot be read"])):
             with self.subTest(by):
