@@ -4,12 +4,16 @@
 #include <array>
 #include <charconv>
 
+#include "model/PlainText.h"
+#include "model/Schedule.h"
 #include "model/Wire.h"
 #include "scheduler/Agenda.h"
 
 namespace quorel {
 
 namespace {
+
+namespace keys = wire::keys;
 
 /// What the descriptions say, for reading a list; nothing is ever run.
 class KnownActions : public Actions {
@@ -38,11 +42,17 @@ std::optional<std::uint64_t> digestIn(const std::string& token) {
 
 }  // namespace
 
-Forecast::Forecast(const Array& schedules, const ActionWords& actions, const Array& pauses)
+Forecast::Forecast(const Array& schedules, const ActionWords& actions, const Array& pauses, const Array& faults)
     : _entries(read(schedules, actions)) {
+    for (const Value& fault : faults) {
+        const std::int64_t number = fault[keys::kNumber].integer();
+        const bool isInList = number >= 1 && number <= std::ssize(_entries);
+        Entry* const entry = isInList ? &_entries[static_cast<std::size_t>(number - 1)] : nullptr;
+        if (entry && entry->action == fault[keys::kAction].text()) entry->fault = fault;
+    }
     std::vector<Pause> all;
     for (const Value& one : pauses)
-        all.push_back({.from = one[wire::keys::kFrom].integer(), .until = one[wire::keys::kUntil].integer()});
+        all.push_back({.from = one[keys::kFrom].integer(), .until = one[keys::kUntil].integer()});
     _pauses.restore(std::move(all));
 }
 
@@ -52,12 +62,15 @@ std::vector<Forecast::Entry> Forecast::read(const Array& schedules, const Action
     for (const Value& schedule : schedules) {
         const ListReading reading = readScheduleList(Array{schedule}, known);
         Entry& entry = entries.emplace_back();
+        entry.action = plainText(schedule[schedule_keys::kActionType].text());
         if (!reading.schedules.empty()) entry.reading = reading.schedules.front();
-        if (!reading.faults.empty()) entry.fault = reading.faults.front();
-        const bool hasDays =
-            !entry.reading || std::ranges::find(entry.reading->days, true) != entry.reading->days.end();
-        if (!hasDays) entry = {nullptr, ScheduleFault{0, entry.reading->action, "days"}};
-        if (entry.fault) entry.fault->number = entries.size();
+        if (reading.faults.empty()) continue;
+        Dictionary fault{{keys::kNumber, std::ssize(entries)},
+                         {keys::kAction, entry.action},
+                         {keys::kReason, reading.faults.front().reason}};
+        const ActionDescription* description = actions.description(schedule[schedule_keys::kActionType].text());
+        if (description) fault.set(keys::kNames, description->names);
+        entry.fault = std::move(fault);
     }
     return entries;
 }
@@ -83,10 +96,6 @@ std::optional<Instant> Forecast::next(std::size_t index, Instant now) const {
 std::string Forecast::token(std::size_t index, Instant now) const {
     const auto found = after(index, now);
     return found ? found->token() : std::string();
-}
-
-std::optional<ScheduleFault> Forecast::fault(std::size_t index) const {
-    return _entries[index].fault;
 }
 
 std::optional<std::size_t> Forecast::indexOf(const std::string& token, Instant due) const {

@@ -85,7 +85,7 @@ Value scheduleValue(const Value& schedule, std::size_t index, const Forecast& fo
     if (const Value& own = schedule[schedule_keys::kActionParameters]; own.isPresent()) value.set(kParameters, own);
     if (const std::string detail = detailOf(schedule, actions); !detail.empty()) value.set("Detail", detail);
     if (const auto next = forecast.next(index, now)) value.set("Next", *next);
-    if (const auto fault = forecast.fault(index)) value.set("Fault", fault->reason);
+    if (const Value& fault = forecast.fault(index); fault.isPresent()) value.set("Fault", fault[wire::keys::kReason]);
     return value;
 }
 

@@ -36,24 +36,23 @@ Instant now() {
     return std::time(nullptr);
 }
 
-std::string faultSentence(const ScheduleFault& fault) {
-    return faultText(Dictionary{{keys::kNumber, static_cast<std::int64_t>(fault.number)},
-                                {keys::kAction, fault.action},
-                                {keys::kReason, fault.reason}});
-}
+/// What the daemon tells beside the list; nothing where it does not run.
+struct Told {
+    Array pauses, faults;
+};
 
-/// Those that the daemon tells; none where it does not run.
-Array pausesNow() {
+Told toldNow() {
     DaemonClient daemon;
-    return askForList(daemon, wire::scheduler::kPauses).value.array();
+    return {askForList(daemon, wire::scheduler::kPauses).value.array(),
+            daemon.ask(wire::scheduler::kStatus).value[keys::kFaults].array()};
 }
 
 /// " Next: today 23:15, in 5 h 31 min." Or why not.
 std::string nextSentence(const Forecast& forecast, std::size_t index) {
     if (const auto next = forecast.next(index, now()))
         return " " + filled(translated("Next: {1}."), {comingText(*next, now())});
-    const auto fault = forecast.fault(index);
-    return fault ? " " + filled(translated("But {1}."), {faultSentence(*fault)}) : std::string();
+    const Value& fault = forecast.fault(index);
+    return fault.isPresent() ? " " + filled(translated("But {1}."), {faultText(fault)}) : std::string();
 }
 
 /// The words of a command line, each in a column of its own counting.
@@ -147,7 +146,8 @@ ExitStatus store(const Plan& plan, const Array& schedules, const std::vector<std
         if (index < plan.schedules().size()) before.push_back(lineOf(plan.schedules()[index], plan.actions()));
     if (const auto status = plan.saveSchedules(schedules); status != ExitStatus::kDone) return status;
     const Plan stored(line.root);
-    const Forecast forecast(stored.schedules(), stored.actions(), pausesNow());
+    const Told fromDaemon = toldNow();
+    const Forecast forecast(stored.schedules(), stored.actions(), fromDaemon.pauses, fromDaemon.faults);
     const Page page;
     Array values;
     for (const std::size_t index : changed) {
@@ -187,8 +187,8 @@ ExitStatus listPlan(const CommandLine& line) {
     if (!line.arguments.empty()) return misused(translated("Too many arguments."));
     const Plan plan(line.root);
     const Page page;
-    const Array pauses = pausesNow();
-    const Forecast forecast(plan.schedules(), plan.actions(), pauses);
+    const auto [pauses, faults] = toldNow();
+    const Forecast forecast(plan.schedules(), plan.actions(), pauses, faults);
     if (plan.isUnreadable()) complain(translated("The plan in place cannot be read."));
     Array values;
     std::vector<std::vector<std::string>> rows;
@@ -199,19 +199,19 @@ ExitStatus listPlan(const CommandLine& line) {
             continue;
         }
         const auto next = forecast.next(i, now());
-        const auto fault = forecast.fault(i);
+        const Value& fault = forecast.fault(i);
         const bool isOn = schedule[schedule_keys::kIsEnabled].intValue() != 0;
         const std::string detail = detailOf(schedule, plan.actions());
-        const std::string when = next    ? whenText(*next, now())
-                                 : fault ? translated("never")
-                                         : std::string(isOn ? "" : translated("switched off"));
+        const std::string when = next                ? whenText(*next, now())
+                                 : fault.isPresent() ? translated("never")
+                                                     : std::string(isOn ? "" : translated("switched off"));
         const std::string what = nameOfAction(schedule, plan.actions()) + (detail.empty() ? "" : ", " + detail);
         const std::string number = std::to_string(i + 1), days = daysText(daysOf(schedule));
         if (page.isNarrow())
             rows.insert(rows.end(), {{number, timeOf(schedule), days}, {what}, {when}});
         else
             rows.push_back({number, isOn ? translated("on") : translated("off"), timeOf(schedule), days, when, what});
-        if (fault) rows.push_back({faultSentence(*fault)});
+        if (fault.isPresent()) rows.push_back({faultText(fault)});
     }
     if (line.json) {
         page.line(jsonOutput(Dictionary{{"Schedules", values}, {wire::scheduler::kPauses, pauses}}));

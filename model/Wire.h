@@ -183,6 +183,7 @@ namespace schedule_fault {
 
 inline constexpr std::string_view kHour = "hour";        ///< not 0 to 23
 inline constexpr std::string_view kMinute = "minute";    ///< not 0 to 59
+inline constexpr std::string_view kDays = "days";        ///< none
 inline constexpr std::string_view kAction = "action";    ///< there is none of this type
 inline constexpr std::string_view kProgram = "program";  ///< its module has nothing to run
 inline constexpr std::string_view kUntil = "until";      ///< of staying awake: no time of day, or that of its beginning

@@ -145,6 +145,8 @@ ListReading readScheduleList(const Value& list, const Actions& actions, const De
             result.faults.push_back({number, plainText(reading->action), fault});
             continue;
         }
+        if (std::ranges::find(reading->days, true) == reading->days.end())
+            result.faults.push_back({number, plainText(reading->action), wire::schedule_fault::kDays});
         if (reading->kind == ActionKind::kSleep && denied.count(reading->sleepKind) > 0)
             result.faults.push_back({number, plainText(reading->action), wire::schedule_fault::kDenied});
         reading->digest = Digest()

@@ -36,7 +36,7 @@ struct ScheduleReading {
     bool isPower() const { return kind == ActionKind::kShutDown || kind == ActionKind::kSleep; }
 };
 
-/// Why a Schedule of the list never runs, or, for a denied kind of sleep, not as things stand.
+/// Why a Schedule of the list never runs, but when it is tried, or, for a denied kind of sleep, not as things stand.
 struct ScheduleFault {
     std::size_t number = 0;  ///< its place in the list, from 1
     std::string action;
@@ -46,7 +46,7 @@ struct ScheduleFault {
 
 struct ListReading {
     std::vector<std::shared_ptr<const ScheduleReading>> schedules;  ///< those that can run, in list order
-    std::vector<ScheduleFault> faults;  ///< of enabled ones; a sleep of a denied kind is in both
+    std::vector<ScheduleFault> faults;  ///< of enabled ones; without a day or of a denied kind, they are in both
 };
 
 /// Reads whatever stands under "Schedule Array"; anything but an array is an empty list.

@@ -64,6 +64,7 @@ constexpr Text kReasons[] = {
 constexpr Text kFaults[] = {
     {wire::schedule_fault::kHour, marked("its hour is not between 0 and 23")},
     {wire::schedule_fault::kMinute, marked("its minute is not between 0 and 59")},
+    {wire::schedule_fault::kDays, marked("no day is chosen")},
     {wire::schedule_fault::kAction, marked("there is no such action")},
     {wire::schedule_fault::kProgram, marked("its module has nothing to run")},
     {wire::schedule_fault::kUntil, marked("the time of day at which it ends is none, or that at which it begins")},

@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "model/Dictionary.h"
+#include "model/PlainText.h"
 #include "model/Schedule.h"
 #include "model/Upcoming.h"
 #include "model/Wire.h"
@@ -15,6 +16,16 @@
 namespace quorel::qt {
 
 namespace {
+
+/// What the daemon has found wrong with an action of the plan; what it does not know of is known.
+std::string faultOfAction(const std::string& action, const Value& status) {
+    for (const Value& fault : status[wire::keys::kFaults].array()) {
+        const std::string& reason = fault[wire::keys::kReason].text();
+        const bool isOfAction = reason == wire::schedule_fault::kAction || reason == wire::schedule_fault::kProgram;
+        if (isOfAction && fault[wire::keys::kAction].text() == plainText(action)) return reason;
+    }
+    return {};
+}
 
 /// Whatever a Schedule does, it is known: only when is asked here.
 class AnyAction : public Actions {
@@ -30,19 +41,14 @@ Forecast::Answer Forecast::of(const Value& schedule, const DaemonClient::Told& t
     answer.isOff = schedule[schedule_keys::kIsEnabled].intValue() == 0;
     if (answer.isOff) return answer;
     const ListReading reading = readScheduleList(Array{schedule}, AnyAction(), denied);
-    if (!reading.faults.empty()) {
-        answer.reason = reading.faults.front().reason;
-        answer.fault = faultReasonText(answer.reason);
-    }
-    if (reading.schedules.empty()) return answer;
+    answer.reason = faultOfAction(schedule[schedule_keys::kActionType].text(), told.status);
+    const bool isOfAction = !answer.reason.empty();
+    if (!isOfAction && !reading.faults.empty()) answer.reason = reading.faults.front().reason;
+    if (!answer.reason.empty()) answer.fault = faultReasonText(answer.reason);
+    if (isOfAction || reading.schedules.empty()) return answer;
     const Agenda agenda(_calendar, reading.schedules);
     const std::string& action = reading.schedules.front()->action;
     auto next = agenda.after(std::time(nullptr), 1);
-    if (next.empty()) {
-        answer.reason = kNoDay;
-        answer.fault = translated("no day is chosen");
-        return answer;
-    }
     const auto leftOut = [&] {
         return next.empty() ? std::nullopt
                             : leftOutUntil(told.upcoming.array(), told.pauses.array(), next.front().due, action);

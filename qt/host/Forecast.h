@@ -13,11 +13,10 @@ class Forecast {
 public:
     struct Answer {
         std::optional<Instant> at;  ///< nothing: never
-        std::string reason;         ///< of a fault, as `wire::schedule_fault` has it, or kNoDay
+        std::string reason;         ///< of a fault, as `wire::schedule_fault` has it
         std::string fault;          ///< why it never comes, or will not do; empty where it is only switched off
         bool isOff = false;
     };
-    inline static constexpr std::string_view kNoDay = "days";
 
     /// By what the daemon tells of pauses, skips and postponements, and the system of kinds of sleep.
     Answer of(const Value& schedule, const DaemonClient::Told& told, const DeniedKinds& denied) const;

@@ -126,7 +126,7 @@ void EditSheet::showFault(const std::string& reason, const QString& text) {
     OptionForm* const options = form();
     const bool isOptions = options && options->showFault(reason, text);
     for (QLabel* label : {_daysFault, _fault}) {
-        const bool isDays = reason == Forecast::kNoDay;
+        const bool isDays = reason == wire::schedule_fault::kDays;
         const bool fits = !isOptions && isDays == (label == _daysFault);
         label->setText(fits ? text : QString());
         label->setVisible(!label->text().isEmpty());

@@ -75,6 +75,7 @@ TEST(Reading, Values) {
         {every("Plain", 1, 1, {{"Needs Wake Up", 7}}), "1:1 wakes"},
         {every("ShutDown", 1, 1, {{"Restart", true}}), "1:1 restarts"},
         {every("Empty", 1, 1), "program"},
+        {Dictionary{{"Is Enabled", 1}, {"Action Type", schedule_keys::kSleepType}}, "0:0 days"},
         {with("x", 1), "23:5 idle 900"},
         {with("Idle Minutes", "20 minutes"), "23:5 idle 1200"},
         {with("Idle Minutes", 0), "23:5 idle 60"},
@@ -89,6 +90,7 @@ TEST(Reading, Values) {
             said += std::string(one->wakes ? " wakes" : "") + (one->starts ? " starts" : "");
             said += std::string(one->restarts ? " restarts" : "");
             if (one->idle) said += " idle " + std::to_string(one->idle);
+            if (!reading.faults.empty()) said += " " + std::string(reading.faults[0].reason);
         }
         EXPECT_EQ(said, row.said);
     }
