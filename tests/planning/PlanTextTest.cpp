@@ -15,10 +15,13 @@ namespace quorel {
 namespace {
 
 ActionDescription describe(const char* type, const Value& options, const Dictionary& besides = {}) {
-    Value said = Dictionary{{"QuorelActionFormat", 1},       {"VXEditClass", "VXDescribedPlugIn"},
-                            {"QuorelActionType", type},      {"QuorelActionNames", Dictionary{{"en", "x"}}},
-                            {"QuorelActionProgram", "x"},    {"QuorelActionRunsAs", "user"},
+    Value said = Dictionary{{"QuorelActionFormat", 1},
+                            {"VXEditClass", "VXDescribedPlugIn"},
+                            {"QuorelActionType", type},
+                            {"QuorelActionNames", Dictionary{{"en", "x"}}},
                             {"QuorelActionOptions", options}};
+    if (std::string_view(type).starts_with("org."))  // the others the daemon carries out
+        said = said.with("QuorelActionProgram", "x").with("QuorelActionRunsAs", "user");
     for (std::size_t i = 0; i < besides.size(); ++i) said = said.with(besides.keyAt(i), besides.valueAt(i));
     return ActionDescription::from("x.vxplugin", said);
 }
