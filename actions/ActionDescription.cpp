@@ -108,16 +108,20 @@ std::string ActionDescription::line(const Value& stored, std::string_view langua
     return plainText(line);
 }
 
-std::optional<Value> ActionDescription::withWords(const Value& stored, std::span<const std::string> words) const {
+std::optional<Value> ActionDescription::withWords(const Value& stored, std::span<const std::string> typed) const {
     Value result = stored;
+    std::span<const std::string> words = typed;
     for (const Option& option : options) {
         if (!option.takesWords || words.empty()) continue;
-        const std::size_t count = option.kind == OptionKind::kLines ? words.size() : 1;
-        const auto own = words.first(count);
-        if (std::ranges::any_of(own, [](const std::string& word) { return word.find('\n') != std::string::npos; }))
-            return {};
-        words = words.subspan(count);
-        const auto value = option.valueOf(option.kind == OptionKind::kLines ? textOfLines(own) : own.front());
+        const bool isLines = option.kind == OptionKind::kLines, isProse = isLines && words.size() == typed.size();
+        const auto own = words.first(isLines ? words.size() : 1);
+        words = words.subspan(own.size());
+        const auto hasLineEnd = [](const std::string& word) { return word.find('\n') != std::string::npos; };
+        if (!isProse && std::ranges::any_of(own, hasLineEnd)) return {};
+        std::string text = isLines && !isProse ? textOfLines(own) : own.front();
+        for (const std::string& word : own.subspan(1))
+            if (isProse) text.append(" ").append(word);
+        const auto value = option.valueOf(text);
         if (!value) return {};
         result = result.with(option.key, *value);
     }

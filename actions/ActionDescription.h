@@ -84,8 +84,9 @@ struct ActionDescription {
     Value completed(const Value& parameters) const;
     /// What it does, in one line. The parameters are completed first.
     std::string line(const Value& parameters, std::string_view language) const;
-    /// The parameters with the words that somebody typed after "--": a text takes one of them, lines take all that are
-    /// left. Nothing where a word is unfit or nobody takes it.
+    /// The parameters with the words that somebody typed after "--": a text takes one of them; lines behind it all that
+    /// are left, a line each; lines that come first take all, as one text, which is prose then. Nothing where a word is
+    /// unfit or nobody takes it.
     std::optional<Value> withWords(const Value& parameters, std::span<const std::string> words) const;
     /// As the daemon tells it of its modules.
     Value value() const;

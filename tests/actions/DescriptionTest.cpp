@@ -100,6 +100,9 @@ TEST(Description, TakesWordsAsTheyAreTyped) {
     EXPECT_EQ(action.withWords(given, Words{"small", "--all", "a b"}),
               Value(Dictionary{{"Cup", "small"}, {"Guests", "--all\na b"}}));
     EXPECT_FALSE(action.withWords(given, Words{"small", "a\nb"}));
+    ActionDescription prose = action;
+    prose.options.erase(prose.options.end() - 2);
+    EXPECT_EQ(prose.withWords({}, Words{"Tea", "is\nready"}), Value(Dictionary{{"Guests", "Tea is\nready"}}));
     EXPECT_FALSE(ActionDescription().withWords(given, Words{"a"}));
 }
 
