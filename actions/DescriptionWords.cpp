@@ -41,7 +41,8 @@ bool isDecimal(const Value& value, int& number) {
 }  // namespace
 
 void DescriptionWords::require(std::string_view key) {
-    if (!has(key)) fault(kMissing, key);
+    const Value& value = _dictionary[key];
+    if (value.isAbsent() || (value.isDictionary() && value.dictionary().size() == 0)) fault(kMissing, key);
 }
 
 void DescriptionWords::allowOnly(std::initializer_list<std::string_view> known, std::string_view beginning) {
@@ -78,7 +79,6 @@ Dictionary DescriptionWords::texts(std::string_view key) {
     if (value.isPresent() && !value.isDictionary()) fault(kKind, key);
     const Dictionary& given = value.dictionary();
     if (given.size() > description_keys::kMostNames) fault(kTooMany, key);
-    if (value.isDictionary() && given.size() == 0) fault(kMissing, key);
     Dictionary texts;
     for (std::size_t i = 0; i < std::min(given.size(), description_keys::kMostNames); ++i) {
         const std::string language = plainText(given.keyAt(i));

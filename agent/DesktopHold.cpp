@@ -10,7 +10,8 @@ namespace quorel {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{30};
+// Whatever is answered late is held, too, and can be let go of; a program that goes ends the call.
+constexpr std::chrono::hours kPatience{24};
 constexpr const char* kWho = "Quorel";
 
 // "The session is not to be taken for idle", by which the screen stays on. To forbid sleep alone is no way: GNOME

@@ -14,6 +14,7 @@
 #include "ctl/Selection.h"
 #include "linux/time/SystemCalendar.h"
 #include "model/Dictionary.h"
+#include "model/Upcoming.h"
 #include "model/Wire.h"
 #include "planning/TimeWords.h"
 #include "scheduler/Rules.h"
@@ -78,6 +79,16 @@ Array chosenPauses(const Array& pauses, const std::string& name) {
     return begun.size() == 1 ? begun : Array();
 }
 
+/// " Another pause goes on until …", where one does.
+std::string longerPause(Instant until, Instant now) {
+    DaemonClient daemon;
+    const Answer told = askForList(daemon, wire::scheduler::kPauses);
+    const Value around = pauseAround(told.value.array(), until);
+    if (around.isAbsent()) return {};
+    return " " +
+           filled(translated("Another pause goes on until {1}."), {comingText(around[keys::kUntil].integer(), now)});
+}
+
 }  // namespace
 
 ExitStatus pausePlan(const CommandLine& line) {
@@ -103,7 +114,7 @@ ExitStatus pausePlan(const CommandLine& line) {
     text.append(" ").append(next.isAbsent() ? std::string(translated("Nothing is planned after that."))
                                             : filled(translated("First after that: {1}, {2}."),
                                                      {actionName(next), whenText(next[keys::kAt].integer(), now)}));
-    page.line(text);
+    page.line(text + longerPause(answer.value[keys::kUntil].integer(), now));
     return ExitStatus::kDone;
 }
 

@@ -1,6 +1,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -157,6 +158,14 @@ bool openEditor(const std::string& path) {
 }
 
 /// The text with what is wrong below each line that is refused, and without what was said there before.
+/// What somebody has just typed can be mended at once.
+std::vector<TextFault> faultsAndRemarks(const PlanReading& reading) {
+    std::vector<TextFault> all = reading.faults;
+    all.insert(all.end(), reading.remarks.begin(), reading.remarks.end());
+    std::ranges::stable_sort(all, {}, &TextFault::line);
+    return all;
+}
+
 std::string markedText(const std::string& text, const std::vector<TextFault>& faults) {
     std::string result;
     std::size_t number = 0;
@@ -217,6 +226,7 @@ ExitStatus importPlan(const CommandLine& line) {
         complain(translated("Nothing is stored."));
         return status;
     }
+    refuseWords(reading.remarks, path);  // told, but taken: whoever has exported them has them
     return take(plan, reading.preferences, line);
 }
 
@@ -236,14 +246,15 @@ ExitStatus editPlan(const CommandLine& line) {
             return ExitStatus::kFailed;
         }
         const PlanReading reading = readPlanText(contents.text, plan.preferences(), plan.actions());
-        if (reading.faults.empty()) {
+        const std::vector<TextFault> faults = faultsAndRemarks(reading);
+        if (faults.empty()) {
             const ExitStatus status = take(plan, reading.preferences, line);
             if (status != ExitStatus::kDone) draft.keep();
             return status;
         }
-        refuseWords(reading.faults, draft.path());
-        const bool isEmpty = reading.faults.front().code == text_fault::kEmpty;
-        const bool isMarked = !isEmpty && draft.replace(markedText(contents.text, reading.faults));
+        refuseWords(faults, draft.path());
+        const bool isEmpty = faults.front().code == text_fault::kEmpty;
+        const bool isMarked = !isEmpty && draft.replace(markedText(contents.text, faults));
         if (isMarked && wantsToMend()) continue;
         complain(translated("Nothing is stored."));
         if (!isEmpty) draft.keep();

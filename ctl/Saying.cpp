@@ -130,8 +130,12 @@ ExitStatus unskip(const CommandLine& line) {
 
 ExitStatus postpone(const CommandLine& line) {
     CommandLine named = line;
-    const auto length = line.arguments.empty() ? std::nullopt : lengthOfWord(line.arguments.back());
+    auto length = line.arguments.empty() ? std::nullopt : lengthOfWord(line.arguments.back());
     if (length) named.arguments.pop_back();
+    if (!length && line.arguments.size() > 1) {  // "2 hours"
+        length = lengthOfWord(*(line.arguments.end() - 2) + line.arguments.back());
+        if (length) named.arguments.resize(line.arguments.size() - 2);
+    }
     const bool isNamed =
         line.arguments.size() == 2 && (isToken(line.arguments[0]) || numberIn(line.arguments[0], kMany));
     if (isNamed && !length)

@@ -7,9 +7,13 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <set>
+#include <string>
 #include <utility>
 
+#include "model/ActionParameters.h"
 #include "model/Preferences.h"
+#include "model/Schedule.h"
 #include "planning/ScheduleWords.h"
 #include "planning/ShellWords.h"
 
@@ -80,8 +84,9 @@ class Stored {
 public:
     Stored(const Value& preferences, const ActionWords& actions) : _actions(actions) {
         for (const Value& schedule : preferences[preferences::kScheduleArray].array())
-            _left[lineOf(schedule, actions)].push_back(schedule);
+            _left[lineOf(schedule, actions)].push_back(schedule), _programs.insert(programOf(schedule));
     }
+    bool hasProgramOf(const Value& schedule) const { return _programs.contains(programOf(schedule)); }
     /// Nothing where there is none, or no more.
     std::optional<Value> like(const Value& schedule) {
         auto& left = _left[lineOf(schedule, _actions)];
@@ -92,8 +97,14 @@ public:
     }
 
 private:
+    static std::string programOf(const Value& schedule) {
+        const Value& own = schedule[schedule_keys::kActionParameters];
+        return schedule[schedule_keys::kActionType].text() + '\n' + own[parameters::kProgram].text();
+    }
+
     const ActionWords& _actions;
     std::map<std::string, std::deque<Value>> _left;
+    std::set<std::string> _programs;
 };
 
 std::vector<std::string> linesOf(const Value& preferences, const ActionWords& actions) {
@@ -136,7 +147,7 @@ std::string planText(const Value& preferences, const ActionWords& actions) {
 
 PlanReading readPlanText(std::string_view text, const Value& preferences, const ActionWords& actions) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    PlanReading result{preferences, {}};
+    PlanReading result{preferences, {}, {}};
     Stored stored(preferences, actions);
     Array schedules;
     bool isEmpty = true;
@@ -154,8 +165,10 @@ PlanReading readPlanText(std::string_view text, const Value& preferences, const 
         } else if (!line.words.empty()) {
             const Value schedule = scheduleOf(line.words, actions, result.faults);
             const auto same = stored.like(schedule);
-            const auto fault = same || schedule.isAbsent() ? std::nullopt : programFault(schedule, line.words, actions);
-            if (fault) result.faults.push_back(*fault);
+            const bool isOld = same || schedule.isAbsent() || stored.hasProgramOf(schedule);
+            auto remark = isOld ? std::nullopt : programFault(schedule, line.words, actions);
+            if (remark) remark->line = number;
+            if (remark) result.remarks.push_back(std::move(*remark));
             if (schedule.isPresent()) schedules.push_back(same.value_or(schedule));
         }
         for (std::size_t i = before; i < result.faults.size(); ++i) result.faults[i].line = number;

@@ -17,8 +17,9 @@ namespace quorel {
 std::string planText(const Value& preferences, const ActionWords& actions);
 
 struct PlanReading {
-    Value preferences;              ///< absent where there are faults
-    std::vector<TextFault> faults;  ///< all of them, in order
+    Value preferences;               ///< absent where there are faults
+    std::vector<TextFault> faults;   ///< all of them, in order
+    std::vector<TextFault> remarks;  ///< what can be stored, as others have done, and can only fail; in order
 };
 /// `preferences` with the Schedules that the text says, and the options that it names. A Schedule that reads the same
 /// as one of `preferences` is that one, kinds of values included: what planText has written changes nothing.

@@ -152,8 +152,8 @@ void Scheduler::start(ClockReading now, const Value& list, const Value& stored, 
 
 void Scheduler::listSaved(ClockReading now, const Value& list) {
     process(now, [this, list] {
+        if (!_saved) _savedAt = _clock.read().boot;  // from then on nobody has the list of before
         _saved = list;
-        _savedAt = _clock.read().boot;
         _changed = true;
     });
 }
@@ -164,12 +164,12 @@ void Scheduler::zoneChanged(ClockReading now) {
 
 /// By the list and the zone of before: a list counts from when it was saved, a zone from now on.
 Instant Scheduler::plannedUpTo() const {
-    return _saved && !_zoneChanged ? now() - (_clock.read().boot - _savedAt) / 1000 : now();
+    return _saved ? now() - (_clock.read().boot - _savedAt) / 1000 : now();
 }
 
 /// What was due before has been seen to.
 void Scheduler::takeOverSaved() {
-    _watermark = std::max(_watermark, plannedUpTo());
+    _watermark = std::max(_watermark, _zoneChanged ? now() : plannedUpTo());
     if (std::exchange(_zoneChanged, false)) _world.calendar.refresh();
     if (_saved) {
         takeList(*std::exchange(_saved, std::nullopt));

@@ -18,6 +18,7 @@ constexpr auto kPersonsPatience = 10min;
 constexpr auto kPause = 300ms;
 constexpr auto kRetry = 1min;
 constexpr unsigned kMostUpcoming = 20;
+constexpr const char* kSaid = "said ";  // before the keys of what people have said
 constexpr DaemonClient::Interface kScheduler{wire::scheduler::kPath, wire::scheduler::kInterface};
 
 BusConnection connectIfThere(EventLoop& loop) try {
@@ -59,7 +60,8 @@ void DaemonClient::watch(const Interface& interface) {
 }
 
 void DaemonClient::ownerChanged(bool isThere) {
-    _calls.clear();
+    // What people have said ends with an error from the bus.
+    std::erase_if(_calls, [](const auto& call) { return !call.first.starts_with(kSaid); });
     _missing = 0;
     _told = {.isFetched = !isThere};
     if (_callbacks.ownerChanged) _callbacks.ownerChanged();
@@ -151,7 +153,7 @@ void DaemonClient::resume(const std::string& token, Done done) {
 
 void DaemonClient::ask(const std::string& key, const BusMessagePointer& call, Done done) {
     sd_bus_message_set_allow_interactive_authorization(call.get(), _needs.asksPeople);
-    send(key, call, _needs.asksPeople ? kPersonsPatience : kPatience,
+    send(std::string(kSaid) + key, call, _needs.asksPeople ? kPersonsPatience : kPatience,
          [this, done = std::move(done)](sd_bus_message* reply) {
              done(errorOf(reply));
              fetch();

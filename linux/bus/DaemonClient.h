@@ -37,7 +37,7 @@ public:
         std::function<void()> alsoRead = {};      ///< within a fetch: the program's own reads
         std::function<void()> ownerChanged = {};  ///< another daemon, or none
     };
-    /// Later, once; the error is none where it was done.
+    /// Later, once; the error is none where it was done. Not where the same is said again meanwhile.
     using Done = std::function<void(const BusError&)>;
     struct Interface {
         const char* path;

@@ -7,15 +7,19 @@ namespace quorel::qt {
 
 namespace {
 
-/// The text with the mark before its first letter that nobody has; without one where all are taken.
+/// The text with the mark before its first letter that nobody has; without one where all are taken. Two marks are the
+/// character itself.
 QString marked(QString text, QString& taken) {
-    text.remove(QLatin1Char('&'));
+    const QLatin1String mark("&"), character("&&");
+    const QChar noCharacter(0xFFFF);
+    text.replace(character, noCharacter).remove(mark);
     for (int place = 0; place < text.size(); ++place) {
         if (!text[place].isLetter() || taken.contains(text[place], Qt::CaseInsensitive)) continue;
         taken.append(text[place]);
-        return text.insert(place, QLatin1Char('&'));
+        text.insert(place, mark);
+        break;
     }
-    return text;
+    return text.replace(noCharacter, character);
 }
 
 }  // namespace

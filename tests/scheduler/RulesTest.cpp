@@ -435,6 +435,7 @@ const Row kRows[] = {
     {"the kernel up after the minute", "from 6:00 WakeUp@7:00/start; unset; off 3650; until 7:02", "07:01:30 started WakeUp 07:00; 07:01:30 keep awake"},
     {"saved in the first minute: it counts from then on, and what was before it up to then", "from 6:00 Plain@6:09 Plain1@6:10; unset; off 580; save Plain2@6:10; until 6:11",
      "06:10:20 start Plain; 06:10:20 start Plain2; 06:10:30 ran Plain 06:09; 06:10:30 ran Plain2 06:10"},
+    {"saved twice in the first minute, and the zone set", "from 6:00 Plain@6:10; unset; off 590; save; until 6:10:05; save Plain2@9:00; zone UTC; until 6:12", ""},
     {"down again in the first minute", "from 6:00 WakeUp@7:00/start; unset; off 600; goes-down; alarms", "06:10 alarms 07:00, 06:58"},
     {"set in the first minute: the start-up alarm stands right at once", "from 6:00 WakeUp@7:00/start; unset; off 600; set 600; alarms", "06:20 alarms 07:00, 06:58"},
     {"saved in the first minute: the alarms are already those of the new list",
