@@ -218,10 +218,16 @@ bool OptionForm::showFault(const std::string& reason, const QString& text) {
 void OptionForm::checkFiles() {
     for (const Field& field : _fields) {
         if (!field.option.isFile) continue;
-        const QString path = qString(field.get().text());
-        const bool isMissing = path.startsWith(QLatin1Char('/')) && !QFileInfo::exists(path);
-        field.fault->setText(isMissing ? qString(translated("there is no such file")) : QString());
-        field.fault->setVisible(isMissing);
+        const std::string path = field.get().text();
+        const bool isWhole = path.starts_with('/'), isMissing = isWhole && !QFileInfo::exists(qString(path));
+        const bool isNone = field.option.key == parameters::kProgram && !path.empty() && !isWhole && path[0] != '~';
+        std::string fault;
+        if (isMissing) fault = translated("there is no such file");
+        if (isNone)
+            fault = filled(translated("\"{1}\" is no whole path of a program, as /usr/bin/rsync or ~/bin/backup.sh."),
+                           {path});
+        field.fault->setText(qString(fault));
+        field.fault->setVisible(!fault.empty());
     }
 }
 
