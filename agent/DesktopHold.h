@@ -26,9 +26,9 @@ private:
     };
     struct Hold {
         const Means& means;
-        BusSlot owner;
-        BusSlot call;                         // while it is asked for
-        std::optional<std::uint32_t> number;  // while it is held
+        BusSlot owner{};
+        BusSlot call{};                         // while it is asked for
+        std::optional<std::uint32_t> number{};  // while it is held
     };
     static const Means kMeans[];
 

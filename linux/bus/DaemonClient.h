@@ -25,7 +25,7 @@ public:
     struct Told {
         bool isThere = false;    ///< it has answered
         bool isFetched = false;  ///< whether it is there is known
-        Value upcoming, outcomes, status, pauses;
+        Value upcoming{}, outcomes{}, status{}, pauses{};
     };
     struct Needs {
         unsigned outcomes;  ///< the last so many
