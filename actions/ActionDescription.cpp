@@ -46,7 +46,7 @@ std::string shownValue(const Option& option, const Value& value, std::string_vie
     }
     const std::string& text = value.text();
     // Of a file its name does.
-    const bool isPath = option.isFile && (text.starts_with('/') || text.starts_with("~/")) && !text.ends_with('/');
+    const bool isPath = option.isFile && isWholePath(text) && !text.ends_with('/');
     return isPath ? text.substr(text.rfind('/') + 1) : text;
 }
 

@@ -85,7 +85,7 @@ void Agent::daemonChanged() {
 
 void Agent::say(const TrayContent::Choice& choice) {
     using Choice = TrayContent::Choice;
-    DaemonClient& plan = _daemon.plan();
+    DaemonView& plan = _daemon.plan();
     if (choice.what == Choice::kSkip) plan.skip(choice.token, logRefusal);
     if (choice.what == Choice::kUnskip) plan.unskip(choice.token, logRefusal);
     if (choice.what == Choice::kPostpone) plan.postpone(choice.token, logRefusal, choice.length);

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 constexpr auto kPatience = 20s;
 constexpr auto kRetry = 1min;
 constexpr unsigned kMostOutcomes = 8;
-constexpr DaemonClient::Interface kAgents{wire::agents::kPath, wire::agents::kInterface};
+constexpr DaemonView::Interface kAgents{wire::agents::kPath, wire::agents::kInterface};
 
 std::string ownName(sd_bus* bus) {
     const char* name = nullptr;

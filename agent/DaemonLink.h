@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "linux/bus/DaemonClient.h"
+#include "linux/bus/DaemonView.h"
 #include "linux/bus/PolkitQuestion.h"
 #include "model/Wire.h"
 
@@ -27,7 +27,7 @@ public:
     DaemonLink(EventLoop& loop, Callbacks callbacks);
     DaemonLink(const DaemonLink&) = delete;
 
-    DaemonClient& plan() { return _plan; }
+    DaemonView& plan() { return _plan; }
     bool isThere() const { return _plan.told().isThere; }
     const Array& upcoming() const { return _plan.told().upcoming.array(); }
     const Array& pauses() const { return _plan.told().pauses.array(); }
@@ -53,7 +53,7 @@ private:
     void watchLogins(EventLoop& loop);
 
     const Callbacks _callbacks;
-    DaemonClient _plan;
+    DaemonView _plan;
     const std::string _name;  // this program's, on the bus
     std::unique_ptr<sd_login_monitor, Release<sd_login_monitor_unref>> _logins;
     EventSource _loginSource;

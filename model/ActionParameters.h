@@ -28,7 +28,7 @@ inline constexpr std::string_view kAsTheSystemDoes = "system";  ///< whichever t
 
 inline constexpr std::string_view kUntil = "Until";  ///< text: the time of day (TimeOfDay.h) until which it stays awake
 
-inline constexpr std::string_view kProgram = "Program";      ///< text: the absolute path of a program to run
+inline constexpr std::string_view kProgram = "Program";      ///< text: the whole path of a program to run
 inline constexpr std::string_view kArguments = "Arguments";  ///< text: its arguments, one a line
 
 inline constexpr std::string_view kTarget = "Target";  ///< text: an application, a file or a web address to open
@@ -36,5 +36,10 @@ inline constexpr std::string_view kTitle = "Title";    ///< text: of a message
 inline constexpr std::string_view kText = "Text";      ///< text: of a message, of several lines perhaps
 
 }  // namespace parameters
+
+/// Whether a program or a file is named by it wherever one is: from the root on, or from the user's home folder.
+constexpr bool isWholePath(std::string_view path) {
+    return path.starts_with('/') || path.starts_with("~/");
+}
 
 }  // namespace quorel

@@ -316,7 +316,7 @@ std::optional<TextFault> programFault(const Value& schedule, std::span<const Wor
     const ActionDescription* description = actions.description(schedule[keys::kActionType].text());
     const Option* option = description ? description->option(parameters::kProgram) : nullptr;
     const std::string& program = schedule[keys::kActionParameters][parameters::kProgram].text();
-    if (!option || !option->isFile || program.starts_with('/') || program.starts_with("~/")) return {};
+    if (!option || !option->isFile || isWholePath(program)) return {};
     const auto said = std::ranges::find_if(words, [&](const Word& word) { return word.text.ends_with(program); });
     const std::size_t column = said == words.end() ? 1 : said->column;
     return TextFault{program.empty() ? text_fault::kNoProgram : text_fault::kProgram, program, {}, column};

@@ -142,8 +142,8 @@ int run(int argc, char** argv) {
     const auto look = [&shown] {
         if (shown) shown->lookAtPrograms();
     };
-    DaemonClient plan(bus.loop(), {.outcomes = wire::scheduler::kMostOutcomes, .status = true, .asksPeople = true},
-                      {.changed = show, .ownerChanged = look});
+    DaemonView plan(bus.loop(), {.outcomes = wire::scheduler::kMostOutcomes, .status = true, .asksPeople = true},
+                    {.changed = show, .ownerChanged = look});
     const BusSlot agent = watchOwner(one.bus(), std::string(kUserAgentName), [look](const std::string&) { look(); });
     plan.fetch();
     SettingsWindow window(plan, QString::fromUtf8(product::kCopyright), qString(resources + "/Resources/Quorel.png"));

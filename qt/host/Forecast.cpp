@@ -36,7 +36,7 @@ class AnyAction : public Actions {
 
 }  // namespace
 
-Forecast::Answer Forecast::of(const Value& schedule, const DaemonClient::Told& told, const DeniedKinds& denied) const {
+Forecast::Answer Forecast::of(const Value& schedule, const DaemonView::Told& told, const DeniedKinds& denied) const {
     Answer answer;
     answer.isOff = schedule[schedule_keys::kIsEnabled].intValue() == 0;
     if (answer.isOff) return answer;

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "linux/bus/DaemonClient.h"
+#include "linux/bus/DaemonView.h"
 #include "linux/time/SystemCalendar.h"
 #include "scheduler/World.h"
 
@@ -19,7 +19,7 @@ public:
     };
 
     /// By what the daemon tells of pauses, skips and postponements, and the system of kinds of sleep.
-    Answer of(const Value& schedule, const DaemonClient::Told& told, const DeniedKinds& denied) const;
+    Answer of(const Value& schedule, const DaemonView::Told& told, const DeniedKinds& denied) const;
 
 private:
     SystemCalendar _calendar;

@@ -324,7 +324,7 @@ void Host::showPlan() {
     SettingsWindow& window = _parts.window;
     window.list->schedules().refreshNotes();
     caughtUp();
-    const DaemonClient::Told& told = _parts.plan.told();
+    const DaemonView::Told& told = _parts.plan.told();
     if (!told.isFetched) return;
     window.next->show(told);
     window.showHappened(told.outcomes.array());

@@ -20,7 +20,7 @@ class Host {
 public:
     struct Parts {
         SettingsWindow& window;
-        DaemonClient& plan;
+        DaemonView& plan;
         Application& application;
         Platform& platform;
         Patience& patience;

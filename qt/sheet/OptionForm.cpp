@@ -219,8 +219,8 @@ void OptionForm::checkFiles() {
     for (const Field& field : _fields) {
         if (!field.option.isFile) continue;
         const std::string path = field.get().text();
-        const bool isWhole = path.starts_with('/'), isMissing = isWhole && !QFileInfo::exists(qString(path));
-        const bool isNone = field.option.key == parameters::kProgram && !path.empty() && !isWhole && path[0] != '~';
+        const bool isMissing = path.starts_with('/') && !QFileInfo::exists(qString(path));
+        const bool isNone = field.option.key == parameters::kProgram && !path.empty() && !isWholePath(path);
         std::string fault;
         if (isMissing) fault = translated("there is no such file");
         if (isNone)

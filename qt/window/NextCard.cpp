@@ -71,7 +71,7 @@ QString alarmsText(const Value& status) {
 
 }  // namespace
 
-NextCard::NextCard(QWidget* parent, DaemonClient& plan, std::function<void(const QString&)> failed)
+NextCard::NextCard(QWidget* parent, DaemonView& plan, std::function<void(const QString&)> failed)
     : Card(parent),
       _plan(plan),
       _failed(std::move(failed)),
@@ -127,7 +127,7 @@ void NextCard::resizeEvent(QResizeEvent* event) {
     static_cast<QBoxLayout*>(layout())->setDirection(isNarrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
 }
 
-void NextCard::show(const DaemonClient::Told& told) {
+void NextCard::show(const DaemonView::Told& told) {
     const Array& upcoming = told.upcoming.array();
     const auto first = [&](bool (*fits)(const Value&)) {
         const auto found = std::ranges::find_if(upcoming, fits);
@@ -170,13 +170,13 @@ void NextCard::offer(Choice& choice, const Value* occurrence) {
     choice.button->setAccessibleDescription(occurrence ? lineOf(*occurrence) : QString());
 }
 
-DaemonClient::Done NextCard::tellFailure() const {
+DaemonView::Done NextCard::tellFailure() const {
     return
         [this](const BusError& error) { _failed(error ? qString(refusalText(error.name, error.message)) : QString()); };
 }
 
 /// One that has begun is ended; otherwise one begins.
-void NextCard::showPause(const DaemonClient::Told& told) {
+void NextCard::showPause(const DaemonView::Told& told) {
     _pauseToken = pauseAround(told.pauses.array(), std::time(nullptr))[keys::kToken].text();
     const bool begins = _pauseToken.empty();
     _pause->setText(qString(begins ? translated("Pause") : translated("Resume")));

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "linux/bus/DaemonClient.h"
+#include "linux/bus/DaemonView.h"
 #include "qt/window/Card.h"
 
 class QPushButton;
@@ -13,10 +13,10 @@ namespace quorel::qt {
 /// What comes next, what follows, what stands against it, and what can be said to it.
 class NextCard : public Card {
 public:
-    NextCard(QWidget* parent, DaemonClient& plan, std::function<void(const QString& failure)> failed);
+    NextCard(QWidget* parent, DaemonView& plan, std::function<void(const QString& failure)> failed);
 
     /// What the daemon told last, or that it is not there. Again when a minute has passed.
-    void show(const DaemonClient::Told& told);
+    void show(const DaemonView::Told& told);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -29,11 +29,11 @@ private:
     };
     void connectButtons();
     void offer(Choice& choice, const Value* occurrence);
-    void showPause(const DaemonClient::Told& told);
-    DaemonClient::Done tellFailure() const;
+    void showPause(const DaemonView::Told& told);
+    DaemonView::Done tellFailure() const;
     void showTroubles(const QStringList& troubles);
 
-    DaemonClient& _plan;
+    DaemonView& _plan;
     const std::function<void(const QString&)> _failed;
     QLabel* const _title;
     QLabel* const _line;

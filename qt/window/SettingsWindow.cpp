@@ -32,7 +32,7 @@ QAccessibleInterface* accessibleWindow(const QString& /*name*/, QObject* object)
 
 }  // namespace
 
-SettingsWindow::SettingsWindow(DaemonClient& plan, const QString& copyright, const QString& picture)
+SettingsWindow::SettingsWindow(DaemonView& plan, const QString& copyright, const QString& picture)
     : lockBar(new QFrame(this)),
       lockText(makeLabel(lockBar, Weight::kText)),
       lockButton(button(lockBar, translated("Unlock…"))),

@@ -17,7 +17,7 @@ namespace quorel::qt {
 /// The window's parts, where they stand, and which of them are to be seen. What they do the host says.
 class SettingsWindow : public QWidget {
 public:
-    SettingsWindow(DaemonClient& plan, const QString& copyright, const QString& picture);
+    SettingsWindow(DaemonView& plan, const QString& copyright, const QString& picture);
 
     // Parts
     QFrame* const lockBar;

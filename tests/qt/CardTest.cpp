@@ -25,8 +25,8 @@ Value sleepIn(Seconds seconds, std::string_view step) {
 /// What can be said to it, and what it says.
 TEST_F(CardTest, OffersWhatCanBeDoneWithWhatComes) {
     open();
-    DaemonClient::Told told;
-    const auto offers = [&](const DaemonClient::Told& what) {
+    DaemonView::Told told;
+    const auto offers = [&](const DaemonView::Told& what) {
         window.next->show(what);
         QStringList texts;
         for (auto* const button : window.next->findChildren<QPushButton*>())
@@ -82,7 +82,7 @@ TEST_F(CardTest, FollowsTheThemeThatIsChosenMeanwhile) {
 
 TEST_F(CardTest, ARowSaysWhatItWasPostponedTo) {
     const Value daily = plan({7})[preferences::kScheduleArray].array().front();
-    DaemonClient::Told told;
+    DaemonView::Told told;
     const Instant due = qt::Forecast().of(daily, told, {}).at.value_or(0);
     for (const Instant planned : {due, due - kDay}) {  // the second one's time has passed
         told.upcoming =

@@ -113,7 +113,7 @@ protected:
     std::shared_ptr<headless::Bundle> bundle = std::make_shared<headless::Bundle>("/settings");
     QTemporaryDir folder;
     qt::BusLoop bus;
-    DaemonClient daemonsPlan{bus.loop(), {.outcomes = 500, .status = true, .asksPeople = true}, {[] {}}};
+    DaemonView daemonsPlan{bus.loop(), {.outcomes = 500, .status = true, .asksPeople = true}, {[] {}}};
     qt::Application application;
     qt::Cells cells;
     qt::Patience patience;

@@ -18,7 +18,7 @@ namespace quorel {
 /// calls to the daemon's name, which only root can have and which start nothing; its signals only say that it may be
 /// worth fetching again, a few times a second at most. Without a system bus, or while no daemon runs, there is nothing
 /// to see. The thread of the loop.
-class DaemonClient {
+class DaemonView {
 public:
     /// What it has told last, as its methods of these names answer. Where it does not answer, that stays; where it is
     /// gone, it is empty.
@@ -45,8 +45,8 @@ public:
     };
 
     /// Its maker fetches first.
-    DaemonClient(EventLoop& loop, Needs needs, Callbacks callbacks);
-    DaemonClient(const DaemonClient&) = delete;
+    DaemonView(EventLoop& loop, Needs needs, Callbacks callbacks);
+    DaemonView(const DaemonView&) = delete;
 
     const Told& told() const { return _told; }
     sd_bus* bus() const { return _bus.get(); }  ///< null where there is none

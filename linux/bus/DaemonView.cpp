@@ -1,4 +1,4 @@
-#include "linux/bus/DaemonClient.h"
+#include "linux/bus/DaemonView.h"
 
 #include <exception>
 #include <utility>
@@ -19,7 +19,7 @@ constexpr auto kPause = 300ms;
 constexpr auto kRetry = 1min;
 constexpr unsigned kMostUpcoming = 20;
 constexpr const char* kSaid = "said ";  // before the keys of what people have said
-constexpr DaemonClient::Interface kScheduler{wire::scheduler::kPath, wire::scheduler::kInterface};
+constexpr DaemonView::Interface kScheduler{wire::scheduler::kPath, wire::scheduler::kInterface};
 
 BusConnection connectIfThere(EventLoop& loop) try {
     BusConnection bus = connectTo(Bus::System, loop);
@@ -36,7 +36,7 @@ bool saysGone(const BusError& error) {
     return error.name == SD_BUS_ERROR_NAME_HAS_NO_OWNER || error.name == SD_BUS_ERROR_SERVICE_UNKNOWN;
 }
 
-DaemonClient::DaemonClient(EventLoop& loop, Needs needs, Callbacks callbacks)
+DaemonView::DaemonView(EventLoop& loop, Needs needs, Callbacks callbacks)
     : _needs(needs),
       _callbacks(std::move(callbacks)),
       _bus(connectIfThere(loop)),
@@ -52,14 +52,14 @@ DaemonClient::DaemonClient(EventLoop& loop, Needs needs, Callbacks callbacks)
     watch(kScheduler);
 }
 
-void DaemonClient::watch(const Interface& interface) {
+void DaemonView::watch(const Interface& interface) {
     if (!_bus) return;
     _watches.push_back(watchSignals(_bus.get(), std::string(kDaemonName),
                                     std::string("member='Changed',interface='") + interface.name + "'",
                                     [this](sd_bus_message*) { fetch(); }));
 }
 
-void DaemonClient::ownerChanged(bool isThere) {
+void DaemonView::ownerChanged(bool isThere) {
     // What people have said ends with an error from the bus.
     std::erase_if(_calls, [](const auto& call) { return !call.first.starts_with(kSaid); });
     _missing = 0;
@@ -69,7 +69,7 @@ void DaemonClient::ownerChanged(bool isThere) {
     fetch();
 }
 
-void DaemonClient::fetch() {
+void DaemonView::fetch() {
     if (!_bus) return;
     if (_missing > 0 || _pause.isRunning()) {
         _again = true;
@@ -82,8 +82,8 @@ void DaemonClient::fetch() {
     if (_callbacks.alsoRead) _callbacks.alsoRead();
 }
 
-void DaemonClient::read(const Interface& interface, const char* method, std::optional<unsigned> most, Value& into,
-                        std::function<void()> heard) {
+void DaemonView::read(const Interface& interface, const char* method, std::optional<unsigned> most, Value& into,
+                      std::function<void()> heard) {
     const auto call = newCall(interface, method);
     if (most) sd_bus_message_append(call.get(), "u", *most);
     const bool isSent = send(method, call, kPatience, [this, &into, heard = std::move(heard)](sd_bus_message* reply) {
@@ -97,21 +97,21 @@ void DaemonClient::read(const Interface& interface, const char* method, std::opt
     if (isSent) expect();
 }
 
-void DaemonClient::answered() {
+void DaemonView::answered() {
     if (_missing == 0 || --_missing > 0) return;
     _pause.start(kPause);
     _told.isFetched = true;
     _callbacks.changed();
 }
 
-BusMessagePointer DaemonClient::newCall(const Interface& interface, const char* method) const {
+BusMessagePointer DaemonView::newCall(const Interface& interface, const char* method) const {
     auto call = quorel::newCall(_bus.get(), kDaemonName.data(), interface.path, interface.name, method);
     if (call) sd_bus_message_set_auto_start(call.get(), false);
     return call;
 }
 
-bool DaemonClient::send(const std::string& key, const BusMessagePointer& call, std::chrono::seconds limit,
-                        std::function<void(sd_bus_message*)> replied) {
+bool DaemonView::send(const std::string& key, const BusMessagePointer& call, std::chrono::seconds limit,
+                      std::function<void(sd_bus_message*)> replied) {
     BusSlot slot =
         callAsync(_bus.get(), call.get(), limit, [this, key, replied = std::move(replied)](sd_bus_message* reply) {
             const auto ended = _calls.extract(key);
@@ -122,36 +122,36 @@ bool DaemonClient::send(const std::string& key, const BusMessagePointer& call, s
     return isSent;
 }
 
-void DaemonClient::skip(const std::string& token, Done done) {
+void DaemonView::skip(const std::string& token, Done done) {
     change(wire::scheduler::kSkip, token, {}, std::move(done));
 }
 
-void DaemonClient::unskip(const std::string& token, Done done) {
+void DaemonView::unskip(const std::string& token, Done done) {
     change(wire::scheduler::kUnskip, token, {}, std::move(done));
 }
 
-void DaemonClient::postpone(const std::string& token, Done done, Seconds length) {
+void DaemonView::postpone(const std::string& token, Done done, Seconds length) {
     change(wire::scheduler::kPostponeBy, token, length, std::move(done));
 }
 
-void DaemonClient::change(const char* method, const std::string& token, std::optional<Seconds> by, Done done) {
+void DaemonView::change(const char* method, const std::string& token, std::optional<Seconds> by, Done done) {
     const auto call = newCall(kScheduler, method);
     sd_bus_message_append(call.get(), "s", token.c_str());
     if (by) sd_bus_message_append(call.get(), "x", *by);
     ask(method + token, call, std::move(done));
 }
 
-void DaemonClient::pause(Done done) {
+void DaemonView::pause(Done done) {
     const auto call = newCall(kScheduler, wire::scheduler::kPause);
     sd_bus_message_append(call.get(), "xx", Instant(0), Instant(0));
     ask(wire::scheduler::kPause, call, std::move(done));
 }
 
-void DaemonClient::resume(const std::string& token, Done done) {
+void DaemonView::resume(const std::string& token, Done done) {
     change(wire::scheduler::kResume, token, {}, std::move(done));
 }
 
-void DaemonClient::ask(const std::string& key, const BusMessagePointer& call, Done done) {
+void DaemonView::ask(const std::string& key, const BusMessagePointer& call, Done done) {
     sd_bus_message_set_allow_interactive_authorization(call.get(), _needs.asksPeople);
     send(std::string(kSaid) + key, call, _needs.asksPeople ? kPersonsPatience : kPatience,
          [this, done = std::move(done)](sd_bus_message* reply) {
